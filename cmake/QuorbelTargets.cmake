@@ -1,0 +1,45 @@
+# What every target of the project has in common, and the one way to declare a library or a test.
+
+add_library(quorbel_options INTERFACE)
+target_compile_features(quorbel_options INTERFACE cxx_std_20)
+target_include_directories(quorbel_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
+target_compile_options(quorbel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual)
+# GCC 12 sees overlapping copies in inlined std::string operations where there are none (GCC bug
+# 105651).
+target_compile_options(quorbel_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+if(QUORBEL_SANITIZE)
+    target_compile_options(quorbel_options INTERFACE
+        -fsanitize=${QUORBEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quorbel_options INTERFACE -fsanitize=${QUORBEL_SANITIZE})
+endif()
+
+add_library(quorbel_qt_options INTERFACE)
+target_link_libraries(quorbel_qt_options INTERFACE quorbel_options Qt6::Widgets)
+target_compile_definitions(quorbel_qt_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_KEYWORDS
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+# quorbel_library(NAME [QT] SOURCES ... [UI ...] [LINK ...])
+#
+# A static library for one folder. UI names forms in src/layout; their generated headers are public,
+# so that a header which includes one compiles in the targets that link this library.
+function(quorbel_library name)
+    cmake_parse_arguments(arg "QT" "" "SOURCES;UI;LINK" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    if(arg_QT)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${name} PUBLIC quorbel_qt_options)
+    else()
+        set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+        target_link_libraries(${name} PUBLIC quorbel_options)
+    endif()
+    if(arg_UI)
+        list(TRANSFORM arg_UI PREPEND "${PROJECT_SOURCE_DIR}/src/layout/")
+        qt_wrap_ui(forms ${arg_UI})
+        target_sources(${name} PRIVATE ${forms})
+        target_include_directories(${name} SYSTEM PUBLIC "${CMAKE_CURRENT_BINARY_DIR}")
+    endif()
+    target_link_libraries(${name} PUBLIC ${arg_LINK})
+endfunction()

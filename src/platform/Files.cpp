@@ -1,0 +1,137 @@
+#include "platform/Files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <system_error>
+
+namespace quorbel {
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    ~Descriptor() {
+        if (m_fd >= 0) {
+            ::close(m_fd);
+        }
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    [[nodiscard]] bool isOpen() const { return m_fd >= 0; }
+    [[nodiscard]] int get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+bool writeAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return true;
+}
+
+bool syncFolder(int fd) {
+    // Some file systems cannot sync a folder and have no need to.
+    return ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+bool writeAndRename(int fd, const std::string &temporary, const std::filesystem::path &file,
+                    std::string_view bytes, unsigned mode) {
+    return writeAll(fd, bytes) && ::fchmod(fd, static_cast<mode_t>(mode)) == 0 &&
+           ::fsync(fd) == 0 && ::rename(temporary.c_str(), file.c_str()) == 0;
+}
+
+}  // namespace
+
+std::filesystem::path libraryFolder() {
+    const char *folder = std::getenv("QUORBEL_LIBRARY");
+    return folder != nullptr && *folder != '\0' ? folder : "/Library/Quorbel";
+}
+
+std::vector<std::string> listFolder(const std::filesystem::path &folder) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        names.push_back(entry->path().filename().string());
+    }
+    if (error) {
+        return {};
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+bool hasExtension(std::string_view name, std::string_view extension) {
+    const std::size_t dot = name.rfind('.');
+    return dot != std::string_view::npos && dot != 0 && !extension.empty() &&
+           name.substr(dot + 1) == extension;
+}
+
+std::optional<std::string> readFile(const std::filesystem::path &file) {
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+    const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!input.isOpen() || ::fstat(input.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    // One byte more than the file holds, so that its end is met without growing the buffer. The
+    // size is a hint only: files in /proc say 0, and a log file may grow while it is read.
+    constexpr std::size_t kSmallestRead = 4096;
+    std::string bytes;
+    std::size_t length = 0;
+    bytes.resize(std::max(static_cast<std::size_t>(status.st_size) + 1, kSmallestRead));
+    while (true) {
+        if (length == bytes.size()) {
+            bytes.resize(2 * bytes.size());
+        }
+        const ssize_t count = ::read(input.get(), bytes.data() + length, bytes.size() - length);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return std::nullopt;
+        }
+        length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+bool replaceFile(const std::filesystem::path &file, std::string_view bytes, unsigned mode) {
+    const std::filesystem::path parent = file.has_parent_path() ? file.parent_path() : ".";
+    const Descriptor folder(::open(parent.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    if (!folder.isOpen()) {
+        return false;
+    }
+    // A hidden name without the file's extension: whoever lists the folder does not take a left
+    // over one for a log file.
+    std::string temporary = (parent / ("." + file.filename().string() + ".XXXXXX")).string();
+    const Descriptor output(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!output.isOpen()) {
+        return false;
+    }
+    if (!writeAndRename(output.get(), temporary, file, bytes, mode)) {
+        const int reason = errno;
+        ::unlink(temporary.c_str());
+        errno = reason;
+        return false;
+    }
+    // When this fails the new file stands already, but might not survive a crash.
+    return syncFolder(folder.get());
+}
+
+}  // namespace quorbel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+namespace quorbel::archive {
+
+// The words of the keyed-archive format that its reader and its writer share.
+inline constexpr std::string_view kObjects = "$objects";
+inline constexpr std::string_view kTop = "$top";
+inline constexpr std::string_view kRoot = "root";
+inline constexpr std::string_view kClass = "$class";
+inline constexpr std::string_view kClassName = "$classname";
+inline constexpr std::string_view kClasses = "$classes";
+inline constexpr std::string_view kCollectionKeys = "NS.keys";
+inline constexpr std::string_view kCollectionObjects = "NS.objects";
+inline constexpr std::string_view kDateTime = "NS.time";
+
+}  // namespace quorbel::archive

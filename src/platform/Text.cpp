@@ -1,0 +1,94 @@
+#include "platform/Text.h"
+
+#include "platform/Utf8.h"
+
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <charconv>
+#include <clocale>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <system_error>
+
+namespace quorbel {
+
+namespace {
+
+bool isAsciiDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+// std::from_chars does not say whether a number was too large or too small.
+double outOfRangeValue(const std::string &number) {
+    static const locale_t kPlainLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(number.c_str(), nullptr, kPlainLocale);
+}
+
+}  // namespace
+
+std::size_t asciiPrefixLength(std::string_view text) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+    std::size_t at = 0;
+    for (; text.size() - at >= sizeof(std::uint64_t); at += sizeof(std::uint64_t)) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, text.data() + at, sizeof bytes);
+        if ((bytes & kHighBits) != 0) {
+            break;
+        }
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
+        ++at;
+    }
+    return at;
+}
+
+bool isAllDecimalDigits(std::string_view text) {
+    while (!text.empty()) {
+        if (isAsciiDigit(text.front())) {
+            text.remove_prefix(1);
+            continue;
+        }
+        const Utf8Character character = firstUtf8Character(text);
+        if (character.code < 0x80 || u_isdigit(static_cast<UChar32>(character.code)) == 0) {
+            return false;
+        }
+        text.remove_prefix(character.length);
+    }
+    return true;
+}
+
+double floatingPointValue(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    // from_chars alone would take another sign, "inf" and "nan".
+    if (text.empty() || !(isAsciiDigit(text.front()) || text.front() == '.')) {
+        return 0.0;
+    }
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        value = outOfRangeValue(std::string(text.data(), end));
+    }
+    return negative ? -value : value;
+}
+
+bool isUtf8(std::string_view bytes) {
+    while (true) {
+        bytes.remove_prefix(asciiPrefixLength(bytes));
+        if (bytes.empty()) {
+            return true;
+        }
+        const std::size_t length = firstUtf8Character(bytes).length;
+        if (length == 0) {
+            return false;
+        }
+        bytes.remove_prefix(length);
+    }
+}
+
+}  // namespace quorbel

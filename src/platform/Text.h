@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// Whether every character of a UTF-8 text is a decimal digit of some script (Unicode category Nd).
+/// True for the empty text.
+bool isAllDecimalDigits(std::string_view text);
+
+/// The number at the start of a text, read without regard to the locale: leading white space, a
+/// sign, digits, a fraction, an exponent. 0 when there is none. No hexadecimal, no names of
+/// numbers.
+double floatingPointValue(std::string_view text);
+
+/// Whether the bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing above
+/// U+10FFFF).
+bool isUtf8(std::string_view bytes);
+
+}  // namespace quorbel

@@ -1,0 +1,169 @@
+#include "platform/bus/CommandDelivery.h"
+
+#include "platform/KeyedArchive.h"
+#include "platform/bus/BusNames.h"
+#include "platform/bus/BusValue.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+namespace quorbel::bus {
+
+namespace {
+
+constexpr std::size_t kMessageLimit = 1024UL * 1024UL;
+
+// About the bytes that a value takes in a message, on the high side.
+std::size_t sizeInMessage(const Value &value) {
+    constexpr std::size_t kVariant = 16;  // signature, length and padding
+    constexpr std::size_t kKey = 16;      // length, padding and the final NUL
+    std::size_t size = kVariant;
+    if (const std::string *text = value.string()) {
+        size += text->size();
+    } else if (const Data *data = value.data()) {
+        size += data->bytes.size();
+    } else if (const Array *array = value.array()) {
+        for (const Value &item : *array) {
+            size += sizeInMessage(item);
+        }
+    } else if (const Dictionary *dictionary = value.dictionary()) {
+        for (const auto &[key, content] : *dictionary) {
+            size += kKey + key.size() + sizeInMessage(content);
+        }
+    }
+    return size;
+}
+
+bool writeWhole(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return true;
+}
+
+class Descriptor {
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~Descriptor() {
+        if (m_descriptor >= 0) {
+            close(m_descriptor);
+        }
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+    [[nodiscard]] int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+int appendAsFile(sd_bus_message *message, const Value &command) {
+    const Descriptor file(memfd_create("quorbel-command", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (file.get() < 0 || !writeWhole(file.get(), writeKeyedArchive(command)) ||
+        fcntl(file.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) !=
+            0) {
+        return -errno;
+    }
+    const int descriptor = file.get();
+    return sd_bus_message_append_basic(message, SD_BUS_TYPE_UNIX_FD, &descriptor);
+}
+
+// The connection is ready: whether it passes descriptors is known only then.
+MessagePointer newCall(sd_bus *bus, const Value &command) {
+    const bool asMessage = fitsOnBus(command) && sizeInMessage(command) <= kMessageLimit;
+    sd_bus_message *message = nullptr;
+    if (sd_bus_message_new_method_call(bus, &message, kServiceName, kServicePath, kCommandInterface,
+                                       asMessage ? kSetCommand : kSetCommandFile) < 0) {
+        return nullptr;
+    }
+    MessagePointer call(message);
+    const int result = asMessage ? appendToMessage(message, *command.dictionary())
+                                 : appendAsFile(message, command);
+    return result < 0 ? nullptr : std::move(call);
+}
+
+}  // namespace
+
+CommandDelivery::CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply)
+    : m_command(std::move(command)),
+      m_onReply(onReply),
+      m_deadline(Clock::now() + kSendLimit),
+      m_bus(openSystemBus()) {
+    if (m_bus == nullptr) {
+        finish();
+    }
+}
+
+void CommandDelivery::process() {
+    int result = 0;
+    do {
+        result = isFinished() ? 0 : sd_bus_process(m_bus.get(), nullptr);
+    } while (result > 0);
+    if (m_state == State::kConnecting && sd_bus_is_ready(m_bus.get()) > 0) {
+        result = call() ? 0 : -1;
+        m_state = State::kSending;
+        m_deadline = Clock::now() + kSendLimit;
+    }
+    if (m_state == State::kSending && result >= 0 &&
+        (sd_bus_get_events(m_bus.get()) & POLLOUT) == 0) {
+        m_state = State::kAwaitingReply;
+        m_deadline = Clock::now() + kOrderLimit;
+    }
+    const bool late = m_state != State::kAwaitingReply && Clock::now() >= m_deadline;
+    if (result < 0 || late) {
+        finish();
+    }
+}
+
+bool CommandDelivery::holdsUpNext() const {
+    return !isFinished() && (m_state != State::kAwaitingReply || Clock::now() < m_deadline);
+}
+
+pollfd CommandDelivery::input() const {
+    return {sd_bus_get_fd(m_bus.get()), static_cast<short>(sd_bus_get_events(m_bus.get())), 0};
+}
+
+Clock::time_point CommandDelivery::nextTime() const {
+    const auto own = holdsUpNext() ? m_deadline : Clock::time_point::max();
+    return std::min(own, processingTime(m_bus.get()).value_or(own));
+}
+
+int CommandDelivery::onMessage(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
+    auto *delivery = static_cast<CommandDelivery *>(self);
+    delivery->m_state = State::kFinished;
+    const char *text = nullptr;
+    if (sd_bus_message_is_method_error(reply, nullptr) == 0 &&
+        sd_bus_message_read_basic(reply, SD_BUS_TYPE_STRING, &text) > 0) {
+        delivery->m_onReply(text);
+    }
+    return 1;
+}
+
+bool CommandDelivery::call() {
+    const MessagePointer message = newCall(m_bus.get(), m_command);
+    m_command = Value();
+    const std::chrono::microseconds limit = kReplyLimit;
+    return message != nullptr &&
+           sd_bus_call_async(m_bus.get(), nullptr, message.get(), &onMessage, this,
+                             static_cast<std::uint64_t>(limit.count())) >= 0;
+}
+
+void CommandDelivery::finish() {
+    m_state = State::kFinished;
+    m_command = Value();
+    m_bus.reset();
+}
+
+}  // namespace quorbel::bus

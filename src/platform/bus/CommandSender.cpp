@@ -1,0 +1,179 @@
+#include "platform/bus/CommandSender.h"
+
+#include "platform/bus/CommandDelivery.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+using bus::Clock;
+using bus::CommandDelivery;
+
+namespace {
+
+constexpr std::chrono::seconds kEndLimit{5};
+
+// A service that never answers must not use up the connections that a bus allows one user.
+constexpr std::size_t kConnectionLimit = 64;
+
+}  // namespace
+
+struct CommandSender::Impl {
+    ReplyHandler onReply;
+    int wake;
+
+    std::mutex mutex;
+    std::condition_variable becameIdle;
+    std::deque<Dictionary> queue;
+    std::size_t unfinished = 0;  // in the queue or on their way
+    bool ending = false;
+
+    std::deque<std::unique_ptr<CommandDelivery>> deliveries;  // the thread's own, oldest first
+    std::thread thread;
+
+    explicit Impl(ReplyHandler handler)
+        : onReply(std::move(handler)), wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+        if (wake < 0) {
+            throw std::system_error(errno, std::generic_category(), "eventfd");
+        }
+        thread = std::thread([this] { work(); });
+    }
+
+    ~Impl() {
+        {
+            const std::scoped_lock lock(mutex);
+            ending = true;
+        }
+        eventfd_write(wake, 1);
+        thread.join();
+        close(wake);
+    }
+
+    Impl(const Impl &) = delete;
+    Impl &operator=(const Impl &) = delete;
+
+    void send(Dictionary command) {
+        {
+            const std::scoped_lock lock(mutex);
+            queue.push_back(std::move(command));
+            ++unfinished;
+        }
+        eventfd_write(wake, 1);
+    }
+
+    void work() {
+        std::optional<Clock::time_point> end;
+        while (true) {
+            // Asked first: what was handed over before the end began is then in the queue.
+            const bool last = isEnding();
+            const bool allSent = startDeliveries();
+            if (last) {
+                end = end.value_or(Clock::now() + kEndLimit);
+                if (allSent || Clock::now() >= *end) {
+                    break;
+                }
+            }
+            waitForInput(end);
+            const auto begin = Clock::now();
+            for (const auto &delivery : deliveries) {
+                delivery->process();
+            }
+            dropFinished();
+            if (end) {
+                // Encoding a large command is no waiting.
+                *end += Clock::now() - begin;
+            }
+        }
+        deliveries.clear();
+    }
+
+    bool isEnding() {
+        const std::scoped_lock lock(mutex);
+        return ending;
+    }
+
+    std::optional<Dictionary> nextCommand() {
+        const std::scoped_lock lock(mutex);
+        if (queue.empty()) {
+            return std::nullopt;
+        }
+        std::optional<Dictionary> command = std::move(queue.front());
+        queue.pop_front();
+        return command;
+    }
+
+    // Whether nothing is left to send.
+    bool startDeliveries() {
+        while (deliveries.empty() || !deliveries.back()->holdsUpNext()) {
+            std::optional<Dictionary> command = nextCommand();
+            if (!command) {
+                return true;
+            }
+            deliveries.push_back(std::make_unique<CommandDelivery>(std::move(*command), onReply));
+            dropFinished();
+            if (deliveries.size() > kConnectionLimit) {
+                deliveries.pop_front();
+                settle(1);
+            }
+        }
+        return false;
+    }
+
+    void dropFinished() {
+        settle(
+            std::erase_if(deliveries, [](const auto &delivery) { return delivery->isFinished(); }));
+    }
+
+    void settle(std::size_t count) {
+        const std::scoped_lock lock(mutex);
+        unfinished -= count;
+        if (unfinished == 0) {
+            becameIdle.notify_all();
+        }
+    }
+
+    void waitForInput(std::optional<Clock::time_point> end) const {
+        std::vector<pollfd> inputs{{wake, POLLIN, 0}};
+        Clock::time_point until = end.value_or(Clock::time_point::max());
+        for (const auto &delivery : deliveries) {
+            inputs.push_back(delivery->input());
+            until = std::min(until, delivery->nextTime());
+        }
+        const bool limited = until != Clock::time_point::max();
+        poll(inputs.data(), inputs.size(),
+             limited ? static_cast<int>(bus::remaining(until).count()) : -1);
+        eventfd_t ignored = 0;
+        eventfd_read(wake, &ignored);
+    }
+};
+
+CommandSender::CommandSender(ReplyHandler onReply)
+    : m_impl(std::make_unique<Impl>(std::move(onReply))) {}
+
+CommandSender::~CommandSender() = default;
+
+void CommandSender::send(Dictionary command) {
+    m_impl->send(std::move(command));
+}
+
+bool CommandSender::waitUntilIdle(std::chrono::milliseconds limit) {
+    std::unique_lock lock(m_impl->mutex);
+    return m_impl->becameIdle.wait_for(lock, limit, [this] { return m_impl->unfinished == 0; });
+}
+
+}  // namespace quorbel

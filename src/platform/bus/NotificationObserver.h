@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+/// Receives the service's notification "Quorbel" from the system bus.
+///
+/// It has no thread and no event loop of its own: the owner's loop watches fd() for events() and
+/// calls dispatch(), also when timeout() has passed. The connection is opened at construction and
+/// opened again by itself, after the bus or the service went away, for as long as the object lives.
+/// fd() changes when that happens.
+class NotificationObserver {
+public:
+    /// Keys and values of one notification's user information, in the order sent. Entries that are
+    /// no strings are left out. The views live as long as the call.
+    using UserInfo = std::vector<std::pair<std::string_view, std::string_view>>;
+    using Handler = std::function<void(const UserInfo &userInfo)>;
+
+    explicit NotificationObserver(Handler handler);
+    ~NotificationObserver();
+    NotificationObserver(const NotificationObserver &) = delete;
+    NotificationObserver &operator=(const NotificationObserver &) = delete;
+
+    /// Whether the bus has confirmed the subscription, so that nothing sent from now on is missed.
+    [[nodiscard]] bool isConnected() const;
+    /// Dispatches until isConnected(), for at most `limit`; gives up at once without a connection.
+    void waitUntilConnected(std::chrono::milliseconds limit);
+    /// -1 while there is no connection.
+    [[nodiscard]] int fd() const;
+    /// What to poll fd() for (POLLIN and, while output is pending, POLLOUT).
+    [[nodiscard]] short events() const;
+    /// When to call dispatch() even if fd() is quiet; nothing when only fd() matters.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> timeout() const;
+
+    /// Handles what has arrived, for at most about `slice`, and connects again when it is time to.
+    /// Returns whether more is waiting already. Does nothing when called from within the handler.
+    bool dispatch(std::chrono::milliseconds slice);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,327 @@
+#include "platform/bus/CommandSender.h"
+#include "support/PrivateBus.h"
+#include "support/ServiceStandIn.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::kPatience;
+using testing::PrivateBus;
+using testing::ServiceStandIn;
+using testing::waitUntil;
+using OnCommand = ServiceStandIn::OnCommand;
+
+// Far above what handing over takes, far below what any waiting for the bus would.
+constexpr auto kAtOnce = 500ms;
+
+auto duration(const auto &work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - begin;
+}
+
+std::ptrdiff_t entryCount(const char *folder) {
+    return std::distance(std::filesystem::directory_iterator(folder),
+                         std::filesystem::directory_iterator());
+}
+
+Dictionary numbered(int number) {
+    return {{"command", "save"}, {"Number", number}};
+}
+
+Dictionary updateCommand(int events) {
+    Dictionary lines;
+    for (int event = 0; event < events; ++event) {
+        lines.append(std::to_string(1700000000 + event) + ",Local7.Debug,10.0.0.1,some message\n",
+                     "1");
+    }
+    return {{"command", "update"}, {"Events", std::move(lines)}};
+}
+
+class ReplyLog {
+public:
+    CommandSender::ReplyHandler handler() {
+        return [this](const std::string &reply) {
+            const std::scoped_lock lock(m_mutex);
+            m_replies.push_back(reply);
+            m_threads.insert(std::this_thread::get_id());
+        };
+    }
+    std::vector<std::string> replies() {
+        const std::scoped_lock lock(m_mutex);
+        return m_replies;
+    }
+    bool cameOnThread(std::thread::id thread) {
+        const std::scoped_lock lock(m_mutex);
+        return m_threads.contains(thread);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<std::string> m_replies;
+    std::set<std::thread::id> m_threads;
+};
+
+class BusCommandSenderTest : public ::testing::Test {
+protected:
+    PrivateBus m_bus;
+    ReplyLog m_log;
+};
+
+TEST_F(BusCommandSenderTest, DeliversTheDictionaryAndReportsTheReply) {
+    ServiceStandIn service;
+    service.setReply("Settings stored");
+    CommandSender sender(m_log.handler());
+    const Dictionary command{{"command", "email"},
+                             {"Recipients", Array{"a@halvern.example", "b@halvern.example"}},
+                             {"Subject", "Gr\xC3\xBC\xC3\x9F"},
+                             {"Body", ""},
+                             {"Html", false},
+                             {"Extra", Dictionary{{"Date", Date{1.5}}, {"None", Null{}}}}};
+    sender.send(command);
+    EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(command));
+    EXPECT_FALSE(service.received().at(0).asFile);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("Settings stored"));
+    EXPECT_FALSE(m_log.cameOnThread(std::this_thread::get_id()));
+}
+
+TEST_F(BusCommandSenderTest, SendsInOrderEachOverAConnectionOfItsOwn) {
+    constexpr int kCount = 64;
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    std::vector<Dictionary> expected;
+    for (int number = 0; number < kCount; ++number) {
+        expected.push_back(numbered(number));
+        sender.send(numbered(number));
+    }
+    EXPECT_EQ(service.waitForCommands(kCount), expected);
+    std::set<std::string> connections;
+    for (const auto &received : service.received()) {
+        connections.insert(received.sender);
+    }
+    EXPECT_EQ(connections.size(), std::size_t{kCount});
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_EQ(m_log.replies().size(), std::size_t{kCount});
+}
+
+TEST_F(BusCommandSenderTest, LargeCommandsTravelAsASealedFile) {
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    const Dictionary small = updateCommand(1000);
+    const Dictionary large = updateCommand(30000);
+    EXPECT_LT(duration([&] { sender.send(large); }), kAtOnce);
+    sender.send(small);
+    const auto commands = service.waitForCommands(2);
+    ASSERT_EQ(commands.size(), 2U);
+    EXPECT_TRUE(commands[0] == large);
+    EXPECT_TRUE(commands[1] == small);
+    EXPECT_TRUE(service.received()[0].asFile);
+    EXPECT_EQ(service.received()[0].seals,
+              F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL);
+    EXPECT_FALSE(service.received()[1].asFile);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("OK", "OK"));
+}
+
+TEST_F(BusCommandSenderTest, TheLimitIsOneMebibyte) {
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    sender.send({{"Body", std::string(1000 * 1024, 'x')}});
+    sender.send({{"Body", std::string(1024 * 1024 + 1, 'x')}});
+    ASSERT_EQ(service.waitForCommands(2).size(), 2U);
+    EXPECT_FALSE(service.received()[0].asFile);
+    EXPECT_TRUE(service.received()[1].asFile);
+}
+
+TEST_F(BusCommandSenderTest, WhatHasNoFormOnTheBusTravelsAsAFile) {
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    const ForeignObject colour{
+        {"NSColor", "NSObject"},
+        {{"NSColorSpace", false, std::make_shared<const Value>(1)},
+         {"NSRGB", false, std::make_shared<const Value>(Data{std::string("1 0 0\0", 6)})}}};
+    Value deep = "inmost";
+    for (int level = 0; level < 40; ++level) {
+        deep = Array{std::move(deep)};
+    }
+    const std::vector<Dictionary> commands{{{"Settings", Dictionary{{"colour", colour}}}},
+                                           {{"Body", "\xEF\xBF\xBF"}},
+                                           {{"Deep", std::move(deep)}}};
+    for (const Dictionary &command : commands) {
+        sender.send(command);
+    }
+    EXPECT_TRUE(service.waitForCommands(3) == commands);
+    for (const auto &received : service.received()) {
+        EXPECT_TRUE(received.asFile);
+    }
+}
+
+TEST_F(BusCommandSenderTest, WithoutTheServiceACommandLeavesNoTrace) {
+    CommandSender sender(m_log.handler());
+    EXPECT_LT(duration([&] { sender.send(numbered(1)); }), kAtOnce);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    ServiceStandIn service;
+    sender.send(numbered(2));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(numbered(2)));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::SizeIs(1));
+    EXPECT_THAT(service.received(), ::testing::SizeIs(1));
+}
+
+TEST_F(BusCommandSenderTest, WithoutTheBusACommandLeavesNoTrace) {
+    CommandSender sender(m_log.handler());
+    m_bus.stop();
+    EXPECT_LT(duration([&] {
+                  for (int number = 0; number < 1000; ++number) {
+                      sender.send(numbered(number));
+                  }
+              }),
+              kAtOnce);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::IsEmpty());
+    m_bus.start();
+    ServiceStandIn service;
+    sender.send(numbered(7));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(numbered(7)));
+}
+
+TEST_F(BusCommandSenderTest, ABusThatHangsIsGivenUp) {
+    CommandSender sender(m_log.handler());
+    auto ending = std::make_unique<CommandSender>(m_log.handler());
+    m_bus.freeze();
+    EXPECT_LT(duration([&] {
+                  sender.send(numbered(1));
+                  ending->send(numbered(2));
+              }),
+              kAtOnce);
+    EXPECT_LT(duration([&ending] { ending.reset(); }), 10s);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    m_bus.thaw();
+    ServiceStandIn service;
+    sender.send(numbered(3));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(numbered(3)));
+}
+
+TEST_F(BusCommandSenderTest, ACommandFollowsTheReplyToTheOneBefore) {
+    ServiceStandIn service;
+    service.onCommand(OnCommand::kReply, 200ms);
+    CommandSender sender(m_log.handler());
+    sender.send(numbered(1));
+    sender.send(numbered(2));
+    EXPECT_THAT(service.waitForCommands(2), ::testing::ElementsAre(numbered(1), numbered(2)));
+    EXPECT_THAT(m_log.replies(), ::testing::SizeIs(1));
+}
+
+TEST_F(BusCommandSenderTest, ASlowReplyHoldsUpTheNextCommandOnlyForAWhile) {
+    ServiceStandIn service;
+    service.onCommand(OnCommand::kReply, 2500ms);
+    CommandSender sender(m_log.handler());
+    sender.send(numbered(1));
+    sender.send(numbered(2));
+    EXPECT_THAT(service.waitForCommands(2), ::testing::ElementsAre(numbered(1), numbered(2)));
+    EXPECT_THAT(m_log.replies(), ::testing::IsEmpty());
+    EXPECT_FALSE(sender.waitUntilIdle(0ms));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("OK", "OK"));
+}
+
+TEST_F(BusCommandSenderTest, AnErrorIsNoReply) {
+    ServiceStandIn service;
+    service.onCommand(OnCommand::kReplyWithError);
+    CommandSender sender(m_log.handler());
+    sender.send(numbered(1));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::SizeIs(1));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::IsEmpty());
+}
+
+TEST_F(BusCommandSenderTest, AServiceThatDiesInTheMiddleIsSilent) {
+    CommandSender sender(m_log.handler());
+    {
+        ServiceStandIn service;
+        service.onCommand(OnCommand::kDie);
+        sender.send(numbered(1));
+        EXPECT_THAT(service.waitForCommands(1), ::testing::SizeIs(1));
+        EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    }
+    ServiceStandIn service;
+    sender.send(numbered(2));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(numbered(2)));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("OK"));
+}
+
+TEST_F(BusCommandSenderTest, ABusThatGoesAwayMeanwhileIsSilent) {
+    CommandSender sender(m_log.handler());
+    ServiceStandIn service;
+    service.onCommand(OnCommand::kKeepSilent);
+    sender.send(numbered(1));
+    EXPECT_THAT(service.waitForCommands(1), ::testing::SizeIs(1));
+    m_bus.stop();
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::IsEmpty());
+}
+
+TEST_F(BusCommandSenderTest, TheEndWaitsForWhatWasHandedOver) {
+    constexpr int kCount = 10;
+    ServiceStandIn service;
+    {
+        CommandSender sender(m_log.handler());
+        sender.send(updateCommand(30000));
+        for (int number = 1; number < kCount; ++number) {
+            sender.send(numbered(number));
+        }
+    }
+    const auto commands = service.waitForCommands(kCount);
+    ASSERT_EQ(commands.size(), std::size_t{kCount});
+    EXPECT_TRUE(commands.front() == updateCommand(30000));
+    EXPECT_EQ(commands.back(), numbered(kCount - 1));
+}
+
+TEST_F(BusCommandSenderTest, TheEndDoesNotWaitForSilence) {
+    ServiceStandIn service;
+    service.onCommand(OnCommand::kKeepSilent);
+    auto sender = std::make_unique<CommandSender>(m_log.handler());
+    sender->send(numbered(1));
+    sender->send(numbered(2));
+    EXPECT_LT(duration([&sender] { sender.reset(); }), 8s);
+    EXPECT_THAT(service.waitForCommands(2), ::testing::SizeIs(2));
+}
+
+TEST_F(BusCommandSenderTest, LeavesNoDescriptorAndNoThread) {
+    ServiceStandIn service;
+    const auto descriptors = entryCount("/proc/self/fd");
+    const auto threads = entryCount("/proc/self/task");
+    {
+        CommandSender sender(m_log.handler());
+        sender.send(updateCommand(30000));
+        sender.send(numbered(1));
+        EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+        EXPECT_EQ(entryCount("/proc/self/fd"), descriptors + 1);
+        EXPECT_EQ(entryCount("/proc/self/task"), threads + 1);
+    }
+    service.clear();
+    EXPECT_TRUE(waitUntil([&] { return entryCount("/proc/self/task") == threads; }));
+    EXPECT_TRUE(waitUntil([&] { return entryCount("/proc/self/fd") == descriptors; }));
+}
+
+}  // namespace
+}  // namespace quorbel

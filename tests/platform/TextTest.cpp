@@ -1,0 +1,138 @@
+#include "platform/Text.h"
+#include "platform/Utf8.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(TextTest, KnowsDecimalDigits) {
+    EXPECT_TRUE(isAllDecimalDigits(""));
+    EXPECT_TRUE(isAllDecimalDigits("0123456789"));
+    EXPECT_TRUE(isAllDecimalDigits("1700000000"));
+    EXPECT_TRUE(isAllDecimalDigits("٣४1"));  // Arabic-Indic, Devanagari
+    EXPECT_TRUE(isAllDecimalDigits("𝟗"));    // mathematical, beyond the first plane
+    EXPECT_FALSE(isAllDecimalDigits("12.5"));
+    EXPECT_FALSE(isAllDecimalDigits("-1"));
+    EXPECT_FALSE(isAllDecimalDigits(" 1"));
+    EXPECT_FALSE(isAllDecimalDigits("1a"));
+    EXPECT_FALSE(isAllDecimalDigits("1²"));  // No, not Nd
+    EXPECT_FALSE(isAllDecimalDigits("½"));
+    EXPECT_FALSE(isAllDecimalDigits("Ⅷ"));  // Nl
+    EXPECT_FALSE(isAllDecimalDigits("1\0"s));
+    EXPECT_FALSE(isAllDecimalDigits("1\xD9"));  // a digit cut off
+    EXPECT_FALSE(isAllDecimalDigits("\xFF"));
+}
+
+struct NumberCase {
+    std::string_view text;
+    double value;
+};
+
+TEST(TextTest, ReadsTheNumberAtTheStart) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const NumberCase cases[] = {
+        {"1700000000", 1700000000.0},
+        {"1.5", 1.5},
+        {"-2e3x", -2000.0},
+        {"+7", 7.0},
+        {" \t\r\n\v\f8", 8.0},
+        {"5.", 5.0},
+        {".5", 0.5},
+        {"1e", 1.0},
+        {"1e+2", 100.0},
+        {"12:30", 12.0},
+        {"1,5", 1.0},
+        {"0x10", 0.0},
+        {"", 0.0},
+        {"-", 0.0},
+        {"+", 0.0},
+        {".", 0.0},
+        {"+-3", 0.0},
+        {"--3", 0.0},
+        {"inf", 0.0},
+        {"-inf", 0.0},
+        {"nan", 0.0},
+        {"infinity", 0.0},
+        {"abc", 0.0},
+        {"1e999", kInfinity},
+        {"-1e999", -kInfinity},
+        {"1e-999", 0.0},
+        {"- 3", 0.0},
+    };
+    for (const NumberCase &entry : cases) {
+        EXPECT_EQ(floatingPointValue(entry.text), entry.value) << entry.text;
+    }
+    EXPECT_EQ(floatingPointValue(std::string_view("123456", 3)), 123.0);
+}
+
+struct Utf8Case {
+    std::string bytes;
+    bool isValid;
+};
+
+TEST(TextTest, KnowsWellFormedUtf8) {
+    const Utf8Case cases[] = {
+        {"", true},
+        {"plain", true},
+        {"\0\x7F"s, true},
+        {"é", true},
+        {"漢字", true},
+        {"\xF4\x8F\xBF\xBF", true},   // U+10FFFF
+        {"\xED\x9F\xBF", true},       // U+D7FF
+        {"\xEE\x80\x80", true},       // U+E000
+        {"\x80", false},              // a continuation alone
+        {"\xC3", false},              // cut off
+        {"\xE6\xBC", false},          // cut off
+        {"\xF0\x9F\x98", false},      // cut off
+        {"\xC3\x28", false},          // no continuation
+        {"\xC0\xAF", false},          // overlong
+        {"\xC1\xBF", false},          // overlong
+        {"\xE0\x9F\xBF", false},      // overlong
+        {"\xF0\x8F\xBF\xBF", false},  // overlong
+        {"\xED\xA0\x80", false},      // a surrogate
+        {"\xED\xBF\xBF", false},      // a surrogate
+        {"\xF4\x90\x80\x80", false},  // U+110000
+        {"\xF5\x80\x80\x80", false},  // too large
+        {"\xFF", false},
+    };
+    // At every place among the eight bytes that are looked at together.
+    for (const Utf8Case &entry : cases) {
+        for (std::size_t before = 0; before < 18; ++before) {
+            const std::string text = std::string(before, 'x') + entry.bytes;
+            EXPECT_EQ(isUtf8(text), entry.isValid) << before;
+            EXPECT_EQ(isUtf8(text + "yyyyyyyyy"), entry.isValid) << before;
+        }
+    }
+}
+
+TEST(TextTest, DecodesWhatItEncodes) {
+    for (char32_t code = 0; code <= 0x10FFFF; code += code < 0x900 ? 1 : 0x3F) {
+        if (code >= 0xD800 && code <= 0xDFFF) {
+            continue;
+        }
+        std::string text;
+        appendUtf8(text, code);
+        const Utf8Character character = firstUtf8Character(text + "x");
+        ASSERT_EQ(character.code, code);
+        ASSERT_EQ(character.length, text.size());
+    }
+}
+
+TEST(TextTest, MeasuresTheAsciiPrefix) {
+    for (std::size_t length = 0; length < 40; ++length) {
+        const std::string text(length, 'a');
+        EXPECT_EQ(asciiPrefixLength(text), length);
+        EXPECT_EQ(asciiPrefixLength(text + "\xC3\xA9" + "bbbbbbbbb"), length);
+    }
+}
+
+}  // namespace
+}  // namespace quorbel

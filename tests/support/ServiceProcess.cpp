@@ -1,0 +1,156 @@
+#include "support/ServiceProcess.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+namespace quorbel::testing {
+
+namespace {
+
+constexpr std::string_view kPortLine = "Listening on port ";
+
+std::vector<std::string> environmentFor(const ServiceProcess::Setup &setup) {
+    std::vector<std::string> variables{
+        "QUORBEL_LIBRARY=" + setup.library.string(),
+        "DBUS_SYSTEM_BUS_ADDRESS=" +
+            (setup.busAddress.empty() ? "unix:path=/nonexistent" : setup.busAddress)};
+    for (char **variable = environ; *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        if (!text.starts_with("QUORBEL_LIBRARY=") &&
+            !text.starts_with("DBUS_SYSTEM_BUS_ADDRESS=")) {
+            variables.emplace_back(text);
+        }
+    }
+    return variables;
+}
+
+/// The strings' addresses, ended by a null, as exec wants them.
+std::vector<char *> pointersTo(std::vector<std::string> &texts) {
+    std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string &text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+}  // namespace
+
+ServiceProcess::ServiceProcess(const Setup &setup) {
+    start(setup);
+    waitUntil([this] {
+        const std::string text = journal();
+        const std::size_t at = text.find(kPortLine);
+        if (at != std::string::npos && text.find('\n', at) != std::string::npos) {
+            m_port = static_cast<std::uint16_t>(std::atoi(text.c_str() + at + kPortLine.size()));
+        }
+        const std::lock_guard lock(m_mutex);
+        return m_port != 0 || m_journalEnded;
+    });
+}
+
+ServiceProcess::~ServiceProcess() {
+    kill();
+    m_reader.join();
+}
+
+void ServiceProcess::start(const Setup &setup) {
+    std::vector<std::string> arguments{QUORBEL_SRV_PATH};
+    arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
+    std::vector<std::string> environment = environmentFor(setup);
+    const std::vector<char *> argumentPointers = pointersTo(arguments);
+    const std::vector<char *> environmentPointers = pointersTo(environment);
+    std::array<int, 2> pipe{};
+    if (pipe2(pipe.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe for the service");
+    }
+    const pid_t parent = getpid();
+    m_pid = fork();
+    if (m_pid == 0) {
+        // Nothing here may allocate or lock.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        dup2(pipe[1], STDERR_FILENO);
+        if (setup.largestFile != 0) {
+            const rlimit limit{setup.largestFile, setup.largestFile};
+            setrlimit(RLIMIT_FSIZE, &limit);
+        }
+        if (getppid() == parent) {
+            execve(argumentPointers[0], argumentPointers.data(), environmentPointers.data());
+        }
+        _exit(127);
+    }
+    close(pipe[1]);
+    if (m_pid < 0) {
+        close(pipe[0]);
+        throw std::runtime_error("the service cannot be started");
+    }
+    m_reader = std::thread([this, fd = pipe[0]] { readJournal(fd); });
+}
+
+void ServiceProcess::readJournal(int fd) {
+    std::array<char, 4096> buffer{};
+    ssize_t count = 0;
+    while ((count = read(fd, buffer.data(), buffer.size())) > 0) {
+        const std::lock_guard lock(m_mutex);
+        m_journal.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    close(fd);
+    const std::lock_guard lock(m_mutex);
+    m_journalEnded = true;
+}
+
+std::string ServiceProcess::journal() const {
+    const std::lock_guard lock(m_mutex);
+    return m_journal;
+}
+
+bool ServiceProcess::waitForJournal(std::string_view text, std::chrono::milliseconds limit) const {
+    return waitUntil([&] { return journal().find(text) != std::string::npos; }, limit);
+}
+
+std::optional<int> ServiceProcess::terminate() {
+    if (!m_ended) {
+        ::kill(m_pid, SIGTERM);
+    }
+    return waitForEnd();
+}
+
+std::optional<int> ServiceProcess::waitForEnd() {
+    if (!waitUntil([this] { return reap(WNOHANG); })) {
+        kill();
+        return std::nullopt;
+    }
+    return m_status;
+}
+
+void ServiceProcess::kill() {
+    if (!m_ended) {
+        ::kill(m_pid, SIGKILL);
+        reap(0);
+    }
+}
+
+/// Whether the process has ended.
+bool ServiceProcess::reap(int options) {
+    int status = 0;
+    if (!m_ended && waitpid(m_pid, &status, options) == m_pid) {
+        m_ended = true;
+        if (WIFEXITED(status)) {
+            m_status = WEXITSTATUS(status);
+        }
+    }
+    return m_ended;
+}
+
+}  // namespace quorbel::testing

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "support/WaitUntil.h"
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace quorbel::testing {
+
+/// The real service, QuorbelSrv, as a child process on a port of its own. Make it on a thread that
+/// outlives it: the process dies with that thread, so that a crashed test leaves nothing running.
+class ServiceProcess {
+public:
+    struct Setup {
+        std::filesystem::path library;  ///< its folder of settings and log files
+        std::string busAddress;         ///< its system bus; empty: one that does not exist
+        std::vector<std::string> arguments{"--port", "0"};
+        std::uint64_t largestFile = 0;  ///< no file may grow beyond that many bytes; 0: any size
+    };
+
+    /// Returns when the service listens, or when it has ended without doing so.
+    explicit ServiceProcess(const Setup &setup);
+    /// Kills it if it still runs.
+    ~ServiceProcess();
+    ServiceProcess(const ServiceProcess &) = delete;
+    ServiceProcess &operator=(const ServiceProcess &) = delete;
+
+    [[nodiscard]] bool isListening() const { return m_port != 0; }
+    /// The UDP and TCP port that it listens on; 0 when it does not.
+    [[nodiscard]] std::uint16_t port() const { return m_port; }
+    [[nodiscard]] pid_t pid() const { return m_pid; }
+
+    /// What it has written to its standard error so far.
+    [[nodiscard]] std::string journal() const;
+    /// Whether that holds `text` within `limit`.
+    bool waitForJournal(std::string_view text, std::chrono::milliseconds limit = kPatience) const;
+
+    /// Asks it to end (SIGTERM) and returns its exit status; nothing when it ended otherwise, or
+    /// was killed because it did not end.
+    std::optional<int> terminate();
+    /// Ends it on the spot (SIGKILL), as a crash would.
+    void kill();
+    /// Waits for it to end by itself; nothing when it was killed because it did not.
+    std::optional<int> waitForEnd();
+
+private:
+    void start(const Setup &setup);
+    void readJournal(int fd);
+    bool reap(int options);
+
+    pid_t m_pid = -1;
+    bool m_ended = false;
+    std::optional<int> m_status;
+    std::uint16_t m_port = 0;
+
+    mutable std::mutex m_mutex;
+    std::string m_journal;        ///< under m_mutex
+    bool m_journalEnded = false;  ///< under m_mutex
+    std::thread m_reader;
+};
+
+}  // namespace quorbel::testing
