@@ -1,0 +1,47 @@
+#pragma once
+
+#include "core/AppState.h"
+#include "core/PageLinks.h"
+#include "platform/Value.h"
+#include "platform/bus/CommandSender.h"
+
+#include <optional>
+#include <string>
+
+namespace quorbel {
+
+/// The application's delegate: the state that all pages share, and the way to the service.
+/// Reached by every page; main thread only.
+class AppDelegate {
+public:
+    AppDelegate();
+
+    AppState state;
+
+    /// The bytes of the settings document, or nothing when it cannot be read.
+    [[nodiscard]] static std::optional<std::string> readSettings();
+    /// Sends the whole document to the service, which stores it. Nothing tells whether it did.
+    void saveSettings(Dictionary settings);
+    /// Sends one command to the service and returns at once.
+    void setPipe(Dictionary command);
+    /// The connection behind setPipe().
+    CommandSender &commandSender() { return m_sender; }
+
+    // Application-level commands: show the main window again and forward to it. They do nothing
+    // before the window exists.
+    void setMainWindow(MainWindowLink *window) { m_window = window; }
+    [[nodiscard]] MainWindowLink *mainWindow() const { return m_window; }
+    void Home();
+    void Scan();
+    void Reports();
+    void Tools();
+    void About();
+
+private:
+    void forward(void (MainWindowLink::*command)());
+
+    CommandSender m_sender;
+    MainWindowLink *m_window = nullptr;
+};
+
+}  // namespace quorbel

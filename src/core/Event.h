@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quorbel {
+
+/// Names an event for as long as the program runs; later events have larger ones.
+using EventId = std::uint64_t;
+
+/// The fields of an event on its way in: views into a log line or a notification. Any can be
+/// absent.
+struct EventFields {
+    std::optional<std::string_view> date;
+    std::optional<std::string_view> priority;
+    std::optional<std::string_view> host;
+    std::optional<std::string_view> message;
+    /// Further keys that came with it, carried along.
+    std::span<const std::pair<std::string_view, std::string_view>> others;
+};
+
+class EventList;
+
+/// One event, shared by reference: the list, the alert queue, a details sheet and a popup that hold
+/// the same event see the same fields. It stays readable after it left the list, as it was then.
+///
+/// In its interface it is a map from text to text, in which any key can be absent; the list
+/// rewrites "Date" and adds "Image". Main thread only; must not outlive its list.
+class Event {
+public:
+    Event(EventList &list, EventId id);
+    ~Event();
+    Event(const Event &other);
+    Event(Event &&other) noexcept;
+    Event &operator=(Event other) noexcept;
+
+    [[nodiscard]] EventId id() const { return m_id; }
+    /// The value of a key ("Date", "Priority", "Host", "Message", "Image", or one that came with
+    /// the event); nothing when it is absent.
+    [[nodiscard]] std::optional<std::string> value(std::string_view key) const;
+
+private:
+    EventList *m_list;
+    EventId m_id;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "core/Event.h"
+#include "core/StringTable.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// What the list holds of one event, beside its message's bytes.
+struct EventRecord {
+    /// `format` of a date still in the digits that it came in.
+    static constexpr std::uint8_t kRawDate = 0;
+    /// `format` of a date that is kept as text, in the list's side table.
+    static constexpr std::uint8_t kTextDate = 255;
+    static constexpr std::uint32_t kNoMessage = UINT32_MAX;
+
+    std::int64_t seconds = 0;  ///< since 1970; the moment that a raw or rendered date shows
+    std::uint32_t message = kNoMessage;  ///< where its bytes are in the chunk
+    StringTable::Id priority = StringTable::kAbsent;
+    StringTable::Id host = StringTable::kAbsent;
+    std::uint16_t showings = 0;      ///< how many showings of the list its date and image reflect
+    std::uint8_t format = kRawDate;  ///< else the format in which its date was rendered
+    std::uint8_t image : 2 = 0;      ///< 0 none, else 1 + SeverityLevel
+    std::uint8_t isLeaving : 1 = 0;  ///< whether it is marked for removal
+    std::uint8_t hasExtras : 1 = 0;  ///< whether the list's side table holds more of it
+};
+static_assert(sizeof(EventRecord) == 24);
+
+/// A run of consecutive events, packed: one allocation for the records and one for the messages.
+/// Records are reached by slot (what their id fixes) or by position (among those still present).
+class EventChunk {
+public:
+    static constexpr std::size_t kSlots = 4096;
+
+    explicit EventChunk(EventId first);
+
+    [[nodiscard]] EventId first() const { return m_first; }
+    [[nodiscard]] EventId idAt(std::size_t position) const;
+    [[nodiscard]] std::optional<std::size_t> positionOf(EventId id) const;
+    [[nodiscard]] std::size_t size() const { return m_records.size(); }
+    /// Whether no further event can be added.
+    [[nodiscard]] bool isFull() const;
+
+    EventRecord &record(std::size_t position) { return m_records[position]; }
+    [[nodiscard]] const EventRecord &record(std::size_t position) const {
+        return m_records[position];
+    }
+    /// Valid until the chunk changes.
+    [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
+
+    /// Adds the next event. Precondition: not full.
+    EventRecord &append(const std::optional<std::string_view> &message);
+    /// Returns unused memory; called when no further event will come.
+    void close();
+    /// A run of positions, [first, last).
+    struct Positions {
+        std::size_t first = 0;
+        std::size_t last = 0;
+    };
+    /// Takes out the records at ascending runs of positions, in one pass.
+    void remove(const std::vector<Positions> &ranges);
+
+    // The look-up table of removal notices: rebuilt by the list whenever it is out of date.
+    void resetIndex() { m_index.clear(); }
+    [[nodiscard]] bool hasIndex() const { return !m_index.empty(); }
+    void startIndex();
+    void addToIndex(std::size_t hash, std::size_t position);
+    /// Calls `visit(position)` for every present record that was added under this hash, and perhaps
+    /// for others.
+    template <typename Visit>
+    void lookUp(std::size_t hash, Visit visit) const {
+        for (std::size_t i = hash % m_index.size(); m_index[i] != 0; i = (i + 1) % m_index.size()) {
+            if ((m_index[i] >> kSlotBits) == fragment(hash)) {
+                const std::size_t slot = (m_index[i] & kSlotMask) - 1;
+                if (const auto position = positionOf(m_first + slot)) {
+                    visit(*position);
+                }
+            }
+        }
+    }
+
+private:
+    static constexpr unsigned kSlotBits = 13;
+    static constexpr std::uint32_t kSlotMask = (1U << kSlotBits) - 1;
+
+    static std::uint32_t fragment(std::size_t hash) {
+        return static_cast<std::uint32_t>(hash >> (64U - (32U - kSlotBits)));
+    }
+    void dropUnusedBytes();
+
+    EventId m_first;
+    std::size_t m_used = 0;  // slots handed out
+    std::array<std::uint64_t, kSlots / 64> m_present{};
+    std::vector<EventRecord> m_records;
+    std::vector<char> m_bytes;  // each message after its length, seven bits a byte
+    std::size_t m_deadBytes = 0;
+    std::vector<std::uint32_t> m_index;  // hash fragment, slot + 1; 0 for a free place
+};
+
+}  // namespace quorbel

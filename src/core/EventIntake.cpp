@@ -1,0 +1,132 @@
+#include "core/EventIntake.h"
+
+#include "core/AppDelegate.h"
+#include "core/EventList.h"
+#include "core/LogReader.h"
+#include "core/SettingsDocument.h"
+#include "core/Severity.h"
+#include "platform/Files.h"
+#include "platform/Text.h"
+
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace quorbel {
+
+namespace {
+
+/// A line's fields as text. A field that is not UTF-8 is absent, and so are those after it.
+EventFields decodeFields(const LogLine &line) {
+    EventFields fields;
+    if (!isUtf8(line.date)) {
+        return fields;
+    }
+    fields.date = line.date;
+    if (!isUtf8(line.priority)) {
+        return fields;
+    }
+    fields.priority = line.priority;
+    if (!isUtf8(line.host)) {
+        return fields;
+    }
+    fields.host = line.host;
+    if (isUtf8(line.message)) {
+        fields.message = line.message;
+    }
+    return fields;
+}
+
+std::vector<std::filesystem::path> logFiles() {
+    const auto folder = libraryFolder();
+    std::vector<std::filesystem::path> files;
+    for (const std::string &name : listFolder(folder)) {
+        if (hasExtension(name, "log")) {
+            files.push_back(folder / name);
+        }
+    }
+    return files;
+}
+
+std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
+    std::uint64_t total = 0;
+    for (const auto &file : files) {
+        std::error_code error;
+        const std::uint64_t size = std::filesystem::file_size(file, error);
+        total += error ? 0 : size;
+    }
+    return total;
+}
+
+}  // namespace
+
+EventIntake::EventIntake(AppState &state, EventListPageLink &eventList, HomePageLink &home)
+    : m_state(state), m_eventList(eventList), m_home(home) {}
+
+void EventIntake::count(const PriorityClasses &classes) {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        m_state.*kSeverityClasses[i].counter += classes.counted[i] ? 1 : 0;
+    }
+}
+
+EventId EventIntake::setNotification(const EventFields &event) {
+    EventList &list = m_eventList.arrController();
+    const EventId id =
+        m_eventList.isOnScreen() ? m_eventList.insertEvent(event) : list.insertRaw(event);
+    count(list.classes(0));
+    if (m_home.isOnScreen()) {
+        m_home.setEventsStatus();
+    }
+    return id;
+}
+
+void EventIntake::removeNotification(const EventFields &announced) {
+    m_eventList.removeEvent(announced);
+}
+
+void EventIntake::takeSettings() {
+    const auto document = decodeSettings(AppDelegate::readSettings());
+    for (const SeverityClass &severity : kSeverityClasses) {
+        m_state.*severity.level =
+            document ? settingInteger(*document, "severity" + std::string(severity.keyPart))
+                     : severity.defaultLevel;
+    }
+    const Dictionary settings = document.value_or(Dictionary{});
+    m_state.iPopupEvents = settingInteger(settings, "popupEvents");
+    m_state.newDateFormat = settingText(settings, "dateFormat").value_or("");
+    m_state.oldDateFormat = m_state.newDateFormat;
+    m_state.popupSound = settingText(settings, "popupSound").value_or("");
+    m_state.popupDisplayArray = settingTexts(settings, "popupDisplayArray");
+    m_state.popupPlayArray = settingTexts(settings, "popupPlayArray");
+}
+
+void EventIntake::initializeLog(const Progress &onProgress) {
+    for (const SeverityClass &severity : kSeverityClasses) {
+        m_state.*severity.counter = 0;
+    }
+    takeSettings();
+
+    const auto files = logFiles();
+    const std::uint64_t total = totalSize(files);
+    std::uint64_t read = 0;
+    EventList &list = m_eventList.arrController();
+    list.beginBulkInsert();
+    for (const auto &file : files) {
+        LogReader::readFile(
+            file,
+            [this](const LogLine &line) {
+                setNotification(decodeFields(line));
+                return true;
+            },
+            [&](std::size_t bytes) {
+                read += bytes;
+                if (onProgress) {
+                    onProgress(read, total);
+                }
+                return true;
+            });
+    }
+    list.endBulkInsert();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/AppState.h"
+#include "core/Event.h"
+#include "core/PageLinks.h"
+#include "core/Severity.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace quorbel {
+
+/// The one way in for events, live ones and those of the log files: counts each by severity and
+/// hands it to the event list and the home page. Main thread only.
+class EventIntake {
+public:
+    /// Called now and then during the start-up load, with the bytes read so far and those that the
+    /// log files hold.
+    using Progress = std::function<void(std::uint64_t read, std::uint64_t total)>;
+
+    EventIntake(AppState &state, EventListPageLink &eventList, HomePageLink &home);
+
+    /// Takes one new event in and returns the id under which the list holds it.
+    EventId setNotification(const EventFields &event);
+    /// Hands an announced removal on; counters stay as they are.
+    void removeNotification(const EventFields &announced);
+    /// The start-up load: counters to zero, the settings into the state, every log file into the
+    /// list, oldest file first.
+    void initializeLog(const Progress &onProgress = {});
+
+private:
+    void count(const PriorityClasses &classes);
+    void takeSettings();
+
+    AppState &m_state;
+    EventListPageLink &m_eventList;
+    HomePageLink &m_home;
+};
+
+}  // namespace quorbel

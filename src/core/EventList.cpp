@@ -1,0 +1,291 @@
+#include "core/EventList.h"
+
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <ranges>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::size_t kMaxPlainDigits = 18;
+
+/// Seconds as the digits that the service writes: no sign, no leading zero, within 64 bits.
+std::optional<std::int64_t> plainSeconds(std::string_view text) {
+    const bool fits = !text.empty() && text.size() <= kMaxPlainDigits;
+    if (!fits || (text.front() == '0' && text.size() > 1) ||
+        !std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; })) {
+        return std::nullopt;
+    }
+    std::int64_t seconds = 0;
+    std::from_chars(text.data(), text.data() + text.size(), seconds);
+    return seconds;
+}
+
+/// The whole second of a number, within what a date can be rendered from.
+std::int64_t wholeSeconds(double seconds) {
+    constexpr double kLimit = 9e17;
+    return static_cast<std::int64_t>(std::floor(std::clamp(seconds, -kLimit, kLimit)));
+}
+
+}  // namespace
+
+std::uint8_t EventList::shownClass(const EventRecord &record) const {
+    return (record.priority == StringTable::kAbsent ? m_absentClasses : m_classes[record.priority])
+        .shown;
+}
+
+StringTable::Id EventList::acquirePriority(const std::optional<std::string_view> &text) {
+    if (!text) {
+        return StringTable::kAbsent;
+    }
+    const StringTable::Id id = m_priorities.acquire(*text);
+    if (m_classes.size() <= id) {
+        m_classes.resize(m_priorities.idLimit());
+    }
+    if (m_priorities.uses(id) == 1) {
+        m_classes[id] = classifyPriority(*text);
+    }
+    return id;
+}
+
+EventList::Place EventList::add(const EventFields &fields) {
+    if (m_chunks.empty() || m_chunks.back().isFull()) {
+        if (!m_chunks.empty()) {
+            m_chunks.back().close();
+        }
+        m_chunks.emplace_back(m_nextId);
+        m_countUpTo.push_back(m_size);
+    }
+    EventChunk &chunk = m_chunks.back();
+    EventRecord &record = chunk.append(fields.message);
+    record.priority = acquirePriority(fields.priority);
+    record.host = fields.host ? m_hosts.acquire(*fields.host) : StringTable::kAbsent;
+    record.showings = static_cast<std::uint16_t>(m_dates.showings());
+    const Place place{&chunk, chunk.size() - 1};
+    setDate(place, fields.date);
+    if (!fields.others.empty()) {
+        record.hasExtras = 1;
+        auto &others = m_extras[m_nextId].others;
+        for (const auto &[key, value] : fields.others) {
+            others.emplace_back(key, value);
+        }
+    }
+    ++m_nextId;
+    ++m_size;
+    if (m_countsCurrent) {
+        m_countUpTo.back() = m_size;
+    }
+    return place;
+}
+
+void EventList::setDate(const Place &place, const std::optional<std::string_view> &text) {
+    EventRecord &record = place.record();
+    if (!text) {
+        record.format = EventRecord::kTextDate;
+        return;
+    }
+    if (const auto seconds = plainSeconds(*text)) {
+        record.seconds = *seconds;
+        return;
+    }
+    record.format = isAllDecimalDigits(*text) ? EventRecord::kRawDate : EventRecord::kTextDate;
+    record.seconds = wholeSeconds(floatingPointValue(*text));
+    record.hasExtras = 1;
+    m_extras[m_nextId].date = *text;
+}
+
+EventId EventList::insertRaw(const EventFields &fields) {
+    const bool tell = m_observer != nullptr && !m_inBulk;
+    if (tell) {
+        m_observer->rowWillBeInsertedAtTop();
+    }
+    add(fields);
+    if (tell) {
+        m_observer->rowWasInserted();
+    }
+    return m_nextId - 1;
+}
+
+EventId EventList::insertShown(const EventFields &fields, const AppState &state) {
+    makeRoomForShowing();
+    if (m_observer != nullptr) {
+        m_observer->rowWillBeInsertedAtTop();
+    }
+    const Place place = add(fields);
+    EventRecord &record = place.record();
+    m_dates.showAtOnce(record, shownClass(record), state, fields.date.has_value());
+    if (record.hasExtras != 0) {
+        m_extras[m_nextId - 1].date.reset();
+    }
+    if (place.chunk->hasIndex()) {
+        place.chunk->addToIndex(indexKey(place, m_indexFormat), place.position);
+    }
+    if (m_observer != nullptr) {
+        m_observer->rowWasInserted();
+    }
+    return m_nextId - 1;
+}
+
+void EventList::show(const AppState &state) {
+    makeRoomForShowing();
+    m_dates.noteShowing(state);
+    for (EventChunk &chunk : m_chunks | std::views::reverse) {
+        if (!m_dates.lastShowingReRendered() && chunk.first() + EventChunk::kSlots <= m_firstRaw) {
+            break;
+        }
+        chunk.resetIndex();
+    }
+    m_firstRaw = m_nextId;
+}
+
+void EventList::settle(const Place &place) {
+    EventRecord &record = place.record();
+    if (record.showings == m_dates.showings()) {
+        return;
+    }
+    std::optional<std::string> none;
+    Extras *extras = record.hasExtras != 0 ? &m_extras[place.id()] : nullptr;
+    m_dates.settle(record, shownClass(record), extras != nullptr ? extras->date : none);
+}
+
+void EventList::countUp() {
+    m_countUpTo.clear();
+    std::size_t count = 0;
+    for (const EventChunk &chunk : m_chunks) {
+        m_countUpTo.push_back(count += chunk.size());
+    }
+    m_countsCurrent = true;
+}
+
+EventList::Place EventList::placeOfRow(std::size_t row) {
+    if (!m_countsCurrent) {
+        countUp();
+    }
+    const std::size_t age = m_size - 1 - row;
+    const auto chunk =
+        static_cast<std::size_t>(std::ranges::upper_bound(m_countUpTo, age) - m_countUpTo.begin());
+    return {&m_chunks[chunk], age - (chunk == 0 ? 0 : m_countUpTo[chunk - 1])};
+}
+
+std::optional<EventList::Place> EventList::placeOf(EventId id) {
+    const auto after = std::ranges::upper_bound(m_chunks, id, {}, &EventChunk::first);
+    if (after == m_chunks.begin()) {
+        return std::nullopt;
+    }
+    EventChunk &chunk = *std::prev(after);
+    const auto position = chunk.positionOf(id);
+    return position ? std::optional(Place{&chunk, *position}) : std::nullopt;
+}
+
+std::optional<std::string> EventList::dateText(const Place &place) {
+    settle(place);
+    const EventRecord &record = place.record();
+    if (record.hasExtras != 0) {
+        if (const auto &kept = m_extras[place.id()].date) {
+            return kept;
+        }
+    }
+    switch (record.format) {
+        case EventRecord::kRawDate:
+            return std::to_string(record.seconds);
+        case EventRecord::kTextDate:
+            return std::nullopt;
+        default:
+            return m_dates.format(record.format).render(static_cast<double>(record.seconds));
+    }
+}
+
+std::optional<std::string> EventList::date(std::size_t row) {
+    return dateText(placeOfRow(row));
+}
+
+std::optional<std::string_view> EventList::priority(std::size_t row) {
+    const StringTable::Id id = placeOfRow(row).record().priority;
+    return id == StringTable::kAbsent ? std::nullopt : std::optional(m_priorities.text(id));
+}
+
+std::optional<std::string_view> EventList::host(std::size_t row) {
+    const StringTable::Id id = placeOfRow(row).record().host;
+    return id == StringTable::kAbsent ? std::nullopt : std::optional(m_hosts.text(id));
+}
+
+std::optional<std::string_view> EventList::message(std::size_t row) {
+    const Place place = placeOfRow(row);
+    return place.chunk->message(place.record());
+}
+
+std::string_view EventList::image(std::size_t row) {
+    const Place place = placeOfRow(row);
+    settle(place);
+    return severityLevelName(std::int64_t{place.record().image} - 1);
+}
+
+const PriorityClasses &EventList::classes(std::size_t row) {
+    const StringTable::Id id = placeOfRow(row).record().priority;
+    return id == StringTable::kAbsent ? m_absentClasses : m_classes[id];
+}
+
+std::optional<std::int64_t> EventList::momentShown(std::size_t row, std::string_view dateFormat) {
+    const EventDates::FormatId format = formatId(dateFormat);
+    const Place place = placeOfRow(row);
+    settle(place);
+    const EventRecord &record = place.record();
+    if (record.format == format) {
+        return m_dates.format(format).roundTrip(record.seconds);
+    }
+    const auto text = dateText(place);
+    const auto moment = text ? m_dates.format(format).parse(*text) : std::nullopt;
+    return moment ? std::optional(static_cast<std::int64_t>(std::llround(*moment))) : std::nullopt;
+}
+
+EventId EventList::idAt(std::size_t row) {
+    return placeOfRow(row).id();
+}
+
+std::optional<std::size_t> EventList::rowOf(EventId id) {
+    const auto place = placeOf(id);
+    if (!place) {
+        return std::nullopt;
+    }
+    if (!m_countsCurrent) {
+        countUp();
+    }
+    const auto chunk = static_cast<std::size_t>(
+        std::ranges::upper_bound(m_chunks, id, {}, &EventChunk::first) - m_chunks.begin() - 1);
+    return m_size - 1 - place->position - (chunk == 0 ? 0 : m_countUpTo[chunk - 1]);
+}
+
+EventDates::FormatId EventList::formatId(std::string_view setting) {
+    makeRoomForShowing();
+    return m_dates.formatId(setting);
+}
+
+void EventList::makeRoomForShowing() {
+    if (!m_dates.isFull()) {
+        return;
+    }
+    for (EventChunk &chunk : m_chunks) {
+        chunk.resetIndex();
+        for (std::size_t position = 0; position < chunk.size(); ++position) {
+            const Place place{&chunk, position};
+            auto text = dateText(place);
+            EventRecord &record = place.record();
+            if (record.format != EventRecord::kRawDate) {
+                record.format = EventRecord::kTextDate;
+                record.hasExtras = 1;
+                m_extras[place.id()].date = std::move(text);
+            }
+            record.showings = 0;
+        }
+    }
+    m_dates.reset();
+    m_indexFormat = 0;
+}
+
+}  // namespace quorbel

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "core/AppState.h"
+#include "core/Event.h"
+#include "core/EventChunk.h"
+#include "core/EventDates.h"
+#include "core/Severity.h"
+#include "core/StringTable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+/// Hears of changes to the list's rows, before and after each. Row 0 is the newest event.
+class EventListObserver {
+public:
+    virtual ~EventListObserver() = default;
+    virtual void rowWillBeInsertedAtTop() = 0;
+    virtual void rowWasInserted() = 0;
+    virtual void rowsWillBeRemoved(std::size_t first, std::size_t count) = 0;
+    virtual void rowsWereRemoved() = 0;
+    virtual void listWillChangeAtLarge() = 0;
+    virtual void listChangedAtLarge() = 0;
+
+protected:
+    EventListObserver() = default;
+    EventListObserver(const EventListObserver &) = default;
+    EventListObserver &operator=(const EventListObserver &) = default;
+};
+
+/// A run of consecutive rows.
+struct RowRange {
+    std::size_t first = 0;
+    std::size_t count = 0;
+};
+
+/// Row numbers in any order, without repetition, as ascending runs that do not touch one another.
+std::vector<RowRange> joinRows(std::vector<std::size_t> rows);
+
+/// The events that the front-end holds, newest first, built for millions of them.
+///
+/// Hosts and priorities are held once each, messages packed by the thousand, dates as numbers that
+/// are rendered when somebody looks (see EventDates). Adding at the top is O(1); removing any
+/// number of rows is one pass; a removal notice finds its event by a hash look-up in each chunk of
+/// 4,096 events. Main thread only.
+class EventList {
+public:
+    EventList() = default;
+    EventList(const EventList &) = delete;
+    EventList &operator=(const EventList &) = delete;
+
+    void setObserver(EventListObserver *observer) { m_observer = observer; }
+
+    [[nodiscard]] std::size_t size() const { return m_size; }
+
+    /// Adds an event at row 0 as it came: its date unconverted, without an image.
+    EventId insertRaw(const EventFields &fields);
+    /// Adds an event at row 0 with its date rendered in the format now in force and its image set.
+    EventId insertShown(const EventFields &fields, const AppState &state);
+    /// Converts the dates and sets the images of all rows, as each time before the list is shown.
+    void show(const AppState &state);
+
+    // One row's texts, each absent when the event has no such field. `row` < size().
+    [[nodiscard]] std::optional<std::string> date(std::size_t row);
+    [[nodiscard]] std::optional<std::string_view> priority(std::size_t row);
+    [[nodiscard]] std::optional<std::string_view> host(std::size_t row);
+    [[nodiscard]] std::optional<std::string_view> message(std::size_t row);
+    /// The severity image's name; empty when the event has none.
+    [[nodiscard]] std::string_view image(std::size_t row);
+    /// How the row's priority is classified.
+    [[nodiscard]] const PriorityClasses &classes(std::size_t row);
+    /// The moment that the row's date reads as in a format of the settings; nothing when it does
+    /// not read.
+    [[nodiscard]] std::optional<std::int64_t> momentShown(std::size_t row,
+                                                          std::string_view dateFormat);
+
+    [[nodiscard]] EventId idAt(std::size_t row);
+    /// Nothing when the event has left the list.
+    [[nodiscard]] std::optional<std::size_t> rowOf(EventId id);
+    /// The first row, not marked for removal, whose date, rendered, is the given moment rendered in
+    /// `dateFormat`, and whose other fields equal the given ones. An absent field equals nothing.
+    [[nodiscard]] std::optional<std::size_t> find(const EventFields &announced,
+                                                  std::string_view dateFormat);
+
+    /// Removes rows. The ranges ascend and do not touch one another.
+    void removeRows(const std::vector<RowRange> &ranges);
+    /// Removes a row with the next removeMarked(); until then it stays where it is, but find()
+    /// passes it over. A view of a million rows needs milliseconds for each change of their number,
+    /// so removals that come one by one are better made together.
+    void markForRemoval(std::size_t row);
+    void removeMarked();
+
+    /// Between these two, rows are added without a word to the observer.
+    void beginBulkInsert();
+    void endBulkInsert();
+
+private:
+    friend class Event;
+
+    /// Where a record is. Good until the next change.
+    struct Place {
+        EventChunk *chunk;
+        std::size_t position;
+        [[nodiscard]] EventRecord &record() const { return chunk->record(position); }
+        [[nodiscard]] EventId id() const { return chunk->idAt(position); }
+    };
+    struct Extras {
+        std::optional<std::string> date;
+        std::vector<std::pair<std::string, std::string>> others;
+    };
+    using Fields = std::map<std::string, std::string, std::less<>>;
+    struct Held {
+        std::size_t handles = 0;
+        std::optional<Fields> left;  // the fields, once the event has left the list
+    };
+
+    Place add(const EventFields &fields);
+    void setDate(const Place &place, const std::optional<std::string_view> &text);
+    StringTable::Id acquirePriority(const std::optional<std::string_view> &text);
+    [[nodiscard]] Place placeOfRow(std::size_t row);
+    [[nodiscard]] std::optional<Place> placeOf(EventId id);
+    void countUp();
+    void settle(const Place &place);
+    [[nodiscard]] std::optional<std::string> dateText(const Place &place);
+    [[nodiscard]] std::uint8_t shownClass(const EventRecord &record) const;
+
+    void buildIndex(EventChunk &chunk, EventDates::FormatId format);
+    [[nodiscard]] std::size_t indexKey(const Place &place, EventDates::FormatId format) const;
+    EventDates::FormatId formatId(std::string_view setting);
+    /// Starts the date bookkeeping over when it is about to run out of numbers.
+    void makeRoomForShowing();
+
+    [[nodiscard]] Fields fieldsOf(const Place &place);
+    void removeTogether(const std::vector<RowRange> &ranges);
+    void removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges);
+    void letGo(const Place &place);
+
+    void hold(EventId id);
+    void release(EventId id);
+    [[nodiscard]] std::optional<std::string> value(EventId id, std::string_view key);
+
+    EventListObserver *m_observer = nullptr;
+    bool m_inBulk = false;
+    std::size_t m_size = 0;
+    EventId m_nextId = 1;
+    std::deque<EventChunk> m_chunks;       // oldest first
+    std::vector<std::size_t> m_countUpTo;  // records up to and with each chunk
+    bool m_countsCurrent = true;
+
+    StringTable m_priorities;
+    StringTable m_hosts;
+    std::vector<PriorityClasses> m_classes;  // by priority id
+    PriorityClasses m_absentClasses = classifyPriority({});
+    EventDates m_dates;
+    EventDates::FormatId m_indexFormat = 0;  // in which the chunks' look-up tables were built
+    EventId m_firstRaw = 1;                  // no raw date before this event
+    std::vector<EventId> m_leaving;          // marked for removal
+    std::unordered_map<EventId, Extras> m_extras;
+    std::unordered_map<EventId, Held> m_held;
+};
+
+}  // namespace quorbel

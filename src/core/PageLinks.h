@@ -1,0 +1,85 @@
+#pragma once
+
+#include "core/Event.h"
+
+namespace quorbel {
+
+class EventList;
+
+// What the shell and the pages see of one another. A page includes no other page's header.
+
+/// The tabs of the main window, in their fixed order.
+enum class Tab { kHome, kEvents, kReports, kTools, kOptions, kActions, kExport };
+
+/// The main window, as the delegate and the pages reach it.
+class MainWindowLink {
+public:
+    virtual ~MainWindowLink() = default;
+
+    virtual void Home() = 0;
+    virtual void Scan() = 0;
+    virtual void Reports() = 0;
+    virtual void Tools() = 0;
+    virtual void About() = 0;
+    /// Shows the window again after it was closed or minimised, and raises it.
+    virtual void makeVisible() = 0;
+
+    /// Opens one of the settings pages 4 to 6 and records the page that it returns to.
+    virtual void openSettingsPage(Tab page, Tab parentTab) = 0;
+    virtual void selectTab(Tab page) = 0;
+
+protected:
+    MainWindowLink() = default;
+    MainWindowLink(const MainWindowLink &) = default;
+    MainWindowLink &operator=(const MainWindowLink &) = default;
+};
+
+/// The home page, as the intake reaches it.
+class HomePageLink {
+public:
+    virtual ~HomePageLink() = default;
+
+    [[nodiscard]] virtual bool isOnScreen() const = 0;
+    virtual void setEventsStatus() = 0;
+    /// The overall rating now shown (SeverityLevel).
+    [[nodiscard]] virtual int severityStatus() const = 0;
+
+protected:
+    HomePageLink() = default;
+    HomePageLink(const HomePageLink &) = default;
+    HomePageLink &operator=(const HomePageLink &) = default;
+};
+
+/// The event list page, as the intake reaches it.
+class EventListPageLink {
+public:
+    virtual ~EventListPageLink() = default;
+
+    [[nodiscard]] virtual bool isOnScreen() const = 0;
+    /// The page's list controller: the events, newest first.
+    virtual EventList &arrController() = 0;
+    /// Puts a new event at the top while the page is on screen, and returns its id.
+    virtual EventId insertEvent(const EventFields &event) = 0;
+    /// Takes out an event that the service removed, as it was announced.
+    virtual void removeEvent(const EventFields &announced) = 0;
+
+protected:
+    EventListPageLink() = default;
+    EventListPageLink(const EventListPageLink &) = default;
+    EventListPageLink &operator=(const EventListPageLink &) = default;
+};
+
+/// A settings page that remembers where Save and Cancel return to.
+class SettingsPageLink {
+public:
+    virtual ~SettingsPageLink() = default;
+
+    Tab parentTab = Tab::kTools;
+
+protected:
+    SettingsPageLink() = default;
+    SettingsPageLink(const SettingsPageLink &) = default;
+    SettingsPageLink &operator=(const SettingsPageLink &) = default;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quorbel {
+
+/// Texts that many records share, each held once and for as long as a record uses it.
+class StringTable {
+public:
+    using Id = std::uint32_t;
+    /// Stands for an absent text; it can be passed everywhere and is never counted.
+    static constexpr Id kAbsent = 0;
+
+    StringTable();
+
+    /// Nothing when no record uses that text.
+    [[nodiscard]] std::optional<Id> find(std::string_view text) const;
+    /// Adds one use of a text.
+    Id acquire(std::string_view text);
+    /// Adds one use of an id that find() gave.
+    void acquire(Id id);
+    /// Takes one use away; the last one frees the text, and its id may come back for another.
+    void release(Id id);
+
+    /// Valid until the text is freed; empty for kAbsent.
+    [[nodiscard]] std::string_view text(Id id) const { return m_entries[id].text; }
+    [[nodiscard]] std::uint64_t uses(Id id) const { return m_entries[id].uses; }
+    /// One more than the largest id handed out.
+    [[nodiscard]] std::size_t idLimit() const { return m_entries.size(); }
+
+private:
+    struct Entry {
+        std::string text;
+        std::uint64_t uses = 0;
+    };
+
+    std::deque<Entry> m_entries;  // a deque: the keys of m_ids are views of its texts
+    std::unordered_map<std::string_view, Id> m_ids;
+    std::vector<Id> m_free;
+};
+
+}  // namespace quorbel

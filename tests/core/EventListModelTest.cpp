@@ -1,0 +1,234 @@
+// The event list against a plain one that does at once, row by row, what the list puts off.
+
+#include "core/EventList.h"
+#include "platform/DateFormat.h"
+#include "platform/Text.h"
+
+#include <gtest/gtest.h>
+#include <unicode/timezone.h>
+
+#include <cmath>
+#include <deque>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using PlainEvent = std::map<std::string, std::string>;
+
+class PlainList {
+public:
+    void insertRaw(const PlainEvent &event) { rows.push_front(event); }
+
+    void insertShown(PlainEvent event, const AppState &state) {
+        setImage(event, state);
+        setDate(event, event["Date"], state);
+        rows.push_front(event);
+    }
+
+    void show(const AppState &state) {
+        for (PlainEvent &event : rows) {
+            const std::string date = event["Date"];
+            if (isAllDecimalDigits(date)) {
+                setDate(event, date, state);
+            } else if (state.oldDateFormat != state.newDateFormat) {
+                setDate(event, state.oldDateFormat, state);
+            }
+            setImage(event, state);
+        }
+    }
+
+    std::optional<std::size_t> find(const PlainEvent &announced, const AppState &state) {
+        const std::string date =
+            format(state.newDateFormat).render(floatingPointValue(announced.at("Date")));
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            const PlainEvent &event = rows[row];
+            if (event.at("Date") == date && event.at("Priority") == announced.at("Priority") &&
+                event.at("Host") == announced.at("Host") &&
+                event.at("Message") == announced.at("Message")) {
+                return row;
+            }
+        }
+        return std::nullopt;
+    }
+
+    DateFormat &format(const std::string &setting) {
+        auto &format = m_formats[setting];
+        if (!format) {
+            format = std::make_unique<DateFormat>(setting);
+        }
+        return *format;
+    }
+
+    std::deque<PlainEvent> rows;
+
+private:
+    static void setImage(PlainEvent &event, const AppState &state) {
+        const std::uint8_t shown = classifyPriority(event["Priority"]).shown;
+        const auto name = severityLevelName(state.*kSeverityClasses[shown].level);
+        if (!name.empty()) {
+            event["Image"] = name;
+        }
+    }
+
+    void setDate(PlainEvent &event, const std::string &given, const AppState &state) {
+        double seconds = 0;
+        if (event["Date"] == given) {
+            seconds = floatingPointValue(given);
+        } else {
+            const auto parsed = format(given).parse(event["Date"]);
+            if (!parsed) {
+                return;
+            }
+            seconds = *parsed;
+        }
+        event["Date"] = format(state.newDateFormat).render(seconds);
+    }
+
+    std::map<std::string, std::unique_ptr<DateFormat>> m_formats;
+};
+
+class EventListModel : public ::testing::TestWithParam<const char *> {
+protected:
+    void SetUp() override {
+        icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone(GetParam()));
+    }
+    void TearDown() override { icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("UTC")); }
+
+    std::size_t pick(std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(m_random);
+    }
+
+    PlainEvent randomEvent() {
+        static const std::vector<std::string> priorities = {
+            "Local7.Error", "Kern.Emergency", "AlertFeed.Notice", "User.Informational", "odd", ""};
+        static const std::vector<std::string> dates = {"", "12.5", "soon", "007",
+                                                       "05/11/2023 10:11"};
+        // Around a change of daylight saving time, where local times repeat.
+        const auto seconds = std::int64_t{1698540000} + static_cast<std::int64_t>(pick(9000));
+        return {{"Date", pick(12) == 0 ? dates[pick(dates.size())] : std::to_string(seconds)},
+                {"Priority", priorities[pick(priorities.size())]},
+                {"Host", "10.0.0." + std::to_string(pick(3))},
+                {"Message", std::string(pick(4) == 0 ? 300 : 1, static_cast<char>('a' + pick(2)))}};
+    }
+
+    static EventFields fieldsOf(const PlainEvent &event) {
+        return {event.at("Date"), event.at("Priority"), event.at("Host"), event.at("Message"), {}};
+    }
+
+    void changeState() {
+        static const std::vector<std::string> formats = {"",
+                                                         "yyyy-MM-dd HH:mm:ss",
+                                                         "dd/MM/yyyy HH:mm",
+                                                         "MM/dd/yyyy HH:mm",
+                                                         "d/M/yy HH:mm",
+                                                         "dd.MM.yyyy hh:mm:ss AM/PM",
+                                                         "HH:mm"};
+        m_state.oldDateFormat =
+            pick(3) == 0 ? formats[pick(formats.size())] : m_state.newDateFormat;
+        m_state.newDateFormat = formats[pick(formats.size())];
+        m_state.iSeverityEmergency = static_cast<std::int64_t>(pick(4));
+        m_state.iSeverityError = static_cast<std::int64_t>(pick(5)) - 1;
+    }
+
+    void removeRandomRows() {
+        std::vector<RowRange> ranges;
+        std::size_t row = pick(20);
+        while (row < m_list.size()) {
+            const std::size_t count = std::min(1 + pick(30), m_list.size() - row);
+            ranges.push_back({row, count});
+            row += count + 1 + pick(200);
+        }
+        m_list.removeRows(ranges);
+        for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
+            const auto first = m_plain.rows.begin() + static_cast<std::ptrdiff_t>(range->first);
+            m_plain.rows.erase(first, first + static_cast<std::ptrdiff_t>(range->count));
+        }
+    }
+
+    void removeAnnounced() {
+        PlainEvent announced = randomEvent();
+        if (m_list.size() > 0 && pick(4) != 0) {
+            const PlainEvent &known = m_plain.rows[pick(m_plain.rows.size())];
+            announced["Priority"] = known.at("Priority");
+            announced["Host"] = known.at("Host");
+            announced["Message"] = known.at("Message");
+            const auto moment = m_plain.format(m_state.newDateFormat).parse(known.at("Date"));
+            announced["Date"] = moment ? std::to_string(static_cast<std::int64_t>(*moment)) : "7";
+        }
+        const auto expected = m_plain.find(announced, m_state);
+        ASSERT_EQ(m_list.find(fieldsOf(announced), m_state.newDateFormat), expected);
+        if (expected) {
+            m_list.removeRows({{*expected, 1}});
+            m_plain.rows.erase(m_plain.rows.begin() + static_cast<std::ptrdiff_t>(*expected));
+            ++m_found;
+        }
+    }
+
+    void compareRow(std::size_t row) {
+        PlainEvent &event = m_plain.rows[row];
+        ASSERT_EQ(m_list.date(row), event["Date"]) << row;
+        ASSERT_EQ(m_list.priority(row), event["Priority"]);
+        ASSERT_EQ(m_list.host(row), event["Host"]);
+        ASSERT_EQ(m_list.message(row), event["Message"]);
+        ASSERT_EQ(m_list.image(row), event["Image"]);
+        const auto moment = m_plain.format(m_state.newDateFormat).parse(event["Date"]);
+        ASSERT_EQ(m_list.momentShown(row, m_state.newDateFormat),
+                  moment ? std::optional(static_cast<std::int64_t>(std::llround(*moment)))
+                         : std::nullopt);
+    }
+
+    std::mt19937 m_random{7};
+    EventList m_list;
+    PlainList m_plain;
+    AppState m_state;
+    int m_found = 0;
+};
+
+TEST_P(EventListModel, ReadsTheSameAsAPlainList) {
+    for (int step = 0; step < 400; ++step) {
+        for (std::size_t i = pick(150); i > 0; --i) {
+            const PlainEvent event = randomEvent();
+            if (pick(2) == 0) {
+                m_list.insertRaw(fieldsOf(event));
+                m_plain.insertRaw(event);
+            } else {
+                m_list.insertShown(fieldsOf(event), m_state);
+                m_plain.insertShown(event, m_state);
+            }
+        }
+        if (pick(8) == 0) {
+            changeState();
+        }
+        if (pick(6) == 0) {
+            m_list.show(m_state);
+            m_plain.show(m_state);
+        }
+        if (pick(20) == 0) {
+            removeRandomRows();
+        }
+        removeAnnounced();
+        if (HasFatalFailure()) {
+            return;
+        }
+        ASSERT_EQ(m_list.size(), m_plain.rows.size());
+        for (std::size_t i = 0; i < 20 && m_list.size() > 0; ++i) {
+            compareRow(pick(m_list.size()));
+        }
+    }
+    for (std::size_t row = 0; row < m_list.size(); ++row) {
+        compareRow(row);
+    }
+    EXPECT_GT(m_list.size(), 4096U);
+    EXPECT_GT(m_found, 20);
+}
+
+INSTANTIATE_TEST_SUITE_P(Zones, EventListModel,
+                         ::testing::Values("UTC", "Europe/Berlin", "America/New_York"));
+
+}  // namespace
+}  // namespace quorbel

@@ -1,0 +1,195 @@
+#include "core/LogReader.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::TemporaryFolder;
+
+using Fields = std::array<std::string, 4>;
+
+Fields copy(const LogLine &line) {
+    return {std::string(line.date), std::string(line.priority), std::string(line.host),
+            std::string(line.message)};
+}
+
+std::vector<Fields> readBack(const std::filesystem::path &file) {
+    std::vector<Fields> lines;
+    LogReader::readFile(file, [&lines](const LogLine &line) {
+        lines.push_back(copy(line));
+        return true;
+    });
+    return lines;
+}
+
+struct SplitCase {
+    const char *piece;
+    std::optional<Fields> fields;
+};
+
+TEST(LogReader, SplitsLines) {
+    const SplitCase cases[] = {
+        {"1700000000,Local7.Error,10.0.0.5,disk full, retrying\r\n",
+         Fields{"1700000000", "Local7.Error", "10.0.0.5", "disk full, retrying"}},
+        // Empty fields do not exist: later ones move forward.
+        {"1700000000,Local7.Error,,hello, world\r\n",
+         Fields{"1700000000", "Local7.Error", "hello", " world"}},
+        {",,1,2,3,4\n", Fields{"1", "2", "3", "4"}},
+        {"1,,host,one,two\r\n", Fields{"1", "host", "one", "two"}},
+        {"1,,host,message\r\n", std::nullopt},
+        // Commas belong to the message from its first byte on.
+        {"1,2,3,,leading\r\n", Fields{"1", "2", "3", ",leading"}},
+        {"1,2,3,,\r\n", Fields{"1", "2", "3", ","}},
+        // Too few fields.
+        {"1700000000,Local7.Error,10.0.0.5\r\n", std::nullopt},
+        {"1700000000,Local7.Error,10.0.0.5,\r\n", std::nullopt},
+        {"\r\n", std::nullopt},
+        {"\n", std::nullopt},
+        {"", std::nullopt},
+        {",,,,,\r\n", std::nullopt},
+        // Line ends: LF alone, none, and CR as a separator of every field.
+        {"1,2,3,4\n", Fields{"1", "2", "3", "4"}},
+        {"1,2,3,4", Fields{"1", "2", "3", "4"}},
+        {"1,2,3,4\r5,6\r\n", Fields{"1", "2", "3", "4"}},
+        {"1\r2\r3\r4\r\n", Fields{"1", "2", "3", "4"}},
+        {"1,2,3,\r4\r\n", Fields{"1", "2", "3", "4"}},
+        {"\r\r1,2,3,4\r\n", Fields{"1", "2", "3", "4"}},
+    };
+    for (const SplitCase &c : cases) {
+        const auto line = splitLogLine(c.piece);
+        EXPECT_EQ(line.has_value(), c.fields.has_value()) << c.piece;
+        if (line && c.fields) {
+            EXPECT_EQ(copy(*line), *c.fields) << c.piece;
+        }
+    }
+}
+
+TEST(LogReader, AnyByteButTheSeparatorsBelongsToAField) {
+    const std::string piece("1\0\x01,\xff\xfe,h\te,m\0sg\x7f\r\n", 19);
+    const auto line = splitLogLine(piece);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(copy(*line),
+              (Fields{std::string("1\0\x01", 3), "\xff\xfe", "h\te", std::string("m\0sg\x7f", 5)}));
+}
+
+TEST(LogReader, TakesALongLineInPiecesOfAtMost1023Bytes) {
+    const TemporaryFolder folder;
+    // The pieces end in the middle of a field list, so that each is accepted or not by itself.
+    std::string line = "1,A,h," + std::string(3000 - 6, 'x');
+    line.replace(kLogPieceSize, 8, "2,B,i,yy");
+    const auto file = folder.write("x.log", line + "\r\n");
+    EXPECT_EQ(readBack(file), (std::vector<Fields>{
+                                  {"1", "A", "h", std::string(kLogPieceSize - 6, 'x')},
+                                  {"2", "B", "i", "yy" + std::string(kLogPieceSize - 8, 'x')},
+                              }));
+}
+
+TEST(LogReader, APieceEndsExactlyAtItsLimit) {
+    const TemporaryFolder folder;
+    // 1,023 bytes with the line end are one piece; one byte more leaves the line feed to the next.
+    const std::string fits = "1,A,h," + std::string(kLogPieceSize - 8, 'x') + "\r\n";
+    const std::string over = "2,B,i," + std::string(kLogPieceSize - 7, 'y') + "\r\n";
+    const auto lines = readBack(folder.write("x.log", fits + over + "3,C,j,z\r\n"));
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0][3].size(), kLogPieceSize - 8);
+    EXPECT_EQ(lines[1][3].size(), kLogPieceSize - 7);
+    EXPECT_EQ(lines[2][0], "3");
+}
+
+TEST(LogReader, WhatCannotBeReadHasNoLines) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(readBack(folder.path() / "missing.log").empty());
+    EXPECT_TRUE(readBack(folder.path()).empty());
+    const auto pipe = folder.path() / "pipe.log";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_TRUE(readBack(pipe).empty());
+}
+
+TEST(LogReader, AHandlerCanEndTheReading) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("x.log", "1,2,3,4\n5,6,7,8\n");
+    int lines = 0;
+    EXPECT_FALSE(LogReader::readFile(file, [&lines](const LogLine &) {
+        ++lines;
+        return false;
+    }));
+    EXPECT_EQ(lines, 1);
+    EXPECT_FALSE(LogReader::readFile(
+        file, [](const LogLine &) { return true; }, [](std::size_t) { return false; }));
+}
+
+// The reading rules once more, slowly and to the letter.
+std::vector<Fields> readSlowly(const std::string &bytes) {
+    const auto isOneOf = [](char c, const std::string &set) {
+        return set.find(c) != std::string::npos;
+    };
+    std::vector<Fields> lines;
+    std::size_t at = 0;
+    while (at < bytes.size()) {
+        std::string piece;
+        while (at < bytes.size() && piece.size() < 1023) {
+            piece += bytes[at++];
+            if (piece.back() == '\n') {
+                break;
+            }
+        }
+        Fields fields;
+        std::size_t p = 0;
+        std::size_t found = 0;
+        for (; found < 4; ++found) {
+            const std::string separators = found < 3 ? ",\r\n" : "\r\n";
+            while (p < piece.size() && isOneOf(piece[p], separators)) {
+                ++p;
+            }
+            if (p == piece.size()) {
+                break;
+            }
+            while (p < piece.size() && !isOneOf(piece[p], separators)) {
+                fields[found] += piece[p++];
+            }
+            if (p < piece.size()) {
+                ++p;
+            }
+        }
+        if (found == 4) {
+            lines.push_back(fields);
+        }
+    }
+    return lines;
+}
+
+TEST(LogReader, ReadsRandomBytesAsTheRulesSay) {
+    const TemporaryFolder folder;
+    std::mt19937 random(20261121);
+    const std::string alphabet("ab1,,,,\r\n\n\0\xc3\xa9\xff ", 18);
+    std::uniform_int_distribution<std::size_t> letter(0, alphabet.size() - 1);
+    std::uniform_int_distribution<int> stretch(0, 400);
+    std::string bytes;
+    while (bytes.size() < 3'000'000) {
+        bytes += alphabet[letter(random)];
+        if (stretch(random) == 0) {
+            bytes.append(static_cast<std::size_t>(stretch(random)) * 5, 'x');
+        }
+    }
+    const auto lines = readBack(folder.write("x.log", bytes));
+    EXPECT_GT(lines.size(), 1000U);
+    EXPECT_EQ(lines, readSlowly(bytes));
+
+    std::vector<Fields> fromMemory;
+    LogReader::readBytes(bytes, [&fromMemory](const LogLine &line) {
+        fromMemory.push_back(copy(line));
+        return true;
+    });
+    EXPECT_EQ(fromMemory, lines);
+}
+
+}  // namespace
+}  // namespace quorbel
