@@ -1,0 +1,231 @@
+#include "service/BusServer.h"
+
+#include "core/LogReader.h"
+#include "platform/bus/BusNames.h"
+#include "platform/bus/BusValue.h"
+#include "service/Journal.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::uint64_t kRetryMicroseconds = 1'000'000;
+// Enough to keep the bus busy; what waits beyond that is better off in our own queue.
+constexpr std::uint64_t kMostQueuedInConnection = 64;
+
+int appendEntry(sd_bus_message *message, const char *key, std::string_view value) {
+    char *space = nullptr;
+    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_DICT_ENTRY, "ss");
+    if (result >= 0) {
+        result = sd_bus_message_append_basic(message, SD_BUS_TYPE_STRING, key);
+    }
+    if (result >= 0) {
+        // Spares a copy that ends in NUL. The log files hold nothing that a bus refuses.
+        result = sd_bus_message_append_string_space(message, value.size(), &space);
+    }
+    if (result < 0) {
+        return result;
+    }
+    value.copy(space, value.size());
+    return sd_bus_message_close_container(message);
+}
+
+int appendUserInfo(sd_bus_message *message, NotificationType type, const LogLine &line) {
+    const std::pair<const char *, std::string_view> entries[] = {
+        {"Type", type == NotificationType::kSet ? "Set" : "Remove"},
+        {"Date", line.date},
+        {"Priority", line.priority},
+        {"Host", line.host},
+        {"Message", line.message},
+    };
+    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "{ss}");
+    for (const auto &[key, value] : entries) {
+        if (result < 0) {
+            return result;
+        }
+        result = appendEntry(message, key, value);
+    }
+    return result < 0 ? result : sd_bus_message_close_container(message);
+}
+
+int sendNotification(sd_bus *bus, const Notification &notification) {
+    const auto line = splitLogLine(notification.line);
+    if (!line) {
+        return -EINVAL;
+    }
+    sd_bus_message *message = nullptr;
+    int result = sd_bus_message_new_signal(bus, &message, bus::kServicePath,
+                                           bus::kNotificationInterface, bus::kNotification);
+    const bus::MessagePointer owner(message);
+    if (result >= 0) {
+        result = appendUserInfo(message, notification.type, *line);
+    }
+    return result < 0 ? result : sd_bus_send(bus, message, nullptr);
+}
+
+std::uint64_t queuedInConnection(sd_bus *bus) {
+    std::uint64_t count = 0;
+    return sd_bus_get_n_queued_write(bus, &count) < 0 ? 0 : count;
+}
+
+}  // namespace
+
+const sd_bus_vtable BusServer::kVtable[] = {
+    SD_BUS_VTABLE_START(0),
+    // Who may call is the business of the bus's policy file.
+    SD_BUS_METHOD_WITH_NAMES(bus::kSetCommand, "a{sv}", SD_BUS_PARAM(command), "s",
+                             SD_BUS_PARAM(reply), onCommand, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_NAMES(bus::kSetCommandFile, "h", SD_BUS_PARAM(command), "s",
+                             SD_BUS_PARAM(reply), onCommandFile, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END,
+};
+
+BusServer::BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker)
+    : m_loop(loop), m_notifications(notifications), m_worker(worker) {
+    sd_event_source *retry = nullptr;
+    sd_event_add_time_relative(loop, &retry, CLOCK_MONOTONIC, 0, 0, onRetryTime, this);
+    m_retry = required(EventSourcePointer(retry));
+}
+
+BusServer::~BusServer() {
+    if (m_bus) {
+        sd_bus_detach_event(m_bus.get());
+    }
+}
+
+int BusServer::onRetryTime(sd_event_source * /*source*/, std::uint64_t /*time*/, void *self) {
+    auto *server = static_cast<BusServer *>(self);
+    // A connection cannot be closed from within its own handlers, so the lost one lasts until here.
+    server->connect();
+    return 0;
+}
+
+void BusServer::connect() {
+    if (m_bus) {
+        sd_bus_detach_event(m_bus.get());
+    }
+    m_bus = bus::openSystemBus();
+    if (!m_bus) {
+        connectionLost("There is no system bus", 0);
+        return;
+    }
+    int result = sd_bus_add_object_vtable(m_bus.get(), nullptr, bus::kServicePath,
+                                          bus::kCommandInterface, kVtable, this);
+    if (result >= 0) {
+        result =
+            sd_bus_match_signal(m_bus.get(), nullptr, nullptr, "/org/freedesktop/DBus/Local",
+                                "org.freedesktop.DBus.Local", "Disconnected", onDisconnected, this);
+    }
+    if (result >= 0) {
+        result = sd_bus_attach_event(m_bus.get(), m_loop, SD_EVENT_PRIORITY_NORMAL);
+    }
+    if (result >= 0) {
+        result = sd_bus_request_name_async(m_bus.get(), nullptr, bus::kServiceName, 0, onNameReply,
+                                           this);
+    }
+    if (result < 0) {
+        m_bus.reset();
+        connectionLost("The system bus cannot be used", -result);
+    }
+}
+
+/// Says so, unless it was said already, and tries again later.
+void BusServer::connectionLost(const char *what, int error) {
+    if (!m_problemSaid) {
+        const std::string reason = error == 0 ? "" : ": " + std::generic_category().message(error);
+        say(JournalLevel::kWarning, what + reason + "; the service goes on without it");
+    }
+    m_problemSaid = true;
+    m_ownsName = false;
+    sd_event_source_set_time_relative(m_retry.get(), kRetryMicroseconds);
+    sd_event_source_set_enabled(m_retry.get(), SD_EVENT_ONESHOT);
+}
+
+int BusServer::onNameReply(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
+    auto *server = static_cast<BusServer *>(self);
+    if (sd_bus_message_is_method_error(reply, nullptr) > 0) {
+        server->connectionLost("The name on the system bus was refused",
+                               sd_bus_message_get_errno(reply));
+        return 0;
+    }
+    // 1: the name is ours now, 4: it was already (D-Bus specification, RequestName).
+    std::uint32_t outcome = 0;
+    sd_bus_message_read_basic(reply, SD_BUS_TYPE_UINT32, &outcome);
+    if (outcome != 1 && outcome != 4) {
+        server->connectionLost("The name on the system bus is taken", 0);
+        return 0;
+    }
+    server->m_ownsName = true;
+    server->m_problemSaid = false;
+    say(JournalLevel::kInformation, "On the system bus as " + std::string(bus::kServiceName));
+    return 0;
+}
+
+int BusServer::onDisconnected(sd_bus_message * /*signal*/, void *self, sd_bus_error * /*error*/) {
+    static_cast<BusServer *>(self)->connectionLost("The system bus has gone", 0);
+    return 0;
+}
+
+bool BusServer::canNotify() const {
+    return m_ownsName && !m_notifications.empty() && sd_bus_is_ready(m_bus.get()) > 0 &&
+           queuedInConnection(m_bus.get()) < kMostQueuedInConnection;
+}
+
+bool BusServer::hasUnsent() const {
+    return m_ownsName && (!m_notifications.empty() || queuedInConnection(m_bus.get()) > 0);
+}
+
+void BusServer::sendNotifications() {
+    constexpr std::chrono::milliseconds kSlice{1};
+    const auto deadline = std::chrono::steady_clock::now() + kSlice;
+    while (canNotify() && std::chrono::steady_clock::now() < deadline) {
+        if (sendNotification(m_bus.get(), m_notifications.front()) >= 0) {
+            m_notifications.pop();
+        } else if (sd_bus_is_ready(m_bus.get()) > 0) {
+            m_notifications.drop();
+        }
+    }
+}
+
+int BusServer::onCommand(sd_bus_message *call, void *self, sd_bus_error * /*error*/) {
+    auto command = readFromMessage(call);
+    if (!command) {
+        return sd_bus_reply_method_return(call, "s", "The command cannot be read");
+    }
+    static_cast<BusServer *>(self)->submit(std::move(*command), call);
+    return 1;
+}
+
+int BusServer::onCommandFile(sd_bus_message *call, void *self, sd_bus_error * /*error*/) {
+    int fd = -1;
+    const int result = sd_bus_message_read_basic(call, SD_BUS_TYPE_UNIX_FD, &fd);
+    if (result < 0) {
+        return result;
+    }
+    // The message keeps its own descriptor.
+    static_cast<BusServer *>(self)->submit(UniqueFd(::fcntl(fd, F_DUPFD_CLOEXEC, 0)), call);
+    return 1;
+}
+
+void BusServer::submit(CommandWorker::Command command, sd_bus_message *call) {
+    const auto reply =
+        [call = std::shared_ptr<sd_bus_message>(sd_bus_message_ref(call), sd_bus_message_unref)](
+            const std::string &text) {
+            // Nobody is left to tell when the caller has gone.
+            sd_bus_reply_method_return(call.get(), "s", text.c_str());
+        };
+    if (!m_worker.submit(std::move(command), reply)) {
+        reply("Too many commands are waiting");
+    }
+}
+
+}  // namespace quorbel

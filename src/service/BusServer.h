@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/bus/SdBus.h"
+#include "service/CommandWorker.h"
+#include "service/NotificationQueue.h"
+#include "service/SdEvent.h"
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// The service on the system bus: takes commands and sends notifications.
+///
+/// Without a bus it does nothing but try again each second; the queue fills meanwhile. Loop thread
+/// only; nothing here waits for the bus.
+class BusServer {
+public:
+    /// Both must outlive the object.
+    BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker);
+    ~BusServer();
+    BusServer(const BusServer &) = delete;
+    BusServer &operator=(const BusServer &) = delete;
+
+    /// Whether sendNotifications() would send something now.
+    [[nodiscard]] bool canNotify() const;
+    /// Sends some of the queue, for at most about a millisecond and only while the connection takes
+    /// it: the loop calls this once per turn, so that receiving and telling share its time.
+    void sendNotifications();
+    /// Whether something is left in the queue or in the connection that the bus may yet take.
+    [[nodiscard]] bool hasUnsent() const;
+
+private:
+    void connect();
+    void connectionLost(const char *what, int error);
+    void submit(CommandWorker::Command command, sd_bus_message *call);
+
+    static int onCommand(sd_bus_message *call, void *self, sd_bus_error *error);
+    static int onCommandFile(sd_bus_message *call, void *self, sd_bus_error *error);
+    static int onNameReply(sd_bus_message *reply, void *self, sd_bus_error *error);
+    static int onDisconnected(sd_bus_message *signal, void *self, sd_bus_error *error);
+    static int onRetryTime(sd_event_source *source, std::uint64_t time, void *self);
+
+    static const sd_bus_vtable kVtable[];
+
+    sd_event *m_loop;
+    NotificationQueue &m_notifications;
+    CommandWorker &m_worker;
+    bus::BusPointer m_bus;
+    bool m_ownsName = false;
+    bool m_problemSaid = false;
+    EventSourcePointer m_retry;
+};
+
+}  // namespace quorbel

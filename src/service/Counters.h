@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quorbel {
+
+/// What became of everything that was sent to the service. Loop thread only.
+struct Counters {
+    std::uint64_t received = 0;   ///< messages that were handed over by the network inputs
+    std::uint64_t malformed = 0;  ///< of these: without a usable priority or header, empty, or cut
+    std::uint64_t stored = 0;     ///< events in the log files; a long message is several
+    std::uint64_t notStored = 0;  ///< events that the log files had no room for
+    std::uint64_t dropped = 0;    ///< datagrams that the kernel dropped before they were read
+    std::uint64_t notificationsDropped = 0;  ///< stored events that the front-end was not told of
+    std::uint64_t connectionsClosed = 0;     ///< idle connections closed in favour of new ones
+
+    bool operator==(const Counters &) const = default;
+};
+
+/// One line for the journal.
+std::string describe(const Counters &counters);
+
+}  // namespace quorbel

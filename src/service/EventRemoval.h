@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/DateFormat.h"
+#include "platform/Value.h"
+#include "service/LogStore.h"
+#include "service/UniqueFd.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quorbel {
+
+/// Takes the events that the user deleted out of the log files.
+///
+/// They are named by "seconds,priority,host,message\n", each with how many of them to remove. A
+/// line of a log file matches to the letter, or else when its time, shown in the date format in
+/// force and read back, is the named time: a format without seconds cannot give them back to the
+/// front-end. A time that cannot be read back is named as 0. Lines that match to the letter go
+/// first.
+class EventRemoval {
+public:
+    /// `format` must outlive the object.
+    explicit EventRemoval(const DateFormat &format) : m_format(format) {}
+
+    /// Takes the wanted events from a command. They are views of `events`, which must outlive the
+    /// object. False when a count is no number; nothing is to be removed then.
+    bool want(const Dictionary &events);
+
+    /// Reads each log file once, and rewrites those that hold some of the events. Returns what
+    /// went wrong, as one line; the other files are done nevertheless.
+    std::optional<std::string> run(LogStore &store);
+
+private:
+    struct Match {
+        std::size_t file;  ///< index into m_files
+        ByteRange range;
+    };
+    struct Wanted {
+        std::uint64_t count = 0;
+        std::vector<Match> inexact;  ///< at most `count`
+    };
+    struct File {
+        std::string name;
+        UniqueFd fd;
+        std::vector<ByteRange> ranges;
+    };
+
+    bool search(LogStore &store, const std::string &name);
+    void matchPiece(std::uint64_t offset, std::string_view piece, bool atLineBegin);
+    void takeInexactMatches();
+    std::string_view displayedTime(std::string_view date);
+
+    const DateFormat &m_format;
+    std::unordered_map<std::string_view, Wanted> m_wanted;
+    std::vector<File> m_files;
+
+    // Of matchPiece(), kept so that a line costs no allocation.
+    std::string m_key;
+    std::string m_date;
+    std::string m_displayedTime;
+};
+
+}  // namespace quorbel

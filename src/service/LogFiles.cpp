@@ -1,0 +1,191 @@
+#include "service/LogFiles.h"
+
+#include "core/LogReader.h"
+#include "platform/Text.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <optional>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 20U;
+
+/// Reads until `room` bytes are there or the file ends; -1 on failure.
+ssize_t readAt(int fd, char *buffer, std::size_t room, std::uint64_t offset) {
+    std::size_t held = 0;
+    while (held < room) {
+        const ssize_t count =
+            ::pread(fd, buffer + held, room - held, static_cast<off_t>(offset + held));
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return -1;
+        }
+        held += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    return static_cast<ssize_t>(held);
+}
+
+/// Where the last line without an end begins; the file's size when there is none.
+std::optional<std::uint64_t> lastLineBegin(int fd, std::uint64_t size) {
+    std::array<char, 4096> block{};
+    std::uint64_t end = size;
+    while (end > 0) {
+        const std::uint64_t begin = end - std::min<std::uint64_t>(end, block.size());
+        if (readAt(fd, block.data(), end - begin, begin) != static_cast<ssize_t>(end - begin)) {
+            return std::nullopt;
+        }
+        const std::size_t feed = std::string_view(block.data(), end - begin).rfind('\n');
+        if (feed != std::string_view::npos) {
+            return begin + feed + 1;
+        }
+        end = begin;
+    }
+    return 0;
+}
+
+/// How much of an interrupted line can stay.
+std::size_t usableLength(std::string_view line) {
+    // After a power failure a file can end in zeros that were never written.
+    line = line.substr(0, line.find('\0'));
+    line = line.substr(0, line.find('\r'));
+    constexpr std::size_t kLongestCharacter = 4;
+    for (std::size_t cut = 0; cut < std::min(kLongestCharacter, line.size()); ++cut) {
+        const std::string_view usable = line.substr(0, line.size() - cut);
+        if (isUtf8(usable)) {
+            return splitLogLine(usable) ? usable.size() : 0;
+        }
+    }
+    return 0;
+}
+
+/// Takes `ranges` out of a block of the file that begins at `offset`; returns how much is left.
+/// `next` is the first range that ends behind the block's begin, and is moved on.
+std::size_t takeOut(std::string &block, std::size_t size, std::uint64_t offset,
+                    std::vector<ByteRange>::const_iterator &next,
+                    std::vector<ByteRange>::const_iterator last) {
+    const std::uint64_t blockEnd = offset + size;
+    std::size_t kept = 0;
+    for (std::uint64_t at = offset; at < blockEnd;) {
+        const bool more = next != last && next->begin < blockEnd;
+        const std::uint64_t stay = more ? std::max(next->begin, at) : blockEnd;
+        std::memmove(block.data() + kept, block.data() + (at - offset), stay - at);
+        kept += stay - at;
+        at = more ? std::min(next->end, blockEnd) : blockEnd;
+        if (more && next->end <= blockEnd) {
+            ++next;
+        }
+    }
+    return kept;
+}
+
+}  // namespace
+
+std::string logFileName(std::int64_t seconds) {
+    const auto time = static_cast<std::time_t>(seconds);
+    std::tm local{};
+    localtime_r(&time, &local);
+    std::array<char, 64> name{};
+    const std::size_t length = std::strftime(name.data(), name.size(), "%Y-%m-%d.log", &local);
+    return {name.data(), length};
+}
+
+std::size_t writeFully(int fd, std::string_view bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(fd, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno != EINTR) {
+            break;
+        }
+        written += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+    return written;
+}
+
+TailState repairTail(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        return TailState::kFailed;
+    }
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    const auto begin = lastLineBegin(fd, size);
+    if (begin == size) {
+        return TailState::kWhole;
+    }
+    std::string line(begin ? std::min<std::uint64_t>(size - *begin, kLogPieceSize) : 0, '\0');
+    if (!begin ||
+        readAt(fd, line.data(), line.size(), *begin) != static_cast<ssize_t>(line.size())) {
+        return TailState::kFailed;
+    }
+    const std::size_t usable = usableLength(line);
+    // A longer line than any of ours, and no zeros: somebody else's, and none of it is in doubt.
+    const bool foreign = size - *begin > kLogPieceSize && line.find('\0') == std::string::npos;
+    if (!foreign && ::ftruncate(fd, static_cast<off_t>(*begin + usable)) != 0) {
+        return TailState::kFailed;
+    }
+    if (!foreign && usable == 0) {
+        return TailState::kCutOff;
+    }
+    constexpr std::string_view kLineEnd = "\r\n";
+    return writeFully(fd, kLineEnd) == kLineEnd.size() ? TailState::kCompleted : TailState::kFailed;
+}
+
+bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, int to) {
+    std::string block(kBlock, '\0');
+    auto next = std::ranges::find_if(without, [&](ByteRange r) { return r.end > part.begin; });
+    for (std::uint64_t offset = part.begin; offset < part.end;) {
+        const std::size_t wanted = std::min<std::uint64_t>(kBlock, part.end - offset);
+        const ssize_t count = readAt(from, block.data(), wanted, offset);
+        if (count != static_cast<ssize_t>(wanted)) {
+            errno = count < 0 ? errno : EIO;
+            return false;
+        }
+        const std::size_t kept = takeOut(block, wanted, offset, next, without.end());
+        if (writeFully(to, {block.data(), kept}) != kept) {
+            return false;
+        }
+        offset += wanted;
+    }
+    return true;
+}
+
+bool forEachPiece(
+    int fd, std::uint64_t length,
+    const std::function<void(std::uint64_t offset, std::string_view piece)> &onPiece) {
+    std::string buffer(kBlock, '\0');
+    std::size_t held = 0;
+    std::uint64_t taken = 0;
+    while (taken < length) {
+        const std::size_t room = std::min<std::uint64_t>(kBlock, length - taken) - held;
+        const ssize_t count = readAt(fd, buffer.data() + held, room, taken + held);
+        if (count < 0) {
+            return false;
+        }
+        held += static_cast<std::size_t>(count);
+        const bool atEnd = taken + held == length || static_cast<std::size_t>(count) < room;
+        std::string_view rest(buffer.data(), held);
+        while (const std::size_t piece = logPieceLength(rest, atEnd)) {
+            onPiece(taken, rest.substr(0, piece));
+            taken += piece;
+            rest.remove_prefix(piece);
+        }
+        if (atEnd) {
+            return true;
+        }
+        held = rest.size();
+        std::memmove(buffer.data(), rest.data(), held);
+    }
+    return true;
+}
+
+}  // namespace quorbel

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+// What the log store does to one file at a time. None of these locks anything; failures leave
+// errno behind.
+
+/// A part of a file.
+struct ByteRange {
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+};
+
+/// The log file for events received at that moment: "2026-11-21.log", by the local calendar.
+std::string logFileName(std::int64_t seconds);
+
+/// What was found at the end of a log file.
+enum class TailState {
+    kWhole,      ///< the file is empty or ends in a line feed
+    kCompleted,  ///< the last line was whole but for its line end, or its message was cut short
+    kCutOff,     ///< a piece of a line that no reader would take for an event was removed
+    kFailed
+};
+
+/// Makes a file that is open for reading and appending end in a whole line, so that what is
+/// appended next begins a line of its own.
+///
+/// A last line without its end is one whose writing was interrupted. When all four fields are
+/// there, it is ended where its last whole character ends: an event that was received is not
+/// thrown away because its last words are missing. Otherwise it is cut off.
+TailState repairTail(int fd);
+
+/// Appends a whole file's part to another file, but for `without` (ascending, disjoint).
+bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, int to);
+
+/// Reads the file's first `length` bytes and calls `onPiece` with each piece as readers of the log
+/// files take them, and its offset. False when the file cannot be read.
+bool forEachPiece(int fd, std::uint64_t length,
+                  const std::function<void(std::uint64_t offset, std::string_view piece)> &onPiece);
+
+/// Writes everything, however many calls that takes. Returns how many bytes were written; fewer
+/// than asked for only after a failure.
+std::size_t writeFully(int fd, std::string_view bytes);
+
+}  // namespace quorbel

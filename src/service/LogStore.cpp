@@ -1,0 +1,327 @@
+#include "service/LogStore.h"
+
+#include "platform/Files.h"
+#include "service/Journal.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr mode_t kFileMode = 0640;
+constexpr mode_t kFolderMode = 0750;
+constexpr std::string_view kTemporaryExtension = "new";
+
+std::string errorText(int error) {
+    return std::generic_category().message(error);
+}
+
+/// Not the extension of a log file, so that readers leave it alone.
+std::string temporaryName(const std::filesystem::path &file) {
+    return file.string() + '.' + std::string(kTemporaryExtension);
+}
+
+bool isDailyName(std::string_view name) {
+    constexpr std::string_view kShape = "0000-00-00.log";
+    return std::ranges::equal(name, kShape, [](char c, char shape) {
+        return shape == '0' ? c >= '0' && c <= '9' : c == shape;
+    });
+}
+
+UniqueFd openForAppending(const std::filesystem::path &path, int flags) {
+    return UniqueFd(::open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC | flags, kFileMode));
+}
+
+/// Whether `path` still names the open file.
+bool isSameFile(const UniqueFd &file, const std::filesystem::path &path) {
+    struct stat open {};
+    struct stat named {};
+    return file.isOpen() && ::fstat(file.get(), &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
+           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+std::size_t countLines(std::string_view lines) {
+    return static_cast<std::size_t>(std::ranges::count(lines, '\n'));
+}
+
+}  // namespace
+
+LogStore::LogStore(std::filesystem::path folder)
+    : m_folder(std::move(folder)), m_syncThread([this] { syncWhenDirty(); }) {}
+
+LogStore::~LogStore() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_wakeSync.notify_one();
+    m_syncThread.join();
+}
+
+void LogStore::prepare() {
+    std::error_code error;
+    std::filesystem::create_directories(m_folder.parent_path(), error);
+    if (::mkdir(m_folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
+        say(JournalLevel::kError,
+            "The folder " + m_folder.string() + " cannot be made: " + errorText(errno));
+        return;
+    }
+    for (const std::string &name : listFolder(m_folder)) {
+        if (name.ends_with(".log." + std::string(kTemporaryExtension))) {
+            ::unlink(path(name).c_str());
+        } else if (isDailyName(name) && !repairFile(name)) {
+            say(JournalLevel::kError,
+                "The end of " + name + " cannot be repaired: " + errorText(errno));
+        }
+    }
+}
+
+bool LogStore::repairFile(const std::string &name) const {
+    const UniqueFd file = openForAppending(path(name), 0);
+    const TailState state = file.isOpen() ? repairTail(file.get()) : TailState::kFailed;
+    if (state == TailState::kCompleted) {
+        say(JournalLevel::kWarning, "The last event in " + name + " may have lost its end");
+    } else if (state == TailState::kCutOff) {
+        say(JournalLevel::kWarning, "A part of an event at the end of " + name + " was removed");
+    }
+    return state != TailState::kFailed;
+}
+
+LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, bool urgent) {
+    if (seconds != m_nameSeconds) {
+        m_name = logFileName(seconds);
+        m_nameSeconds = seconds;
+    }
+    Result result;
+    int error = 0;
+    bool wake = false;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (openFor(m_name)) {
+            result = write(lines);
+        } else {
+            result.notStored = countLines(lines);
+        }
+        error = errno;
+        wake = result.stored > 0 && (!m_dirty || (urgent && !m_urgent));
+        m_dirty = m_dirty || result.stored > 0;
+        m_urgent = m_urgent || (urgent && result.stored > 0);
+    }
+    if (wake) {
+        m_wakeSync.notify_one();
+    }
+    noteState(seconds, result.notStored, error);
+    return result;
+}
+
+/// Sees to it that m_file is the file of that name in the folder, and ends in a whole line.
+bool LogStore::openFor(const std::string &name) {
+    const std::filesystem::path file = path(name);
+    // Somebody may have moved or removed the file, or the folder; what is written into a file
+    // without a name is lost.
+    if (m_fileName == name && isSameFile(m_file, file)) {
+        return true;
+    }
+    retireFile();
+    m_file = openForAppending(file, O_CREAT);
+    if (!m_file.isOpen() && errno == ENOENT && ::mkdir(m_folder.c_str(), kFolderMode) == 0) {
+        m_file = openForAppending(file, O_CREAT);
+    }
+    if (!m_file.isOpen()) {
+        return false;
+    }
+    if (repairTail(m_file.get()) == TailState::kFailed) {
+        const int error = errno;
+        m_file.reset();
+        errno = error;
+        return false;
+    }
+    m_fileName = name;
+    m_folderChanged = true;
+    return true;
+}
+
+LogStore::Result LogStore::write(std::string_view lines) {
+    const std::size_t written = writeFully(m_file.get(), lines);
+    if (written == lines.size()) {
+        return {countLines(lines), 0};
+    }
+    const int error = errno;
+    // The lines that are whole stay; the piece of the next one goes.
+    const std::string_view whole = lines.substr(0, lines.substr(0, written).rfind('\n') + 1);
+    struct stat status {};
+    if (whole.size() < written &&
+        (::fstat(m_file.get(), &status) != 0 ||
+         ::ftruncate(m_file.get(), status.st_size - static_cast<off_t>(written - whole.size())) !=
+             0)) {
+        // Opening it again repairs its end.
+        retireFile();
+    }
+    errno = error;
+    return {countLines(whole), countLines(lines) - countLines(whole)};
+}
+
+void LogStore::retireFile() {
+    if (m_file.isOpen()) {
+        m_retired.push_back(std::move(m_file));
+    }
+    m_fileName.clear();
+}
+
+void LogStore::noteState(std::int64_t seconds, std::size_t lost, int error) {
+    // On a disk that is about full, a short line fits now and then.
+    constexpr std::int64_t kCalm = 1;
+    m_lost += lost;
+    if (lost > 0) {
+        m_lastLoss = seconds;
+        if (m_works) {
+            say(JournalLevel::kError,
+                "Events cannot be stored in " + m_folder.string() + ": " + errorText(error));
+        }
+        m_works = false;
+    } else if (!m_works && seconds > m_lastLoss + kCalm) {
+        say(JournalLevel::kNotice, "Events are stored again; " + std::to_string(m_lost) +
+                                       " could not be stored meanwhile");
+        m_works = true;
+        m_lost = 0;
+    }
+}
+
+std::vector<std::string> LogStore::fileNames() const {
+    std::vector<std::string> names = listFolder(m_folder);
+    std::erase_if(names, [](const std::string &name) { return !hasExtension(name, "log"); });
+    return names;
+}
+
+std::filesystem::path LogStore::path(const std::string &name) const {
+    return m_folder / name;
+}
+
+std::uint64_t LogStore::settledSize(const UniqueFd &file) {
+    const std::lock_guard lock(m_mutex);
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
+                      const std::vector<ByteRange> &ranges) {
+    if (removeWhole(name, file, ranges)) {
+        syncFolder();
+        return true;
+    }
+    const std::string temporary = temporaryName(path(name));
+    ::unlink(temporary.c_str());
+    const UniqueFd replacement = openForAppending(temporary, O_CREAT | O_EXCL);
+    std::uint64_t copied = 0;
+    if (!replacement.isOpen() || !copySettled(file, ranges, replacement.get(), copied) ||
+        !swap(name, file, replacement, ranges, copied)) {
+        const int error = errno;
+        ::unlink(temporary.c_str());
+        errno = error;
+        return false;
+    }
+    syncFolder();
+    return true;
+}
+
+/// Removes a file of which the ranges leave nothing: that works on a full disk, too.
+bool LogStore::removeWhole(const std::string &name, const UniqueFd &file,
+                           const std::vector<ByteRange> &ranges) {
+    std::uint64_t removed = 0;
+    for (const ByteRange &range : ranges) {
+        removed += range.end - range.begin;
+    }
+    const std::lock_guard lock(m_mutex);
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0 &&
+           static_cast<std::uint64_t>(status.st_size) == removed && isSameFile(file, path(name)) &&
+           ::unlink(path(name).c_str()) == 0;
+}
+
+/// Copies most of the file, syncs it, and leaves only a little that arrived meanwhile.
+bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
+                           std::uint64_t &copied) {
+    // Under a flood, something new is always there: what is left after the last round is copied
+    // while events wait.
+    constexpr int kMostRounds = 5;
+    constexpr std::uint64_t kLittle = std::uint64_t{64} * 1024;
+    for (int round = 0; round < kMostRounds; ++round) {
+        const std::uint64_t size = settledSize(file);
+        if (round > 0 && size - copied < kLittle) {
+            return true;
+        }
+        if (!copyPart(file.get(), {copied, size}, ranges, to) || ::fdatasync(to) != 0) {
+            return false;
+        }
+        copied = size;
+    }
+    return true;
+}
+
+bool LogStore::swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
+                    const std::vector<ByteRange> &ranges, std::uint64_t copied) {
+    const std::filesystem::path target = path(name);
+    const std::lock_guard lock(m_mutex);
+    struct stat status {};
+    if (!isSameFile(file, target) || ::fstat(file.get(), &status) != 0) {
+        errno = ESTALE;
+        return false;
+    }
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    // What was synced in the old file must be on disk in the new one before it takes its place.
+    // append() notices by itself that the name stands for another file now.
+    return copyPart(file.get(), {copied, size}, ranges, replacement.get()) &&
+           (size == copied || ::fdatasync(replacement.get()) == 0) &&
+           ::rename(temporaryName(target).c_str(), target.c_str()) == 0;
+}
+
+void LogStore::syncFolder() const {
+    const UniqueFd folder(::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ::fsync(folder.get());
+}
+
+void LogStore::syncWhenDirty() {
+    constexpr std::chrono::seconds kDelay{1};
+    std::unique_lock lock(m_mutex);
+    bool works = true;
+    while (!m_stop || m_dirty) {
+        m_wakeSync.wait(lock, [this] { return m_dirty || m_stop; });
+        m_wakeSync.wait_for(lock, kDelay, [this] { return m_urgent || m_stop; });
+        const std::vector<UniqueFd> files = takeDirtyFiles();
+        const bool folderChanged = std::exchange(m_folderChanged, false);
+        lock.unlock();
+        const bool synced = std::ranges::all_of(
+            files, [](const UniqueFd &file) { return ::fdatasync(file.get()) == 0; });
+        if (works != synced) {
+            say(synced ? JournalLevel::kNotice : JournalLevel::kError,
+                synced ? "Events are written to disk again"
+                       : "Events cannot be written to disk: " + errorText(errno));
+        }
+        works = synced;
+        if (folderChanged) {
+            syncFolder();
+        }
+        lock.lock();
+    }
+}
+
+std::vector<UniqueFd> LogStore::takeDirtyFiles() {
+    std::vector<UniqueFd> files = std::exchange(m_retired, {});
+    if (m_file.isOpen()) {
+        files.emplace_back(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
+    }
+    m_dirty = false;
+    m_urgent = false;
+    return files;
+}
+
+}  // namespace quorbel

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "service/LogFiles.h"
+#include "service/UniqueFd.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+
+/// The folder of daily log files: appends events, gets them to disk, and takes events out.
+///
+/// append() is for one thread; everything else may be called from any thread at any time. A thread
+/// of the store's own syncs what was appended: within about a second, at once for urgent events.
+/// When events cannot be stored, and when they can again, the journal gets one line.
+class LogStore {
+public:
+    explicit LogStore(std::filesystem::path folder);
+    /// Syncs what was appended.
+    ~LogStore();
+    LogStore(const LogStore &) = delete;
+    LogStore &operator=(const LogStore &) = delete;
+
+    /// Makes the folder if need be, removes what an interrupted cutOut() left, and repairs the ends
+    /// of the daily files. What fails is said in the journal; the store works as soon as it can.
+    void prepare();
+
+    struct Result {
+        std::size_t stored = 0;
+        std::size_t notStored = 0;
+    };
+    /// Appends whole lines to the file of the day that `seconds` since 1970 falls into. Of lines
+    /// for which there is no room none is left behind in part.
+    Result append(std::string_view lines, std::int64_t seconds, bool urgent);
+
+    /// The names of all log files, oldest first.
+    [[nodiscard]] std::vector<std::string> fileNames() const;
+    [[nodiscard]] std::filesystem::path path(const std::string &name) const;
+    /// A file's size between two calls of append(): it ends in a whole line.
+    std::uint64_t settledSize(const UniqueFd &file);
+
+    /// Replaces a file by one without the ranges (ascending, disjoint, below a settled size), in
+    /// one step. `file` is the file, open for reading. Events that arrive meanwhile are kept; they
+    /// wait only while the last of them are copied. A file of which nothing is left is removed.
+    /// False when that fails, with errno; the file is as it was then.
+    bool cutOut(const std::string &name, const UniqueFd &file,
+                const std::vector<ByteRange> &ranges);
+
+private:
+    bool openFor(const std::string &name);
+    Result write(std::string_view lines);
+    void retireFile();
+    void noteState(std::int64_t seconds, std::size_t lost, int error);
+    [[nodiscard]] bool repairFile(const std::string &name) const;
+
+    bool copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
+                     std::uint64_t &copied);
+    bool swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
+              const std::vector<ByteRange> &ranges, std::uint64_t copied);
+    bool removeWhole(const std::string &name, const UniqueFd &file,
+                     const std::vector<ByteRange> &ranges);
+    void syncFolder() const;
+
+    void syncWhenDirty();
+    std::vector<UniqueFd> takeDirtyFiles();
+
+    const std::filesystem::path m_folder;
+
+    // Used by append() alone.
+    std::int64_t m_nameSeconds = -1;
+    std::string m_name;
+    bool m_works = true;
+    std::int64_t m_lastLoss = 0;
+    std::uint64_t m_lost = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_wakeSync;
+    // All of this under m_mutex.
+    UniqueFd m_file;  ///< open for appending
+    std::string m_fileName;
+    bool m_folderChanged = false;
+    std::vector<UniqueFd> m_retired;  ///< no longer appended to, not yet synced
+    bool m_dirty = false;
+    bool m_urgent = false;
+    bool m_stop = false;
+
+    std::thread m_syncThread;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,216 @@
+#include "service/MessageParser.h"
+
+#include "service/Timestamp.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kNil = "-";
+constexpr std::string_view kSpace = " ";
+
+bool removePrefix(std::string_view &text, std::string_view prefix) {
+    if (!text.starts_with(prefix)) {
+        return false;
+    }
+    text.remove_prefix(prefix.size());
+    return true;
+}
+
+std::string_view withoutLineEnd(std::string_view message) {
+    constexpr std::string_view kEnds("\r\n\0", 3);
+    const std::size_t last = message.find_last_not_of(kEnds);
+    return message.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// Takes "<191>" off the front; leaves the text alone when there is no usable priority.
+std::optional<Priority> takePriority(std::string_view &text) {
+    const std::size_t end = text.substr(0, 5).find('>');
+    if (!text.starts_with('<') || end == std::string_view::npos || end < 2) {
+        return std::nullopt;
+    }
+    const std::string_view digits = text.substr(1, end - 1);
+    if (!std::ranges::all_of(digits, isDigit) || (digits.size() > 1 && digits[0] == '0')) {
+        return std::nullopt;
+    }
+    unsigned value = 0;
+    for (const char digit : digits) {
+        value = 10 * value + static_cast<unsigned>(digit - '0');
+    }
+    const auto priority = Priority::fromValue(value);
+    if (priority) {
+        text.remove_prefix(end + 1);
+    }
+    return priority;
+}
+
+/// The length of a time stamp that stands as a word of its own, and of the space behind it.
+std::size_t timestampWord(std::string_view text) {
+    std::size_t length = legacyTimestampLength(text);
+    if (length == 0) {
+        length = isoTimestampLength(text);
+    }
+    if (length == text.size()) {
+        return length;
+    }
+    return length != 0 && text[length] == ' ' ? length + 1 : 0;
+}
+
+bool looksLikeHostName(std::string_view word) {
+    if (word == kNil) {
+        return true;
+    }
+    const auto isLetterOrDigit = [](char c) {
+        return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    };
+    const auto isPart = [&](char c) {
+        return isLetterOrDigit(c) || c == '.' || c == '-' || c == '_' || c == ':' || c == '%';
+    };
+    return !word.empty() && (isLetterOrDigit(word.front()) || word.starts_with("::")) &&
+           !word.ends_with(':') && std::ranges::all_of(word, isPart);
+}
+
+std::string_view legacyText(std::string_view rest) {
+    const std::size_t timestamp = timestampWord(rest);
+    if (timestamp == 0) {
+        return rest;
+    }
+    rest.remove_prefix(timestamp);
+    // Some senders pad here; an indented text without a host name cannot be told from that.
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    const std::size_t space = rest.find(' ');
+    if (space != std::string_view::npos && space + 1 < rest.size() &&
+        looksLikeHostName(rest.substr(0, space))) {
+        rest.remove_prefix(space + 1);
+    }
+    return rest;
+}
+
+/// The length of one element of structured data, RFC 5424, 6.3; 0 when it has no end.
+std::size_t elementLength(std::string_view text) {
+    bool quoted = false;
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (quoted && text[i] == '\\') {
+            ++i;
+        } else if (text[i] == '"') {
+            quoted = !quoted;
+        } else if (text[i] == ']' && !quoted) {
+            return i + 1;
+        }
+    }
+    return 0;
+}
+
+/// RFC 5424, 7.1: how good the sender's clock is, which says nothing of a time that we take.
+bool isTimeQuality(std::string_view element) {
+    return element.starts_with("[timeQuality ") || element == "[timeQuality]";
+}
+
+/// Takes the structured data and the space behind it; empty for nil. Nothing, and the text left
+/// alone, when it is broken.
+std::optional<std::string> takeStructuredData(std::string_view &text) {
+    std::string data;
+    std::size_t length = text.starts_with(kNil) ? kNil.size() : 0;
+    while (length < text.size() && text[length] == '[') {
+        const std::string_view element = text.substr(length, elementLength(text.substr(length)));
+        if (element.empty()) {
+            return std::nullopt;
+        }
+        length += element.size();
+        if (!isTimeQuality(element)) {
+            data += element;
+        }
+    }
+    if (length == 0 || (length < text.size() && text[length] != ' ')) {
+        return std::nullopt;
+    }
+    text.remove_prefix(std::min(length + 1, text.size()));
+    return data;
+}
+
+/// Takes a word and the space behind it; empty for nil. Nothing when no space follows.
+std::optional<std::string_view> takeWord(std::string_view &text) {
+    const std::size_t end = text.find(' ');
+    if (end == std::string_view::npos || end == 0) {
+        return std::nullopt;
+    }
+    const std::string_view word = text.substr(0, end);
+    text.remove_prefix(end + 1);
+    return word == kNil ? std::string_view() : word;
+}
+
+/// Takes "1 TIMESTAMP ", by which a message is known to follow RFC 5424.
+bool takeVersionAndTimestamp(std::string_view &text) {
+    std::string_view rest = text;
+    if (!removePrefix(rest, "1 ")) {
+        return false;
+    }
+    const std::size_t timestamp = rest.starts_with("- ") ? 1 : isoTimestampLength(rest);
+    rest.remove_prefix(timestamp);
+    if (timestamp == 0 || !removePrefix(rest, kSpace)) {
+        return false;
+    }
+    text = rest;
+    return true;
+}
+
+}  // namespace
+
+std::optional<ParsedMessage> MessageParser::parse(std::string_view message) {
+    message = withoutLineEnd(message);
+    removePrefix(message, kByteOrderMark);
+    if (message.empty()) {
+        return std::nullopt;
+    }
+    const auto priority = takePriority(message);
+    if (!priority) {
+        return ParsedMessage{kAssumedPriority, message, false};
+    }
+    if (takeVersionAndTimestamp(message)) {
+        return parse5424(*priority, message);
+    }
+    return ParsedMessage{*priority, legacyText(message), true};
+}
+
+ParsedMessage MessageParser::parse5424(Priority priority, std::string_view rest) {
+    const std::string_view afterTimestamp = rest;
+    const auto hostName = takeWord(rest);
+    const auto application = hostName ? takeWord(rest) : std::nullopt;
+    const auto process = application ? takeWord(rest) : std::nullopt;
+    const auto messageId = process ? takeWord(rest) : std::nullopt;
+    if (!messageId) {
+        return {priority, afterTimestamp, false};
+    }
+    const auto data = takeStructuredData(rest);
+    removePrefix(rest, kByteOrderMark);
+    const bool bare = (!data || data->empty()) && application->empty() && process->empty();
+    if (bare) {
+        return {priority, rest, data.has_value()};
+    }
+    m_text = data.value_or("");
+    if (!application->empty() || !process->empty()) {
+        m_text += m_text.empty() ? "" : " ";
+        m_text += *application;
+        if (!process->empty()) {
+            m_text += '[';
+            m_text += *process;
+            m_text += ']';
+        }
+        m_text += ':';
+    }
+    if (!rest.empty()) {
+        m_text += ' ';
+        m_text += rest;
+    }
+    return {priority, m_text, data.has_value()};
+}
+
+}  // namespace quorbel

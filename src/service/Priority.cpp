@@ -1,0 +1,45 @@
+#include "service/Priority.h"
+
+#include "core/Severity.h"
+
+#include <array>
+#include <string>
+
+namespace quorbel {
+
+namespace {
+
+// None of these holds a severity's name, by which the front-end classifies the whole text.
+constexpr std::array<std::string_view, kFacilityCount> kFacilities{
+    "Kern",   "User",   "Mail",     "Daemon", "Auth",   "Syslog", "Lpr",     "News",
+    "Uucp",   "Cron",   "Authpriv", "Ftp",    "Ntp",    "Audit",  "Console", "Clock",
+    "Local0", "Local1", "Local2",   "Local3", "Local4", "Local5", "Local6",  "Local7",
+};
+
+using Texts = std::array<std::string, kFacilityCount * kSeverityCount>;
+
+Texts makeTexts() {
+    Texts texts;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        texts[i] = std::string(kFacilities[i / kSeverityCount]) + '.' +
+                   std::string(kSeverityClasses[i % kSeverityCount].name);
+    }
+    return texts;
+}
+
+}  // namespace
+
+std::optional<Priority> Priority::fromValue(unsigned value) {
+    if (value >= kFacilityCount * kSeverityCount) {
+        return std::nullopt;
+    }
+    return Priority{static_cast<std::uint8_t>(value / kSeverityCount),
+                    static_cast<std::uint8_t>(value % kSeverityCount)};
+}
+
+std::string_view Priority::text() const {
+    static const Texts texts = makeTexts();
+    return texts[std::size_t{facility} * kSeverityCount + severity];
+}
+
+}  // namespace quorbel

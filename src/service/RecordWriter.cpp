@@ -1,0 +1,116 @@
+#include "service/RecordWriter.h"
+
+#include "core/LogReader.h"
+#include "platform/Utf8.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kEmptyField = "-";
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+// A host name has at most 255 bytes (RFC 1035, 2.3.4); this leaves messages most of a line.
+constexpr std::size_t kLongestHost = 255;
+
+bool isPlain(char c) {
+    return c >= ' ' && c <= '~';
+}
+
+bool isControl(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code <= 0x9F);
+}
+
+bool isNoncharacter(char32_t code) {
+    return (code >= 0xFDD0 && code <= 0xFDEF) || (code & 0xFFFE) == 0xFFFE;
+}
+
+/// What one character of a message is written as.
+struct Written {
+    std::size_t taken = 1;
+    std::size_t length = 0;
+    std::array<char, 4> bytes{};
+
+    Written(std::size_t length_, std::string_view text) : taken(length_), length(text.size()) {
+        std::ranges::copy(text, bytes.begin());
+    }
+    [[nodiscard]] std::string_view text() const { return {bytes.data(), length}; }
+};
+
+Written escaped(std::size_t taken, char32_t code) {
+    const auto digit = [code](unsigned shift) {
+        return static_cast<char>('0' + (code >> shift & 7U));
+    };
+    const std::array<char, 4> text{'#', digit(6), digit(3), digit(0)};
+    return {taken, {text.data(), text.size()}};
+}
+
+/// The first character of `text`, which is not empty, as it is written.
+Written writtenCharacter(std::string_view text) {
+    const Utf8Character character = firstUtf8Character(text);
+    if (character.length == 0) {
+        return {1, kReplacement};
+    }
+    if (isControl(character.code)) {
+        return escaped(character.length, character.code);
+    }
+    if (isNoncharacter(character.code)) {
+        return {character.length, kReplacement};
+    }
+    return {character.length, text.substr(0, character.length)};
+}
+
+/// Moves as much of `message` to `lines` as fits into `room` bytes.
+void appendPart(std::string &lines, std::string_view &message, std::size_t room) {
+    while (!message.empty()) {
+        const std::string_view fitting = message.substr(0, room);
+        const auto plain =
+            static_cast<std::size_t>(std::ranges::find_if_not(fitting, isPlain) - fitting.begin());
+        lines += fitting.substr(0, plain);
+        message.remove_prefix(plain);
+        room -= plain;
+        if (message.empty() || room == 0) {
+            return;
+        }
+        const Written written = writtenCharacter(message);
+        if (written.length > room) {
+            return;
+        }
+        lines += written.text();
+        message.remove_prefix(written.taken);
+        room -= written.length;
+    }
+}
+
+}  // namespace
+
+std::size_t RecordWriter::append(const ReceivedEvent &event, std::string &lines) {
+    makePrefix(event);
+    const std::size_t room = kLogPieceSize - kLineEnd.size() - m_prefix.size();
+    std::string_view rest = event.message.empty() ? kEmptyField : event.message;
+    std::size_t count = 0;
+    while (!rest.empty()) {
+        lines += m_prefix;
+        appendPart(lines, rest, room);
+        lines += kLineEnd;
+        ++count;
+    }
+    return count;
+}
+
+void RecordWriter::makePrefix(const ReceivedEvent &event) {
+    m_prefix = std::to_string(event.seconds);
+    m_prefix += ',';
+    m_prefix += event.priority.text();
+    m_prefix += ',';
+    const std::string_view host = event.host.empty() ? kEmptyField : event.host;
+    for (const char c : host.substr(0, kLongestHost)) {
+        m_prefix += isPlain(c) && c != ' ' && c != ',' ? c : '_';
+    }
+    m_prefix += ',';
+}
+
+}  // namespace quorbel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "service/Priority.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// One event on its way into the log files. The texts may hold any bytes.
+struct ReceivedEvent {
+    std::int64_t seconds = 0;  ///< since 1970, when it was received
+    Priority priority;
+    std::string_view host;
+    std::string_view message;
+};
+
+/// Writes events as lines of the log files, "date,priority,host,message\r\n", so that a reader gets
+/// exactly these events back, whatever the sender put into them.
+///
+/// - No line is longer than the piece that readers take at once. A longer message becomes several
+///   whole events, cut between characters and never within an escape.
+/// - Control characters (C0, DEL, C1) are written as "#" and their code as three octal digits:
+///   "#012" for a line feed.
+/// - Bytes that are no UTF-8, and the noncharacters that a bus refuses in strings, are written as
+///   U+FFFD.
+/// - In the host, commas, blanks, control characters and bytes outside ASCII are written as "_".
+/// - An empty field is written as "-", because readers skip empty fields.
+class RecordWriter {
+public:
+    /// Appends the event to `lines` and returns how many lines it took.
+    std::size_t append(const ReceivedEvent &event, std::string &lines);
+
+private:
+    void makePrefix(const ReceivedEvent &event);
+
+    std::string m_prefix;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "service/Collector.h"
+#include "service/FrameSplitter.h"
+#include "service/SdEvent.h"
+#include "service/UniqueFd.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <string>
+
+namespace quorbel {
+
+/// Receives messages over stream connections (RFC 6587) and hands them to the collector.
+///
+/// Each connection is read one slice per turn of the loop, so that none keeps others waiting. At
+/// most kMostConnections are open: a new one takes the place of the one that was idle longest.
+class TcpInput {
+public:
+    static constexpr std::size_t kMostConnections = 512;
+
+    /// `collector` and `counters` must outlive the object.
+    TcpInput(sd_event *loop, UniqueFd listener, Collector &collector, Counters &counters);
+    ~TcpInput();
+    TcpInput(const TcpInput &) = delete;
+    TcpInput &operator=(const TcpInput &) = delete;
+
+    /// Accepts and reads what the kernel holds now, until `deadline` at the latest, and closes all
+    /// connections. No new ones are taken after that.
+    void drain(std::chrono::steady_clock::time_point deadline);
+
+private:
+    class Connection;
+    using Connections = std::list<Connection>;
+
+    bool acceptOne();
+    enum class Slice { kRead, kQuiet, kClosed };
+    Slice readSlice(Connections::iterator connection);
+    void close(Connections::iterator connection);
+    void closeIdlest();
+    static int onConnect(sd_event_source *source, int fd, std::uint32_t events, void *self);
+    static int onReadable(sd_event_source *source, int fd, std::uint32_t events, void *connection);
+
+    sd_event *m_loop;
+    UniqueFd m_listener;
+    Collector &m_collector;
+    Counters &m_counters;
+    std::string m_slice;
+    Connections m_connections;  ///< the one that was idle longest in front
+    EventSourcePointer m_source;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "service/Collector.h"
+#include "service/SdEvent.h"
+#include "service/SenderAddress.h"
+#include "service/UniqueFd.h"
+
+#include <sys/socket.h>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+
+namespace quorbel {
+
+/// Receives messages as datagrams (RFC 5426) and hands them to the collector.
+class UdpInput {
+public:
+    /// `collector` must outlive the object.
+    UdpInput(sd_event *loop, UniqueFd socket, Collector &collector);
+    ~UdpInput();
+    UdpInput(const UdpInput &) = delete;
+    UdpInput &operator=(const UdpInput &) = delete;
+
+    /// Reads what the kernel holds now, until `deadline` at the latest, and nothing after that.
+    void drain(std::chrono::steady_clock::time_point deadline);
+    /// How many datagrams the kernel dropped so far: because its buffer was full, or after drain().
+    [[nodiscard]] std::uint64_t dropped();
+
+private:
+    struct Buffers;
+
+    bool readTurn();
+    bool readBatch();
+    static int onReadable(sd_event_source *source, int fd, std::uint32_t events, void *self);
+
+    UniqueFd m_socket;
+    Collector &m_collector;
+    SenderAddress m_sender;
+    std::unique_ptr<Buffers> m_buffers;
+    std::uint32_t m_lastDropCount = 0;
+    std::uint64_t m_dropped = 0;
+    EventSourcePointer m_source;
+};
+
+}  // namespace quorbel

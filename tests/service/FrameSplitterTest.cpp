@@ -1,0 +1,116 @@
+#include "service/FrameSplitter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using ::testing::ElementsAre;
+using namespace std::string_view_literals;
+
+struct Frames {
+    std::vector<std::string> whole;
+    std::vector<std::string> cut;
+    FrameSplitter splitter{
+        [this](std::string_view frame, bool isCut) { (isCut ? cut : whole).emplace_back(frame); }};
+};
+
+struct Case {
+    std::string_view stream;
+    std::vector<std::string> frames;
+    std::vector<std::string> cut = {};
+};
+
+const std::vector<Case> &cases() {
+    static const std::vector<Case> table{
+        {"", {}},
+        {"<1>a\n<2>b\n", {"<1>a", "<2>b"}},
+        {"<1>a\r\n<2>b\r\n", {"<1>a", "<2>b"}},
+        {"<1>a\0<2>b\0"sv, {"<1>a", "<2>b"}},
+        {"<1>a\n<2>unfinished", {"<1>a", "<2>unfinished"}},
+        {"4 <1>a4 <2>b", {"<1>a", "<2>b"}},
+        {"7 <1>a\nbc4 <2>b", {"<1>a\nbc", "<2>b"}},
+        // One framing after the other.
+        {"4 <1>a<2>b\n4 <3>c<4>d\n", {"<1>a", "<2>b", "<3>c", "<4>d"}},
+        // Senders that end a counted frame with a line feed nevertheless, within or behind it.
+        {"4 <1>a\n4 <2>b\n", {"<1>a", "<2>b"}},
+        {"5 <1>a\n5 <2>b\n", {"<1>a\n", "<2>b\n"}},
+        {"5 <1>a\r4 <2>b", {"<1>a", "<2>b"}},
+        // Empty frames.
+        {"\n\n\r\n<1>a\n\n\0\0<2>b\n"sv, {"<1>a", "<2>b"}},
+        {"0 <1>a\n", {"0 <1>a"}},
+        {"04 <1>a\n", {"04 <1>a"}},
+        // Lines that begin with a number.
+        {"12 errors found\n", {"12 errors found"}},
+        {"12\n13 \n", {"12", "13 "}},
+        {"2023-10-11 text\n", {"2023-10-11 text"}},
+        {"1234567890 <1>a\n", {"1234567890 <1>a"}},
+        {"4  <1>a\n", {"4  <1>a"}},
+        {"12", {"12"}},
+        {"12 ", {"12 "}},
+        // The stream ends within a counted frame.
+        {"10 <1>abc", {}, {"<1>abc"}},
+        {"10 <", {}, {"<"}},
+    };
+    return table;
+}
+
+TEST(FrameSplitter, TellsFramingsApartWhateverThePieces) {
+    for (const Case &c : cases()) {
+        for (std::size_t step = 1; step <= c.stream.size() + 1; ++step) {
+            SCOPED_TRACE(std::string(c.stream) + " in steps of " + std::to_string(step));
+            Frames frames;
+            for (std::size_t at = 0; at < c.stream.size(); at += step) {
+                frames.splitter.feed(c.stream.substr(at, step));
+            }
+            frames.splitter.finish();
+            EXPECT_EQ(frames.whole, c.frames);
+            EXPECT_EQ(frames.cut, c.cut);
+        }
+    }
+}
+
+TEST(FrameSplitter, HandsFramesOnAsSoonAsTheyAreComplete) {
+    Frames frames;
+    frames.splitter.feed("<1>a\n4 <2>b<3>");
+    EXPECT_THAT(frames.whole, ElementsAre("<1>a", "<2>b"));
+}
+
+TEST(FrameSplitter, KeepsTheLargestFrameWhole) {
+    const std::string large = "<1>" + std::string(FrameSplitter::kMaxFrame - 3, 'x');
+    Frames frames;
+    frames.splitter.feed(large + '\n' + std::to_string(large.size()) + ' ' + large + "<2>b\n");
+    EXPECT_THAT(frames.whole, ElementsAre(large, large, "<2>b"));
+    EXPECT_TRUE(frames.cut.empty());
+}
+
+TEST(FrameSplitter, CutsLongerFramesAndGoesOnBehindThem) {
+    const std::string kept = "<1>" + std::string(FrameSplitter::kMaxFrame - 3, 'x');
+    const std::string large = kept + std::string(200'000, 'y');
+    const std::string stream =
+        large + "\n<2>b\n" + std::to_string(large.size()) + ' ' + large + "<3>c\n";
+    for (const std::size_t step : {1000U, 65536U, 1000000U}) {
+        Frames frames;
+        for (std::size_t at = 0; at < stream.size(); at += step) {
+            frames.splitter.feed(std::string_view(stream).substr(at, step));
+        }
+        EXPECT_THAT(frames.cut, ElementsAre(kept, kept));
+        EXPECT_THAT(frames.whole, ElementsAre("<2>b", "<3>c"));
+    }
+}
+
+TEST(FrameSplitter, ForgetsTheRestOfACutFrameAtTheEnd) {
+    Frames frames;
+    frames.splitter.feed("<1>" + std::string(100'000, 'x'));
+    frames.splitter.finish();
+    EXPECT_EQ(frames.cut.size(), 1U);
+    EXPECT_TRUE(frames.whole.empty());
+}
+
+}  // namespace
+}  // namespace quorbel

@@ -1,0 +1,254 @@
+#include "platform/Files.h"
+#include "service/LogStore.h"
+#include "support/TemporaryFolder.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+#include <string>
+#include <thread>
+
+namespace quorbel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+
+constexpr std::int64_t kMonday = 1700000000;   // 2023-11-14, in UTC
+constexpr std::int64_t kTuesday = 1700092800;  // 2023-11-16
+
+std::string line(std::int64_t number) {
+    return "1700000000,User.Notice,h,number " + std::to_string(number) + "\r\n";
+}
+
+/// As if the disk were full once a file has so many bytes.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
+    FileSizeLimit(const FileSizeLimit &) = delete;
+    FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+private:
+    rlimit m_before{};
+};
+
+struct LogStoreTest : ::testing::Test {
+    [[nodiscard]] std::string content(const std::string &name) const {
+        return readFile(folder.path() / name).value_or("(no file)");
+    }
+    [[nodiscard]] UniqueFd open(const std::string &name) const {
+        return UniqueFd(::open((folder.path() / name).c_str(), O_RDONLY | O_CLOEXEC));
+    }
+    [[nodiscard]] mode_t modeOf(const std::filesystem::path &path) const {
+        struct stat status {};
+        return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+
+    TemporaryFolder folder;
+    LogStore store{folder.path()};
+};
+
+TEST_F(LogStoreTest, AppendsToTheFileOfTheDay) {
+    const auto first = store.append(line(1) + line(2), kMonday, false);
+    EXPECT_EQ(first.stored, 2U);
+    EXPECT_EQ(first.notStored, 0U);
+    store.append(line(3), kTuesday, true);
+    store.append(line(4), kMonday, false);
+    EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log", "2023-11-16.log"));
+    EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2) + line(4));
+    EXPECT_EQ(content("2023-11-16.log"), line(3));
+    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0640U);
+}
+
+TEST_F(LogStoreTest, PreparesItsFolder) {
+    const std::filesystem::path made = folder.path() / "a" / "b";
+    LogStore other(made);
+    other.prepare();
+    EXPECT_EQ(modeOf(made), 0750U);
+
+    folder.write("2023-11-14.log", line(1) + "1700000000,User.No");
+    folder.write("2023-11-15.log", line(1) + "1700000000,User.Notice,h,torn");
+    folder.write("2023-11-16.log.new", "left over");
+    folder.write("x.log", "somebody else's");
+    store.prepare();
+    EXPECT_EQ(content("2023-11-14.log"), line(1));
+    EXPECT_EQ(content("2023-11-15.log"), line(1) + "1700000000,User.Notice,h,torn\r\n");
+    EXPECT_THAT(store.fileNames(), ElementsAre("2023-11-14.log", "2023-11-15.log", "x.log"));
+    EXPECT_EQ(content("x.log"), "somebody else's");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "2023-11-16.log.new"));
+}
+
+TEST_F(LogStoreTest, NeverAppendsToATornLine) {
+    folder.write("2023-11-14.log", line(1) + "1700000000,User.No");
+    store.append(line(2), kMonday, false);
+    EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2));
+}
+
+TEST_F(LogStoreTest, NoticesThatItsFileIsGone) {
+    store.append(line(1), kMonday, false);
+    std::filesystem::rename(folder.path() / "2023-11-14.log", folder.path() / "moved");
+    EXPECT_EQ(store.append(line(2), kMonday, false).stored, 1U);
+    EXPECT_EQ(content("moved"), line(1));
+    EXPECT_EQ(content("2023-11-14.log"), line(2));
+    std::filesystem::remove_all(folder.path());
+    EXPECT_EQ(store.append(line(3), kMonday, false).stored, 1U);
+    EXPECT_EQ(content("2023-11-14.log"), line(3));
+}
+
+TEST_F(LogStoreTest, SaysOnceThatItCannotStoreAndOnceThatItCanAgain) {
+    std::filesystem::remove_all(folder.path());
+    std::ofstream(folder.path()) << "a file";
+    ::testing::internal::CaptureStderr();
+    for (int i = 0; i < 3; ++i) {
+        const auto result = store.append(line(1) + line(2), kMonday, false);
+        EXPECT_EQ(result.stored, 0U);
+        EXPECT_EQ(result.notStored, 2U);
+    }
+    std::filesystem::remove(folder.path());
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(store.append(line(i), kMonday + i, false).stored, 1U);
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<3>Events cannot be stored in " + folder.path().string() +
+                  ": Not a directory\n"
+                  "<5>Events are stored again; 6 could not be stored meanwhile\n");
+    EXPECT_EQ(content("2023-11-14.log"), line(0) + line(1) + line(2) + line(3) + line(4));
+}
+
+TEST_F(LogStoreTest, LeavesNoPartOfALineOnAFullDisk) {
+    std::string lines;
+    for (int i = 0; i < 10; ++i) {
+        lines += line(i);
+    }
+    const std::size_t length = line(0).size();
+    for (std::size_t extra = 0; extra < length; ++extra) {
+        const FileSizeLimit limit(3 * length + extra);
+        const auto result = store.append(lines, kMonday, false);
+        EXPECT_EQ(result.stored, 3U);
+        EXPECT_EQ(result.notStored, 7U);
+        EXPECT_EQ(content("2023-11-14.log"), line(0) + line(1) + line(2));
+        std::filesystem::resize_file(folder.path() / "2023-11-14.log", 0);
+    }
+    EXPECT_EQ(store.append(line(11), kMonday, false).stored, 1U);
+    EXPECT_EQ(content("2023-11-14.log"), line(11));
+}
+
+TEST_F(LogStoreTest, CutsRangesOutOfAFile) {
+    const std::size_t length = line(0).size();
+    folder.write("2023-11-14.log", line(0) + line(1) + line(2) + line(3));
+    ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"),
+                             {{0, length}, {2 * length, 3 * length}}));
+    EXPECT_EQ(content("2023-11-14.log"), line(1) + line(3));
+    EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
+    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0640U);
+}
+
+TEST_F(LogStoreTest, KeepsAppendingToAFileThatWasReplaced) {
+    store.append(line(0) + line(1), kMonday, false);
+    ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+    store.append(line(2), kMonday, false);
+    EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2));
+}
+
+TEST_F(LogStoreTest, RemovesAFileOfWhichNothingIsLeftEvenOnAFullDisk) {
+    store.append(line(0) + line(1), kMonday, false);
+    const std::size_t length = line(0).size();
+    {
+        const FileSizeLimit limit(0);
+        ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"),
+                                 {{0, length}, {length, 2 * length}}));
+    }
+    EXPECT_THAT(listFolder(folder.path()), IsEmpty());
+    store.append(line(2), kMonday, false);
+    EXPECT_EQ(content("2023-11-14.log"), line(2));
+}
+
+TEST_F(LogStoreTest, LeavesTheFileAloneWhenItCannotBeReplaced) {
+    store.append(line(0) + line(1), kMonday, false);
+    {
+        const FileSizeLimit limit(1);
+        EXPECT_FALSE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+        EXPECT_EQ(errno, EFBIG);
+    }
+    EXPECT_EQ(content("2023-11-14.log"), line(0) + line(1));
+    // Somebody else has put another file in its place.
+    const UniqueFd before = open("2023-11-14.log");
+    std::filesystem::remove(folder.path() / "2023-11-14.log");
+    folder.write("2023-11-14.log", "another");
+    EXPECT_FALSE(store.cutOut("2023-11-14.log", before, {{0, line(0).size()}}));
+    EXPECT_EQ(content("2023-11-14.log"), "another");
+    EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
+}
+
+// Each round takes all lines with an even number out while a flood of lines arrives; no line with
+// an odd number may be lost, moved or doubled by that.
+TEST_F(LogStoreTest, LosesNothingThatArrivesDuringACut) {
+    std::atomic<bool> stop = false;
+    std::int64_t appended = 0;
+    std::thread flood([&] {
+        while (!stop) {
+            std::string lines;
+            for (int i = 0; i < 20; ++i) {
+                lines += line(appended++);
+            }
+            EXPECT_EQ(store.append(lines, kMonday, appended % 1000 == 0).notStored, 0U);
+        }
+    });
+    while (!std::filesystem::exists(folder.path() / "2023-11-14.log")) {
+        std::this_thread::yield();
+    }
+    const auto isEven = [](std::string_view text) {
+        return (text.substr(0, text.find_last_not_of("\r\n") + 1).back() - '0') % 2 == 0;
+    };
+    for (int round = 0; round < 15; ++round) {
+        const UniqueFd file = open("2023-11-14.log");
+        std::vector<ByteRange> ranges;
+        ASSERT_TRUE(forEachPiece(file.get(), store.settledSize(file),
+                                 [&](std::uint64_t offset, std::string_view piece) {
+                                     if (isEven(piece)) {
+                                         ranges.push_back({offset, offset + piece.size()});
+                                     }
+                                 }));
+        ASSERT_TRUE(store.cutOut("2023-11-14.log", file, ranges));
+    }
+    stop = true;
+    flood.join();
+    std::int64_t next = 1;
+    const UniqueFd file = open("2023-11-14.log");
+    forEachPiece(file.get(), store.settledSize(file), [&](std::uint64_t, std::string_view piece) {
+        if (!isEven(piece)) {
+            ASSERT_EQ(piece, line(next));
+            next += 2;
+        }
+    });
+    EXPECT_EQ(next, appended + 1);
+}
+
+TEST(LogStore, ReportsNothingWhenNothingIsWrong) {
+    ::testing::internal::CaptureStderr();
+    {
+        const TemporaryFolder folder;
+        LogStore store(folder.path());
+        store.prepare();
+        store.append(line(1), kMonday, true);
+        store.append(line(1), kTuesday, false);
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+}  // namespace
+}  // namespace quorbel
