@@ -1,0 +1,125 @@
+#include "events/EventTableModel.h"
+
+#include "platform/gui/Icons.h"
+#include "platform/gui/QtText.h"
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array<const char *, EventTableModel::kColumnCount> kTitles = {
+    "Rating", "Date", "Priority", "Host", "Message"};
+
+/// A longer message is cut in its tool tip; the details show all of it.
+constexpr qsizetype kLongestToolTip = 2000;
+
+QString orEmpty(const std::optional<std::string_view> &text) {
+    return toQString(text.value_or(std::string_view()));
+}
+
+}  // namespace
+
+EventTableModel::EventTableModel(EventList &list, QObject *parent)
+    : QAbstractTableModel(parent), m_list(list) {
+    for (std::size_t level = 0; level < m_images.size(); ++level) {
+        m_images[level] =
+            severityIcon(toQString(severityLevelName(static_cast<std::int64_t>(level))));
+    }
+    m_list.setObserver(this);
+}
+
+EventTableModel::~EventTableModel() {
+    m_list.setObserver(nullptr);
+}
+
+int EventTableModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_list.size());
+}
+
+int EventTableModel::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : kColumnCount;
+}
+
+QVariant EventTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= kColumnCount) {
+        return {};
+    }
+    switch (role) {
+        case Qt::DisplayRole:
+            return QString::fromLatin1(kTitles[static_cast<std::size_t>(section)]);
+        case Qt::TextAlignmentRole:
+            return QVariant::fromValue(Qt::AlignLeft | Qt::AlignVCenter);
+        default:
+            return {};
+    }
+}
+
+QString EventTableModel::text(std::size_t row, int column) const {
+    switch (column) {
+        case kRating:
+            return toQString(m_list.image(row));
+        case kDate:
+            return toQString(m_list.date(row).value_or(std::string()));
+        case kPriority:
+            return orEmpty(m_list.priority(row));
+        case kHost:
+            return orEmpty(m_list.host(row));
+        default:
+            return orEmpty(m_list.message(row));
+    }
+}
+
+QVariant EventTableModel::data(const QModelIndex &index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const auto row = static_cast<std::size_t>(index.row());
+    if (role == Qt::DisplayRole) {
+        return text(row, index.column());
+    }
+    if (role == Qt::DecorationRole && index.column() == kRating) {
+        const std::string_view image = m_list.image(row);
+        for (std::size_t level = 0; level < m_images.size(); ++level) {
+            if (image == severityLevelName(static_cast<std::int64_t>(level))) {
+                return m_images[level];
+            }
+        }
+    }
+    if (role == Qt::ToolTipRole && index.column() == kMessage) {
+        // As plain text: a message may look like markup.
+        return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>")
+            .arg(text(row, kMessage).left(kLongestToolTip).toHtmlEscaped());
+    }
+    return {};
+}
+
+void EventTableModel::refreshAll() {
+    if (const int rows = rowCount(); rows > 0) {
+        Q_EMIT dataChanged(index(0, 0), index(rows - 1, kColumnCount - 1));
+    }
+}
+
+void EventTableModel::rowWillBeInsertedAtTop() {
+    beginInsertRows({}, 0, 0);
+}
+void EventTableModel::rowWasInserted() {
+    endInsertRows();
+}
+
+void EventTableModel::rowsWillBeRemoved(std::size_t first, std::size_t count) {
+    beginRemoveRows({}, static_cast<int>(first), static_cast<int>(first + count - 1));
+}
+void EventTableModel::rowsWereRemoved() {
+    endRemoveRows();
+}
+
+void EventTableModel::listWillChangeAtLarge() {
+    beginResetModel();
+}
+void EventTableModel::listChangedAtLarge() {
+    endResetModel();
+}
+
+}  // namespace quorbel

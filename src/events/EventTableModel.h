@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/EventList.h"
+
+#include <QAbstractTableModel>
+#include <QIcon>
+
+#include <array>
+
+namespace quorbel {
+
+/// The event list as the table shows it: one row an event, newest first.
+class EventTableModel : public QAbstractTableModel, private EventListObserver {
+    Q_OBJECT
+
+public:
+    enum Column { kRating, kDate, kPriority, kHost, kMessage, kColumnCount };
+
+    /// Observes `list`, which outlives the model.
+    explicit EventTableModel(EventList &list, QObject *parent = nullptr);
+    ~EventTableModel() override;
+    EventTableModel(const EventTableModel &) = delete;
+    EventTableModel &operator=(const EventTableModel &) = delete;
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                      int role) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+
+    /// Says that texts and images of any row may have changed.
+    void refreshAll();
+
+private:
+    void rowWillBeInsertedAtTop() override;
+    void rowWasInserted() override;
+    void rowsWillBeRemoved(std::size_t first, std::size_t count) override;
+    void rowsWereRemoved() override;
+    void listWillChangeAtLarge() override;
+    void listChangedAtLarge() override;
+
+    [[nodiscard]] QString text(std::size_t row, int column) const;
+
+    EventList &m_list;
+    std::array<QIcon, 3> m_images;  // by SeverityLevel
+};
+
+}  // namespace quorbel

@@ -1,0 +1,231 @@
+#include "events/ScanView.h"
+
+#include "core/AppDelegate.h"
+#include "events/EventDeletion.h"
+#include "events/EventTableModel.h"
+#include "platform/gui/AlertBox.h"
+#include "platform/gui/Icons.h"
+#include "platform/gui/Sheet.h"
+#include "platform/gui/Storyboard.h"
+#include "ui_ScanView.h"
+
+#include <QHeaderView>
+#include <QItemSelection>
+#include <QLocale>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kRowHeight = 28;
+constexpr std::array kColumnWidths = {120, 170, 160, 150};  // the message takes the rest
+
+RowRange rangeOf(const QItemSelectionRange &range) {
+    return {static_cast<std::size_t>(range.top()), static_cast<std::size_t>(range.height())};
+}
+
+}  // namespace
+
+ScanView::ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget *parent)
+    : Page(parent),
+      m_delegate(delegate),
+      m_storyboard(storyboard),
+      m_model(std::make_unique<EventTableModel>(m_arrController)),
+      ui(std::make_unique<Ui::ScanView>()) {
+    ui->setupUi(this);
+}
+
+ScanView::~ScanView() = default;
+
+void ScanView::viewDidLoad() {
+    setWhiteBackground();
+    ui->deleteEvents->setIcon(lineIcon(QStringLiteral("delete")));
+
+    ui->tableView->setModel(m_model.get());
+    ui->tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    ui->tableView->verticalHeader()->setDefaultSectionSize(kRowHeight);
+    for (std::size_t column = 0; column < kColumnWidths.size(); ++column) {
+        ui->tableView->setColumnWidth(static_cast<int>(column), kColumnWidths[column]);
+    }
+
+    connect(ui->tableView, &QAbstractItemView::doubleClicked, this, &ScanView::doubleClickTable);
+    connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
+    connect(ui->scanActions, &QAbstractButton::clicked, this, &ScanView::syslogActions);
+    connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
+    for (const auto signal :
+         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
+        connect(m_model.get(), signal, this, &ScanView::showCount);
+    }
+    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::showCount);
+    connect(m_model.get(), &QAbstractItemModel::modelAboutToBeReset, this, &ScanView::rememberView);
+    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::restoreView);
+    showCount();
+}
+
+void ScanView::viewWillAppear() {
+    removeAnnounced();
+    m_arrController.show(m_delegate.state);
+    m_model->refreshAll();
+    ui->tableView->scrollToTop();
+    ui->tableView->clearSelection();
+}
+
+void ScanView::viewDidAppear() {
+    ui->tableView->setFocus();
+}
+
+EventId ScanView::insertEvent(const EventFields &event) {
+    const EventId id = m_arrController.insertShown(event, m_delegate.state);
+    // Who has scrolled down to read goes on seeing the same rows.
+    QScrollBar *bar = ui->tableView->verticalScrollBar();
+    if (bar->value() > 0) {
+        bar->setMaximum(bar->maximum() + 1);
+        bar->setValue(bar->value() + 1);
+    }
+    ui->tableView->clearSelection();
+    return id;
+}
+
+void ScanView::removeEvent(const EventFields &announced) {
+    const auto row = m_arrController.find(announced, m_delegate.state.newDateFormat);
+    if (!row) {
+        return;
+    }
+    m_arrController.markForRemoval(*row);
+    if (!std::exchange(m_removalIsDue, true)) {
+        QMetaObject::invokeMethod(this, &ScanView::removeAnnounced, Qt::QueuedConnection);
+    }
+}
+
+void ScanView::removeAnnounced() {
+    m_removalIsDue = false;
+    m_arrController.removeMarked();
+}
+
+void ScanView::doubleClickTable() {
+    // The details sheet comes with the next step of the event browser.
+}
+
+ScanView::Rows ScanView::selectedRows() const {
+    Rows rows;
+    for (const QItemSelectionRange &range : ui->tableView->selectionModel()->selection()) {
+        rows.push_back(rangeOf(range));
+    }
+    std::ranges::sort(rows, {}, &RowRange::first);
+    return rows;
+}
+
+ScanView::Rows ScanView::allRows() const {
+    return m_arrController.size() == 0 ? Rows{} : Rows{{0, m_arrController.size()}};
+}
+
+void ScanView::rememberView() {
+    m_rememberedSelection = idsOf(selectedRows());
+    const int top = ui->tableView->rowAt(0);
+    m_rememberedTop = top > 0 ? m_arrController.idAt(static_cast<std::size_t>(top)) : 0;
+}
+
+void ScanView::restoreView() {
+    QItemSelection selection;
+    for (const RowRange &range : joinRows(rowsOf(std::exchange(m_rememberedSelection, {})))) {
+        const auto first = static_cast<int>(range.first);
+        const auto last = static_cast<int>(range.first + range.count - 1);
+        selection.select(m_model->index(first, 0),
+                         m_model->index(last, EventTableModel::kColumnCount - 1));
+    }
+    ui->tableView->selectionModel()->select(selection, QItemSelectionModel::Select);
+    if (const auto top = m_arrController.rowOf(m_rememberedTop)) {
+        ui->tableView->scrollTo(m_model->index(static_cast<int>(*top), 0),
+                                QAbstractItemView::PositionAtTop);
+    }
+}
+
+std::vector<EventId> ScanView::idsOf(const Rows &rows) {
+    std::vector<EventId> ids;
+    for (const RowRange &range : rows) {
+        for (std::size_t row = range.first; row < range.first + range.count; ++row) {
+            ids.push_back(m_arrController.idAt(row));
+        }
+    }
+    return ids;
+}
+
+std::vector<std::size_t> ScanView::rowsOf(const std::vector<EventId> &ids) {
+    std::vector<std::size_t> rows;
+    for (const EventId id : ids) {
+        if (const auto row = m_arrController.rowOf(id)) {
+            rows.push_back(*row);
+        }
+    }
+    return rows;
+}
+
+void ScanView::deleteEvents() {
+    removeAnnounced();
+    const Rows selection = selectedRows();
+    if (!selection.empty()) {
+        confirmDeletion(QStringLiteral("selected"),
+                        [this, chosen = idsOf(selection)] { return joinRows(rowsOf(chosen)); });
+        return;
+    }
+    openAlert(this,
+              {QStringLiteral("No events selected"),
+               QStringLiteral("Please select specific events or check all events."),
+               QStringLiteral("Delete all events"),
+               {}},
+              [this](const AlertAnswer &answer) {
+                  if (answer.checked) {
+                      confirmDeletion(QStringLiteral("all"), [this] { return allRows(); });
+                  }
+              });
+}
+
+void ScanView::confirmDeletion(const QString &what, std::function<Rows()> rows) {
+    openAlert(this,
+              {QStringLiteral("Are you sure you want to delete %1 events?").arg(what),
+               QStringLiteral("By clicking 'Yes' you will permanently delete %1 events.").arg(what),
+               {},
+               {QStringLiteral("Yes"), QStringLiteral("No")}},
+              [this, rows = std::move(rows)](const AlertAnswer &answer) {
+                  if (answer.button == 0) {
+                      removeAnnounced();
+                      deleteRows(rows());
+                  }
+              });
+}
+
+void ScanView::deleteRows(const Rows &rows) {
+    Dictionary deleted = takeForDeletion(m_arrController, rows, m_delegate.state);
+    m_arrController.removeRows(rows);
+    updateEvents(std::move(deleted));
+    ui->tableView->clearSelection();
+}
+
+void ScanView::updateEvents(Dictionary deleted) {
+    m_delegate.setPipe({{"command", "update"}, {"Events", std::move(deleted)}});
+}
+
+void ScanView::syslogActions() {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->openSettingsPage(Tab::kActions, Tab::kEvents);
+    }
+}
+
+void ScanView::syslogOptions() {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->openSettingsPage(Tab::kOptions, Tab::kEvents);
+    }
+}
+
+void ScanView::showCount() {
+    const auto count = static_cast<qlonglong>(m_arrController.size());
+    ui->eventCount->setText(count == 1 ? QStringLiteral("1 event")
+                                       : QLocale().toString(count) + QStringLiteral(" events"));
+}
+
+}  // namespace quorbel

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "core/EventList.h"
+#include "core/PageLinks.h"
+#include "platform/Value.h"
+#include "platform/gui/Page.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace Ui {
+class ScanView;
+}
+
+namespace quorbel {
+
+class AppDelegate;
+class EventTableModel;
+class Storyboard;
+
+/// The event list page: all events, newest first, and what one does with them.
+class ScanView : public Page, public EventListPageLink {
+    Q_OBJECT
+
+public:
+    /// Both outlive the page.
+    ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget *parent = nullptr);
+    ~ScanView() override;
+
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+    void viewDidAppear() override;
+
+    [[nodiscard]] bool isOnScreen() const override { return isPageOnScreen(); }
+    EventList &arrController() override { return m_arrController; }
+    EventId insertEvent(const EventFields &event) override;
+    void removeEvent(const EventFields &announced) override;
+
+    void doubleClickTable();
+    void deleteEvents();
+    void syslogActions();
+    void syslogOptions();
+
+private:
+    using Rows = std::vector<RowRange>;
+
+    [[nodiscard]] Rows selectedRows() const;
+    [[nodiscard]] Rows allRows() const;
+    [[nodiscard]] std::vector<EventId> idsOf(const Rows &rows);
+    /// Those of the events that the list still holds.
+    [[nodiscard]] std::vector<std::size_t> rowsOf(const std::vector<EventId> &ids);
+    void removeAnnounced();
+    // A large change of the list keeps the selection and the place where one reads.
+    void rememberView();
+    void restoreView();
+    /// Asks first. `rows` tells which events are meant once "Yes" was pressed: the list goes on
+    /// changing while a question stands.
+    void confirmDeletion(const QString &what, std::function<Rows()> rows);
+    void deleteRows(const Rows &rows);
+    void updateEvents(Dictionary deleted);
+    void showCount();
+
+    AppDelegate &m_delegate;
+    const Storyboard &m_storyboard;
+    EventList m_arrController;
+    std::unique_ptr<EventTableModel> m_model;
+    std::unique_ptr<Ui::ScanView> ui;
+    bool m_removalIsDue = false;
+    std::vector<EventId> m_rememberedSelection;
+    EventId m_rememberedTop = 0;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,129 @@
+#include "home/HomeView.h"
+
+#include "core/AppDelegate.h"
+#include "core/SettingsDocument.h"
+#include "home/Rating.h"
+#include "platform/ProcessTable.h"
+#include "platform/gui/Icons.h"
+#include "platform/gui/QtText.h"
+#include "ui_HomeView.h"
+
+#include <QLabel>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::string_view kServiceProcess = "QuorbelSrv";
+constexpr int kRatingImageSize = 56;
+constexpr int kStatusImageSize = 20;
+
+/// Assistive tools read a label's accessible name in place of its text, so it holds both what the
+/// field means (the label's "caption", from the form) and what it says.
+void setField(QLabel &label, const QString &text) {
+    label.setText(text);
+    label.setAccessibleName(label.property("caption").toString() + QStringLiteral(": ") + text);
+}
+
+/// Good, bad, or just not in use. The text beside the image says the same.
+enum class Mood { kGood, kBad, kIdle };
+
+void setStatusImage(QLabel &label, const QString &name, Mood mood) {
+    QColor colour;
+    if (mood != Mood::kIdle) {
+        colour = mood == Mood::kGood ? QColor(0x2f, 0x9e, 0x4f) : QColor(0xd9, 0x3a, 0x3f);
+    }
+    setLabelIcon(label, lineIcon(name, colour), kStatusImageSize);
+}
+
+}  // namespace
+
+HomeView::HomeView(AppDelegate &delegate, QWidget *parent)
+    : Page(parent), m_delegate(delegate), ui(std::make_unique<Ui::HomeView>()) {
+    ui->setupUi(this);
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const QString name = QStringLiteral("events") + toQString(kSeverityClasses[i].keyPart);
+        m_counters[i].label = findChild<QLabel *>(name);
+    }
+    ui->eventsBar->setPage(this);
+}
+
+HomeView::~HomeView() = default;
+
+void HomeView::viewDidLoad() {
+    setWhiteBackground();
+    setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")), kStatusImageSize);
+    setField(*ui->statusVersion,
+             QStringLiteral("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
+}
+
+void HomeView::viewWillAppear() {
+    setEventsStatus();
+    setActionsStatus();
+    setExportStatus();
+    setMonitorStatus();
+}
+
+void HomeView::setEventsStatus() {
+    const std::int64_t rating = rateEvents(m_delegate.state);
+    if (isRating(rating)) {
+        m_severityStatus = static_cast<int>(rating);
+    }
+    showCounters();
+    showRating();
+}
+
+void HomeView::showCounters() {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        CounterField &field = m_counters[i];
+        const std::int64_t count = m_delegate.state.*kSeverityClasses[i].counter;
+        if (count != field.shown) {
+            field.shown = count;
+            setField(*field.label, QString::number(count));
+        }
+    }
+}
+
+void HomeView::showRating() {
+    if (m_severityStatus == m_shownRating && devicePixelRatioF() == m_shownResolution) {
+        return;
+    }
+    m_shownRating = m_severityStatus;
+    m_shownResolution = devicePixelRatioF();
+    const Rating &rating = kRatings.at(static_cast<std::size_t>(m_severityStatus));
+    ui->eventsBox->setBorderColor(toQColor(rating.outerBorder));
+    ui->eventsInnerBox->setBorderColor(toQColor(rating.innerBorder));
+    setField(*ui->eventsTitle, toQString(rating.title));
+    const QString image = toQString(rating.image);
+    setLabelIcon(*ui->eventsImage, severityIcon(image), kRatingImageSize);
+    ui->eventsImage->setAccessibleName(image);
+    ui->eventsBar->update();
+}
+
+void HomeView::setMonitorStatus() {
+    const bool running = isProcessRunning(kServiceProcess);
+    setField(*ui->statusMonitor, running ? QStringLiteral("Running") : QStringLiteral("Stopped"));
+    setStatusImage(*ui->statusMonitorImage, QStringLiteral("monitor"),
+                   running ? Mood::kGood : Mood::kBad);
+}
+
+void HomeView::setActionsStatus() {
+    const auto settings = decodeSettings(AppDelegate::readSettings());
+    const bool enabled = settings && !settingArray(*settings, "actionsArray").empty();
+    setField(*ui->statusActions,
+             enabled ? QStringLiteral("Actions enabled") : QStringLiteral("Do not use actions"));
+    setStatusImage(*ui->statusActionsImage, QStringLiteral("actions"),
+                   enabled ? Mood::kGood : Mood::kIdle);
+}
+
+void HomeView::setExportStatus() {
+    const auto settings = decodeSettings(AppDelegate::readSettings());
+    const bool enabled = settings && (settingInteger(*settings, "textInterval") > 0 ||
+                                      settingInteger(*settings, "databaseInterval") > 0);
+    setField(*ui->statusExport,
+             enabled ? QStringLiteral("Export enabled") : QStringLiteral("Do not use export"));
+    setStatusImage(*ui->statusExportImage, QStringLiteral("export"),
+                   enabled ? Mood::kGood : Mood::kIdle);
+}
+
+}  // namespace quorbel

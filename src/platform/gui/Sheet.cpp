@@ -1,0 +1,31 @@
+#include "platform/gui/Sheet.h"
+
+namespace quorbel {
+
+Sheet::Sheet(QWidget *parent) : QDialog(parent) {}
+
+void Sheet::presentOver(QWidget *presenter) {
+    m_presenter = presenter;
+    setParent(presenter, windowFlags());
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowModality(Qt::WindowModal);
+    ensurePolished();
+    if (!testAttribute(Qt::WA_Resized)) {
+        adjustSize();
+    }
+    // A larger font than the form was drawn with may need more room than it was given.
+    setFixedSize(size().expandedTo(minimumSizeHint()));
+    open();
+}
+
+void Sheet::showEvent(QShowEvent *event) {
+    QDialog::showEvent(event);
+    handleShow(this, *event);
+}
+
+void Sheet::hideEvent(QHideEvent *event) {
+    handleHide(*event);
+    QDialog::hideEvent(event);
+}
+
+}  // namespace quorbel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/gui/Page.h"
+
+#include <QDialog>
+
+namespace quorbel {
+
+/// A window-modal dialog over a page or over another sheet, made anew for each opening and deleted
+/// when it closes. Its content keeps the size that it was designed with.
+class Sheet : public QDialog, public PageLifeCycle {
+    Q_OBJECT
+
+public:
+    explicit Sheet(QWidget *parent = nullptr);
+
+    /// Shows the sheet over `presenter`'s window and returns at once; the sheet deletes itself
+    /// after it was closed. `presenter` becomes its parent and stays reachable as presenter().
+    void presentOver(QWidget *presenter);
+    [[nodiscard]] QWidget *presenter() const { return m_presenter; }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    QWidget *m_presenter = nullptr;
+};
+
+}  // namespace quorbel

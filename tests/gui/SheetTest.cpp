@@ -1,0 +1,107 @@
+#include "gui/LifeCycleProbe.h"
+#include "platform/gui/Sheet.h"
+
+#include <QLabel>
+#include <QPointer>
+#include <QTest>
+#include <QVBoxLayout>
+
+namespace quorbel {
+
+using namespace Qt::StringLiterals;
+using ProbeSheet = testing::LifeCycleProbe<Sheet>;
+
+class SheetTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        m_steps.clear();
+        m_window.show();
+    }
+
+    void opensAtOnceOverItsPresentersWindow() {
+        auto *page = new QWidget(&m_window);
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        sheet->presentOver(page);
+        QVERIFY(sheet->isVisible());
+        QVERIFY(sheet->isWindow());
+        QCOMPARE(sheet->presenter(), page);
+        QCOMPARE(sheet->parentWidget(), page);
+        QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+        delete page;
+        QVERIFY(sheet.isNull());
+    }
+
+    void followsTheLifeCycleAndDeletesItself() {
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        sheet->presentOver(&m_window);
+        QCOMPARE(m_steps, QStringList{"sheet.will"_L1});
+        QTRY_COMPARE(m_steps, (QStringList{"sheet.will"_L1, "sheet.did"_L1}));
+        sheet->close();
+        QCOMPARE(m_steps, (QStringList{"sheet.will"_L1, "sheet.did"_L1, "sheet.leave"_L1}));
+        QTRY_VERIFY(sheet.isNull());
+        QCOMPARE(m_steps.size(), 3);
+    }
+
+    void acceptingRejectingAndEscapeDeleteItToo() {
+        const QPointer<ProbeSheet> accepted = makeSheet();
+        accepted->presentOver(&m_window);
+        accepted->accept();
+        QTRY_VERIFY(accepted.isNull());
+
+        const QPointer<ProbeSheet> escaped = makeSheet();
+        escaped->presentOver(&m_window);
+        QTest::keyClick(escaped, Qt::Key_Escape);
+        QTRY_VERIFY(escaped.isNull());
+        QCOMPARE(m_steps.count("sheet.leave"_L1), 2);
+    }
+
+    void keepsItsDesignedSize() {
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        sheet->resize(420, 260);
+        sheet->presentOver(&m_window);
+        QCOMPARE(sheet->size(), QSize(420, 260));
+        sheet->resize(800, 600);
+        QCOMPARE(sheet->size(), QSize(420, 260));
+        sheet->close();
+    }
+
+    void growsToWhatItsContentNeeds() {
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        auto *layout = new QVBoxLayout(sheet);
+        auto *content = new QWidget;
+        content->setMinimumSize(500, 40);
+        layout->addWidget(content);
+        sheet->resize(420, 260);
+        sheet->presentOver(&m_window);
+        QVERIFY(sheet->width() >= 500);
+        QCOMPARE(sheet->height(), 260);
+        sheet->close();
+    }
+
+    void opensOverAnotherSheet() {
+        const QPointer<ProbeSheet> lower = makeSheet();
+        lower->presentOver(&m_window);
+        const QPointer<ProbeSheet> upper = makeSheet();
+        upper->presentOver(lower);
+        QVERIFY(lower->isVisible());
+        QVERIFY(upper->isVisible());
+        upper->close();
+        QTRY_VERIFY(upper.isNull());
+        QVERIFY(lower->isVisible());
+        lower->close();
+        QTRY_VERIFY(lower.isNull());
+    }
+
+private:
+    ProbeSheet *makeSheet() { return new ProbeSheet(QStringLiteral("sheet"), m_steps); }
+
+    QStringList m_steps;
+    QWidget m_window;
+};
+
+}  // namespace quorbel
+
+QTEST_MAIN(quorbel::SheetTest)
+#include "SheetTest.moc"
