@@ -1,0 +1,204 @@
+// The event list with one and two million events: loading, memory, showing, removing, deleting.
+
+#include "Measure.h"
+#include "SampleLog.h"
+#include "core/AppDelegate.h"
+#include "core/EventIntake.h"
+#include "core/LogReader.h"
+#include "events/ScanView.h"
+#include "platform/Files.h"
+#include "platform/gui/Storyboard.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace quorbel::bench {
+namespace {
+
+class NoHomePage : public HomePageLink {
+public:
+    [[nodiscard]] bool isOnScreen() const override { return false; }
+    void setEventsStatus() override {}
+    [[nodiscard]] int severityStatus() const override { return 0; }
+};
+
+/// The real page with the real intake over one folder of log files.
+class Fixture {
+public:
+    explicit Fixture(const std::string &format = "yyyy-MM-dd HH:mm:ss")
+        : page(delegate, storyboard), intake(delegate.state, page, home) {
+        page.viewDidLoad();
+        page.resize(1200, 800);
+        m_format = format;
+    }
+    double load() {
+        const Stopwatch watch;
+        intake.initializeLog();
+        const double seconds = watch.seconds();
+        delegate.state.newDateFormat = delegate.state.oldDateFormat = m_format;
+        return seconds;
+    }
+    double show() {
+        page.hide();
+        QApplication::processEvents();
+        const Stopwatch watch;
+        page.show();
+        QApplication::processEvents();
+        page.grab();
+        return watch.seconds();
+    }
+    void press(const char *title, bool tick) {
+        auto *box = page.findChild<QMessageBox *>(QStringLiteral("alertBox"));
+        if (tick) {
+            box->checkBox()->setChecked(true);
+        }
+        const auto buttons = box->buttons();
+        const auto button =
+            std::ranges::find(buttons, QLatin1String(title), &QAbstractButton::text);
+        (*button)->click();
+        box->setObjectName(QString());
+    }
+
+    AppDelegate delegate;
+    Storyboard storyboard;
+    ScanView page;
+    NoHomePage home;
+    EventIntake intake;
+
+private:
+    std::string m_format;
+};
+
+bool benchLoading(const std::filesystem::path &folder) {
+    const auto file = folder / "sample.log";
+    const std::size_t bytes = writeSampleLog(file, 2'000'000, 0.04);
+    std::printf("2,000,000 lines, %.1f bytes each\n", static_cast<double>(bytes) / 2e6);
+    const std::string awk = "awk -F, '{c[$3]++}' '" + file.string() + "'";
+    double awkBest = 1e9;
+    double loadBest = 1e9;
+    double memory = 0;
+    secondsOf(awk);
+    for (int i = 0; i < 3; ++i) {
+        awkBest = std::min(awkBest, secondsOf(awk));
+        const std::size_t before = residentBytes();
+        Fixture fixture;
+        loadBest = std::min(loadBest, fixture.load());
+        if (i == 0) {
+            memory = static_cast<double>(residentBytes() - before) / static_cast<double>(bytes);
+        }
+    }
+    std::printf("awk over the same file %.3f s, start-up load %.3f s\n", awkBest, loadBest);
+    bool reached = report("start-up load of 2 million lines, times awk", loadBest / awkBest,
+                          "of awk", true, 0.8);
+    reached &= report("resident memory of that list, times the files", memory, "of bytes", true, 1);
+    std::filesystem::remove(file);
+    return reached;
+}
+
+bool benchShowing(const std::filesystem::path &folder, double spacing, const char *span) {
+    writeSampleLog(folder / "sample.log", 1'000'000, spacing);
+    Fixture fixture;
+    fixture.load();
+    AppState &state = fixture.delegate.state;
+    // Once without rows, so that fonts and styles are there.
+    {
+        Fixture warmUp;
+        warmUp.show();
+    }
+    bool reached = report(std::string("first showing of 1 million raw rows, ") + span,
+                          fixture.show(), "s", true, 0.1);
+    state.oldDateFormat = state.newDateFormat;
+    state.newDateFormat = "dd.MM.yyyy hh:mm:ss AM/PM";
+    reached &= report(std::string("showing them in a new date format, ") + span, fixture.show(),
+                      "s", true, 0.1);
+    reached &=
+        report(std::string("showing them once more, ") + span, fixture.show(), "s", true, 0.1);
+    return reached;
+}
+
+/// Announces the `count` oldest events as removed, as the service's retention does.
+double removeOldest(Fixture &fixture, std::uint64_t count, double spacing) {
+    std::vector<std::string> lines;
+    for (std::uint64_t number = 0; number < count; ++number) {
+        lines.push_back(sampleLine(number, spacing));
+    }
+    const Stopwatch watch;
+    for (const std::string &line : lines) {
+        const auto fields = splitLogLine(line);
+        fixture.intake.removeNotification(
+            {fields->date, fields->priority, fields->host, fields->message, {}});
+    }
+    QApplication::processEvents();
+    return watch.seconds();
+}
+
+bool benchRemoving(const std::filesystem::path &folder, double spacing, const char *format) {
+    writeSampleLog(folder / "sample.log", 1'000'000, spacing);
+    Fixture fixture(format);
+    fixture.load();
+    fixture.show();
+    const double seconds = removeOldest(fixture, 10'000, spacing);
+    if (fixture.page.arrController().size() != 990'000) {
+        std::printf("%zu rows left\n", fixture.page.arrController().size());
+        return false;
+    }
+    return report(std::string("10,000 removal notices, 1 million rows, ") + format, seconds, "s",
+                  true, 1);
+}
+
+bool benchDeleting(const std::filesystem::path &folder, double spacing, const char *span) {
+    writeSampleLog(folder / "sample.log", 1'000'000, spacing);
+    Fixture fixture;
+    fixture.load();
+    fixture.show();
+    fixture.page.deleteEvents();
+    fixture.press("OK", true);
+    const Stopwatch watch;
+    fixture.press("Yes", false);
+    const double seconds = watch.seconds();
+    if (fixture.page.arrController().size() != 0) {
+        return false;
+    }
+    return report(std::string("deleting all of 1 million rows, ") + span, seconds, "s", true, 2);
+}
+
+int run(const std::filesystem::path &folder, const std::string &part) {
+    setenv("QUORBEL_LIBRARY", folder.c_str(), 1);                    // NOLINT
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);  // NOLINT
+    bool reached = true;
+    if (part.empty() || part == "load") {
+        reached &= benchLoading(folder);
+    }
+    if (part.empty() || part == "show") {
+        reached &= benchShowing(folder, 0.08, "one day");
+        reached &= benchShowing(folder, 31.5, "one year");
+    }
+    if (part.empty() || part == "remove") {
+        reached &= benchRemoving(folder, 0.08, "yyyy-MM-dd HH:mm:ss");
+        reached &= benchRemoving(folder, 0.08, "yyyy-MM-dd HH:mm");
+    }
+    if (part.empty() || part == "delete") {
+        reached &= benchDeleting(folder, 0.08, "one day");
+        reached &= benchDeleting(folder, 2.6, "one month");
+    }
+    return reached ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace quorbel::bench
+
+int main(int argc, char **argv) {
+    const QApplication application(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s EMPTY-FOLDER [load|show|remove|delete]\n", argv[0]);
+        return 2;
+    }
+    return quorbel::bench::run(argv[1], argc > 2 ? argv[2] : "");
+}

@@ -1,0 +1,36 @@
+#include "Measure.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace quorbel::bench {
+
+std::size_t residentBytes() {
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+double secondsOf(const std::string &command) {
+    const Stopwatch watch;
+    if (std::system(command.c_str()) != 0) {  // NOLINT(concurrency-mt-unsafe,cert-env33-c)
+        std::fprintf(stderr, "Failed: %s\n", command.c_str());
+        std::exit(2);
+    }
+    return watch.seconds();
+}
+
+bool report(const std::string &what, double figure, const std::string &unit, bool atMost,
+            double aim) {
+    const bool reached = atMost ? figure <= aim : figure >= aim;
+    std::printf("%-62s %9.3f %-9s (%s %g)  %s\n", what.c_str(), figure, unit.c_str(),
+                atMost ? "at most" : "at least", aim, reached ? "reached" : "MISSED");
+    std::fflush(stdout);
+    return reached;
+}
+
+}  // namespace quorbel::bench

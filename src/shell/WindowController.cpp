@@ -1,0 +1,245 @@
+#include "shell/WindowController.h"
+
+#include "platform/gui/Icons.h"
+#include "platform/gui/Sheet.h"
+#include "shell/LoadProgress.h"
+#include "shell/NotificationPump.h"
+#include "ui_WindowController.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QCursor>
+#include <QMenu>
+#include <QScreen>
+
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+namespace {
+
+/// The pages' identifiers, in the order of Tab.
+constexpr std::array kPages{"HomeView",         "ScanView",         "ReportsView",    "ToolsView",
+                            "ToolsViewOptions", "ToolsViewActions", "ToolsViewExport"};
+
+constexpr int kBelowPointer = 20;
+
+/// A notification's fields without "Type"; `others` holds the ones without a place of their own.
+EventFields eventFields(const NotificationObserver::UserInfo &userInfo,
+                        std::vector<std::pair<std::string_view, std::string_view>> &others) {
+    EventFields fields;
+    for (const auto &[key, value] : userInfo) {
+        if (key == "Date") {
+            fields.date = value;
+        } else if (key == "Priority") {
+            fields.priority = value;
+        } else if (key == "Host") {
+            fields.host = value;
+        } else if (key == "Message") {
+            fields.message = value;
+        } else if (key != "Type") {
+            others.emplace_back(key, value);
+        }
+    }
+    fields.others = others;
+    return fields;
+}
+
+std::string_view typeOf(const NotificationObserver::UserInfo &userInfo) {
+    for (const auto &[key, value] : userInfo) {
+        if (key == "Type") {
+            return value;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+WindowController::WindowController(AppDelegate &delegate, const Storyboard &storyboard)
+    : m_delegate(delegate), m_storyboard(storyboard), ui(std::make_unique<Ui::WindowController>()) {
+    ui->setupUi(this);
+    for (const char *identifier : kPages) {
+        ui->tabView->addWidget(m_storyboard.instantiate(QString::fromLatin1(identifier)).release());
+    }
+    m_eventList = &dynamic_cast<EventListPageLink &>(*pageAt(Tab::kEvents));
+    m_home = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
+    m_intake = std::make_unique<EventIntake>(m_delegate.state, *m_eventList, *m_home);
+    setIcons();
+    connectCommands();
+    selectTab(Tab::kHome);
+    m_delegate.setMainWindow(this);
+}
+
+WindowController::~WindowController() {
+    m_delegate.setMainWindow(nullptr);
+}
+
+void WindowController::setIcons() {
+    const auto set = [](QToolButton *button, const QString &icon) {
+        button->setIcon(lineIcon(icon));
+        // Style sheets know no gap between icon and text.
+        button->setText(QStringLiteral("  ") + button->text());
+    };
+    set(ui->Home, QStringLiteral("home"));
+    set(ui->Scan, QStringLiteral("events"));
+    set(ui->Reports, QStringLiteral("reports"));
+    set(ui->Tools, QStringLiteral("tools"));
+    set(ui->HelpDropDown, QStringLiteral("help"));
+}
+
+void WindowController::connectCommands() {
+    connect(ui->Home, &QAbstractButton::clicked, this, &WindowController::Home);
+    connect(ui->Scan, &QAbstractButton::clicked, this, &WindowController::Scan);
+    connect(ui->Reports, &QAbstractButton::clicked, this, &WindowController::Reports);
+    connect(ui->Tools, &QAbstractButton::clicked, this, &WindowController::Tools);
+    connect(ui->HelpDropDown, &QAbstractButton::clicked, this, &WindowController::HelpDropDown);
+
+    connect(ui->applicationHome, &QAction::triggered, this, [this] { m_delegate.Home(); });
+    connect(ui->applicationScan, &QAction::triggered, this, [this] { m_delegate.Scan(); });
+    connect(ui->applicationReports, &QAction::triggered, this, [this] { m_delegate.Reports(); });
+    connect(ui->applicationTools, &QAction::triggered, this, [this] { m_delegate.Tools(); });
+    connect(ui->applicationAbout, &QAction::triggered, this, [this] { m_delegate.About(); });
+    connect(ui->closeWindow, &QAction::triggered, this, &QWidget::close);
+    // Not QCoreApplication::quit(), which an open sheet would refuse.
+    connect(ui->applicationQuit, &QAction::triggered, this, [] { QCoreApplication::exit(); });
+}
+
+QList<QAction *> WindowController::applicationCommands() const {
+    return {ui->applicationHome,  ui->applicationScan,  ui->applicationReports,
+            ui->applicationTools, ui->applicationAbout, ui->applicationQuit};
+}
+
+void WindowController::windowDidLoad() {
+    initializeLog();
+    resize(minimumSize());
+    QRect frame = frameGeometry();
+    frame.moveCenter(screen()->availableGeometry().center());
+    move(frame.topLeft());
+    // Else the first navigation entry would have the keyboard focus.
+    ui->tabView->setFocus();
+    m_notifications = std::make_unique<NotificationPump>(
+        [this](const NotificationObserver::UserInfo &userInfo) { syslogNotify(userInfo); });
+}
+
+void WindowController::Home() {
+    selectTab(Tab::kHome);
+}
+void WindowController::Scan() {
+    selectTab(Tab::kEvents);
+}
+void WindowController::Reports() {
+    selectTab(Tab::kReports);
+}
+void WindowController::Tools() {
+    selectTab(Tab::kTools);
+}
+
+void WindowController::About() {
+    if (m_aboutSheet) {
+        m_aboutSheet->raise();
+        m_aboutSheet->activateWindow();
+        return;
+    }
+    auto controller = m_storyboard.instantiate(QStringLiteral("aboutView"));
+    if (auto *sheet = dynamic_cast<Sheet *>(controller.get())) {
+        m_aboutSheet = controller.release();
+        sheet->presentOver(ui->tabView);
+    }
+}
+
+void WindowController::HelpDropDown() {
+    auto *menu = new QMenu(QStringLiteral("Menu"), this);
+    menu->setObjectName(QStringLiteral("helpDropDownMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(ui->applicationHelp->text())->setEnabled(ui->applicationHelp->isEnabled());
+    menu->addSeparator();
+    connect(menu->addAction(ui->applicationAbout->text()), &QAction::triggered, this,
+            &WindowController::About);
+    menu->popup(QCursor::pos() + QPoint(0, kBelowPointer));
+}
+
+void WindowController::makeVisible() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    QWidget::show();
+    raise();
+    activateWindow();
+}
+
+void WindowController::openSettingsPage(Tab page, Tab parentTab) {
+    if (auto *settings = dynamic_cast<SettingsPageLink *>(pageAt(page))) {
+        settings->parentTab = parentTab;
+    }
+    selectTab(page);
+}
+
+void WindowController::selectTab(Tab page) {
+    // The settings pages have no entry of their own: they belong to where they were opened.
+    const auto *settings = dynamic_cast<SettingsPageLink *>(pageAt(page));
+    switch (settings != nullptr ? settings->parentTab : page) {
+        case Tab::kHome:
+            ui->Home->setChecked(true);
+            break;
+        case Tab::kEvents:
+            ui->Scan->setChecked(true);
+            break;
+        case Tab::kReports:
+            ui->Reports->setChecked(true);
+            break;
+        default:
+            ui->Tools->setChecked(true);
+            break;
+    }
+    // Else the tab container would move it to the new page's first control; the pages choose.
+    if (ui->tabView->isAncestorOf(focusWidget())) {
+        ui->tabView->setFocus();
+    }
+    ui->tabView->setCurrentIndex(static_cast<int>(page));
+}
+
+QWidget *WindowController::pageAt(Tab page) const {
+    return ui->tabView->widget(static_cast<int>(page));
+}
+
+EventId WindowController::setNotification(const EventFields &event) {
+    return m_intake->setNotification(event);
+}
+
+void WindowController::removeNotification(const EventFields &announced) {
+    m_intake->removeNotification(announced);
+}
+
+void WindowController::initializeLog() {
+    LoadProgress progress;
+    m_intake->initializeLog(
+        [&progress](std::uint64_t read, std::uint64_t total) { progress.update(read, total); });
+}
+
+void WindowController::syslogNotify(const NotificationObserver::UserInfo &userInfo) {
+    std::vector<std::pair<std::string_view, std::string_view>> others;
+    const EventFields fields = eventFields(userInfo, others);
+    const std::string_view type = typeOf(userInfo);
+    if (type == "Set") {
+        const EventId id = setNotification(fields);
+        const AppState &state = m_delegate.state;
+        const bool alertsAreOn = state.iPopupEvents > 0 || !state.popupSound.empty();
+        if (alertsAreOn && m_alertQueue != nullptr) {
+            m_alertQueue->append(Event(m_eventList->arrController(), id));
+        }
+    } else if (type == "Remove") {
+        removeNotification(fields);
+    }
+}
+
+void WindowController::closeEvent(QCloseEvent *event) {
+    event->accept();
+    if (!m_isReopenable()) {
+        QCoreApplication::exit();
+    }
+}
+
+}  // namespace quorbel

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "core/AlertQueueLink.h"
+#include "core/AppDelegate.h"
+#include "core/EventIntake.h"
+#include "core/PageLinks.h"
+#include "platform/bus/NotificationObserver.h"
+#include "platform/gui/Storyboard.h"
+
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+
+class QAction;
+class QToolButton;
+
+namespace Ui {
+class WindowController;
+}
+
+namespace quorbel {
+
+class NotificationPump;
+
+/// The main window: seven pages, the way from one to the other, and the way in for events.
+///
+/// Made by its constructor with all its pages, and loaded by windowDidLoad(); nothing is shown
+/// before makeVisible(). Refers to the delegate and the storyboard, which outlive it; the delegate
+/// knows it for as long as it lives.
+class WindowController final : public QMainWindow, public MainWindowLink {
+    Q_OBJECT
+
+public:
+    /// The storyboard knows the seven pages; those at Tab::kHome and Tab::kEvents are the
+    /// HomePageLink and the EventListPageLink. Throws std::bad_cast where that is not so.
+    WindowController(AppDelegate &delegate, const Storyboard &storyboard);
+    ~WindowController() override;
+    WindowController(const WindowController &) = delete;
+    WindowController &operator=(const WindowController &) = delete;
+
+    /// Once: loads the stored events, gives the window its size and place, then starts to observe
+    /// the service's notifications.
+    void windowDidLoad();
+
+    /// Where new events go when alerts are on; null for nowhere.
+    void setAlertQueue(AlertQueueLink *queue) { m_alertQueue = queue; }
+    /// Whether the window, once closed, can be had back. Where not, closing it quits.
+    void setReopenable(std::function<bool()> isReopenable) {
+        m_isReopenable = std::move(isReopenable);
+    }
+    /// Home, Events, Reports, Tools, About and Quit, as the whole application's menus have them.
+    [[nodiscard]] QList<QAction *> applicationCommands() const;
+
+    // Navigation.
+    void Home() override;
+    void Scan() override;
+    void Reports() override;
+    void Tools() override;
+    void About() override;
+    void HelpDropDown();
+    void makeVisible() override;
+    void openSettingsPage(Tab page, Tab parentTab) override;
+    void selectTab(Tab page) override;
+
+    // Events.
+    EventId setNotification(const EventFields &event);
+    void removeNotification(const EventFields &announced);
+    void initializeLog();
+    void syslogNotify(const NotificationObserver::UserInfo &userInfo);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void setIcons();
+    void connectCommands();
+    [[nodiscard]] QWidget *pageAt(Tab page) const;
+
+    AppDelegate &m_delegate;
+    const Storyboard &m_storyboard;
+    std::unique_ptr<Ui::WindowController> ui;
+    EventListPageLink *m_eventList = nullptr;  // both owned by the tab container
+    HomePageLink *m_home = nullptr;
+    std::unique_ptr<EventIntake> m_intake;
+    AlertQueueLink *m_alertQueue = nullptr;
+    std::function<bool()> m_isReopenable = [] { return false; };
+    QPointer<QWidget> m_aboutSheet;
+    std::unique_ptr<NotificationPump> m_notifications;
+};
+
+}  // namespace quorbel

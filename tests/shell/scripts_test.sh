@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# The project's scripts as far as they go without installing or building: scripts_test.sh PROJECT
+set -u
+cd /
+project=$1
+failures=0
+
+check() { # check WHAT COMMAND...
+    local what=$1
+    shift
+    if ! "$@"; then
+        echo "FAILED: $what"
+        failures=$((failures + 1))
+    fi
+}
+
+# shellcheck disable=SC2317  # check() calls it
+# gives STATUS PATTERN COMMAND...: ends with the status and prints a line that matches.
+gives() {
+    local wanted=$1 pattern=$2 output status=0
+    shift 2
+    output=$("$@" 2>&1 </dev/null) || status=$?
+    [ "$status" -eq "$wanted" ] && grep -q -- "$pattern" <<<"$output"
+}
+
+check "run explains itself" gives 0 "^Usage: ./run" "$project/run" --help
+check "run refuses what it does not know" gives 2 "^Usage: ./run" "$project/run" --nonsense
+check "run wants a file for a picture" gives 1 "name of a file" "$project/run" --shot
+check "test refuses an unknown preset" gives 1 "^Usage: ./test" "$project/test" release
+
+purposes="build run display test check tidy"
+duplicates() { grep -v '^#' "$project/packages.txt" | awk 'NF { print $1 }' | sort | uniq -d; }
+malformed() {
+    awk -v known=" $purposes " '
+        !/^#/ && NF && (NF != 2 || !index(known, " " $2 " ")) { print FILENAME ": " $0 }
+    ' "$project/packages.txt"
+}
+check "packages are listed once" test -z "$(duplicates)"
+check "packages have one known purpose" test -z "$(malformed)"
+
+# What the scripts make of the list.
+listed() { bash -c 'source "$1/tools/common.sh"; shift; packages_for "$@"' - "$project" "$@"; }
+check "purposes select packages" test "$(listed run check | grep -cx -e dbus-daemon -e shellcheck)" = 2
+check "other purposes stay out" test "$(listed test | grep -cx -e cmake -e xvfb)" = 0
+# shellcheck disable=SC2086  # one purpose a word
+check "every package has a purpose" \
+    test "$(listed $purposes | wc -l)" = "$(grep -cv -e '^#' -e '^$' "$project/packages.txt")"
+
+[ "$failures" -eq 0 ] && echo "All checks passed."
+exit "$((failures > 0))"
