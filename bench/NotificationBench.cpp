@@ -21,6 +21,7 @@
 #include <systemd/sd-bus.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -108,15 +109,16 @@ double frontEndRate(testing::ServiceStandIn &service) {
 }
 
 bool benchRate(testing::ServiceStandIn &service) {
-    double best = 0;
-    for (int i = 0; i < 3; ++i) {
+    std::array<double, 5> ratios{};
+    for (double &ratio : ratios) {
         const double bare = bareRate(service);
         const double ours = frontEndRate(service);
         std::printf("bare receiver %.0f/s, front-end %.0f/s\n", bare, ours);
-        best = std::max(best, ours / bare);
+        ratio = ours / bare;
     }
-    return report("notifications received, counted, listed; times bare receiver", best, "of bare",
-                  false, 0.8);
+    std::ranges::sort(ratios);
+    return report("notifications received, counted, listed; times bare receiver",
+                  ratios[ratios.size() / 2], "of bare", false, 0.8);
 }
 
 /// The longest time between two turns of the event loop while 5,000 events a second arrive.

@@ -7,7 +7,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::size_t kBytesLimit = std::size_t{256} << 20U;
 constexpr std::size_t kWordBits = 64;
 
 struct StoredMessage {
@@ -39,8 +38,9 @@ void writeMessage(std::vector<char> &bytes, std::string_view text) {
 
 }  // namespace
 
-EventChunk::EventChunk(EventId first) : m_first(first) {
+EventChunk::EventChunk(EventId first, std::size_t expectedBytes) : m_first(first) {
     m_records.reserve(kSlots);
+    m_bytes.reserve(expectedBytes);
 }
 
 EventId EventChunk::idAt(std::size_t position) const {
@@ -74,10 +74,6 @@ std::optional<std::size_t> EventChunk::positionOf(EventId id) const {
     return position;
 }
 
-bool EventChunk::isFull() const {
-    return m_used == kSlots || m_bytes.size() >= kBytesLimit;
-}
-
 std::optional<std::string_view> EventChunk::message(const EventRecord &record) const {
     if (record.message == EventRecord::kNoMessage) {
         return std::nullopt;
@@ -97,8 +93,11 @@ EventRecord &EventChunk::append(const std::optional<std::string_view> &message) 
 }
 
 void EventChunk::close() {
+    // A little room that was never written to takes no memory; moving everything would.
+    if (m_bytes.capacity() - m_bytes.size() > m_bytes.size() / 8) {
+        m_bytes.shrink_to_fit();
+    }
     m_records.shrink_to_fit();
-    m_bytes.shrink_to_fit();
 }
 
 void EventChunk::remove(const std::vector<Positions> &ranges) {
@@ -143,18 +142,19 @@ void EventChunk::dropUnusedBytes() {
     }
 }
 
+void EventChunk::dropIndex() {
+    m_hasIndex = false;
+    m_index.clear();
+}
+
 void EventChunk::startIndex() {
-    // Room for every slot that can still be added, at most half full.
-    m_index.assign(2 * (isFull() ? std::bit_ceil(size() + 1) : kSlots), 0);
+    dropIndex();
+    m_hasIndex = true;
+    m_index.reserve(size());
 }
 
 void EventChunk::addToIndex(std::size_t hash, std::size_t position) {
-    std::size_t place = hash % m_index.size();
-    while (m_index[place] != 0) {
-        place = (place + 1) % m_index.size();
-    }
-    const auto slot = static_cast<std::uint32_t>(idAt(position) - m_first);
-    m_index[place] = fragment(hash) << kSlotBits | (slot + 1);
+    m_index.insert(hash, static_cast<std::uint32_t>(idAt(position) - m_first));
 }
 
 }  // namespace quorbel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Event.h"
+#include "core/HashIndex.h"
 #include "core/StringTable.h"
 
 #include <array>
@@ -38,14 +39,16 @@ class EventChunk {
 public:
     static constexpr std::size_t kSlots = 4096;
 
-    explicit EventChunk(EventId first);
+    /// `expectedBytes` is how much room its messages will probably take.
+    EventChunk(EventId first, std::size_t expectedBytes);
 
     [[nodiscard]] EventId first() const { return m_first; }
     [[nodiscard]] EventId idAt(std::size_t position) const;
     [[nodiscard]] std::optional<std::size_t> positionOf(EventId id) const;
     [[nodiscard]] std::size_t size() const { return m_records.size(); }
+    [[nodiscard]] std::size_t messageBytes() const { return m_bytes.size(); }
     /// Whether no further event can be added.
-    [[nodiscard]] bool isFull() const;
+    [[nodiscard]] bool isFull() const { return m_used == kSlots || m_bytes.size() >= kBytesLimit; }
 
     EventRecord &record(std::size_t position) { return m_records[position]; }
     [[nodiscard]] const EventRecord &record(std::size_t position) const {
@@ -67,31 +70,25 @@ public:
     void remove(const std::vector<Positions> &ranges);
 
     // The look-up table of removal notices: rebuilt by the list whenever it is out of date.
-    void resetIndex() { m_index.clear(); }
-    [[nodiscard]] bool hasIndex() const { return !m_index.empty(); }
+    void dropIndex();
+    [[nodiscard]] bool hasIndex() const { return m_hasIndex; }
     void startIndex();
     void addToIndex(std::size_t hash, std::size_t position);
     /// Calls `visit(position)` for every present record that was added under this hash, and perhaps
     /// for others.
     template <typename Visit>
     void lookUp(std::size_t hash, Visit visit) const {
-        for (std::size_t i = hash % m_index.size(); m_index[i] != 0; i = (i + 1) % m_index.size()) {
-            if ((m_index[i] >> kSlotBits) == fragment(hash)) {
-                const std::size_t slot = (m_index[i] & kSlotMask) - 1;
-                if (const auto position = positionOf(m_first + slot)) {
-                    visit(*position);
-                }
+        static_cast<void>(m_index.find(hash, [this, &visit](std::uint32_t slot) {
+            if (const auto position = positionOf(m_first + slot)) {
+                visit(*position);
             }
-        }
+            return false;
+        }));
     }
 
 private:
-    static constexpr unsigned kSlotBits = 13;
-    static constexpr std::uint32_t kSlotMask = (1U << kSlotBits) - 1;
+    static constexpr std::size_t kBytesLimit = std::size_t{256} << 20U;
 
-    static std::uint32_t fragment(std::size_t hash) {
-        return static_cast<std::uint32_t>(hash >> (64U - (32U - kSlotBits)));
-    }
     void dropUnusedBytes();
 
     EventId m_first;
@@ -100,7 +97,8 @@ private:
     std::vector<EventRecord> m_records;
     std::vector<char> m_bytes;  // each message after its length, seven bits a byte
     std::size_t m_deadBytes = 0;
-    std::vector<std::uint32_t> m_index;  // hash fragment, slot + 1; 0 for a free place
+    bool m_hasIndex = false;
+    HashIndex m_index;  // slots by the hash of their fields
 };
 
 }  // namespace quorbel

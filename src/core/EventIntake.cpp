@@ -8,6 +8,7 @@
 #include "platform/Files.h"
 #include "platform/Text.h"
 
+#include <bit>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -18,6 +19,10 @@ namespace {
 
 /// A line's fields as text. A field that is not UTF-8 is absent, and so are those after it.
 EventFields decodeFields(const LogLine &line) {
+    // The separators are ASCII, so that what is UTF-8 as a whole is so field by field.
+    if (isUtf8({line.date.data(), line.message.end()})) {
+        return {line.date, line.priority, line.host, line.message, {}};
+    }
     EventFields fields;
     if (!isUtf8(line.date)) {
         return fields;
@@ -64,8 +69,8 @@ EventIntake::EventIntake(AppState &state, EventListPageLink &eventList, HomePage
     : m_state(state), m_eventList(eventList), m_home(home) {}
 
 void EventIntake::count(const PriorityClasses &classes) {
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        m_state.*kSeverityClasses[i].counter += classes.counted[i] ? 1 : 0;
+    for (unsigned long rest = classes.counted.to_ulong(); rest != 0; rest &= rest - 1) {
+        ++(m_state.*kSeverityClasses[static_cast<std::size_t>(std::countr_zero(rest))].counter);
     }
 }
 

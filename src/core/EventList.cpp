@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <ranges>
 
@@ -14,17 +13,18 @@ namespace quorbel {
 namespace {
 
 constexpr std::size_t kMaxPlainDigits = 18;
+constexpr std::size_t kMaxBytesReserved = std::size_t{1} << 20U;
 
 /// Seconds as the digits that the service writes: no sign, no leading zero, within 64 bits.
 std::optional<std::int64_t> plainSeconds(std::string_view text) {
-    const bool fits = !text.empty() && text.size() <= kMaxPlainDigits;
-    if (!fits || (text.front() == '0' && text.size() > 1) ||
-        !std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; })) {
+    const bool fits = !text.empty() && text.size() <= kMaxPlainDigits && text.front() != '-';
+    if (!fits || (text.front() == '0' && text.size() > 1)) {
         return std::nullopt;
     }
     std::int64_t seconds = 0;
-    std::from_chars(text.data(), text.data() + text.size(), seconds);
-    return seconds;
+    const char *const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, seconds);
+    return error == std::errc() && rest == end ? std::optional(seconds) : std::nullopt;
 }
 
 /// The whole second of a number, within what a date can be rendered from.
@@ -56,10 +56,12 @@ StringTable::Id EventList::acquirePriority(const std::optional<std::string_view>
 
 EventList::Place EventList::add(const EventFields &fields) {
     if (m_chunks.empty() || m_chunks.back().isFull()) {
+        std::size_t expectedBytes = 0;
         if (!m_chunks.empty()) {
             m_chunks.back().close();
+            expectedBytes = m_chunks.back().messageBytes() + m_chunks.back().messageBytes() / 16;
         }
-        m_chunks.emplace_back(m_nextId);
+        m_chunks.emplace_back(m_nextId, std::min(expectedBytes, kMaxBytesReserved));
         m_countUpTo.push_back(m_size);
     }
     EventChunk &chunk = m_chunks.back();
@@ -139,7 +141,7 @@ void EventList::show(const AppState &state) {
         if (!m_dates.lastShowingReRendered() && chunk.first() + EventChunk::kSlots <= m_firstRaw) {
             break;
         }
-        chunk.resetIndex();
+        chunk.dropIndex();
     }
     m_firstRaw = m_nextId;
 }
@@ -164,10 +166,14 @@ void EventList::countUp() {
 }
 
 EventList::Place EventList::placeOfRow(std::size_t row) {
+    const std::size_t age = m_size - 1 - row;
+    const std::size_t lastStart = m_size - m_chunks.back().size();
+    if (age >= lastStart) {
+        return {&m_chunks.back(), age - lastStart};
+    }
     if (!m_countsCurrent) {
         countUp();
     }
-    const std::size_t age = m_size - 1 - row;
     const auto chunk =
         static_cast<std::size_t>(std::ranges::upper_bound(m_countUpTo, age) - m_countUpTo.begin());
     return {&m_chunks[chunk], age - (chunk == 0 ? 0 : m_countUpTo[chunk - 1])};
@@ -271,7 +277,7 @@ void EventList::makeRoomForShowing() {
         return;
     }
     for (EventChunk &chunk : m_chunks) {
-        chunk.resetIndex();
+        chunk.dropIndex();
         for (std::size_t position = 0; position < chunk.size(); ++position) {
             const Place place{&chunk, position};
             auto text = dateText(place);

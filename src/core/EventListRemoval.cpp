@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <ranges>
 #include <utility>
 
@@ -20,7 +19,7 @@ std::size_t mix(std::size_t hash, std::size_t value) {
 
 /// The look-up key of an event's fields. Two events that read alike have the same one.
 std::size_t fieldsKey(StringTable::Id priority, StringTable::Id host, std::string_view message) {
-    return mix(mix(std::hash<std::string_view>{}(message), priority), host);
+    return mix(mix(hashBytes(message), priority), host);
 }
 
 /// The key of an event whose date is rendered in the format of the look-up table, by the moment
@@ -56,7 +55,7 @@ std::optional<std::size_t> EventList::find(const EventFields &announced,
                                            std::string_view dateFormat) {
     const EventDates::FormatId format = formatId(dateFormat);
     if (std::exchange(m_indexFormat, format) != format) {
-        std::ranges::for_each(m_chunks, &EventChunk::resetIndex);
+        std::ranges::for_each(m_chunks, &EventChunk::dropIndex);
     }
     const auto priority =
         announced.priority ? m_priorities.find(*announced.priority) : std::nullopt;

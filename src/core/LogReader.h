@@ -21,7 +21,7 @@ struct LogLine {
     std::string_view message;
 };
 
-/// Splits one piece of a log file (at most kLogPieceSize bytes, its line end included).
+/// Splits one piece of a log file: at most kLogPieceSize bytes, without a line feed but at its end.
 ///
 /// The first three fields end at a comma, CR or LF, the message only at CR or LF. Separators before
 /// a field are skipped, so empty fields do not exist and later ones move forward. Nothing unless

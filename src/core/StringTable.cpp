@@ -4,13 +4,17 @@ namespace quorbel {
 
 StringTable::StringTable() : m_entries(1) {}
 
+std::optional<StringTable::Id> StringTable::find(std::size_t hash, std::string_view text) const {
+    return m_ids.find(hash, [this, text](Id id) { return m_entries[id].text == text; });
+}
+
 std::optional<StringTable::Id> StringTable::find(std::string_view text) const {
-    const auto found = m_ids.find(text);
-    return found == m_ids.end() ? std::nullopt : std::optional(found->second);
+    return find(hashBytes(text), text);
 }
 
 StringTable::Id StringTable::acquire(std::string_view text) {
-    if (const auto known = find(text)) {
+    const std::size_t hash = hashBytes(text);
+    if (const auto known = find(hash, text)) {
         acquire(*known);
         return *known;
     }
@@ -23,7 +27,7 @@ StringTable::Id StringTable::acquire(std::string_view text) {
         m_free.pop_back();
     }
     m_entries[id] = {std::string(text), 1};
-    m_ids.emplace(m_entries[id].text, id);
+    m_ids.insert(hash, id);
     return id;
 }
 
@@ -37,7 +41,7 @@ void StringTable::release(Id id) {
     if (id == kAbsent || --m_entries[id].uses > 0) {
         return;
     }
-    m_ids.erase(m_entries[id].text);
+    m_ids.erase(hashBytes(m_entries[id].text), id);
     m_entries[id].text = {};
     m_free.push_back(id);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "core/HashIndex.h"
+
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace quorbel {
@@ -28,20 +28,22 @@ public:
     /// Takes one use away; the last one frees the text, and its id may come back for another.
     void release(Id id);
 
-    /// Valid until the text is freed; empty for kAbsent.
+    /// Valid until the table changes; empty for kAbsent.
     [[nodiscard]] std::string_view text(Id id) const { return m_entries[id].text; }
     [[nodiscard]] std::uint64_t uses(Id id) const { return m_entries[id].uses; }
     /// One more than the largest id handed out.
     [[nodiscard]] std::size_t idLimit() const { return m_entries.size(); }
 
 private:
+    [[nodiscard]] std::optional<Id> find(std::size_t hash, std::string_view text) const;
+
     struct Entry {
         std::string text;
         std::uint64_t uses = 0;
     };
 
-    std::deque<Entry> m_entries;  // a deque: the keys of m_ids are views of its texts
-    std::unordered_map<std::string_view, Id> m_ids;
+    std::vector<Entry> m_entries;
+    HashIndex m_ids;
     std::vector<Id> m_free;
 };
 
