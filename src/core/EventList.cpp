@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <ranges>
 
 namespace quorbel {
 
@@ -137,11 +136,11 @@ EventId EventList::insertShown(const EventFields &fields, const AppState &state)
 void EventList::show(const AppState &state) {
     makeRoomForShowing();
     m_dates.noteShowing(state);
-    for (EventChunk &chunk : m_chunks | std::views::reverse) {
-        if (!m_dates.lastShowingReRendered() && chunk.first() + EventChunk::kSlots <= m_firstRaw) {
+    for (auto chunk = m_chunks.rbegin(); chunk != m_chunks.rend(); ++chunk) {
+        if (!m_dates.lastShowingReRendered() && chunk->first() + EventChunk::kSlots <= m_firstRaw) {
             break;
         }
-        chunk.dropIndex();
+        chunk->dropIndex();
     }
     m_firstRaw = m_nextId;
 }

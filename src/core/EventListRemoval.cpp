@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 #include <utility>
 
 namespace quorbel {
@@ -71,7 +70,8 @@ std::optional<std::size_t> EventList::find(const EventFields &announced,
         keyByMoment(fields, moment ? std::optional(static_cast<std::int64_t>(std::floor(*moment)))
                                    : std::nullopt);
 
-    for (EventChunk &chunk : m_chunks | std::views::reverse) {
+    for (auto each = m_chunks.rbegin(); each != m_chunks.rend(); ++each) {
+        EventChunk &chunk = *each;
         if (!chunk.hasIndex()) {
             buildIndex(chunk, format);
         }
@@ -153,9 +153,9 @@ void EventList::removeTogether(const std::vector<RowRange> &ranges) {
         }
     };
     const std::size_t sizeBefore = m_size;
-    for (const RowRange &rows : ranges | std::views::reverse) {
-        std::size_t age = sizeBefore - rows.first - rows.count;
-        const std::size_t end = sizeBefore - rows.first;
+    for (auto rows = ranges.rbegin(); rows != ranges.rend(); ++rows) {
+        std::size_t age = sizeBefore - rows->first - rows->count;
+        const std::size_t end = sizeBefore - rows->first;
         while (age < end) {
             while (m_countUpTo[index] <= age) {
                 flush();
