@@ -14,7 +14,7 @@ namespace {
 std::filesystem::path preferencesFile() {
     constexpr std::string_view kName = "Quorbel.ini";
     const char *configuration = std::getenv("XDG_CONFIG_HOME");
-    // The XDG base directory specification has relative paths ignored.
+    // The XDG base directory rules have relative paths ignored.
     if (configuration != nullptr && *configuration == '/') {
         return std::filesystem::path(configuration) / kName;
     }

@@ -157,7 +157,7 @@ int BusServer::onNameReply(sd_bus_message *reply, void *self, sd_bus_error * /*e
                                sd_bus_message_get_errno(reply));
         return 0;
     }
-    // 1: the name is ours now, 4: it was already (D-Bus specification, RequestName).
+    // 1: the name is ours now, 4: it was already (D-Bus, RequestName).
     std::uint32_t outcome = 0;
     sd_bus_message_read_basic(reply, SD_BUS_TYPE_UINT32, &outcome);
     if (outcome != 1 && outcome != 4) {
