@@ -14,6 +14,11 @@ AppDelegate::AppDelegate()
           syslog(LOG_INFO, "Received response: %s", reply.c_str());
       }) {}
 
+void AppDelegate::setAlertSettings(AlertSettings settings) {
+    const std::lock_guard lock(m_alertLock);
+    static_cast<AlertSettings &>(state) = std::move(settings);
+}
+
 std::optional<std::string> AppDelegate::readSettings() {
     return readFile(libraryFolder() / kSettingsFileName);
 }

@@ -5,18 +5,26 @@
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
 
+#include <mutex>
 #include <optional>
 #include <string>
 
 namespace quorbel {
 
 /// The application's delegate: the state that all pages share, and the way to the service.
-/// Reached by every page; main thread only.
+/// Reached by every page; main thread only, but for the alert lock and what it guards.
 class AppDelegate {
 public:
     AppDelegate();
 
     AppState state;
+
+    /// Replaces the four alert settings in `state` together: the alert worker never sees some of
+    /// them old and some new. Once the worker runs, nothing else may write them.
+    void setAlertSettings(AlertSettings settings);
+    /// Guards the alert settings and the alert worker's queue. The main thread may read the
+    /// settings without it.
+    std::mutex &alertLock() { return m_alertLock; }
 
     /// The bytes of the settings document, or nothing when it cannot be read.
     [[nodiscard]] static std::optional<std::string> readSettings();
@@ -40,6 +48,7 @@ public:
 private:
     void forward(void (MainWindowLink::*command)());
 
+    std::mutex m_alertLock;
     CommandSender m_sender;
     MainWindowLink *m_window = nullptr;
 };

@@ -69,6 +69,24 @@ protected:
     EventListPageLink &operator=(const EventListPageLink &) = default;
 };
 
+/// The details sheet of one event, as those who open it through the storyboard ("eventView") see
+/// it.
+class EventSheetLink {
+public:
+    virtual ~EventSheetLink() = default;
+
+    /// The event to show. Called before the sheet is presented.
+    virtual void setDict(const Event &event) = 0;
+    /// Whether the sheet goes without the buttons that step to the events beside it; false at
+    /// first. They need a presenter that is a list.
+    virtual void setHideButtons(bool hide) = 0;
+
+protected:
+    EventSheetLink() = default;
+    EventSheetLink(const EventSheetLink &) = default;
+    EventSheetLink &operator=(const EventSheetLink &) = default;
+};
+
 /// A settings page that remembers where Save and Cancel return to.
 class SettingsPageLink {
 public:

@@ -26,7 +26,7 @@ struct SeverityClass {
     std::string_view keyPart;       ///< in settings keys and control names: "Alerting"
     std::string_view label;         ///< as pages show it; contains the alert queue's key word
     std::int64_t AppState::*counter;
-    std::int64_t AppState::*level;
+    std::int64_t SeverityLevels::*level;
     std::int64_t defaultLevel;  ///< where no settings document exists
 };
 

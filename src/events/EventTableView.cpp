@@ -1,8 +1,19 @@
 #include "events/EventTableView.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 
 namespace quorbel {
+
+void EventTableView::keyPressEvent(QKeyEvent *event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // A key held down would open and close the details over and over.
+    if (enter && !event->isAutoRepeat()) {
+        Q_EMIT enterPressed();
+    } else {
+        QTableView::keyPressEvent(event);
+    }
+}
 
 void EventTableView::paintEvent(QPaintEvent *event) {
     QTableView::paintEvent(event);

@@ -11,7 +11,12 @@ class EventTableView : public QTableView {
 public:
     using QTableView::QTableView;
 
+Q_SIGNALS:
+    /// Return or Enter. Unlike activated(), never for a click, whatever the desktop's style.
+    void enterPressed();
+
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 };
 

@@ -3,10 +3,12 @@
 #include "core/AppDelegate.h"
 #include "events/EventDeletion.h"
 #include "events/EventTableModel.h"
+#include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/Sheet.h"
 #include "platform/gui/Storyboard.h"
+#include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
 #include <QHeaderView>
@@ -40,11 +42,16 @@ ScanView::ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget 
     ui->setupUi(this);
 }
 
-ScanView::~ScanView() = default;
+ScanView::~ScanView() {
+    // An event's handle must not outlive the list, as the children of this widget would.
+    qDeleteAll(findChildren<Sheet *>(Qt::FindDirectChildrenOnly));
+}
 
 void ScanView::viewDidLoad() {
     setWhiteBackground();
     ui->deleteEvents->setIcon(lineIcon(QStringLiteral("delete")));
+    ui->exportEvents->setIcon(lineIcon(QStringLiteral("export")));
+    ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
     ui->tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
@@ -54,7 +61,10 @@ void ScanView::viewDidLoad() {
     }
 
     connect(ui->tableView, &QAbstractItemView::doubleClicked, this, &ScanView::doubleClickTable);
+    connect(ui->tableView, &EventTableView::enterPressed, this, &ScanView::doubleClickTable);
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
+    connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);
+    connect(ui->testSyslog, &QAbstractButton::clicked, this, &ScanView::testSyslog);
     connect(ui->scanActions, &QAbstractButton::clicked, this, &ScanView::syslogActions);
     connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
     for (const auto signal :
@@ -107,8 +117,50 @@ void ScanView::removeAnnounced() {
     m_arrController.removeMarked();
 }
 
+int ScanView::numberOfRows() {
+    return m_model->rowCount();
+}
+
+int ScanView::selectedRow() {
+    const QItemSelectionModel *selection = ui->tableView->selectionModel();
+    const QModelIndex current = selection->currentIndex();
+    if (selection->isSelected(current)) {
+        return current.row();
+    }
+    return selection->hasSelection() ? static_cast<int>(selectedRows().front().first) : -1;
+}
+
+int ScanView::rowOf(const Event &event) {
+    const auto row = m_arrController.rowOf(event.id());
+    return row ? static_cast<int>(*row) : -1;
+}
+
+Event ScanView::eventAt(int row) {
+    return {m_arrController, m_arrController.idAt(static_cast<std::size_t>(row))};
+}
+
+Event ScanView::selectRow(int row) {
+    const QModelIndex index = m_model->index(row, EventTableModel::kRating);
+    ui->tableView->selectionModel()->setCurrentIndex(
+        index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    ui->tableView->scrollTo(index);
+    return eventAt(row);
+}
+
 void ScanView::doubleClickTable() {
-    // The details sheet comes with the next step of the event browser.
+    const int row = selectedRow();
+    if (row < 0) {
+        return;
+    }
+    std::unique_ptr<QWidget> controller = m_storyboard.instantiate(QStringLiteral("eventView"));
+    auto *sheet = dynamic_cast<Sheet *>(controller.get());
+    auto *details = dynamic_cast<EventSheetLink *>(controller.get());
+    if (sheet == nullptr || details == nullptr) {
+        return;
+    }
+    details->setDict(eventAt(row));
+    controller.release();  // NOLINT(bugprone-unused-return-value): it deletes itself
+    sheet->presentOver(this);
 }
 
 ScanView::Rows ScanView::selectedRows() const {
@@ -173,14 +225,19 @@ void ScanView::deleteEvents() {
                         [this, chosen = idsOf(selection)] { return joinRows(rowsOf(chosen)); });
         return;
     }
+    offerAll(QStringLiteral("Delete all events"),
+             [this] { confirmDeletion(QStringLiteral("all"), [this] { return allRows(); }); });
+}
+
+void ScanView::offerAll(const QString &checkBox, std::function<void()> onTicked) {
     openAlert(this,
               {QStringLiteral("No events selected"),
                QStringLiteral("Please select specific events or check all events."),
-               QStringLiteral("Delete all events"),
+               checkBox,
                {}},
-              [this](const AlertAnswer &answer) {
+              [ticked = std::move(onTicked)](const AlertAnswer &answer) {
                   if (answer.checked) {
-                      confirmDeletion(QStringLiteral("all"), [this] { return allRows(); });
+                      ticked();
                   }
               });
 }
@@ -208,6 +265,33 @@ void ScanView::deleteRows(const Rows &rows) {
 
 void ScanView::updateEvents(Dictionary deleted) {
     m_delegate.setPipe({{"command", "update"}, {"Events", std::move(deleted)}});
+}
+
+void ScanView::exportEvents() {
+    removeAnnounced();
+    if (const Rows selection = selectedRows(); !selection.empty()) {
+        openExportPanel(this, [this, chosen = idsOf(selection)](const QString &path) {
+            writeEvents(path, chosen);
+        });
+        return;
+    }
+    offerAll(QStringLiteral("Export all events"), [this] {
+        openExportPanel(this, [this](const QString &path) { writeEvents(path, idsOf(allRows())); });
+    });
+}
+
+void ScanView::writeEvents(const QString &path, const std::vector<EventId> &ids) {
+    // By event: new ones may come on top, and others go, while many are written.
+    const auto row = [this, &ids](std::size_t number) {
+        const auto found = m_arrController.rowOf(ids[number]);
+        return found ? m_model->index(static_cast<int>(*found), 0) : QModelIndex();
+    };
+    // A file that cannot be written stays as it was; nobody is told.
+    exportTable(path, *m_model, {ids.size(), row}, this);
+}
+
+void ScanView::testSyslog() {
+    sendTestMessage();
 }
 
 void ScanView::syslogActions() {

@@ -2,6 +2,7 @@
 
 #include "core/EventList.h"
 #include "core/PageLinks.h"
+#include "events/SteppableList.h"
 #include "platform/Value.h"
 #include "platform/gui/Page.h"
 
@@ -20,7 +21,7 @@ class EventTableModel;
 class Storyboard;
 
 /// The event list page: all events, newest first, and what one does with them.
-class ScanView : public Page, public EventListPageLink {
+class ScanView : public Page, public EventListPageLink, public SteppableList {
     Q_OBJECT
 
 public:
@@ -37,8 +38,16 @@ public:
     EventId insertEvent(const EventFields &event) override;
     void removeEvent(const EventFields &announced) override;
 
+    [[nodiscard]] int numberOfRows() override;
+    /// Of several selected rows the one that was selected last.
+    [[nodiscard]] int selectedRow() override;
+    [[nodiscard]] int rowOf(const Event &event) override;
+    Event selectRow(int row) override;
+
     void doubleClickTable();
     void deleteEvents();
+    void exportEvents();
+    void testSyslog();
     void syslogActions();
     void syslogOptions();
 
@@ -50,15 +59,19 @@ private:
     [[nodiscard]] std::vector<EventId> idsOf(const Rows &rows);
     /// Those of the events that the list still holds.
     [[nodiscard]] std::vector<std::size_t> rowsOf(const std::vector<EventId> &ids);
+    [[nodiscard]] Event eventAt(int row);
     void removeAnnounced();
     // A large change of the list keeps the selection and the place where one reads.
     void rememberView();
     void restoreView();
+    /// Says that no events are selected; `onTicked` runs when the check box was ticked.
+    void offerAll(const QString &checkBox, std::function<void()> onTicked);
     /// Asks first. `rows` tells which events are meant once "Yes" was pressed: the list goes on
     /// changing while a question stands.
     void confirmDeletion(const QString &what, std::function<Rows()> rows);
     void deleteRows(const Rows &rows);
     void updateEvents(Dictionary deleted);
+    void writeEvents(const QString &path, const std::vector<EventId> &ids);
     void showCount();
 
     AppDelegate &m_delegate;

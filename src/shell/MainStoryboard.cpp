@@ -1,7 +1,10 @@
 #include "shell/MainStoryboard.h"
 
+#include "about/AboutView.h"
+#include "alerts/PopupWindow.h"
 #include "core/AppDelegate.h"
 #include "events/ScanView.h"
+#include "events/ScanViewEvent.h"
 #include "home/HomeView.h"
 #include "platform/gui/Storyboard.h"
 #include "shell/ViewController.h"
@@ -38,6 +41,10 @@ void fillMainStoryboard(Storyboard &storyboard, AppDelegate &delegate) {
     storyboard.add(QStringLiteral("ScanView"), [&delegate, &storyboard] {
         return std::make_unique<ScanView>(delegate, storyboard);
     });
+    storyboard.add(QStringLiteral("aboutView"), [] { return std::make_unique<AboutView>(); });
+    storyboard.add(QStringLiteral("eventView"), [] { return std::make_unique<ScanViewEvent>(); });
+    storyboard.add(QStringLiteral("popupWindow"),
+                   [&storyboard] { return std::make_unique<PopupWindow>(storyboard); });
     addPlainPage(storyboard, QStringLiteral("ReportsView"), QStringLiteral("Reports"));
     addPlainPage(storyboard, QStringLiteral("ToolsView"), QStringLiteral("Tools"));
     addPlainPage(storyboard, QStringLiteral("ToolsViewOptions"), QStringLiteral("Options"));

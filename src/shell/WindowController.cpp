@@ -1,8 +1,10 @@
 #include "shell/WindowController.h"
 
+#include "alerts/PopupThread.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/ProgressWindow.h"
+#include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
-#include "shell/LoadProgress.h"
 #include "shell/NotificationPump.h"
 #include "ui_WindowController.h"
 
@@ -122,6 +124,13 @@ void WindowController::windowDidLoad() {
     move(frame.topLeft());
     // Else the first navigation entry would have the keyboard focus.
     ui->tabView->setFocus();
+    m_popupThread = std::make_unique<PopupThread>(
+        m_delegate, m_storyboard,
+        [this](const std::string &path) { m_sound.play(toQString(path)); });
+    if (m_alertQueue == nullptr) {
+        m_alertQueue = m_popupThread.get();
+    }
+    m_popupThread->start();
     m_notifications = std::make_unique<NotificationPump>(
         [this](const NotificationObserver::UserInfo &userInfo) { syslogNotify(userInfo); });
 }
@@ -214,7 +223,10 @@ void WindowController::removeNotification(const EventFields &announced) {
 }
 
 void WindowController::initializeLog() {
-    LoadProgress progress;
+    ProgressWindow progress({.title = QStringLiteral("Quorbel is starting"),
+                             .work = QStringLiteral("Loading the stored events"),
+                             .accessibleName = QStringLiteral("Stored events loaded")},
+                            ProgressWindow::Unit::kBytes);
     m_intake->initializeLog(
         [&progress](std::uint64_t read, std::uint64_t total) { progress.update(read, total); });
 }

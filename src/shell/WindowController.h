@@ -5,6 +5,7 @@
 #include "core/EventIntake.h"
 #include "core/PageLinks.h"
 #include "platform/bus/NotificationObserver.h"
+#include "platform/gui/SoundPlayer.h"
 #include "platform/gui/Storyboard.h"
 
 #include <QList>
@@ -24,6 +25,7 @@ class WindowController;
 namespace quorbel {
 
 class NotificationPump;
+class PopupThread;
 
 /// The main window: seven pages, the way from one to the other, and the way in for events.
 ///
@@ -41,11 +43,12 @@ public:
     WindowController(const WindowController &) = delete;
     WindowController &operator=(const WindowController &) = delete;
 
-    /// Once: loads the stored events, gives the window its size and place, then starts to observe
-    /// the service's notifications.
+    /// Once: loads the stored events, gives the window its size and place, then starts the alert
+    /// worker and observes the service's notifications.
     void windowDidLoad();
 
-    /// Where new events go when alerts are on; null for nowhere.
+    /// Where new events go when alerts are on: the alert worker, unless another was set before the
+    /// window was loaded; null for nowhere.
     void setAlertQueue(AlertQueueLink *queue) { m_alertQueue = queue; }
     /// Whether the window, once closed, can be had back. Where not, closing it quits.
     void setReopenable(std::function<bool()> isReopenable) {
@@ -85,6 +88,8 @@ private:
     EventListPageLink *m_eventList = nullptr;  // both owned by the tab container
     HomePageLink *m_home = nullptr;
     std::unique_ptr<EventIntake> m_intake;
+    SoundPlayer m_sound;
+    std::unique_ptr<PopupThread> m_popupThread;  // before the pages go: it holds events
     AlertQueueLink *m_alertQueue = nullptr;
     std::function<bool()> m_isReopenable = [] { return false; };
     QPointer<QWidget> m_aboutSheet;

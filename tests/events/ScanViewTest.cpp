@@ -1,113 +1,23 @@
-#include "core/AppDelegate.h"
-#include "events/ScanView.h"
+#include "events/ScanViewFixture.h"
 #include "platform/gui/QtText.h"
-#include "platform/gui/Storyboard.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
 
-#include <QCheckBox>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QScrollBar>
-#include <QTableView>
 #include <QTest>
 
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace quorbel {
 
-namespace {
+using namespace testing;
 
-/// Notes where the page's links lead.
-class WindowStandIn : public MainWindowLink {
-public:
-    void Home() override {}
-    void Scan() override {}
-    void Reports() override {}
-    void Tools() override {}
-    void About() override {}
-    void makeVisible() override {}
-    void selectTab(Tab /*page*/) override {}
-    void openSettingsPage(Tab page, Tab parentTab) override {
-        opened.emplace_back(page, parentTab);
-    }
-
-    std::vector<std::pair<Tab, Tab>> opened;
-};
-
-EventFields fields(std::string_view date, std::string_view message = "disk full",
-                   std::string_view priority = "Local7.Error") {
-    return {date, priority, "10.0.0.5", message, {}};
-}
-
-}  // namespace
-
-class ScanViewTest : public QObject {
+class ScanViewTest : public QObject, private ScanViewFixture {
     Q_OBJECT
 
 private:
-    // A page that was never shown, with the default levels and a fixed date format.
-    void makePage() {
-        m_page.reset();
-        m_delegate = std::make_unique<AppDelegate>();
-        m_delegate->setMainWindow(&m_window);
-        AppState &state = m_delegate->state;
-        for (const SeverityClass &severity : kSeverityClasses) {
-            state.*severity.level = severity.defaultLevel;
-        }
-        state.newDateFormat = state.oldDateFormat = "yyyy-MM-dd HH:mm:ss";
-        m_page = std::make_unique<ScanView>(*m_delegate, m_storyboard);
-        m_page->viewDidLoad();
-        m_page->resize(1000, 600);
-    }
-    EventList &list() { return m_page->arrController(); }
-    QTableView *table() { return m_page->findChild<QTableView *>(QStringLiteral("tableView")); }
-    QString cell(int row, int column) {
-        return table()->model()->index(row, column).data().toString();
-    }
-    void show() {
-        m_page->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
-    }
-    void click(const char *name) {
-        auto *button = m_page->findChild<QAbstractButton *>(QLatin1String(name));
-        QVERIFY2(button != nullptr, name);
-        QTest::mouseClick(button, Qt::LeftButton);
-    }
-    void clickRow(int row, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        const QRect place = table()->visualRect(table()->model()->index(row, 4));
-        QTest::mouseClick(table()->viewport(), Qt::LeftButton, modifiers, place.center());
-    }
-    QList<int> selected() {
-        QList<int> rows;
-        for (const QModelIndex &index : table()->selectionModel()->selectedRows()) {
-            rows += index.row();
-        }
-        std::ranges::sort(rows);
-        return rows;
-    }
-    QMessageBox *alert() { return m_page->findChild<QMessageBox *>(QStringLiteral("alertBox")); }
-    // Presses a button of the alert that is open, after ticking its check box if asked to.
-    void answer(const QString &title, bool tick = false) {
-        QTRY_VERIFY(alert() != nullptr && alert()->isVisible());
-        QMessageBox *box = alert();
-        if (tick) {
-            QTest::mouseClick(box->checkBox(), Qt::LeftButton, Qt::NoModifier,
-                              QPoint(8, box->checkBox()->height() / 2));
-            QVERIFY(box->checkBox()->isChecked());
-        }
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text() == title) {
-                QTest::mouseClick(button, Qt::LeftButton);
-                QTRY_VERIFY(m_page->findChildren<QMessageBox *>().indexOf(box) < 0);
-                return;
-            }
-        }
-        QFAIL(qPrintable(QStringLiteral("No such button: ") + title));
-    }
     // The "Events" of the command that the service received last.
     Dictionary sentEvents(std::size_t commands = 1) {
         const auto received = m_service->waitForCommands(commands);
@@ -125,7 +35,6 @@ private:
         const auto received = m_service->waitForCommands(1);
         return received.size() == 1 && *received[0].find("command") == Value("mark");
     }
-    static QString name(const char *text) { return QLatin1String(text); }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -148,7 +57,8 @@ private Q_SLOTS:
 
     void controlsHaveTheirNames() {
         QCOMPARE(m_page->objectName(), name("ScanView"));
-        for (const char *control : {"scanActions", "scanOptions", "tableView", "deleteEvents"}) {
+        for (const char *control : {"scanActions", "scanOptions", "tableView", "deleteEvents",
+                                    "exportEvents", "testSyslog"}) {
             auto *widget = m_page->findChild<QWidget *>(QLatin1String(control));
             QVERIFY2(widget != nullptr, control);
             QVERIFY2(!widget->accessibleName().isEmpty(), control);
@@ -462,10 +372,6 @@ private Q_SLOTS:
 private:
     std::unique_ptr<testing::PrivateBus> m_bus;
     std::unique_ptr<testing::ServiceStandIn> m_service;
-    WindowStandIn m_window;
-    Storyboard m_storyboard;
-    std::unique_ptr<AppDelegate> m_delegate;
-    std::unique_ptr<ScanView> m_page;
 };
 
 }  // namespace quorbel

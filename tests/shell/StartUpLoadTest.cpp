@@ -1,4 +1,4 @@
-#include "shell/LoadProgress.h"
+#include "platform/gui/ProgressWindow.h"
 #include "shell/ShellFixture.h"
 #include "shell/WindowController.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 QWidget *progressWindow() {
     for (QWidget *window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == QStringLiteral("loadProgress")) {
+        if (window->objectName() == QStringLiteral("progressWindow")) {
             return window;
         }
     }
@@ -142,13 +142,13 @@ void StartUpLoadTest::progressShowsAfterAMoment() {
     QElapsedTimer sinceStart;
     sinceStart.start();
     {
-        LoadProgress progress;
+        ProgressWindow progress({}, ProgressWindow::Unit::kBytes);
         while (progressWindow() == nullptr && sinceStart.elapsed() < 10000) {
             progress.update(25, 100);
         }
         const qint64 appeared = sinceStart.elapsed();
         QVERIFY(progressWindow() != nullptr);
-        QVERIFY2(appeared >= LoadProgress::kPatienceMs, qPrintable(QString::number(appeared)));
+        QVERIFY2(appeared >= ProgressWindow::kPatienceMs, qPrintable(QString::number(appeared)));
         QVERIFY(progressWindow()->isVisible());
         const auto *bar = progressWindow()->findChild<QProgressBar *>();
         QCOMPARE(bar->value() * 4, bar->maximum());
@@ -162,7 +162,7 @@ void StartUpLoadTest::progressShowsAfterAMoment() {
 }
 
 void StartUpLoadTest::progressStaysAwayFromAShortLoad() {
-    LoadProgress progress;
+    ProgressWindow progress({}, ProgressWindow::Unit::kBytes);
     progress.update(0, 0);
     progress.update(50, 100);
     progress.update(100, 100);

@@ -1,0 +1,102 @@
+#include "about/AboutView.h"
+
+#include "ui_AboutView.h"
+
+#include <QDesktopServices>
+#include <QFontDatabase>
+#include <QTextCharFormat>
+#include <QTextCursor>
+#include <QUrl>
+
+#include <sys/utsname.h>
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kWarningPointSize = 11;
+constexpr int kBoldCharacters = 8;  // "Warning:"
+constexpr float kWarningGrey = 0.33F;
+
+QString informationText() {
+    return QStringLiteral(
+        "Quorbel Version: " QUORBEL_VERSION
+        "\n\n"
+        "LIMITED WARRANTY\n"
+        "---------------------\n"
+        "THIS PROGRAM AND THE WRITTEN MATERIALS THAT COME WITH IT ARE PROVIDED "
+        "\"AS IS\", WITHOUT WARRANTY OF ANY KIND, EXPRESS OR IMPLIED, INCLUDING "
+        "THE WARRANTIES OF MERCHANTABILITY AND OF FITNESS FOR A PARTICULAR "
+        "PURPOSE. YOU BEAR THE ENTIRE RISK OF ITS USE. NOBODY WHO TOOK PART IN "
+        "MAKING, TESTING OR DELIVERING IT IS LIABLE FOR ANY DAMAGE THAT ARISES "
+        "FROM USING IT OR FROM BEING UNABLE TO USE IT, LOST PROFIT, LOST DATA AND "
+        "INTERRUPTED BUSINESS INCLUDED, EVEN IF THE POSSIBILITY OF SUCH DAMAGE "
+        "WAS KNOWN.");
+}
+
+QString warningText() {
+    return QStringLiteral(
+        "Warning: This software is protected by copyright law and international treaties. "
+        "Reproducing or distributing it, or any part of it, without permission may be punished "
+        "under civil and criminal law, and will be prosecuted to the full extent that the law "
+        "allows.");
+}
+
+}  // namespace
+
+AboutView::AboutView(std::string machine, QWidget *parent)
+    : Sheet(parent), m_machine(std::move(machine)), ui(std::make_unique<Ui::AboutView>()) {
+    ui->setupUi(this);
+}
+
+AboutView::~AboutView() = default;
+
+std::string AboutView::runningMachine() {
+    utsname system{};
+    return uname(&system) == 0 ? system.machine : std::string();
+}
+
+void AboutView::viewDidLoad() {
+    QFont underlined = ui->webLink->font();
+    underlined.setUnderline(true);
+    ui->webLink->setFont(underlined);
+    if (m_machine == "x86_64") {
+        // The style sheet gives texts of this role the colour of the window behind them.
+        for (QWidget *text : {ui->infoText, ui->warningText}) {
+            text->setProperty("role", QStringLiteral("plain"));
+        }
+    }
+    connect(ui->webLink, &QAbstractButton::clicked, this, &AboutView::linkButton);
+    connect(ui->onClose, &QAbstractButton::clicked, this, &AboutView::onClose);
+}
+
+void AboutView::viewWillAppear() {
+    ui->infoText->setPlainText(informationText());
+    appendWarning();
+}
+
+void AboutView::appendWarning() {
+    QTextCharFormat format;
+    format.setFont(QFontDatabase::systemFont(QFontDatabase::GeneralFont));
+    format.setFontPointSize(kWarningPointSize);
+    format.setForeground(QColor::fromRgbF(kWarningGrey, kWarningGrey, kWarningGrey));
+    QTextCursor cursor(ui->warningText->document());
+    cursor.movePosition(QTextCursor::End);
+    const QString text = warningText();
+    format.setFontWeight(QFont::Bold);
+    cursor.insertText(text.left(kBoldCharacters), format);
+    format.setFontWeight(QFont::Normal);
+    cursor.insertText(text.mid(kBoldCharacters), format);
+}
+
+void AboutView::linkButton() {
+    QDesktopServices::openUrl(QUrl(QStringLiteral("https://www.halvern.example/quorbel")));
+}
+
+void AboutView::onClose() {
+    accept();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,142 @@
+#include "alerts/PopupThread.h"
+
+#include "alerts/AlertDecision.h"
+#include "alerts/PopupView.h"
+#include "alerts/PopupWindow.h"
+#include "core/AppDelegate.h"
+#include "platform/gui/Storyboard.h"
+
+#include <QMetaObject>
+
+#include <chrono>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::chrono::milliseconds kPause{200};
+
+}  // namespace
+
+PopupThread::PopupThread(AppDelegate &delegate, const Storyboard &storyboard, PlaySound playSound)
+    : m_delegate(delegate), m_storyboard(storyboard), m_playSound(std::move(playSound)) {}
+
+PopupThread::~PopupThread() {
+    {
+        const std::lock_guard lock(m_delegate.alertLock());
+        m_stopping = true;
+        m_wake.notify_all();
+    }
+    // Its closing wakes a worker that waits for it.
+    delete m_popup;
+    for (const QPointer<QWidget> &sheet : m_eventSheets) {
+        delete sheet;
+    }
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+void PopupThread::start() {
+    m_thread = std::thread(&PopupThread::run, this);
+}
+
+void PopupThread::append(Event event) {
+    Entry entry{event.value("Priority").value_or(""), std::make_unique<Event>(std::move(event))};
+    const std::lock_guard lock(m_delegate.alertLock());
+    if (popupArray) {
+        popupArray->push_back(std::move(entry));
+    }
+}
+
+void PopupThread::run() {
+    {
+        const std::lock_guard lock(m_delegate.alertLock());
+        popupArray.emplace();
+    }
+    do {
+        handleNextEvent();
+    } while (pause());
+}
+
+bool PopupThread::pause() {
+    std::unique_lock lock(m_delegate.alertLock());
+    return !m_wake.wait_for(lock, kPause, [this] { return m_stopping; });
+}
+
+void PopupThread::handleNextEvent() {
+    Entry entry;
+    AlertSettings settings;
+    {
+        const std::lock_guard lock(m_delegate.alertLock());
+        if (popupArray->empty()) {
+            return;
+        }
+        entry = std::move(popupArray->front());
+        popupArray->pop_front();
+        settings = static_cast<const AlertSettings &>(m_delegate.state);
+    }
+    if (isSoundWanted(entry.priority, settings)) {
+        QMetaObject::invokeMethod(
+            &m_mainThread, [this, path = settings.popupSound] { m_playSound(path); },
+            Qt::QueuedConnection);
+    }
+    if (isPopupWanted(entry.priority, settings)) {
+        showAndWait(settings.iPopupEvents, std::move(entry.event));
+    } else {
+        // Its end belongs to the main thread.
+        QMetaObject::invokeMethod(
+            &m_mainThread, [event = std::move(entry.event)] {}, Qt::QueuedConnection);
+    }
+}
+
+void PopupThread::showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event) {
+    QMetaObject::invokeMethod(
+        &m_mainThread,
+        [this, popupTime, event = std::move(event)] {
+            auto condition = makePopup(popupTime, std::move(*event));
+            const std::lock_guard lock(m_delegate.alertLock());
+            m_condition = std::move(condition);
+            m_shown = true;
+            m_wake.notify_all();
+        },
+        Qt::QueuedConnection);
+
+    std::shared_ptr<PopupCondition> condition;
+    {
+        std::unique_lock lock(m_delegate.alertLock());
+        m_wake.wait(lock, [this] { return m_shown || m_stopping; });
+        m_shown = false;
+        condition = std::move(m_condition);
+    }
+    if (condition) {
+        condition->wait();
+    }
+}
+
+std::shared_ptr<PopupCondition> PopupThread::makePopup(std::int64_t popupTime, Event event) {
+    auto controller = m_storyboard.instantiate(QStringLiteral("popupWindow"));
+    auto *window = dynamic_cast<PopupWindow *>(controller.get());
+    if (window == nullptr) {
+        return nullptr;
+    }
+    m_popup = controller.release();
+    PopupView &view = window->contentView();
+    view.popupTime = popupTime;
+    view.popupDict = std::move(event);
+    QObject::connect(&view, &PopupView::eventSheetOpened, &m_mainThread, [this](QWidget *sheet) {
+        std::erase_if(m_eventSheets, [](const auto &closed) { return closed.isNull(); });
+        m_eventSheets.emplace_back(sheet);
+    });
+    auto condition = view.condition();
+    displayAlert(*window);
+    return condition;
+}
+
+void PopupThread::displayAlert(QWidget &popupWindow) {
+    popupWindow.show();
+    popupWindow.raise();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "alerts/PopupCondition.h"
+#include "core/AlertQueueLink.h"
+#include "core/AppState.h"
+#include "core/Event.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+
+class AppDelegate;
+class Storyboard;
+
+/// The alert worker: takes new events one at a time, oldest first, plays the alert sound and shows
+/// the popup where the settings ask for it, and waits until that popup has closed.
+///
+/// Made, started and destroyed on the main thread, which also makes the popups. Refers to its
+/// arguments, which outlive it; the event list that its events belong to must outlive it as well.
+class PopupThread final : public AlertQueueLink {
+public:
+    /// Starts a sound file and returns at once; called on the main thread.
+    using PlaySound = std::function<void(const std::string &path)>;
+
+    PopupThread(AppDelegate &delegate, const Storyboard &storyboard, PlaySound playSound);
+    /// Stops the worker at once, with the popup and the event sheets that came of it. Events that
+    /// still wait are dropped.
+    ~PopupThread() override;
+    PopupThread(const PopupThread &) = delete;
+    PopupThread &operator=(const PopupThread &) = delete;
+
+    /// Starts run() on a thread of its own. Once.
+    void start();
+    /// Adds an event to popupArray; dropped while run() has not made that yet.
+    void append(Event event) override;
+    /// The thread's body; returns when the object is being destroyed.
+    void run();
+
+private:
+    /// What the worker needs of an event, beside the event, which only the main thread may touch:
+    /// the worker holds the pointer and hands it back.
+    struct Entry {
+        std::string priority;
+        std::unique_ptr<Event> event;
+    };
+
+    // On the worker.
+    void handleNextEvent();
+    bool pause();
+    void showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event);
+
+    // On the main thread.
+    std::shared_ptr<PopupCondition> makePopup(std::int64_t popupTime, Event event);
+    static void displayAlert(QWidget &popupWindow);
+
+    AppDelegate &m_delegate;
+    const Storyboard &m_storyboard;
+    PlaySound m_playSound;
+    QPointer<QWidget> m_popup;
+    std::vector<QPointer<QWidget>> m_eventSheets;
+
+    // Guarded by the delegate's alert lock.
+    std::optional<std::deque<Entry>> popupArray;
+    bool m_stopping = false;
+    bool m_shown = false;  ///< the main thread is through with the popup that it was asked for
+    std::shared_ptr<PopupCondition> m_condition;  ///< that popup's; null when there is none
+    std::condition_variable m_wake;
+
+    std::thread m_thread;
+    QObject m_mainThread;  ///< the context of what the worker posts, which ends with it
+};
+
+}  // namespace quorbel

@@ -1,0 +1,115 @@
+#include "events/ScanViewEvent.h"
+
+#include "platform/gui/Icons.h"
+#include "platform/gui/QtText.h"
+#include "ui_ScanViewEvent.h"
+
+#include <QKeySequence>
+#include <QLineEdit>
+
+namespace quorbel {
+
+namespace {
+
+QString field(const Event &event, std::string_view key) {
+    return toQString(event.value(key).value_or(std::string()));
+}
+
+void setLine(QLineEdit *edit, const QString &text) {
+    edit->setText(text);
+    edit->setCursorPosition(0);  // a long text is seen from its beginning
+}
+
+}  // namespace
+
+ScanViewEvent::ScanViewEvent(QWidget *parent)
+    : Sheet(parent), ui(std::make_unique<Ui::ScanViewEvent>()) {
+    ui->setupUi(this);
+}
+
+ScanViewEvent::~ScanViewEvent() = default;
+
+void ScanViewEvent::viewDidLoad() {
+    setWindowTitle(QStringLiteral("Quorbel Event"));
+    ui->eventUp->setIcon(lineIcon(QStringLiteral("up")));
+    ui->eventDown->setIcon(lineIcon(QStringLiteral("down")));
+    ui->eventUp->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Up));
+    ui->eventDown->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Down));
+    connect(ui->eventUp, &QAbstractButton::clicked, this, &ScanViewEvent::onUp);
+    connect(ui->eventDown, &QAbstractButton::clicked, this, &ScanViewEvent::onDown);
+    connect(ui->onOK, &QAbstractButton::clicked, this, &ScanViewEvent::onOK);
+    ui->onOK->setFocus();
+}
+
+void ScanViewEvent::viewWillAppear() {
+    // Not when it was loaded: it knows its event and its list only now.
+    setDetails();
+}
+
+void ScanViewEvent::setDetails() {
+    if (m_dict) {
+        setLine(ui->eventDate, field(*m_dict, "Date"));
+        setLine(ui->eventPriority, field(*m_dict, "Priority"));
+        setLine(ui->eventHost, field(*m_dict, "Host"));
+        ui->eventMessage->setPlainText(field(*m_dict, "Message"));
+    }
+    if (m_hideButtons) {
+        ui->eventDown->hide();
+        ui->eventUp->hide();
+        return;
+    }
+    if (SteppableList *events = list(); events != nullptr && m_dict) {
+        m_row = shownRow(*events).value_or(m_row);
+    }
+    ui->eventDown->setEnabled(rowBeside(1).has_value());
+    ui->eventUp->setEnabled(rowBeside(-1).has_value());
+}
+
+SteppableList *ScanViewEvent::list() const {
+    return m_hideButtons ? nullptr : dynamic_cast<SteppableList *>(presenter());
+}
+
+std::optional<int> ScanViewEvent::shownRow(SteppableList &events) const {
+    // New events clear the selection; then it is the event shown that tells where one is.
+    int row = events.selectedRow();
+    if (row < 0) {
+        row = events.rowOf(*m_dict);
+    }
+    return row < 0 ? std::nullopt : std::optional(row);
+}
+
+std::optional<int> ScanViewEvent::rowBeside(int distance) const {
+    SteppableList *events = list();
+    if (events == nullptr || !m_dict) {
+        return std::nullopt;
+    }
+    // An event that has left the list left its row to the next one.
+    const int gap = distance > 0 ? m_row - 1 : m_row;
+    const int row = shownRow(*events).value_or(gap) + distance;
+    return row >= 0 && row < events->numberOfRows() ? std::optional(row) : std::nullopt;
+}
+
+void ScanViewEvent::step(int distance) {
+    if (const auto row = rowBeside(distance)) {
+        m_dict = list()->selectRow(*row);
+    }
+    setDetails();
+}
+
+void ScanViewEvent::onUp() {
+    step(-1);
+}
+
+void ScanViewEvent::onDown() {
+    step(1);
+}
+
+void ScanViewEvent::onOK() {
+    close();
+}
+
+void ScanViewEvent::onCancel() {
+    onOK();
+}
+
+}  // namespace quorbel

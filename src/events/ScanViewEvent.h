@@ -1,0 +1,50 @@
+#pragma once
+
+#include "core/PageLinks.h"
+#include "events/SteppableList.h"
+#include "platform/gui/Sheet.h"
+
+#include <memory>
+#include <optional>
+
+namespace Ui {
+class ScanViewEvent;
+}
+
+namespace quorbel {
+
+/// The details of one event. Presented over a SteppableList it can step to the events beside it.
+class ScanViewEvent : public Sheet, public EventSheetLink {
+    Q_OBJECT
+
+public:
+    explicit ScanViewEvent(QWidget *parent = nullptr);
+    ~ScanViewEvent() override;
+
+    void setDict(const Event &event) override { m_dict = event; }
+    void setHideButtons(bool hide) override { m_hideButtons = hide; }
+
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+
+    void setDetails();
+    void onUp();
+    void onDown();
+    void onOK();
+    void onCancel();
+
+private:
+    [[nodiscard]] SteppableList *list() const;
+    /// Nothing when the event has left the list.
+    [[nodiscard]] std::optional<int> shownRow(SteppableList &events) const;
+    /// The row that a step of `distance` rows leads to; nothing when the list ends before.
+    [[nodiscard]] std::optional<int> rowBeside(int distance) const;
+    void step(int distance);
+
+    std::unique_ptr<Ui::ScanViewEvent> ui;
+    std::optional<Event> m_dict;
+    bool m_hideButtons = false;
+    int m_row = 0;  ///< where the event stood when its details were set
+};
+
+}  // namespace quorbel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "core/Event.h"
+
+namespace quorbel {
+
+/// The list that a details sheet was opened from, as the sheet steps through it.
+class SteppableList {
+public:
+    virtual ~SteppableList() = default;
+
+    [[nodiscard]] virtual int numberOfRows() = 0;
+    /// -1 when there is none.
+    [[nodiscard]] virtual int selectedRow() = 0;
+    /// -1 when the event has left the list.
+    [[nodiscard]] virtual int rowOf(const Event &event) = 0;
+    /// Selects that row alone, scrolls to it and returns its event. 0 <= `row` < numberOfRows().
+    virtual Event selectRow(int row) = 0;
+
+protected:
+    SteppableList() = default;
+    SteppableList(const SteppableList &) = default;
+    SteppableList &operator=(const SteppableList &) = default;
+};
+
+}  // namespace quorbel

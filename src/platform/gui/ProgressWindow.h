@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QProgressBar>
+#include <QString>
+#include <QWidget>
+
+#include <cstdint>
+#include <memory>
+
+namespace quorbel {
+
+/// Tells how far a piece of work on the main thread is, in a small window that appears when the
+/// work takes longer than a moment and goes with the object.
+///
+/// update() runs the event loop for a moment now and then, so that the windows are painted. The
+/// user's input waits until the work is done, but timers and queued calls do run: events may be
+/// listed and removed meanwhile, and row numbers may change.
+class ProgressWindow {
+public:
+    static constexpr qint64 kPatienceMs = 500;
+
+    enum class Unit { kBytes, kRows };
+
+    struct Texts {
+        QString title;
+        QString work;            ///< what is being done
+        QString accessibleName;  ///< of the bar
+    };
+
+    /// `parent`, if any, is the window that it stands over; it outlives this object.
+    ProgressWindow(Texts texts, Unit unit, QWidget *parent = nullptr);
+    ~ProgressWindow();
+    ProgressWindow(const ProgressWindow &) = delete;
+    ProgressWindow &operator=(const ProgressWindow &) = delete;
+
+    void update(std::uint64_t done, std::uint64_t inAll);
+
+private:
+    void open();
+    [[nodiscard]] QString amount(std::uint64_t number) const;
+
+    Texts m_texts;
+    Unit m_unit;
+    QWidget *m_parent;
+    QElapsedTimer m_sinceStart;
+    QElapsedTimer m_sincePaint;
+    std::unique_ptr<QWidget> m_window;  // owns the two below
+    QProgressBar *m_bar = nullptr;
+    QLabel *m_amount = nullptr;
+};
+
+}  // namespace quorbel

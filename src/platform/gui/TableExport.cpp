@@ -1,0 +1,66 @@
+#include "platform/gui/TableExport.h"
+
+#include "platform/gui/FilePanel.h"
+#include "platform/gui/ProgressWindow.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+QByteArray line(int columns, char separator, const std::function<QVariant(int column)> &cell) {
+    QByteArray result;
+    for (int column = 0; column < columns; ++column) {
+        if (column > 0) {
+            result += separator;
+        }
+        result += cell(column).toString().toUtf8();
+    }
+    result += '\n';
+    return result;
+}
+
+}  // namespace
+
+void openExportPanel(QWidget *parent, std::function<void(const QString &path)> onChosen) {
+    openFilePanel(parent,
+                  {.message = QStringLiteral("Please select export file name with 'txt' or 'csv' "
+                                             "extensions:"),
+                   .extensions = {QStringLiteral("txt"), QStringLiteral("csv")},
+                   .folder = {},
+                   .save = true},
+                  std::move(onChosen));
+}
+
+bool exportTable(const QString &path, const QAbstractItemModel &model, const ExportRows &rows,
+                 QWidget *parent) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    ProgressWindow progress({.title = QStringLiteral("Quorbel"),
+                             .work = QStringLiteral("Writing the export file"),
+                             .accessibleName = QStringLiteral("Rows written")},
+                            ProgressWindow::Unit::kRows, parent);
+    const int columns = model.columnCount();
+    const char separator = QFileInfo(path).suffix() == QStringLiteral("csv") ? ',' : '\t';
+    file.write(line(columns, separator, [&model](int column) {
+        return model.headerData(column, Qt::Horizontal, Qt::DisplayRole);
+    }));
+    for (std::size_t number = 0; number < rows.count; ++number) {
+        const QModelIndex row = rows.at(number);
+        if (row.isValid() && file.write(line(columns, separator, [&row](int column) {
+                return row.siblingAtColumn(column).data(Qt::DisplayRole);
+            })) < 0) {
+            return false;
+        }
+        progress.update(number + 1, rows.count);
+    }
+    return file.commit();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QAbstractItemModel>
+#include <QString>
+
+#include <cstddef>
+#include <functional>
+
+class QWidget;
+
+namespace quorbel {
+
+/// The rows of a table to be written, in this order.
+struct ExportRows {
+    std::size_t count = 0;
+    /// The first cell of the row that was chosen as number 0, 1 ... count - 1; an invalid index
+    /// when there is no such row any more, and it is left out. Row numbers may change between two
+    /// calls (see ProgressWindow), so a table whose rows come and go has to find them otherwise.
+    std::function<QModelIndex(std::size_t number)> at;
+};
+
+/// Asks for the file to export a table to, in a panel over `parent`'s window, and returns at once.
+/// `onChosen` runs with its path; not at all when the panel is cancelled.
+void openExportPanel(QWidget *parent, std::function<void(const QString &path)> onChosen);
+
+/// Writes the column titles and the rows' texts as they are shown, each line ended by a line feed,
+/// in UTF-8: all of the model's columns, with commas between them when the file's extension is
+/// exactly "csv", otherwise tabs. Nothing is quoted.
+///
+/// The file takes the place of an older one when all of it is written. False when that failed: the
+/// older one, if any, is as it was. Returns when done, with a progress window over `parent` if it
+/// takes longer than a moment.
+bool exportTable(const QString &path, const QAbstractItemModel &model, const ExportRows &rows,
+                 QWidget *parent);
+
+}  // namespace quorbel

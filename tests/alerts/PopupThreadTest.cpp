@@ -1,0 +1,241 @@
+#include "alerts/AlertFixture.h"
+#include "alerts/PopupThread.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QTest>
+
+#include <string>
+#include <vector>
+
+using namespace quorbel;
+using namespace quorbel::testing;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A worker with its sounds recorded. The popups are real and stay open until they are closed.
+struct Worker : AlertFixture {
+    AppDelegate delegate;
+    std::vector<std::string> sounds;
+    std::optional<PopupThread> thread;
+
+    explicit Worker(AlertSettings settings) {
+        delegate.setAlertSettings(std::move(settings));
+        thread.emplace(delegate, storyboard,
+                       [this](const std::string &path) { sounds.push_back(path); });
+    }
+
+    /// Starts the worker and waits until it takes events.
+    bool start() {
+        const auto wanted = static_cast<const AlertSettings &>(delegate.state);
+        delegate.setAlertSettings({0, "probe", {}, {"Unknown"}});
+        thread->start();
+        for (int i = 0; i < 100 && sounds.empty(); ++i) {
+            thread->append(event("Probe"));
+            [[maybe_unused]] const bool heard =
+                QTest::qWaitFor([this] { return !sounds.empty(); }, 250);
+        }
+        const bool started = !sounds.empty();
+        sounds.clear();
+        delegate.setAlertSettings(wanted);
+        return started;
+    }
+
+    void append(std::string_view priority, std::string_view message) {
+        thread->append(event(priority, message));
+    }
+};
+
+AlertSettings popupsFor(std::vector<std::string> labels) {
+    return {60, "", std::move(labels), {}};
+}
+
+QString messageOf(PopupWindow &window) {
+    const QString details = window.findChild<QPlainTextEdit *>(u"popupDetails"_s)->toPlainText();
+    return details.mid(details.lastIndexOf(u'\n') + 1);
+}
+
+/// Waits for the next popup and tells its message; empty when none comes.
+QString nextPopup() {
+    QPointer<PopupWindow> window;
+    [[maybe_unused]] const bool came = QTest::qWaitFor([&window] {
+        window = shown<PopupWindow>();
+        return !window.isNull();
+    });
+    return window.isNull() ? QString() : messageOf(*window);
+}
+
+void closePopup() {
+    if (const auto window = shown<PopupWindow>()) {
+        window->close();
+    }
+}
+
+int popups() {
+    int count = 0;
+    for (const QWidget *widget : QApplication::topLevelWidgets()) {
+        count += dynamic_cast<const PopupWindow *>(widget) != nullptr ? 1 : 0;
+    }
+    return count;
+}
+
+}  // namespace
+
+class PopupThreadTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QApplication::setQuitOnLastWindowClosed(false); }
+    /// Nothing may be left of a worker that has ended.
+    void cleanup() {
+        QCOMPARE(popups(), 0);
+        QVERIFY(shown<QWidget>().isNull());
+    }
+
+    void showsOnePopupAfterTheOtherInOrder() {
+        Worker it({60, "/bell.wav", {"Warning"}, {"Warning"}});
+        QVERIFY(it.start());
+        for (const char *message : {"first", "second", "third"}) {
+            it.append("Local7.Warning", message);
+        }
+        std::size_t reached = 0;
+        for (const char *message : {"first", "second", "third"}) {
+            QCOMPARE(nextPopup(), QString::fromLatin1(message));
+            QCOMPARE(it.sounds.size(), ++reached);
+            QCOMPARE(shown<PopupWindow>()->contentView().popupTime, 60);
+            // Long enough for a worker that does not wait.
+            QTest::qWait(500);
+            QCOMPARE(popups(), 1);
+            QCOMPARE(it.sounds.size(), reached);
+            closePopup();
+        }
+        QTRY_COMPARE(popups(), 0);
+        QCOMPARE(it.sounds, std::vector<std::string>(3, "/bell.wav"));
+    }
+
+    void goesOnWhenAPopupClosesByItself() {
+        Worker it({1, "", {"Warning"}, {}});
+        QVERIFY(it.start());
+        it.append("Local7.Warning", "first");
+        it.append("Local7.Warning", "second");
+        QCOMPARE(nextPopup(), u"first"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(nextPopup(), u"second"_s, 10000);
+    }
+
+    void dropsEventsThatNothingAsksFor() {
+        Worker it(popupsFor({"Alert"}));
+        QVERIFY(it.start());
+        const Event watched = it.event("Local7.Debug", "dropped");
+        it.thread->append(watched);
+        it.append("Local7.Alert", "shown");
+        QCOMPARE(nextPopup(), u"shown"_s);
+        QVERIFY(it.sounds.empty());
+        closePopup();
+    }
+
+    void playsWithoutPopupsAndTheOtherWayRound() {
+        Worker it({0, "/bell.wav", {"Alert"}, {"Alert"}});
+        QVERIFY(it.start());
+        it.append("Local7.Alert", "played");
+        QTRY_COMPARE(it.sounds.size(), std::size_t{1});
+        it.delegate.setAlertSettings(popupsFor({"Alert"}));
+        it.append("Local7.Alert", "shown");
+        QCOMPARE(nextPopup(), u"shown"_s);
+        QCOMPARE(it.sounds.size(), std::size_t{1});
+        closePopup();
+    }
+
+    void readsTheSettingsAfreshForEachEvent() {
+        Worker it(popupsFor({"Alert"}));
+        QVERIFY(it.start());
+        for (const char *message : {"before", "after", "again"}) {
+            it.append(message == std::string_view("again") ? "Local7.Debug" : "Local7.Alert",
+                      message);
+        }
+        QCOMPARE(nextPopup(), u"before"_s);
+        it.delegate.setAlertSettings({7, "", {"Debug"}, {}});
+        closePopup();
+        QTRY_COMPARE(popups(), 0);
+        QCOMPARE(nextPopup(), u"again"_s);
+        QCOMPARE(shown<PopupWindow>()->contentView().popupTime, 7);
+    }
+
+    void treatsAnEventWithoutPriorityAsUnknown() {
+        Worker it(popupsFor({"Unknown"}));
+        QVERIFY(it.start());
+        EventFields fields;
+        fields.message = "nameless";
+        it.thread->append({it.list, it.list.insertRaw(fields)});
+        QCOMPARE(nextPopup(), u"nameless"_s);
+    }
+
+    void dropsWhatComesBeforeItRuns() {
+        Worker it(popupsFor({"Alert"}));
+        it.append("Local7.Alert", "too early");
+        QVERIFY(it.start());
+        it.append("Local7.Alert", "in time");
+        QCOMPARE(nextPopup(), u"in time"_s);
+    }
+
+    void goesOnWhereNoPopupCanBeMade() {
+        Worker it({60, "/bell.wav", {"Alert"}, {"Alert"}});
+        it.storyboard.add(u"popupWindow"_s, [] { return nullptr; });
+        QVERIFY(it.start());
+        it.append("Local7.Alert", "one");
+        it.append("Local7.Alert", "two");
+        QTRY_COMPARE(it.sounds.size(), std::size_t{2});
+    }
+
+    void takesABurstWhileAPopupIsUpAndEndsAtOnce() {
+        QElapsedTimer time;
+        {
+            Worker it(popupsFor({"Alert"}));
+            QVERIFY(it.start());
+            it.append("Local7.Alert", "up");
+            QCOMPARE(nextPopup(), u"up"_s);
+            time.start();
+            for (int i = 0; i < 10000; ++i) {
+                it.append("Local7.Alert", std::to_string(i));
+            }
+            QVERIFY2(time.elapsed() < 1000, qPrintable(QString::number(time.elapsed())));
+            closePopup();
+            QTRY_COMPARE(popups(), 0);
+            for (int i = 0; i < 3; ++i) {
+                QCOMPARE(nextPopup(), QString::number(i));
+                closePopup();
+                QTRY_COMPARE(popups(), 0);
+            }
+            QCOMPARE(nextPopup(), u"3"_s);
+            QMetaObject::invokeMethod(&shown<PopupWindow>()->contentView(), &PopupView::popupAbout);
+            QVERIFY(!shown<EventSheetStandIn>().isNull());
+            time.start();
+            it.thread.reset();
+            QVERIFY2(time.elapsed() < 1000, qPrintable(QString::number(time.elapsed())));
+        }
+    }
+
+    void endsAtOnceInEveryState() {
+        QElapsedTimer time;
+        time.start();
+        for (int delay = 0; delay < 20; ++delay) {
+            Worker it(popupsFor({"Alert"}));
+            it.thread->start();
+            for (int i = 0; i < 10; ++i) {
+                it.append("Local7.Alert", "x");
+            }
+            // Idle, asking for a popup that the main thread does not make, waiting for one.
+            std::this_thread::sleep_for(std::chrono::milliseconds(delay * 2));
+            if (delay % 2 != 0) {
+                QCoreApplication::processEvents();
+            }
+        }
+        QVERIFY2(time.elapsed() < 4000, qPrintable(QString::number(time.elapsed())));
+        Worker neverStarted(popupsFor({"Alert"}));
+        neverStarted.append("Local7.Alert", "x");
+    }
+};
+
+QTEST_MAIN(PopupThreadTest)
+#include "PopupThreadTest.moc"
