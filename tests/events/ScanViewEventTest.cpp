@@ -267,13 +267,17 @@ private Q_SLOTS:
     void texts_data() {
         QTest::addColumn<QString>("priority");
         QTest::addColumn<QString>("text");
-        QTest::newRow("several lines") << "Kern.Alert" << "one\ntwo\n\nfour";
+        QTest::newRow("several lines") << "Kern.Alert"
+                                       << "one\ntwo\n\nfour";
         QTest::newRow("64 KiB") << "Kern.Alert" << QString(65536, u'x');
         QTest::newRow("right to left") << "Kern.Alert" << name("שלום עולם, مرحبا");
         QTest::newRow("emoji") << "Kern.Alert" << name("disk 💾 is 🔥 👩‍👩‍👧");
-        QTest::newRow("markup") << "Kern.Alert" << "<b>bold</b> & <img src='x'>";
-        QTest::newRow("priority without a point") << "Kern" << "m";
-        QTest::newRow("empty") << "" << "";
+        QTest::newRow("markup") << "Kern.Alert"
+                                << "<b>bold</b> & <img src='x'>";
+        QTest::newRow("priority without a point") << "Kern"
+                                                  << "m";
+        QTest::newRow("empty") << ""
+                               << "";
     }
     void texts() {
         QFETCH(QString, priority);
@@ -288,7 +292,7 @@ private Q_SLOTS:
         QCOMPARE(message(), text);
         QCOMPARE(line("eventPriority"), priority);
         if (!text.contains(u'\n')) {
-            QCOMPARE(line("eventHost"), text.left(32767));  // as much as a line edit holds
+            QCOMPARE(line("eventHost"), text);
         }
         QCOMPARE(sheet()->findChild<QLineEdit *>(name("eventHost"))->cursorPosition(), 0);
         QVERIFY(sheet()->width() < 800);

@@ -4,7 +4,9 @@
 #include "platform/gui/ProgressWindow.h"
 
 #include <QFileInfo>
+#include <QMetaObject>
 #include <QSaveFile>
+#include <QWidget>
 
 #include <utility>
 
@@ -33,7 +35,12 @@ void openExportPanel(QWidget *parent, std::function<void(const QString &path)> o
                    .extensions = {QStringLiteral("txt"), QStringLiteral("csv")},
                    .folder = {},
                    .save = true},
-                  std::move(onChosen));
+                  [parent, chosen = std::move(onChosen)](const QString &path) {
+                      // Not from within the panel's own signal: writing runs the event loop, which
+                      // may delete the closed panel.
+                      const auto tell = [chosen, path] { chosen(path); };
+                      QMetaObject::invokeMethod(parent, tell, Qt::QueuedConnection);
+                  });
 }
 
 bool exportTable(const QString &path, const QAbstractItemModel &model, const ExportRows &rows,

@@ -20,7 +20,7 @@ struct ExportRows {
 };
 
 /// Asks for the file to export a table to, in a panel over `parent`'s window, and returns at once.
-/// `onChosen` runs with its path; not at all when the panel is cancelled.
+/// `onChosen` runs with its path after the panel has closed; not at all when it is cancelled.
 void openExportPanel(QWidget *parent, std::function<void(const QString &path)> onChosen);
 
 /// Writes the column titles and the rows' texts as they are shown, each line ended by a line feed,
