@@ -2,8 +2,30 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyledItemDelegate>
 
 namespace quorbel {
+
+namespace {
+
+/// Rows are selected as a whole, so no single cell is framed.
+class RowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override {
+        QStyleOptionViewItem unframed = option;
+        unframed.state.setFlag(QStyle::State_HasFocus, false);
+        QStyledItemDelegate::paint(painter, unframed, index);
+    }
+};
+
+}  // namespace
+
+EventTableView::EventTableView(QWidget *parent) : QTableView(parent) {
+    setItemDelegate(new RowDelegate(this));
+}
 
 void EventTableView::keyPressEvent(QKeyEvent *event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;

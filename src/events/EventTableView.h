@@ -9,7 +9,7 @@ class EventTableView : public QTableView {
     Q_OBJECT
 
 public:
-    using QTableView::QTableView;
+    explicit EventTableView(QWidget *parent = nullptr);
 
 Q_SIGNALS:
     /// Return or Enter. Unlike activated(), never for a click, whatever the desktop's style.

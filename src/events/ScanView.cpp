@@ -25,7 +25,7 @@ namespace quorbel {
 namespace {
 
 constexpr int kRowHeight = 28;
-constexpr std::array kColumnWidths = {120, 170, 160, 150};  // the message takes the rest
+constexpr std::array kColumnWidths = {104, 150, 156, 130};  // the message takes the rest
 
 RowRange rangeOf(const QItemSelectionRange &range) {
     return {static_cast<std::size_t>(range.top()), static_cast<std::size_t>(range.height())};
