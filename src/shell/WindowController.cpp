@@ -1,6 +1,7 @@
 #include "shell/WindowController.h"
 
 #include "alerts/PopupThread.h"
+#include "help/HelpWindow.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
@@ -106,6 +107,7 @@ void WindowController::connectCommands() {
     connect(ui->applicationReports, &QAction::triggered, this, [this] { m_delegate.Reports(); });
     connect(ui->applicationTools, &QAction::triggered, this, [this] { m_delegate.Tools(); });
     connect(ui->applicationAbout, &QAction::triggered, this, [this] { m_delegate.About(); });
+    connect(ui->applicationHelp, &QAction::triggered, this, &WindowController::Help);
     connect(ui->closeWindow, &QAction::triggered, this, &QWidget::close);
     // Not QCoreApplication::quit(), which an open sheet would refuse.
     connect(ui->applicationQuit, &QAction::triggered, this, [] { QCoreApplication::exit(); });
@@ -161,11 +163,19 @@ void WindowController::About() {
     }
 }
 
+void WindowController::Help() {
+    if (!m_help) {
+        m_help = std::make_unique<HelpWindow>();
+    }
+    m_help->makeVisible();
+}
+
 void WindowController::HelpDropDown() {
     auto *menu = new QMenu(QStringLiteral("Menu"), this);
     menu->setObjectName(QStringLiteral("helpDropDownMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(ui->applicationHelp->text())->setEnabled(ui->applicationHelp->isEnabled());
+    connect(menu->addAction(ui->applicationHelp->text()), &QAction::triggered, this,
+            &WindowController::Help);
     menu->addSeparator();
     connect(menu->addAction(ui->applicationAbout->text()), &QAction::triggered, this,
             &WindowController::About);

@@ -24,6 +24,7 @@ class WindowController;
 
 namespace quorbel {
 
+class HelpWindow;
 class NotificationPump;
 class PopupThread;
 
@@ -63,6 +64,8 @@ public:
     void Reports() override;
     void Tools() override;
     void About() override;
+    /// Opens the help book, or raises it where it is open.
+    void Help();
     void HelpDropDown();
     void makeVisible() override;
     void openSettingsPage(Tab page, Tab parentTab) override;
@@ -93,6 +96,7 @@ private:
     AlertQueueLink *m_alertQueue = nullptr;
     std::function<bool()> m_isReopenable = [] { return false; };
     QPointer<QWidget> m_aboutSheet;
+    std::unique_ptr<HelpWindow> m_help;
     std::unique_ptr<NotificationPump> m_notifications;
 };
 

@@ -43,6 +43,16 @@ QMenu *openMenu() {
     return qobject_cast<QMenu *>(QApplication::activePopupWidget());
 }
 
+QWidgetList helpWindows() {
+    QWidgetList result;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == QStringLiteral("helpWindow")) {
+            result.append(window);
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
 class WindowControllerTest : public QObject {
@@ -67,6 +77,7 @@ private Q_SLOTS:
     void settingsPageRemembersItsOpener();
     void helpDropDownOpensBelowThePointer();
     void helpDropDownRunsAbout();
+    void helpOpensOneWindow();
     void aboutWithoutASheetDoesNothing();
     void aboutOpensOneSheet();
     void closedWindowGoesOnWhenItCanBeHadBack();
@@ -307,6 +318,32 @@ void WindowControllerTest::helpDropDownRunsAbout() {
     QTest::mouseClick(menu, Qt::LeftButton, {}, about.center());
     QCOMPARE(shell.window.findChildren<Sheet *>().size(), 1);
     QTRY_COMPARE(openMenu(), nullptr);
+}
+
+void WindowControllerTest::helpOpensOneWindow() {
+    Shell shell;
+    shell.window.makeVisible();
+    QVERIFY(helpWindows().isEmpty());
+    QCOMPARE(shell.command("applicationHelp").shortcut(), QKeySequence(Qt::Key_F1));
+    shell.command("applicationHelp").trigger();
+    QCOMPARE(helpWindows().size(), 1);
+    QWidget *help = helpWindows().front();
+    QVERIFY(help->isVisible());
+
+    help->showMinimized();
+    shell.window.HelpDropDown();
+    QMenu *menu = openMenu();
+    QVERIFY(menu != nullptr);
+    QTest::mouseClick(menu, Qt::LeftButton, {},
+                      menu->actionGeometry(menu->actions().at(0)).center());
+    QCOMPARE(helpWindows(), QWidgetList{help});
+    QVERIFY(help->isVisible() && !help->isMinimized());
+    QVERIFY(QTest::qWaitForWindowActive(help));
+
+    help->close();
+    shell.command("applicationHelp").trigger();
+    QCOMPARE(helpWindows(), QWidgetList{help});
+    QVERIFY(help->isVisible());
 }
 
 void WindowControllerTest::aboutWithoutASheetDoesNothing() {
