@@ -69,9 +69,9 @@ void ScanView::viewDidLoad() {
     connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
     for (const auto signal :
          {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
-        connect(m_model.get(), signal, this, &ScanView::showCount);
+        connect(m_model.get(), signal, this, &ScanView::countChanged);
     }
-    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::showCount);
+    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::countChanged);
     connect(m_model.get(), &QAbstractItemModel::modelAboutToBeReset, this, &ScanView::rememberView);
     connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::restoreView);
     showCount();
@@ -306,7 +306,15 @@ void ScanView::syslogOptions() {
     }
 }
 
+void ScanView::countChanged() {
+    // Thousands of events may arrive between two looks at the label.
+    if (!std::exchange(m_countIsDue, true)) {
+        QMetaObject::invokeMethod(this, &ScanView::showCount, Qt::QueuedConnection);
+    }
+}
+
 void ScanView::showCount() {
+    m_countIsDue = false;
     const auto count = static_cast<qlonglong>(m_arrController.size());
     ui->eventCount->setText(count == 1 ? QStringLiteral("1 event")
                                        : QLocale().toString(count) + QStringLiteral(" events"));

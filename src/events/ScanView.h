@@ -72,6 +72,7 @@ private:
     void deleteRows(const Rows &rows);
     void updateEvents(Dictionary deleted);
     void writeEvents(const QString &path, const std::vector<EventId> &ids);
+    void countChanged();
     void showCount();
 
     AppDelegate &m_delegate;
@@ -80,6 +81,7 @@ private:
     std::unique_ptr<EventTableModel> m_model;
     std::unique_ptr<Ui::ScanView> ui;
     bool m_removalIsDue = false;
+    bool m_countIsDue = false;
     std::vector<EventId> m_rememberedSelection;
     EventId m_rememberedTop = 0;
 };
