@@ -1,10 +1,10 @@
 #pragma once
 
 #include "service/Counters.h"
-#include "service/LogStore.h"
-#include "service/MessageParser.h"
-#include "service/NotificationQueue.h"
-#include "service/RecordWriter.h"
+#include "service/bus/NotificationQueue.h"
+#include "service/message/MessageParser.h"
+#include "service/message/RecordWriter.h"
+#include "service/store/LogStore.h"
 
 #include <cstdint>
 #include <string>

@@ -1,17 +1,17 @@
 #pragma once
 
-#include "service/BusServer.h"
 #include "service/Collector.h"
-#include "service/CommandWorker.h"
-#include "service/Commands.h"
 #include "service/Counters.h"
-#include "service/ListenSockets.h"
-#include "service/LogStore.h"
-#include "service/NotificationQueue.h"
 #include "service/SdEvent.h"
-#include "service/SettingsFile.h"
-#include "service/TcpInput.h"
-#include "service/UdpInput.h"
+#include "service/bus/BusServer.h"
+#include "service/bus/CommandWorker.h"
+#include "service/bus/Commands.h"
+#include "service/bus/NotificationQueue.h"
+#include "service/bus/SettingsFile.h"
+#include "service/input/ListenSockets.h"
+#include "service/input/TcpInput.h"
+#include "service/input/UdpInput.h"
+#include "service/store/LogStore.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #include "platform/DateFormat.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
-#include "service/Commands.h"
+#include "service/bus/Commands.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "service/FrameSplitter.h"
+#include "service/input/FrameSplitter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "core/LogReader.h"
 #include "platform/Files.h"
-#include "service/LogFiles.h"
 #include "service/UniqueFd.h"
+#include "service/store/LogFiles.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 #include "platform/Files.h"
-#include "service/LogStore.h"
+#include "service/store/LogStore.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "service/MessageParser.h"
+#include "service/message/MessageParser.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "core/LogReader.h"
 #include "platform/Text.h"
-#include "service/RecordWriter.h"
+#include "service/message/RecordWriter.h"
 
 #include <gtest/gtest.h>
 

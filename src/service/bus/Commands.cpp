@@ -1,9 +1,9 @@
-#include "service/Commands.h"
+#include "service/bus/Commands.h"
 
 #include "core/SettingsDocument.h"
 #include "platform/DateFormat.h"
-#include "service/CommandFile.h"
-#include "service/EventRemoval.h"
+#include "service/bus/CommandFile.h"
+#include "service/store/EventRemoval.h"
 
 #include <optional>
 #include <variant>

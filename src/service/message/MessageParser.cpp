@@ -1,6 +1,6 @@
-#include "service/MessageParser.h"
+#include "service/message/MessageParser.h"
 
-#include "service/Timestamp.h"
+#include "service/message/Timestamp.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "service/UdpInput.h"
+#include "service/input/UdpInput.h"
 
 #include <linux/filter.h>
 #include <linux/sock_diag.h>

@@ -2,8 +2,8 @@
 
 #include "service/Collector.h"
 #include "service/SdEvent.h"
-#include "service/SenderAddress.h"
 #include "service/UniqueFd.h"
+#include "service/input/SenderAddress.h"
 
 #include <sys/socket.h>
 

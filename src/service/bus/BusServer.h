@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/bus/SdBus.h"
-#include "service/CommandWorker.h"
-#include "service/NotificationQueue.h"
 #include "service/SdEvent.h"
+#include "service/bus/CommandWorker.h"
+#include "service/bus/NotificationQueue.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "service/RecordWriter.h"
+#include "service/message/RecordWriter.h"
 
 #include "core/LogReader.h"
 #include "platform/Utf8.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/Priority.h"
+#include "service/message/Priority.h"
 
 #include <cstddef>
 #include <cstdint>

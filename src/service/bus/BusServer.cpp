@@ -1,4 +1,4 @@
-#include "service/BusServer.h"
+#include "service/bus/BusServer.h"
 
 #include "core/LogReader.h"
 #include "platform/bus/BusNames.h"

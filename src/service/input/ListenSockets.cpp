@@ -1,4 +1,4 @@
-#include "service/ListenSockets.h"
+#include "service/input/ListenSockets.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

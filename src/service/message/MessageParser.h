@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/Priority.h"
+#include "service/message/Priority.h"
 
 #include <optional>
 #include <string>

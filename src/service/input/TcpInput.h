@@ -1,9 +1,9 @@
 #pragma once
 
 #include "service/Collector.h"
-#include "service/FrameSplitter.h"
 #include "service/SdEvent.h"
 #include "service/UniqueFd.h"
+#include "service/input/FrameSplitter.h"
 
 #include <chrono>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "service/SenderAddress.h"
+#include "service/input/SenderAddress.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,4 +1,4 @@
-#include "service/Timestamp.h"
+#include "service/message/Timestamp.h"
 
 #include <algorithm>
 #include <array>

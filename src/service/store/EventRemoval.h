@@ -2,8 +2,8 @@
 
 #include "platform/DateFormat.h"
 #include "platform/Value.h"
-#include "service/LogStore.h"
 #include "service/UniqueFd.h"
+#include "service/store/LogStore.h"
 
 #include <cstddef>
 #include <cstdint>

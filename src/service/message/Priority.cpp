@@ -1,4 +1,4 @@
-#include "service/Priority.h"
+#include "service/message/Priority.h"
 
 #include "core/Severity.h"
 

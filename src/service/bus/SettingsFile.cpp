@@ -1,4 +1,4 @@
-#include "service/SettingsFile.h"
+#include "service/bus/SettingsFile.h"
 
 #include "core/SettingsDocument.h"
 #include "platform/Files.h"

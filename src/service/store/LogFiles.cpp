@@ -1,4 +1,4 @@
-#include "service/LogFiles.h"
+#include "service/store/LogFiles.h"
 
 #include "core/LogReader.h"
 #include "platform/Text.h"

@@ -1,6 +1,6 @@
-#include "service/TcpInput.h"
+#include "service/input/TcpInput.h"
 
-#include "service/SenderAddress.h"
+#include "service/input/SenderAddress.h"
 
 #include <sys/socket.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/Value.h"
-#include "service/LogStore.h"
-#include "service/SettingsFile.h"
 #include "service/UniqueFd.h"
+#include "service/bus/SettingsFile.h"
+#include "service/store/LogStore.h"
 
 #include <string>
 

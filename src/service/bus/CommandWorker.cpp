@@ -1,4 +1,4 @@
-#include "service/CommandWorker.h"
+#include "service/bus/CommandWorker.h"
 
 #include <sys/eventfd.h>
 

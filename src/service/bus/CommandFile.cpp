@@ -1,4 +1,4 @@
-#include "service/CommandFile.h"
+#include "service/bus/CommandFile.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,4 +1,4 @@
-#include "service/NotificationQueue.h"
+#include "service/bus/NotificationQueue.h"
 
 namespace quorbel {
 

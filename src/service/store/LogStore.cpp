@@ -1,4 +1,4 @@
-#include "service/LogStore.h"
+#include "service/store/LogStore.h"
 
 #include "platform/Files.h"
 #include "service/Journal.h"

@@ -1,4 +1,4 @@
-#include "service/EventRemoval.h"
+#include "service/store/EventRemoval.h"
 
 #include "core/LogReader.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/Value.h"
-#include "service/Commands.h"
 #include "service/SdEvent.h"
 #include "service/UniqueFd.h"
+#include "service/bus/Commands.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/LogFiles.h"
 #include "service/UniqueFd.h"
+#include "service/store/LogFiles.h"
 
 #include <condition_variable>
 #include <cstdint>
