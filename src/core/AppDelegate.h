@@ -32,8 +32,6 @@ public:
     void saveSettings(Dictionary settings);
     /// Sends one command to the service and returns at once.
     void setPipe(Dictionary command);
-    /// The connection behind setPipe().
-    CommandSender &commandSender() { return m_sender; }
 
     // Application-level commands: show the main window again and forward to it. They do nothing
     // before the window exists.

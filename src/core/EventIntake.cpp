@@ -5,13 +5,10 @@
 #include "core/LogReader.h"
 #include "core/SettingsDocument.h"
 #include "core/Severity.h"
-#include "platform/Files.h"
 #include "platform/Text.h"
 
 #include <bit>
 #include <string>
-#include <system_error>
-#include <vector>
 
 namespace quorbel {
 
@@ -40,27 +37,6 @@ EventFields decodeFields(const LogLine &line) {
         fields.message = line.message;
     }
     return fields;
-}
-
-std::vector<std::filesystem::path> logFiles() {
-    const auto folder = libraryFolder();
-    std::vector<std::filesystem::path> files;
-    for (const std::string &name : listFolder(folder)) {
-        if (hasExtension(name, "log")) {
-            files.push_back(folder / name);
-        }
-    }
-    return files;
-}
-
-std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
-    std::uint64_t total = 0;
-    for (const auto &file : files) {
-        std::error_code error;
-        const std::uint64_t size = std::filesystem::file_size(file, error);
-        total += error ? 0 : size;
-    }
-    return total;
 }
 
 }  // namespace

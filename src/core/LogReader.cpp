@@ -1,5 +1,7 @@
 #include "core/LogReader.h"
 
+#include "platform/Files.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,7 +10,8 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <vector>
+#include <string>
+#include <system_error>
 
 namespace quorbel {
 
@@ -155,6 +158,27 @@ std::optional<LogLine> splitLogLine(std::string_view piece) {
         line.reset();
     }
     return line;
+}
+
+std::vector<std::filesystem::path> logFiles() {
+    const auto folder = libraryFolder();
+    std::vector<std::filesystem::path> files;
+    for (const std::string &name : listFolder(folder)) {
+        if (hasExtension(name, "log")) {
+            files.push_back(folder / name);
+        }
+    }
+    return files;
+}
+
+std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
+    std::uint64_t total = 0;
+    for (const auto &file : files) {
+        std::error_code error;
+        const std::uint64_t size = std::filesystem::file_size(file, error);
+        total += error ? 0 : size;
+    }
+    return total;
 }
 
 bool LogReader::readFile(const std::filesystem::path &file, const LineHandler &onLine,

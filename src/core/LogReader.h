@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace quorbel {
 
@@ -31,6 +33,13 @@ std::optional<LogLine> splitLogLine(std::string_view piece);
 /// The length of the first piece of `bytes`; 0 when it could go on in bytes that are not there yet.
 /// `atEnd` says that there are none.
 std::size_t logPieceLength(std::string_view bytes, bool atEnd);
+
+/// The log files that the service keeps, in the order of their folder's listing: whatever has the
+/// extension "log".
+std::vector<std::filesystem::path> logFiles();
+
+/// The bytes of files; one that is missing has none.
+std::uint64_t totalSize(const std::vector<std::filesystem::path> &files);
 
 /// Reads log files as their readers see them, piece by piece, in one pass with a fixed buffer.
 class LogReader {

@@ -87,6 +87,11 @@ Array settingArray(const Dictionary &settings, std::string_view key) {
     return value != nullptr && value->array() != nullptr ? *value->array() : Array{};
 }
 
+Dictionary settingDictionary(const Dictionary &settings, std::string_view key) {
+    const Value *value = settings.find(key);
+    return value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : Dictionary{};
+}
+
 bool SettingsCycle::load(const std::optional<std::string> &bytes) {
     auto document = decodeSettings(bytes);
     m_exists = document.has_value();

@@ -27,6 +27,8 @@ std::optional<std::string> settingText(const Dictionary &settings, std::string_v
 std::vector<std::string> settingTexts(const Dictionary &settings, std::string_view key);
 /// An array as it stands; empty when the key holds none.
 Array settingArray(const Dictionary &settings, std::string_view key);
+/// A dictionary as it stands; empty when the key holds none.
+Dictionary settingDictionary(const Dictionary &settings, std::string_view key);
 
 /// The cycle that every settings page and sheet follows each time it is shown: read the whole
 /// document, edit the page's own keys in a private copy, send the whole copy.

@@ -62,8 +62,13 @@ std::filesystem::path libraryFolder() {
 }
 
 std::vector<std::string> listFolder(const std::filesystem::path &folder) {
-    std::vector<std::string> names;
     std::error_code error;
+    return listFolder(folder, error);
+}
+
+std::vector<std::string> listFolder(const std::filesystem::path &folder, std::error_code &error) {
+    std::vector<std::string> names;
+    error.clear();
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
         names.push_back(entry->path().filename().string());
@@ -79,6 +84,11 @@ bool hasExtension(std::string_view name, std::string_view extension) {
     const std::size_t dot = name.rfind('.');
     return dot != std::string_view::npos && dot != 0 && !extension.empty() &&
            name.substr(dot + 1) == extension;
+}
+
+bool isThere(const std::filesystem::path &file) {
+    std::error_code error;
+    return std::filesystem::exists(std::filesystem::symlink_status(file, error));
 }
 
 std::optional<std::string> readFile(const std::filesystem::path &file) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace quorbel {
@@ -15,10 +16,15 @@ std::filesystem::path libraryFolder();
 /// The names of a folder's entries, in ascending byte order, so that files named by date are read
 /// oldest first. Empty when the folder cannot be listed.
 std::vector<std::string> listFolder(const std::filesystem::path &folder);
+/// The same; `error` says why it cannot be listed.
+std::vector<std::string> listFolder(const std::filesystem::path &folder, std::error_code &error);
 
 /// Whether a name's extension is exactly `extension` (case-sensitive, without the dot). A name that
 /// only begins with a dot has none.
 bool hasExtension(std::string_view name, std::string_view extension);
+
+/// Whether there is anything of this name, a link that leads nowhere included.
+bool isThere(const std::filesystem::path &file);
 
 /// A whole file's bytes; nothing when it is no regular file, or cannot be opened or read to its
 /// end.

@@ -1,6 +1,7 @@
 #include "platform/Preferences.h"
 
 #include "platform/Files.h"
+#include "platform/Text.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -21,14 +22,6 @@ std::filesystem::path preferencesFile() {
     const char *home = std::getenv("HOME");
     return home == nullptr || *home == '\0' ? std::filesystem::path()
                                             : std::filesystem::path(home) / ".config" / kName;
-}
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view kBlank = " \t\r";
-    const std::size_t first = text.find_first_not_of(kBlank);
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(kBlank) - first + 1);
 }
 
 bool isRemark(std::string_view line) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <system_error>
 
 namespace quorbel {
@@ -19,6 +20,11 @@ namespace {
 
 bool isAsciiDigit(char character) {
     return character >= '0' && character <= '9';
+}
+
+std::string_view withoutLeadingSpace(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    return text;
 }
 
 // std::from_chars does not say whether a number was too large or too small.
@@ -68,7 +74,7 @@ bool isAllDecimalDigits(std::string_view text) {
 }
 
 double floatingPointValue(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    text = withoutLeadingSpace(text);
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
         text.remove_prefix(1);
@@ -83,6 +89,29 @@ double floatingPointValue(std::string_view text) {
         value = outOfRangeValue(std::string(text.data(), end));
     }
     return negative ? -value : value;
+}
+
+std::int64_t integerValue(std::string_view text) {
+    text = withoutLeadingSpace(text);
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) {
+            return 0;
+        }
+    }
+    std::int64_t value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        using Limits = std::numeric_limits<std::int64_t>;
+        return text.starts_with('-') ? Limits::min() : Limits::max();
+    }
+    return value;
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
+    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
 bool isUtf8(std::string_view bytes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,13 @@ bool isAllDecimalDigits(std::string_view text);
 /// sign, digits, a fraction, an exponent. 0 when there is none. No hexadecimal, no names of
 /// numbers.
 double floatingPointValue(std::string_view text);
+
+/// The whole number at the start of a text: leading white space, a sign, digits. 0 when there is
+/// none; beyond 64 bits the nearest limit.
+std::int64_t integerValue(std::string_view text);
+
+/// A text without the blanks (space, tab, carriage return, line feed) around it.
+std::string_view trimmed(std::string_view text);
 
 /// Whether the bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing above
 /// U+10FFFF).

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <concepts>
+// Without <concepts>: moc cannot read that of GCC 12 where a file starts with it.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -113,10 +114,11 @@ public:
     // The conversions are implicit on purpose: dictionaries read as they are written.
     Value() = default;
     Value(Null) {}  // NOLINT(google-explicit-constructor)
-    template <std::same_as<bool> T>
-    Value(T value) : m_content(value) {}
-    template <std::integral T>
-    requires(!std::same_as<T, bool>) Value(T value) : m_content(fromInteger(value)) {}
+    template <class T>
+    requires std::is_same_v<T, bool> Value(T value) : m_content(value) {}
+    template <class T>
+    requires(std::is_integral_v<T> && !std::is_same_v<T, bool>) Value(T value)
+        : m_content(fromInteger(value)) {}
     Value(double value) : m_content(value) {}
     Value(const char *text) : m_content(std::string(text)) {}
     Value(std::string_view text) : m_content(std::string(text)) {}
@@ -152,7 +154,7 @@ public:
     bool operator==(const Value &other) const;
 
 private:
-    template <std::integral T>
+    template <class T>
     static std::variant<Null, bool, std::int64_t, std::uint64_t, double, std::string, Data, Date,
                         Array, Dictionary, ForeignObject>
     fromInteger(T value) {

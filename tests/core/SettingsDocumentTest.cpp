@@ -58,7 +58,10 @@ TEST(SettingsDocument, NumbersOfAnyKindReadAsIntegers) {
 }
 
 TEST(SettingsDocument, OtherKindsReadAsEmpty) {
-    const Dictionary settings{{"text", "x"}, {"list", Array{"a", 5, "b", Null{}}}, {"number", 5}};
+    const Dictionary settings{{"text", "x"},
+                              {"list", Array{"a", 5, "b", Null{}}},
+                              {"number", 5},
+                              {"dictionary", Dictionary{{"key", 1}}}};
     EXPECT_EQ(settingText(settings, "text"), "x");
     EXPECT_EQ(settingText(settings, "number"), std::nullopt);
     EXPECT_EQ(settingText(settings, "missing"), std::nullopt);
@@ -67,6 +70,9 @@ TEST(SettingsDocument, OtherKindsReadAsEmpty) {
     EXPECT_TRUE(settingTexts(settings, "missing").empty());
     EXPECT_EQ(settingArray(settings, "list").size(), 4U);
     EXPECT_TRUE(settingArray(settings, "text").empty());
+    EXPECT_EQ(settingDictionary(settings, "dictionary"), (Dictionary{{"key", 1}}));
+    EXPECT_TRUE(settingDictionary(settings, "list").empty());
+    EXPECT_TRUE(settingDictionary(settings, "missing").empty());
 }
 
 TEST(SettingsCycle, KeepsWhatThePageDoesNotOwn) {

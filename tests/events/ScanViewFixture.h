@@ -4,6 +4,7 @@
 #include "events/ScanView.h"
 #include "events/ScanViewEvent.h"
 #include "platform/gui/Storyboard.h"
+#include "support/WindowStandIn.h"
 
 #include <QCheckBox>
 #include <QMessageBox>
@@ -18,23 +19,6 @@
 #include <vector>
 
 namespace quorbel::testing {
-
-/// Notes where the page's links lead.
-class WindowStandIn : public MainWindowLink {
-public:
-    void Home() override {}
-    void Scan() override {}
-    void Reports() override {}
-    void Tools() override {}
-    void About() override {}
-    void makeVisible() override {}
-    void selectTab(Tab /*page*/) override {}
-    void openSettingsPage(Tab page, Tab parentTab) override {
-        opened.emplace_back(page, parentTab);
-    }
-
-    std::vector<std::pair<Tab, Tab>> opened;
-};
 
 inline EventFields fields(std::string_view date, std::string_view message = "disk full",
                           std::string_view priority = "Local7.Error") {

@@ -46,6 +46,16 @@ TEST(FilesTest, ListsNothingWhereThereIsNoFolder) {
     EXPECT_THAT(listFolder(folder.write("file", "x")), IsEmpty());
 }
 
+TEST(FilesTest, KnowsWhatIsThere) {
+    const TemporaryFolder folder;
+    folder.write("file", "");
+    std::filesystem::create_symlink("nowhere", folder.path() / "link");
+    EXPECT_TRUE(isThere(folder.path()));
+    EXPECT_TRUE(isThere(folder.path() / "file"));
+    EXPECT_TRUE(isThere(folder.path() / "link"));
+    EXPECT_FALSE(isThere(folder.path() / "nowhere"));
+}
+
 TEST(FilesTest, KnowsExtensions) {
     EXPECT_TRUE(hasExtension("x.log", "log"));
     EXPECT_TRUE(hasExtension("a.b.log", "log"));

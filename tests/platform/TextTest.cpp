@@ -73,10 +73,55 @@ TEST(TextTest, ReadsTheNumberAtTheStart) {
     EXPECT_EQ(floatingPointValue(std::string_view("123456", 3)), 123.0);
 }
 
+struct WholeNumberCase {
+    std::string_view text;
+    std::int64_t value;
+};
+
+TEST(TextTest, ReadsTheWholeNumberAtTheStart) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    const WholeNumberCase cases[] = {
+        {"25", 25},
+        {" \t\n25", 25},
+        {"+25", 25},
+        {"-25", -25},
+        {"007", 7},
+        {"25 and more", 25},
+        {"2.9", 2},
+        {"1e3", 1},
+        {"", 0},
+        {" ", 0},
+        {"+", 0},
+        {"-", 0},
+        {"+-5", 0},
+        {"-+5", 0},
+        {"--5", 0},
+        {"abc", 0},
+        {"x25", 0},
+        {"0x10", 0},
+        {"9223372036854775807", Limits::max()},
+        {"9223372036854775808", Limits::max()},
+        {"-9223372036854775809", Limits::min()},
+        {"99999999999999999999999", Limits::max()},
+    };
+    for (const WholeNumberCase &c : cases) {
+        EXPECT_EQ(integerValue(c.text), c.value) << c.text;
+    }
+}
+
 struct Utf8Case {
     std::string bytes;
     bool isValid;
 };
+
+TEST(TextTest, TakesTheBlanksAroundAway) {
+    EXPECT_EQ(trimmed(""), "");
+    EXPECT_EQ(trimmed(" \t\r\n"), "");
+    EXPECT_EQ(trimmed("word"), "word");
+    EXPECT_EQ(trimmed("\r\n two  words\t "), "two  words");
+    // No-break spaces are text.
+    EXPECT_EQ(trimmed(" \u00A0 "), "\u00A0");
+}
 
 TEST(TextTest, KnowsWellFormedUtf8) {
     const Utf8Case cases[] = {

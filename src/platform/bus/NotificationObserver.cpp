@@ -206,7 +206,7 @@ bool NotificationObserver::isConnected() const {
 void NotificationObserver::waitUntilConnected(std::chrono::milliseconds limit) {
     const auto end = Clock::now() + limit;
     while (!isConnected() && fd() >= 0 && Clock::now() < end) {
-        if (!dispatch(limit)) {
+        if (!dispatch(limit) && !isConnected()) {
             pollfd poll{fd(), events(), 0};
             ::poll(&poll, 1, static_cast<int>(bus::remaining(end).count()));
         }

@@ -29,11 +29,6 @@ std::string timeSuffix() {
     return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local)};
 }
 
-bool isThere(const std::filesystem::path &file) {
-    std::error_code error;
-    return std::filesystem::exists(std::filesystem::symlink_status(file, error));
-}
-
 }  // namespace
 
 void SettingsFile::load() {
