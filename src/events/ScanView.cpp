@@ -24,7 +24,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr int kRowHeight = 28;
 constexpr std::array kColumnWidths = {104, 150, 156, 130};  // the message takes the rest
 
 RowRange rangeOf(const QItemSelectionRange &range) {
@@ -54,8 +53,6 @@ void ScanView::viewDidLoad() {
     ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
-    ui->tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    ui->tableView->verticalHeader()->setDefaultSectionSize(kRowHeight);
     for (std::size_t column = 0; column < kColumnWidths.size(); ++column) {
         ui->tableView->setColumnWidth(static_cast<int>(column), kColumnWidths[column]);
     }

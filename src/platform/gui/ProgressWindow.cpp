@@ -1,11 +1,15 @@
 #include "platform/gui/ProgressWindow.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QKeyEvent>
 #include <QLocale>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace quorbel {
@@ -15,19 +19,42 @@ namespace {
 constexpr qint64 kPaintIntervalMs = 50;
 constexpr int kSteps = 1000;
 
+class Panel : public QWidget {
+public:
+    Panel(std::function<void()> onCancel, QWidget *parent, Qt::WindowFlags flags)
+        : QWidget(parent, flags), m_onCancel(std::move(onCancel)) {}
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override {
+        if (event->matches(QKeySequence::Cancel)) {
+            m_onCancel();
+        } else {
+            QWidget::keyPressEvent(event);
+        }
+    }
+    // Not refused: that would keep the program from ending, too.
+    void closeEvent(QCloseEvent *event) override {
+        m_onCancel();
+        QWidget::closeEvent(event);
+    }
+
+private:
+    std::function<void()> m_onCancel;
+};
+
 }  // namespace
 
-ProgressWindow::ProgressWindow(Texts texts, Unit unit, QWidget *parent)
-    : m_texts(std::move(texts)), m_unit(unit), m_parent(parent) {
+ProgressWindow::ProgressWindow(Texts texts, Unit unit, QWidget *parent, Cancel cancel)
+    : m_texts(std::move(texts)), m_unit(unit), m_parent(parent), m_cancel(cancel) {
     m_sinceStart.start();
     m_sincePaint.start();
 }
 
 ProgressWindow::~ProgressWindow() = default;
 
-void ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
+bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
     if (m_sinceStart.elapsed() < kPatienceMs || m_sincePaint.elapsed() < kPaintIntervalMs) {
-        return;
+        return !m_isCancelled;
     }
     if (!m_window) {
         open();
@@ -37,9 +64,11 @@ void ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
     const double part = static_cast<double>(done) / static_cast<double>(total);
     m_bar->setValue(static_cast<int>(part * kSteps));
     m_amount->setText(QStringLiteral("%1 of %2").arg(amount(done), amount(total)));
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
-                                    QEventLoop::ExcludeSocketNotifiers);
+    QEventLoop::ProcessEventsFlags events = QEventLoop::ExcludeSocketNotifiers;
+    events.setFlag(QEventLoop::ExcludeUserInputEvents, m_cancel == Cancel::kNotOffered);
+    QCoreApplication::processEvents(events);
     m_sincePaint.start();
+    return !m_isCancelled;
 }
 
 QString ProgressWindow::amount(std::uint64_t number) const {
@@ -50,8 +79,9 @@ QString ProgressWindow::amount(std::uint64_t number) const {
 
 void ProgressWindow::open() {
     m_window =
-        std::make_unique<QWidget>(m_parent, (m_parent == nullptr ? Qt::Window : Qt::Dialog) |
-                                                Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+        std::make_unique<Panel>([this] { m_isCancelled = m_cancel == Cancel::kOffered; }, m_parent,
+                                (m_parent == nullptr ? Qt::Window : Qt::Dialog) |
+                                    Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     m_window->setObjectName(QStringLiteral("progressWindow"));
     m_window->setWindowTitle(m_texts.title);
     auto *layout = new QVBoxLayout(m_window.get());
@@ -66,7 +96,22 @@ void ProgressWindow::open() {
     layout->addWidget(m_bar);
     m_amount = new QLabel;
     layout->addWidget(m_amount);
+    if (m_cancel == Cancel::kOffered) {
+        addCancel();
+    }
     m_window->show();
+}
+
+void ProgressWindow::addCancel() {
+    // No other window takes input, as none does without a button.
+    m_window->setWindowModality(Qt::ApplicationModal);
+    auto *button = new QPushButton(QStringLiteral("Cancel"));
+    button->setObjectName(QStringLiteral("onCancel"));
+    button->setAccessibleName(button->text());
+    static_cast<QVBoxLayout *>(m_window->layout())->addWidget(button, 0, Qt::AlignRight);
+    QObject::connect(button, &QAbstractButton::clicked, m_window.get(),
+                     [this] { m_isCancelled = true; });
+    button->setFocus();
 }
 
 }  // namespace quorbel

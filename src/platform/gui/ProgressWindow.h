@@ -16,12 +16,14 @@ namespace quorbel {
 ///
 /// update() runs the event loop for a moment now and then, so that the windows are painted. The
 /// user's input waits until the work is done, but timers and queued calls do run: events may be
-/// listed and removed meanwhile, and row numbers may change.
+/// listed and removed meanwhile, and row numbers may change. Where cancelling is offered, the small
+/// window takes input, and it alone.
 class ProgressWindow {
 public:
     static constexpr qint64 kPatienceMs = 500;
 
     enum class Unit { kBytes, kRows };
+    enum class Cancel { kNotOffered, kOffered };
 
     struct Texts {
         QString title;
@@ -30,20 +32,26 @@ public:
     };
 
     /// `parent`, if any, is the window that it stands over; it outlives this object.
-    ProgressWindow(Texts texts, Unit unit, QWidget *parent = nullptr);
+    ProgressWindow(Texts texts, Unit unit, QWidget *parent = nullptr,
+                   Cancel cancel = Cancel::kNotOffered);
     ~ProgressWindow();
     ProgressWindow(const ProgressWindow &) = delete;
     ProgressWindow &operator=(const ProgressWindow &) = delete;
 
-    void update(std::uint64_t done, std::uint64_t inAll);
+    /// False once the user has cancelled the work: by the button, the Escape key, or by closing the
+    /// small window.
+    bool update(std::uint64_t done, std::uint64_t inAll);
 
 private:
     void open();
+    void addCancel();
     [[nodiscard]] QString amount(std::uint64_t number) const;
 
     Texts m_texts;
     Unit m_unit;
     QWidget *m_parent;
+    Cancel m_cancel;
+    bool m_isCancelled = false;
     QElapsedTimer m_sinceStart;
     QElapsedTimer m_sincePaint;
     std::unique_ptr<QWidget> m_window;  // owns the two below

@@ -1,5 +1,9 @@
 #include "platform/gui/Sheet.h"
 
+#include "platform/gui/Storyboard.h"
+
+#include <memory>
+
 namespace quorbel {
 
 Sheet::Sheet(QWidget *parent) : QDialog(parent) {}
@@ -26,6 +30,14 @@ void Sheet::showEvent(QShowEvent *event) {
 void Sheet::hideEvent(QHideEvent *event) {
     handleHide(*event);
     QDialog::hideEvent(event);
+}
+
+void presentSheet(const Storyboard &storyboard, const QString &identifier, QWidget *presenter) {
+    std::unique_ptr<QWidget> controller = storyboard.instantiate(identifier);
+    if (auto *sheet = dynamic_cast<Sheet *>(controller.get())) {
+        controller.release();  // NOLINT(bugprone-unused-return-value): it deletes itself
+        sheet->presentOver(presenter);
+    }
 }
 
 }  // namespace quorbel

@@ -3,8 +3,11 @@
 #include "platform/gui/Page.h"
 
 #include <QDialog>
+#include <QString>
 
 namespace quorbel {
+
+class Storyboard;
 
 /// A window-modal dialog over a page or over another sheet, made anew for each opening and deleted
 /// when it closes. Its content keeps the size that it was designed with.
@@ -26,5 +29,9 @@ protected:
 private:
     QWidget *m_presenter = nullptr;
 };
+
+/// Presents a new sheet over `presenter`; does nothing when the storyboard has none by that
+/// identifier.
+void presentSheet(const Storyboard &storyboard, const QString &identifier, QWidget *presenter);
 
 }  // namespace quorbel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QStyledItemDelegate>
+#include <QTableView>
+
+namespace quorbel {
+
+/// Paints the cells of a table whose rows are selected as a whole: no single cell is framed, and a
+/// text that does not fit its cell shows as a tool tip.
+class RowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+};
+
+/// A table as all pages have it: whole rows of one height, nothing to be edited in it, and the Tab
+/// key leads on from it. While it is empty, a hint can stand in its middle.
+class RowTableView : public QTableView {
+    Q_OBJECT
+
+public:
+    static constexpr int kRowHeight = 28;
+
+    explicit RowTableView(QWidget *parent = nullptr);
+
+    void setHint(const QString &hint);
+    [[nodiscard]] QString hint() const { return m_hint; }
+
+Q_SIGNALS:
+    /// Return or Enter. Unlike activated(), never for a click, whatever the desktop's style.
+    void enterPressed();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString m_hint;
+};
+
+}  // namespace quorbel

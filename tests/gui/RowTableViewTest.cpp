@@ -1,0 +1,154 @@
+#include "platform/gui/RowTableView.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QImage>
+#include <QStandardItemModel>
+#include <QStyleOptionViewItem>
+#include <QTest>
+#include <QToolTip>
+
+#include <memory>
+
+namespace quorbel {
+
+class RowTableViewTest : public QObject {
+    Q_OBJECT
+
+private:
+    /// Lets the state of the cell's style option be seen.
+    class SeenDelegate : public RowDelegate {
+    public:
+        using RowDelegate::initStyleOption;
+        using RowDelegate::RowDelegate;
+    };
+
+    void addRow(const QString &first, const QString &second) {
+        m_model->appendRow({new QStandardItem(first), new QStandardItem(second)});
+    }
+    void show() {
+        m_view->show();
+        m_view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+    }
+    QRect cell(int row, int column) { return m_view->visualRect(m_model->index(row, column)); }
+    // The tool tip after the pointer rested on a cell.
+    QString toolTipAt(int row, int column) {
+        const QPoint point = cell(row, column).center();
+        QHelpEvent event(QEvent::ToolTip, point, m_view->viewport()->mapToGlobal(point));
+        QApplication::sendEvent(m_view->viewport(), &event);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    }
+    QImage picture() { return m_view->viewport()->grab().toImage(); }
+
+private Q_SLOTS:
+    void init() {
+        m_model = std::make_unique<QStandardItemModel>(0, 2);
+        m_view = std::make_unique<RowTableView>();
+        m_view->setModel(m_model.get());
+        m_view->resize(500, 300);
+        m_view->setColumnWidth(0, 150);
+        m_view->setColumnWidth(1, 150);
+    }
+    void cleanup() {
+        QToolTip::hideText();
+        m_view.reset();
+        m_model.reset();
+    }
+
+    void onlyACutTextHasAToolTip() {
+        const QString longText = QStringLiteral("a text far too long for so narrow a column");
+        addRow(QStringLiteral("short"), longText);
+        addRow(QString(), QStringLiteral("short"));
+        show();
+        QCOMPARE(toolTipAt(0, 0), QString());
+        QVERIFY(toolTipAt(0, 1).contains(longText));
+        // The one that stood there goes at a cell that shows all of its text.
+        toolTipAt(1, 1);
+        QTRY_VERIFY(!QToolTip::isVisible());
+        QCOMPARE(toolTipAt(1, 0), QString());
+        // Now that it fits, it needs none.
+        m_view->setColumnWidth(1, 490);
+        QCOMPARE(toolTipAt(0, 1), QString());
+    }
+
+    void aToolTipShowsMarkupAsItStands() {
+        addRow(
+            QStringLiteral("<b>a</b> &amp; <img src='file:///etc/passwd'>  two blanks, and more"),
+            QString());
+        show();
+        const QString tip = toolTipAt(0, 0);
+        QVERIFY2(tip.contains(QStringLiteral("&lt;b&gt;a&lt;/b&gt; &amp;amp; &lt;img")),
+                 qPrintable(tip));
+        QVERIFY(!tip.contains(QStringLiteral("<b>")) && !tip.contains(QStringLiteral("<img")));
+        QVERIFY(tip.contains(QStringLiteral("pre-wrap")));
+    }
+
+    void aToolTipHasALimit() {
+        addRow(QString(100'000, u'x'), QString());
+        show();
+        QCOMPARE(toolTipAt(0, 0).count(u'x'), 2000);
+    }
+
+    void noSingleCellIsFramed() {
+        addRow(QStringLiteral("one"), QStringLiteral("two"));
+        QStyleOptionViewItem option;
+        option.state = QStyle::State_HasFocus | QStyle::State_Selected;
+        SeenDelegate().initStyleOption(&option, m_model->index(0, 0));
+        QVERIFY(!option.state.testFlag(QStyle::State_HasFocus));
+        QVERIFY(option.state.testFlag(QStyle::State_Selected));
+
+        // On the screen, the current cell of a selected row looks the same as when it is not.
+        show();
+        m_view->setFocus();
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, cell(0, 0).center());
+        QVERIFY(m_view->selectionModel()->isRowSelected(0));
+        const QImage first = picture();
+        m_view->selectionModel()->setCurrentIndex(m_model->index(0, 1),
+                                                  QItemSelectionModel::NoUpdate);
+        QCOMPARE(picture(), first);
+    }
+
+    void theHintShowsOnlyWhileTheTableIsEmpty() {
+        show();
+        const QImage blank = picture();
+        m_view->setHint(QStringLiteral("Nothing here"));
+        QCOMPARE(m_view->hint(), QStringLiteral("Nothing here"));
+        QVERIFY(picture() != blank);
+        addRow(QStringLiteral("one"), QStringLiteral("two"));
+        const QImage withHint = picture();
+        m_view->setHint({});
+        QCOMPARE(picture(), withHint);
+        m_model->removeRows(0, 1);
+        QCOMPARE(picture(), blank);
+        m_view->setHint(QStringLiteral("Nothing here"));
+        QVERIFY(picture() != blank);
+        // Without a model it is only a frame.
+        m_view->setModel(nullptr);
+        m_view->grab();
+    }
+
+    void rowsAreSelectedAsAWholeAndNothingIsEdited() {
+        addRow(QStringLiteral("one"), QStringLiteral("two"));
+        show();
+        QCOMPARE(m_view->rowHeight(0), RowTableView::kRowHeight);
+        QVERIFY(m_view->verticalHeader()->isHidden());
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, cell(0, 1).center());
+        QCOMPARE(m_view->selectionModel()->selectedRows().size(), 1);
+        QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, cell(0, 1).center());
+        QTest::keyClick(m_view.get(), Qt::Key_F2);
+        QTest::keyClick(m_view.get(), Qt::Key_X);
+        QVERIFY(!m_view->isPersistentEditorOpen(m_model->index(0, 1)));
+        QVERIFY(m_view->viewport()->findChildren<QWidget *>().isEmpty());
+        QCOMPARE(m_model->index(0, 1).data().toString(), QStringLiteral("two"));
+    }
+
+private:
+    std::unique_ptr<QStandardItemModel> m_model;
+    std::unique_ptr<RowTableView> m_view;
+};
+
+}  // namespace quorbel
+
+QTEST_MAIN(quorbel::RowTableViewTest)
+#include "RowTableViewTest.moc"
