@@ -45,9 +45,13 @@ void PopupThread::start() {
 void PopupThread::append(Event event) {
     Entry entry{event.value("Priority").value_or(""), std::make_unique<Event>(std::move(event))};
     const std::lock_guard lock(m_delegate.alertLock());
-    if (popupArray) {
-        popupArray->push_back(std::move(entry));
+    if (!popupArray) {
+        return;
     }
+    if (popupArray->size() == kMostWaiting) {
+        popupArray->pop_front();
+    }
+    popupArray->push_back(std::move(entry));
 }
 
 void PopupThread::run() {

@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -32,6 +33,10 @@ class Storyboard;
 /// arguments, which outlive it; the event list that its events belong to must outlive it as well.
 class PopupThread final : public AlertQueueLink {
 public:
+    /// So many events wait at most; the oldest make way. Popups at their shortest would show them
+    /// for days.
+    static constexpr std::size_t kMostWaiting = 100'000;
+
     /// Starts a sound file and returns at once; called on the main thread.
     using PlaySound = std::function<void(const std::string &path)>;
 

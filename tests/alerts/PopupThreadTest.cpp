@@ -216,6 +216,19 @@ private Q_SLOTS:
         }
     }
 
+    void letsTheOldestGoWhenTooManyWait() {
+        Worker it(popupsFor({"Alert"}));
+        QVERIFY(it.start());
+        it.append("Local7.Alert", "up");
+        QCOMPARE(nextPopup(), u"up"_s);
+        for (std::size_t i = 0; i < PopupThread::kMostWaiting + 5; ++i) {
+            it.append("Local7.Alert", std::to_string(i));
+        }
+        closePopup();
+        QTRY_COMPARE(popups(), 0);
+        QCOMPARE(nextPopup(), u"5"_s);
+    }
+
     void endsAtOnceInEveryState() {
         QElapsedTimer time;
         time.start();

@@ -199,6 +199,13 @@ private Q_SLOTS:
         const auto window = it.popup(it.event("Local7.Warning"), 1);
         const QSize size = window->size();
         const QRect visible = QGuiApplication::primaryScreen()->availableGeometry();
+        // What a desktop was set up to leave to windows: "x y width height".
+        if (const QByteArray area = qgetenv("QUORBEL_TEST_AREA"); !area.isEmpty()) {
+            QCOMPARE(QByteArray::number(visible.x()) + ' ' + QByteArray::number(visible.y()) + ' ' +
+                         QByteArray::number(visible.width()) + ' ' +
+                         QByteArray::number(visible.height()),
+                     area);
+        }
         const auto condition = window->contentView().condition();
         QElapsedTimer time;
         time.start();
