@@ -1,0 +1,258 @@
+#include "service/mail/MailSender.h"
+
+#include "service/Journal.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <iterator>
+#include <optional>
+#include <random>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr const char *kSent = "OK";
+
+// How long to wait before a mail is tried again, in half minutes.
+constexpr std::array<int, 3> kPauses{1, 4, 16};
+
+MailStamp newStamp() {
+    constexpr int kWords = 4;
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::random_device random;
+    MailStamp stamp{std::time(nullptr), "quorbel."};
+    for (int i = 0; i < kWords; ++i) {
+        for (unsigned bits = random(), digits = 0; digits < 8; ++digits, bits >>= 4U) {
+            stamp.id += kDigits[bits & 0xFU];
+        }
+    }
+    return stamp;
+}
+
+std::string oneLine(std::string text) {
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    return text;
+}
+
+std::string noAddress(std::string_view text) {
+    return '"' + oneLine(std::string(text)) + "\" is no e-mail address";
+}
+
+/// What keeps these settings from sending anything; empty when nothing does.
+std::string settingsProblem(const MailServer &server) {
+    if (server.host.empty()) {
+        return "No mail server is set";
+    }
+    if (server.security == MailServer::Security::kUnknown) {
+        return "The mail server's connection security is none that is known";
+    }
+    return readMailAddress(server.sender) ? "" : "The sender " + noAddress(server.sender);
+}
+
+struct Recipients {
+    std::vector<MailAddress> addresses;
+    std::vector<std::string> others;  ///< texts that are no addresses
+};
+
+Recipients readRecipients(const MailMessage &message) {
+    Recipients recipients;
+    for (const std::string &text : message.recipients) {
+        if (auto address = readMailAddress(text)) {
+            recipients.addresses.push_back(std::move(*address));
+        } else {
+            recipients.others.push_back(text);
+        }
+    }
+    return recipients;
+}
+
+struct Addressees {
+    const std::vector<MailAddress> &named;  ///< in the mail itself
+    const std::vector<MailAddress> &meant;  ///< to whom it goes now
+};
+
+SmtpResult deliver(const MailMessage &message, Addressees addressees, const MailServer &server,
+                   std::chrono::milliseconds minute, const std::atomic<bool> &stop) {
+    SmtpResult result;
+    result.problem = settingsProblem(server);
+    const auto sender = readMailAddress(server.sender);
+    if (result.problem.empty() && sender) {
+        result =
+            deliverMail(server, sender->address, addressees.meant,
+                        writeMail(message, *sender, addressees.named, newStamp()), minute, stop);
+    }
+    result.problem = oneLine(std::move(result.problem));
+    return result;
+}
+
+struct SmtpOutcome {
+    std::string reason;  ///< empty when the recipient got the mail
+    bool forGood = false;
+};
+
+SmtpOutcome outcomeFor(const SmtpResult &result, std::size_t recipient) {
+    const auto refusal =
+        std::ranges::find(result.refused, recipient, &SmtpResult::Refusal::recipient);
+    return refusal != result.refused.end() ? SmtpOutcome{refusal->answer, refusal->forGood}
+                                           : SmtpOutcome{result.problem, result.forGood};
+}
+
+}  // namespace
+
+MailSender::MailSender(std::chrono::milliseconds minute)
+    : m_minute(minute), m_thread([this] { work(); }) {}
+
+MailSender::~MailSender() {
+    stop();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_end = true;
+    }
+    m_wake.notify_one();
+    m_thread.join();
+    if (!m_queue.empty()) {
+        say(JournalLevel::kWarning,
+            "The service is ending; e-mails that are not sent: " + std::to_string(m_queue.size()));
+    }
+}
+
+void MailSender::stop() {
+    m_stop = true;
+}
+
+void MailSender::configure(const Dictionary &settings) {
+    MailServer server = mailServerFrom(settings);
+    {
+        const std::lock_guard lock(m_mutex);
+        if (server == m_server) {
+            return;
+        }
+        m_server = std::move(server);
+        // Perhaps this is what was wrong.
+        for (Job &job : m_queue) {
+            job.due = Clock::now();
+        }
+    }
+    m_wake.notify_one();
+}
+
+std::string MailSender::send(const MailMessage &message, const Dictionary &settings) {
+    const auto [addresses, others] = readRecipients(message);
+    if (!others.empty()) {
+        return noAddress(others.front());
+    }
+    if (addresses.empty()) {
+        return "There are no recipients";
+    }
+    const SmtpResult result =
+        deliver(message, {addresses, addresses}, mailServerFrom(settings), m_minute, m_stop);
+    m_sent += result.isSent() ? 1 : 0;
+    m_dropped += result.isSent() && result.refused.empty() ? 0 : 1;
+    if (!result.isSent()) {
+        return result.problem;
+    }
+    std::string refused;
+    for (const SmtpResult::Refusal &refusal : result.refused) {
+        refused += refused.empty() ? "The mail server refused " : ", ";
+        refused += addresses[refusal.recipient].address + " (" + refusal.answer + ')';
+    }
+    return refused.empty() ? kSent : refused;
+}
+
+bool MailSender::submit(MailMessage message) {
+    auto [addresses, others] = readRecipients(message);
+    for (const std::string &text : others) {
+        say(JournalLevel::kWarning, "An e-mail is not sent: " + noAddress(text));
+    }
+    {
+        const std::lock_guard lock(m_mutex);
+        if (addresses.empty() || m_queue.size() >= kMostQueued) {
+            ++m_dropped;
+            return false;
+        }
+        m_queue.push_back(
+            {std::move(message), addresses, addresses, 0, false, !others.empty(), Clock::now()});
+    }
+    m_wake.notify_one();
+    return true;
+}
+
+void MailSender::drain(Clock::time_point deadline) {
+    std::unique_lock lock(m_mutex);
+    m_tried.wait_until(lock, deadline, [this] {
+        return std::ranges::none_of(m_queue, [](const Job &job) { return job.tries == 0; });
+    });
+}
+
+/// The job that is to be tried first. Precondition: there is one.
+std::list<MailSender::Job>::iterator MailSender::nextJob() {
+    return std::ranges::min_element(m_queue, {}, &Job::due);
+}
+
+void MailSender::work() {
+    std::unique_lock lock(m_mutex);
+    while (!m_end) {
+        if (m_queue.empty()) {
+            m_wake.wait(lock);
+            continue;
+        }
+        const auto next = nextJob();
+        if (next->due > Clock::now()) {
+            m_wake.wait_until(lock, Clock::time_point(next->due));
+            continue;
+        }
+        const MailServer server = m_server;
+        lock.unlock();
+        // Nobody else takes a job away, and configure() changes nothing of it but when it is due.
+        const auto pause = attempt(*next, server);
+        lock.lock();
+        if (m_end) {
+            return;
+        }
+        if (!pause) {
+            m_queue.erase(next);
+        } else {
+            ++next->tries;
+            next->due = server == m_server ? Clock::now() + *pause : next->due;
+        }
+        m_tried.notify_all();
+    }
+}
+
+/// Tries once. Returns how long to wait before the next try; nothing when the job is done.
+std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const MailServer &server) {
+    const SmtpResult result =
+        deliver(job.message, {job.recipients, job.pending}, server, m_minute, m_end);
+    if (m_end) {
+        return std::nullopt;
+    }
+    job.reached = job.reached || result.isSent();
+    const bool isLastTry = job.tries == kPauses.size();
+    std::vector<MailAddress> pending;
+    for (std::size_t i = 0; i < job.pending.size(); ++i) {
+        const SmtpOutcome outcome = outcomeFor(result, i);
+        if (outcome.reason.empty()) {
+            continue;
+        }
+        if (outcome.forGood || isLastTry) {
+            say(JournalLevel::kWarning,
+                "An e-mail to " + job.pending[i].address + " is not sent: " + outcome.reason);
+            job.lost = true;
+        } else {
+            pending.push_back(std::move(job.pending[i]));
+        }
+    }
+    job.pending = std::move(pending);
+    if (!job.pending.empty()) {
+        return kPauses[job.tries] * m_minute / 2;
+    }
+    m_sent += job.reached ? 1 : 0;
+    m_dropped += job.lost ? 1 : 0;
+    return std::nullopt;
+}
+
+}  // namespace quorbel

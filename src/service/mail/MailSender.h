@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/Value.h"
+#include "service/mail/MailMessage.h"
+#include "service/mail/MailServer.h"
+#include "service/mail/SmtpDelivery.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+
+/// Sends mail through the server that the settings name. Safe to use from any thread.
+///
+/// Queued mail is sent on a thread of its own, one after the other. One that could not be sent is
+/// tried again three times, after half a minute, two and eight minutes, for those recipients for
+/// whom there is hope; what the server refuses for good is not tried again. Mail that is given up
+/// is counted and said in the journal.
+class MailSender {
+public:
+    static constexpr std::size_t kMostQueued = 256;
+
+    /// `minute` is how long a minute lasts, for tests.
+    explicit MailSender(std::chrono::milliseconds minute = std::chrono::minutes(1));
+    /// Ends what is being sent, and gives up what is queued, which is said in the journal.
+    ~MailSender();
+    MailSender(const MailSender &) = delete;
+    MailSender &operator=(const MailSender &) = delete;
+
+    /// For mail that is sent from now on.
+    void configure(const Dictionary &settings);
+
+    /// Queues a message and returns at once. Recipients that are no addresses are said in the
+    /// journal, and the others get it. False, and counted as dropped, when there are no others or
+    /// too many messages are queued already.
+    bool submit(MailMessage message);
+
+    /// Sends a message now, through the server of these settings, once. Returns "OK", or one line
+    /// that says what is wrong. Returns early, with the latter, when stop() is called.
+    std::string send(const MailMessage &message, const Dictionary &settings);
+
+    /// Ends every send() within about a second, and every later one at once. Queued mail waits.
+    void stop();
+    /// Waits until each queued mail has been tried once, until `deadline` at the latest.
+    void drain(std::chrono::steady_clock::time_point deadline);
+
+    /// Messages that reached the server for at least one recipient.
+    [[nodiscard]] std::uint64_t sent() const { return m_sent; }
+    /// Messages that were given up for at least one recipient.
+    [[nodiscard]] std::uint64_t dropped() const { return m_dropped; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Job {
+        MailMessage message;
+        std::vector<MailAddress> recipients;
+        std::vector<MailAddress> pending;  ///< those whom it may yet reach
+        std::size_t tries = 0;             ///< under m_mutex
+        bool reached = false;              ///< somebody got it
+        bool lost = false;                 ///< somebody will never get it
+        Clock::time_point due;
+    };
+
+    void work();
+    std::list<Job>::iterator nextJob();
+    std::optional<std::chrono::milliseconds> attempt(Job &job, const MailServer &server);
+
+    const std::chrono::milliseconds m_minute;
+    std::atomic<bool> m_stop = false;  ///< ends send()
+    std::atomic<bool> m_end = false;   ///< ends the thread
+    std::atomic<std::uint64_t> m_sent = 0;
+    std::atomic<std::uint64_t> m_dropped = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::condition_variable m_tried;
+    // Under m_mutex.
+    MailServer m_server;
+    std::list<Job> m_queue;
+
+    std::thread m_thread;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/Value.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quorbel {
+
+/// The outgoing mail server, as the settings name it.
+struct MailServer {
+    enum class Security {
+        kNone,
+        kStartTls,  ///< no mail without it
+        kTls,       ///< from the first byte on
+        kUnknown    ///< a text that is none of the choices: nothing is sent
+    };
+
+    static constexpr int kLongestTimeout = 60;
+
+    std::string host;
+    std::uint16_t port = 25;
+    Security security = Security::kNone;
+    int timeoutMinutes = 1;  ///< for a whole mail; 1 to kLongestTimeout
+    std::string sender;
+    std::string user;  ///< empty: without logging in
+    std::string password;
+
+    bool operator==(const MailServer &) const = default;
+};
+
+/// Reads the settings' keys that begin with "actionsEmail". A port that is none counts as 25, a
+/// timeout below 1 as 1, no security at all as none.
+MailServer mailServerFrom(const Dictionary &settings);
+
+}  // namespace quorbel
