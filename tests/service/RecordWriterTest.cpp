@@ -1,11 +1,11 @@
 #include "core/LogReader.h"
 #include "platform/Text.h"
+#include "service/WrittenText.h"
 #include "service/message/RecordWriter.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 #include <random>
 #include <string>
 #include <string_view>
@@ -145,39 +145,6 @@ TEST(RecordWriter, SplitsBetweenCharactersAndNotWithinEscapes) {
     }
 }
 
-// What a record is expected to hold, by another road than the writer's: character by character,
-// with well-formedness as platform/Text.h tells it.
-std::string expectedMessage(std::string_view message) {
-    std::string expected;
-    while (!message.empty()) {
-        std::size_t length = 1;
-        while (length <= 4 && !isUtf8(message.substr(0, length))) {
-            ++length;
-        }
-        const bool valid = length <= 4 && length <= message.size();
-        const std::string_view unit = message.substr(0, valid ? length : 1);
-        const auto byte = static_cast<unsigned char>(unit.back());
-        const bool control = unit.size() == 1
-                                 ? byte < 0x20 || byte == 0x7F
-                                 : unit[0] == '\xC2' && unit.size() == 2 && byte < 0xA0;
-        const bool noncharacter =
-            (unit.size() >= 3 && unit.substr(unit.size() - 2) >= "\xBF\xBE" &&
-             (unit[0] == '\xEF' || (unit.size() == 4 && (unit[1] & 0x0F) == 0x0F))) ||
-            (unit.size() == 3 && unit >= "\xEF\xB7\x90" && unit <= "\xEF\xB7\xAF");
-        if (!valid || noncharacter) {
-            expected += "\xEF\xBF\xBD";
-        } else if (control) {
-            std::array<char, 8> escape{};
-            std::snprintf(escape.data(), escape.size(), "#%03o", byte);
-            expected += escape.data();
-        } else {
-            expected += unit;
-        }
-        message.remove_prefix(unit.size());
-    }
-    return expected.empty() ? "-" : expected;
-}
-
 class Input {
 public:
     std::string bytes(std::size_t most) {
@@ -213,7 +180,7 @@ TEST(RecordWriter, LetsNoInputForgeLoseOrMergeARecord) {
             const std::string message = input.bytes(input.number(5) == 0 ? 5000 : 200);
             counts.push_back(writer.append({seconds, priority, host, message}, lines));
             expected.push_back({std::to_string(seconds), std::string(priority.text()), host,
-                                expectedMessage(message)});
+                                testing::writtenText(message)});
         }
         const std::vector<Record> records = readBack(lines);
         std::size_t next = 0;

@@ -1,5 +1,6 @@
 #include "service/message/Priority.h"
 
+#include "core/Facility.h"
 #include "core/Severity.h"
 
 #include <array>
@@ -9,19 +10,12 @@ namespace quorbel {
 
 namespace {
 
-// None of these holds a severity's name, by which the front-end classifies the whole text.
-constexpr std::array<std::string_view, kFacilityCount> kFacilities{
-    "Kern",   "User",   "Mail",     "Daemon", "Auth",   "Syslog", "Lpr",     "News",
-    "Uucp",   "Cron",   "Authpriv", "Ftp",    "Ntp",    "Audit",  "Console", "Clock",
-    "Local0", "Local1", "Local2",   "Local3", "Local4", "Local5", "Local6",  "Local7",
-};
-
 using Texts = std::array<std::string, kFacilityCount * kSeverityCount>;
 
 Texts makeTexts() {
     Texts texts;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-        texts[i] = std::string(kFacilities[i / kSeverityCount]) + '.' +
+        texts[i] = std::string(kFacilityNames[i / kSeverityCount]) + '.' +
                    std::string(kSeverityClasses[i % kSeverityCount].name);
     }
     return texts;

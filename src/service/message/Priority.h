@@ -1,12 +1,14 @@
 #pragma once
 
+#include "core/Facility.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
 namespace quorbel {
 
-inline constexpr unsigned kFacilityCount = 24;
+inline constexpr unsigned kFacilityCount = kFacilityNames.size();
 inline constexpr unsigned kSeverityCount = 8;
 
 /// Facility and severity of a message, by the numbers of RFC 5424, 6.2.1.

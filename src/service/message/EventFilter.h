@@ -1,0 +1,91 @@
+#pragma once
+
+#include "platform/Value.h"
+#include "service/input/IpAddress.h"
+#include "service/message/Priority.h"
+#include "service/message/WildcardPattern.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// What filters look at: one message as it came in. Its text is seen as the log files hold it, but
+/// in one piece however many events it became. Texts are made when first asked for, in buffers that
+/// are used again: keep one object for many messages.
+class FilterSubject {
+public:
+    /// `address` is where the message came from. `lines` are its lines as the RecordWriter wrote
+    /// them; both must last until the next call.
+    void set(const IpAddress &address, Priority priority, std::string_view lines);
+
+    [[nodiscard]] const IpAddress &address() const { return *m_address; }
+    [[nodiscard]] Priority priority() const { return m_priority; }
+    /// Valid until the next set().
+    [[nodiscard]] const std::string &message() const;
+    /// The message after foldCase(); valid until the next set().
+    [[nodiscard]] const std::string &foldedMessage() const;
+
+private:
+    const IpAddress *m_address = nullptr;
+    Priority m_priority;
+    std::string_view m_lines;
+    mutable std::string m_message;
+    mutable std::string m_folded;
+};
+
+/// One filter record of the settings, made ready for matching. All four conditions must hold:
+///
+/// - "IP" with "Mask": the first so many bits of the sender's address. A mask of 0, also one that
+/// is
+///   no number, stands for any sender, and any mask above the address's length for all of it. A
+///   text that is no address (with another mask) holds for none. An IPv4 address holds for senders
+///   over IPv4 only, an IPv6 address for those over IPv6.
+/// - "Facility", "Severity": "Any" or an empty text stands for all. A name that does not exist
+/// holds
+///   for none.
+/// - "Message": a wildcard pattern for the whole text. An empty one stands for any.
+///
+/// What a record lacks, or holds in another form, counts as empty.
+class EventFilter {
+public:
+    explicit EventFilter(const Dictionary &record);
+
+    [[nodiscard]] bool matches(const FilterSubject &subject) const;
+
+private:
+    /// An address of which the first bits count.
+    struct Network {
+        IpAddress address;
+        unsigned bits = 0;
+    };
+
+    static std::optional<Network> readNetwork(const Dictionary &record, std::int64_t mask);
+
+    bool m_anySender = true;
+    std::optional<Network> m_network;  ///< nothing, when not any sender: no sender
+    std::uint32_t m_facilities = 0;    ///< one bit for each that holds
+    std::uint32_t m_severities = 0;
+    std::optional<WildcardPattern> m_message;  ///< nothing: any message
+};
+
+/// The include and exclude filters of the settings.
+class FilterSet {
+public:
+    FilterSet() = default;
+    explicit FilterSet(const Dictionary &settings);
+
+    /// Whether there are no filters, so that passes() need not be asked.
+    [[nodiscard]] bool isEmpty() const { return m_includes.empty() && m_excludes.empty(); }
+    /// Whether an include filter matches, or there are none, and no exclude filter matches.
+    [[nodiscard]] bool passes(const FilterSubject &subject) const;
+
+private:
+    std::vector<EventFilter> m_includes;
+    std::vector<EventFilter> m_excludes;
+};
+
+}  // namespace quorbel
