@@ -1,14 +1,38 @@
 #include "service/Counters.h"
 
+#include <string_view>
+#include <utility>
+
 namespace quorbel {
 
 std::string describe(const Counters &counters) {
-    return "Received " + std::to_string(counters.received) + ", malformed " +
-           std::to_string(counters.malformed) + ", stored " + std::to_string(counters.stored) +
-           ", not stored " + std::to_string(counters.notStored) + ", dropped " +
-           std::to_string(counters.dropped) + ", notifications dropped " +
-           std::to_string(counters.notificationsDropped) + ", connections closed " +
-           std::to_string(counters.connectionsClosed);
+    const std::pair<std::string_view, std::uint64_t> parts[] = {
+        {"Received", counters.received},
+        {", malformed", counters.malformed},
+        {", stored", counters.stored},
+        {", not stored", counters.notStored},
+        {", dropped", counters.dropped},
+        {", notifications dropped", counters.notificationsDropped},
+        {", connections closed", counters.connectionsClosed},
+        {", TLS refused", counters.tlsRefused},
+        {", filtered", counters.filtered},
+        {", removed", counters.removed},
+        {", names looked up", counters.namesLookedUp},
+        {", names found", counters.namesFound},
+        {", events set", counters.eventsSet},
+        {", actions held back", counters.heldBack},
+        {", commands run", counters.commandsRun},
+        {", commands not run", counters.commandsNotRun},
+        {", e-mails sent", counters.mailsSent},
+        {", e-mails dropped", counters.mailsDropped},
+    };
+    std::string text;
+    for (const auto &[what, count] : parts) {
+        text += what;
+        text += ' ';
+        text += std::to_string(count);
+    }
+    return text;
 }
 
 }  // namespace quorbel

@@ -14,6 +14,17 @@ struct Counters {
     std::uint64_t dropped = 0;    ///< datagrams that the kernel dropped before they were read
     std::uint64_t notificationsDropped = 0;  ///< stored events that the front-end was not told of
     std::uint64_t connectionsClosed = 0;     ///< idle connections closed in favour of new ones
+    std::uint64_t tlsRefused = 0;            ///< TLS connections that were never established
+    std::uint64_t filtered = 0;              ///< messages that the filters of the settings kept out
+    std::uint64_t removed = 0;  ///< events that were kept for as long as the settings want
+    std::uint64_t namesLookedUp = 0;
+    std::uint64_t namesFound = 0;
+    std::uint64_t eventsSet = 0;       ///< events that actions set
+    std::uint64_t heldBack = 0;        ///< what actions did not do because it came too often
+    std::uint64_t commandsRun = 0;     ///< commands of actions that were started
+    std::uint64_t commandsNotRun = 0;  ///< those that were not
+    std::uint64_t mailsSent = 0;       ///< e-mails that reached the server for somebody
+    std::uint64_t mailsDropped = 0;    ///< e-mails that did not reach it for somebody
 
     bool operator==(const Counters &) const = default;
 };

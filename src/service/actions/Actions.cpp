@@ -1,0 +1,271 @@
+#include "service/actions/Actions.h"
+
+#include "core/EmailTemplate.h"
+#include "core/Facility.h"
+#include "core/SettingsDocument.h"
+#include "core/Severity.h"
+#include "service/Journal.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+/// What commands keep of the service's own environment.
+Environment basicEnvironment() {
+    Environment environment{"PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"};
+    for (const char *name : {"HOME", "USER", "LOGNAME", "LANG", "LC_ALL", "TZ"}) {
+        if (const char *value = std::getenv(name)) {  // NOLINT(concurrency-mt-unsafe): never set
+            setVariable(environment, name, value);
+        }
+    }
+    return environment;
+}
+
+const Dictionary &dictionaryAt(const Dictionary &record, std::string_view key) {
+    static const Dictionary empty;
+    const Value *value = record.find(key);
+    return value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : empty;
+}
+
+void sayOf(const std::string &action, std::string_view text) {
+    say(JournalLevel::kWarning, "Action \"" + action + "\": " + std::string(text));
+}
+
+std::optional<CommandRunner::Command> readCommand(const std::string &action,
+                                                  const Dictionary &reaction) {
+    CommandRunner::Command command;
+    command.action = action;
+    command.program = settingText(reaction, "Command").value_or("");
+    if (command.program.empty()) {
+        return std::nullopt;
+    }
+    auto arguments = splitArguments(settingText(reaction, "Arguments").value_or(""));
+    if (!arguments) {
+        sayOf(action, "a quotation in the command's arguments has no end; the command is not run");
+        return std::nullopt;
+    }
+    command.arguments = std::move(*arguments);
+    command.environment = basicEnvironment();
+    if (const auto unusable =
+            addVariables(command.environment, settingText(reaction, "Environment").value_or(""))) {
+        // Not the line itself: it may hold something secret.
+        sayOf(action, "a line of the command's environment is not of the form NAME=value");
+    }
+    return command;
+}
+
+struct EventFormat {
+    Priority priority;
+    std::string format;
+};
+
+std::optional<EventFormat> readEventFormat(const Dictionary &reaction) {
+    // Events of the service itself. A type that does not exist is no reason to set none.
+    EventFormat event{kAssumedPriority, settingText(reaction, "Format").value_or("")};
+    const auto facility = std::ranges::find(kFacilityNames, "Syslog");
+    event.priority.facility = static_cast<std::uint8_t>(facility - kFacilityNames.begin());
+    const std::string type = settingText(reaction, "Type").value_or("");
+    for (std::size_t i = 0; i < kSeverityCount; ++i) {
+        if (kSeverityClasses[i].name == type || kSeverityClasses[i].label == type) {
+            event.priority.severity = static_cast<std::uint8_t>(i);
+        }
+    }
+    return event.format.empty() ? std::nullopt : std::optional(std::move(event));
+}
+
+}  // namespace
+
+/// One action of the settings.
+struct Actions::Action {
+    explicit Action(const Dictionary &record)
+        : filter(record),
+          name(settingText(record, "Name").value_or("")),
+          command(readCommand(name, dictionaryAt(record, "runCommand"))),
+          recipients(settingTexts(dictionaryAt(record, "sendEmail"), "Recipients")),
+          event(readEventFormat(dictionaryAt(record, "setEvent"))) {}
+
+    [[nodiscard]] bool isOn() const {
+        return command.has_value() || !recipients.empty() || event.has_value();
+    }
+    [[nodiscard]] std::array<const StormGuard *, 3> guards() const {
+        return {&commandGuard, &mailGuard, &eventGuard};
+    }
+
+    EventFilter filter;
+    std::string name;
+    std::optional<CommandRunner::Command> command;
+    std::vector<std::string> recipients;
+    std::optional<EventFormat> event;
+
+    StormGuard commandGuard{kCommandsPerMinute};
+    StormGuard mailGuard{kMailsPerMinute};
+    StormGuard eventGuard{kEventsPerMinute};
+};
+
+/// The event's fields as texts.
+struct Actions::Fields {
+    std::string seconds;
+    std::string date;
+    std::string_view priority;
+    std::string_view host;
+    std::string_view message;
+
+    [[nodiscard]] std::string fill(std::string_view text) const {
+        return fillTemplate(text, {date, priority, host, message, {}});
+    }
+};
+
+/// An event that actions may be for. In a storm nearly all are held back, so its fields are made
+/// when the first one is not.
+class Actions::Trigger {
+public:
+    Trigger(const FilterSubject &event, std::int64_t seconds, std::string_view host,
+            const DateFormat &format, Clock::time_point now)
+        : m_event(event), m_seconds(seconds), m_host(host), m_format(format), m_now(now) {}
+
+    [[nodiscard]] Clock::time_point now() const { return m_now; }
+    const Fields &fields() {
+        if (!m_fields) {
+            m_fields = {std::to_string(m_seconds), m_format.render(static_cast<double>(m_seconds)),
+                        m_event.priority().text(), m_host, m_event.message()};
+        }
+        return *m_fields;
+    }
+
+private:
+    const FilterSubject &m_event;
+    std::int64_t m_seconds;
+    std::string_view m_host;
+    const DateFormat &m_format;
+    Clock::time_point m_now;
+    std::optional<Fields> m_fields;
+};
+
+Actions::Actions(RunCommand runCommand, SendMail sendMail, Counters &counters)
+    : m_runCommand(std::move(runCommand)), m_sendMail(std::move(sendMail)), m_counters(counters) {}
+
+Actions::~Actions() = default;
+
+void Actions::configure(const Dictionary &settings) {
+    // Who never opened the page of the templates has none, and an empty e-mail helps nobody.
+    m_subject = settings.find(kFormatSubjectKey) == nullptr
+                    ? std::string(kDefaultFormatSubject)
+                    : settingText(settings, kFormatSubjectKey).value_or("");
+    m_body = settings.find(kFormatBodyKey) == nullptr
+                 ? std::string(kDefaultFormatBody)
+                 : settingText(settings, kFormatBodyKey).value_or("");
+    m_dateFormat = std::make_unique<DateFormat>(settingText(settings, "dateFormat").value_or(""));
+    Array records = settingArray(settings, "actionsArray");
+    if (records == m_records) {
+        return;
+    }
+    report(Clock::time_point::max());
+    m_actions.clear();
+    for (const Value &record : records) {
+        if (record.dictionary() == nullptr) {
+            continue;
+        }
+        auto action = std::make_unique<Action>(*record.dictionary());
+        if (action->isOn()) {
+            m_actions.push_back(std::move(action));
+        }
+    }
+    m_records = std::move(records);
+}
+
+std::span<const EventToSet> Actions::onEvent(const FilterSubject &event, std::int64_t seconds,
+                                             std::string_view host, Clock::time_point now) {
+    m_toSet.clear();
+    Trigger trigger(event, seconds, host, *m_dateFormat, now);
+    for (const auto &action : m_actions) {
+        if (action->filter.matches(event)) {
+            runCommand(*action, trigger);
+            sendMail(*action, trigger);
+            setEvent(*action, trigger);
+        }
+    }
+    return m_toSet;
+}
+
+void Actions::runCommand(Action &action, Trigger &trigger) {
+    if (!action.command || !allows(action.commandGuard, trigger.now())) {
+        return;
+    }
+    const Fields &fields = trigger.fields();
+    CommandRunner::Command command = *action.command;
+    // A variable beyond the system's limit would keep the command from running at all.
+    constexpr std::size_t kLongestMessage = std::size_t{64} * 1024;
+    setVariable(command.environment, "QUORBEL_DATE", fields.seconds);
+    setVariable(command.environment, "QUORBEL_PRIORITY", fields.priority);
+    setVariable(command.environment, "QUORBEL_HOST", fields.host);
+    setVariable(command.environment, "QUORBEL_MESSAGE", fields.message.substr(0, kLongestMessage));
+    m_runCommand(std::move(command));
+}
+
+void Actions::sendMail(Action &action, Trigger &trigger) {
+    if (!action.recipients.empty() && allows(action.mailGuard, trigger.now())) {
+        const Fields &fields = trigger.fields();
+        m_sendMail({action.recipients, fields.fill(m_subject), fields.fill(m_body)});
+    }
+}
+
+void Actions::setEvent(Action &action, Trigger &trigger) {
+    if (action.event && allows(action.eventGuard, trigger.now())) {
+        m_toSet.push_back({action.event->priority, trigger.fields().fill(action.event->format)});
+        ++m_counters.eventsSet;
+    }
+}
+
+bool Actions::allows(StormGuard &guard, Clock::time_point now) {
+    const bool allowed = guard.allows(now);
+    noteReportTime(guard);
+    return allowed;
+}
+
+void Actions::noteReportTime(const StormGuard &guard) {
+    const auto time = guard.reportTime();
+    if (time && (!m_reportTime || *time < *m_reportTime)) {
+        m_reportTime = time;
+    }
+}
+
+void Actions::report(Clock::time_point now) {
+    const auto takeDue = [this, now](StormGuard &guard) {
+        const auto time = guard.reportTime();
+        const std::uint64_t heldBack = time && *time <= now ? guard.takeHeldBack() : 0;
+        m_counters.heldBack += heldBack;
+        return heldBack;
+    };
+    m_reportTime.reset();
+    for (const auto &action : m_actions) {
+        const std::uint64_t commands = takeDue(action->commandGuard);
+        const std::uint64_t mails = takeDue(action->mailGuard);
+        const std::uint64_t events = takeDue(action->eventGuard);
+        if (commands + mails + events > 0) {
+            sayOf(action->name, "held back within a minute: " + std::to_string(commands) +
+                                    " commands, " + std::to_string(mails) + " e-mails, " +
+                                    std::to_string(events) + " events");
+        }
+        for (const StormGuard *guard : action->guards()) {
+            noteReportTime(*guard);
+        }
+        if (mails > 0) {
+            sendSummary(*action, mails);
+        }
+    }
+}
+
+void Actions::sendSummary(const Action &action, std::uint64_t heldBack) {
+    const std::string many =
+        std::to_string(heldBack) + (heldBack == 1 ? " more event" : " more events");
+    m_sendMail({action.recipients, many + " in the last minute",
+                "The action \"" + action.name + "\" matched " + many +
+                    " in the last minute, for which no e-mails were sent.\r\n"});
+}
+
+}  // namespace quorbel

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "service/UniqueFd.h"
+#include "service/actions/ChildProcess.h"
+#include "service/actions/CommandLine.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+
+/// Runs the commands of actions, a few at a time, on threads of its own. What a command writes goes
+/// to the journal up to some length, as does how it ended if not well. All operations are for one
+/// thread.
+class CommandRunner {
+public:
+    struct Command {
+        std::string action;  ///< its name, for the journal
+        std::string program;
+        std::vector<std::string> arguments;
+        Environment environment;
+    };
+
+    struct Limits {
+        std::chrono::milliseconds run{60'000};  ///< then the command's process group gets SIGTERM
+        std::chrono::milliseconds end{5'000};   ///< then SIGKILL
+        std::chrono::milliseconds stop{2'000};  ///< how long it still has when the service ends
+    };
+
+    static constexpr std::size_t kMostAtOnce = 4;
+    static constexpr std::size_t kMostWaiting = 256;
+    static constexpr std::size_t kMostOutput = 4096;
+
+    CommandRunner() : CommandRunner(Limits()) {}
+    explicit CommandRunner(Limits limits);
+    ~CommandRunner() { stop(); }
+    CommandRunner(const CommandRunner &) = delete;
+    CommandRunner &operator=(const CommandRunner &) = delete;
+
+    /// Returns at once; false when too many commands are waiting already, counted as dropped.
+    bool submit(Command command);
+
+    /// Ends what runs, after a while by force, and gives up what waits. Nothing is taken any more.
+    void stop();
+
+    /// How many were started, and how many were not: dropped, given up, or impossible to run.
+    [[nodiscard]] std::uint64_t started() const { return m_started; }
+    [[nodiscard]] std::uint64_t notStarted() const { return m_notStarted; }
+
+private:
+    class Watch;
+
+    void startThreads();
+    void work();
+    void run(const Command &command);
+    void reapUnended();
+
+    const Limits m_limits;
+    const UniqueFd m_stopSignal;  ///< an eventfd: readable once everything is to end
+    std::atomic<std::uint64_t> m_started = 0;
+    std::atomic<std::uint64_t> m_notStarted = 0;
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    // Under m_mutex.
+    std::deque<Command> m_waiting;
+    std::vector<ChildProcess> m_unended;  ///< killed, and still there after a while
+    bool m_stop = false;
+
+    std::vector<std::thread> m_threads;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,274 @@
+#include "service/actions/Actions.h"
+#include "service/actions/StormGuard.h"
+#include "service/message/RecordWriter.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using std::chrono::seconds;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr std::int64_t kTime = 1'700'000'000;  // 2023-11-14 22:13:20 UTC
+
+TEST(StormGuard, LetsSoManyThroughEachMinute) {
+    StormGuard guard(2);
+    const StormGuard::Clock::time_point start = StormGuard::Clock::now();
+    EXPECT_TRUE(guard.allows(start));
+    EXPECT_FALSE(guard.reportTime());
+    EXPECT_TRUE(guard.allows(start + seconds(30)));
+    EXPECT_FALSE(guard.allows(start + seconds(31)));
+    EXPECT_FALSE(guard.allows(start + seconds(59)));
+    EXPECT_EQ(guard.reportTime(), start + seconds(60));
+    EXPECT_EQ(guard.takeHeldBack(), 2U);
+    EXPECT_FALSE(guard.reportTime());
+    // A minute begins when something comes.
+    const auto later = start + seconds(100);
+    EXPECT_TRUE(guard.allows(later));
+    EXPECT_TRUE(guard.allows(later + seconds(59)));
+    EXPECT_FALSE(guard.allows(later + seconds(59)));
+    EXPECT_EQ(guard.reportTime(), later + seconds(60));
+    EXPECT_TRUE(guard.allows(later + seconds(60)));
+}
+
+struct ActionsTest : ::testing::Test {
+    void configure(Array records, Dictionary settings = {}) {
+        settings.set("actionsArray", std::move(records));
+        actions.configure(settings);
+    }
+    std::vector<EventToSet> receive(std::string_view text = "disk full, retrying",
+                                    Priority priority = {23, 3}) {
+        const IpAddress address = IpAddress::parse("10.1.2.3").value();
+        std::string lines;
+        RecordWriter().append({kTime, priority, "router", text}, lines);
+        subject.set(address, priority, lines);
+        const auto events = actions.onEvent(subject, kTime, "router", now);
+        return {events.begin(), events.end()};
+    }
+    /// The journal's lines meanwhile.
+    template <typename Call>
+    static std::string journalOf(const Call &call) {
+        ::testing::internal::CaptureStderr();
+        call();
+        return ::testing::internal::GetCapturedStderr();
+    }
+
+    std::vector<CommandRunner::Command> commands;
+    std::vector<MailMessage> mails;
+    Counters counters;
+    FilterSubject subject;
+    Actions::Clock::time_point now = Actions::Clock::now();
+    Actions actions{
+        [this](CommandRunner::Command command) { commands.push_back(std::move(command)); },
+        [this](MailMessage mail) { mails.push_back(std::move(mail)); }, counters};
+};
+
+/// An action with one reaction, for every event unless told otherwise.
+Dictionary action(const char *reaction, Dictionary content, Dictionary filter = {}) {
+    filter.set("Name", "test");
+    filter.set(reaction, std::move(content));
+    return filter;
+}
+
+TEST_F(ActionsTest, RunACommandWithTheEventInItsEnvironment) {
+    configure({action("runCommand", {{"Command", "/opt/a tool"},
+                                     {"Arguments", "-x 'a b' $message"},
+                                     {"Environment", "A=1\r\nQUORBEL_HOST=other\nPATH=/opt"}})});
+    EXPECT_THAT(receive("two\nlines"), IsEmpty());
+    ASSERT_EQ(commands.size(), 1U);
+    EXPECT_EQ(commands[0].action, "test");
+    EXPECT_EQ(commands[0].program, "/opt/a tool");
+    EXPECT_THAT(commands[0].arguments, ElementsAre("-x", "a b", "$message"));
+    for (const char *variable :
+         {"A=1", "PATH=/opt", "QUORBEL_DATE=1700000000", "QUORBEL_PRIORITY=Local7.Error",
+          "QUORBEL_HOST=router", "QUORBEL_MESSAGE=two#012lines"}) {
+        EXPECT_EQ(std::ranges::count(commands[0].environment, variable), 1) << variable;
+    }
+    EXPECT_EQ(std::ranges::count(commands[0].environment, "QUORBEL_HOST=other"), 0);
+    EXPECT_THAT(mails, IsEmpty());
+}
+
+TEST_F(ActionsTest, SendAnEmailFromTheTemplates) {
+    const Array records{action("sendEmail", {{"Recipients", Array{"a@b.example", "x"}}})};
+    struct Case {
+        Dictionary settings;
+        const char *subject;
+        const char *body;
+    };
+    const Case cases[] = {
+        {{},
+         "disk full, retrying",
+         "Date:2023-11-14 22:13:20\r\nPriority:Local7.Error\r\nHost:router\r\n"
+         "Message:disk full, retrying\r\n"},
+        {{{"actionsFormatSubject", ""}, {"actionsFormatBody", ""}}, "", ""},
+        {{{"actionsFormatSubject", 5},
+          {"actionsFormatBody", "$host $date"},
+          {"dateFormat", "d/M/yy h:mm AM/PM"}},
+         "",
+         "router 14/11/23 10:13 PM"},
+    };
+    for (const Case &c : cases) {
+        mails.clear();
+        configure(records, c.settings);
+        receive();
+        ASSERT_EQ(mails.size(), 1U);
+        EXPECT_THAT(mails[0].recipients, ElementsAre("a@b.example", "x"));
+        EXPECT_EQ(mails[0].subject, c.subject);
+        EXPECT_EQ(mails[0].body, c.body);
+        EXPECT_FALSE(mails[0].html);
+    }
+}
+
+TEST_F(ActionsTest, SetAnEvent) {
+    struct Case {
+        Value type;
+        const char *format;
+        const char *priority;
+        const char *message;
+    };
+    const Case cases[] = {
+        {"Critical", "seen", "Syslog.Critical", "seen"},
+        {"Emergency", "$host: $message\n$priority", "Syslog.Emergency",
+         "router: disk full, retrying\nLocal7.Error"},
+        {"Informational", "$date", "Syslog.Informational", "2023-11-14 22:13:20"},
+        {"Information", "x", "Syslog.Informational", "x"},
+        {"Nonsense", "x", "Syslog.Notice", "x"},
+        {Null(), "x", "Syslog.Notice", "x"},
+    };
+    for (const Case &c : cases) {
+        configure({action("setEvent", {{"Type", c.type}, {"Format", c.format}})});
+        const auto events = receive();
+        ASSERT_EQ(events.size(), 1U);
+        EXPECT_EQ(events[0].priority.text(), c.priority);
+        EXPECT_EQ(events[0].message, c.message);
+    }
+    EXPECT_EQ(counters.eventsSet, std::size(cases));
+}
+
+TEST_F(ActionsTest, AreOffWithoutTheirContent) {
+    const Array records{
+        action("runCommand", {}),
+        action("runCommand", {{"Command", ""}, {"Arguments", "x"}}),
+        action("runCommand", {{"Arguments", "x"}}),
+        action("sendEmail", {{"Recipients", Array()}}),
+        action("sendEmail", {{"Recipients", "a@b.example"}}),
+        action("setEvent", {{"Type", "Error"}}),
+        action("setEvent", {{"Type", "Error"}, {"Format", ""}}),
+        Dictionary{{"runCommand", "text"}, {"sendEmail", 1}, {"setEvent", Array{1}}},
+        "no record",
+        Null(),
+    };
+    configure(records);
+    EXPECT_TRUE(actions.isEmpty());
+    EXPECT_THAT(receive(), IsEmpty());
+    EXPECT_THAT(commands, IsEmpty());
+    EXPECT_THAT(mails, IsEmpty());
+    actions.configure({{"actionsArray", "no list"}});
+    EXPECT_TRUE(actions.isEmpty());
+}
+
+TEST_F(ActionsTest, AreForTheEventsThatTheirFiltersMatch) {
+    Dictionary all = action("setEvent", {{"Type", "Error"}, {"Format", "both"}},
+                            {{"Message", "disk*"}, {"Severity", "Error"}});
+    all.set("runCommand", Dictionary{{"Command", "true"}});
+    all.set("sendEmail", Dictionary{{"Recipients", Array{"a@b.example"}}});
+    configure(
+        {all, action("setEvent", {{"Format", "other"}}, {{"IP", "10.0.0.0"}, {"Mask", "8"}})});
+    struct Case {
+        const char *text;
+        Priority priority;
+        std::vector<std::string> set;
+        std::size_t commands;
+    };
+    const Case cases[] = {
+        {"disk full", {23, 3}, {"both", "other"}, 1},
+        {"disk full", {23, 4}, {"other"}, 0},
+        {"no disk", {23, 3}, {"other"}, 0},
+    };
+    for (const Case &c : cases) {
+        commands.clear();
+        mails.clear();
+        std::vector<std::string> set;
+        for (const EventToSet &event : receive(c.text, c.priority)) {
+            set.push_back(event.message);
+        }
+        EXPECT_EQ(set, c.set);
+        EXPECT_EQ(commands.size(), c.commands);
+        EXPECT_EQ(mails.size(), c.commands);
+    }
+}
+
+TEST_F(ActionsTest, SayWhatCannotBeRead) {
+    const std::string journal = journalOf([this] {
+        configure({action("runCommand", {{"Command", "/bin/true"}, {"Arguments", "'open"}}),
+                   action("runCommand", {{"Command", "/bin/true"}, {"Environment", "secret"}})});
+    });
+    EXPECT_EQ(journal,
+              "<4>Action \"test\": a quotation in the command's arguments has no end; the command "
+              "is not run\n"
+              "<4>Action \"test\": a line of the command's environment is not of the form "
+              "NAME=value\n");
+    receive();
+    EXPECT_EQ(commands.size(), 1U);
+}
+
+TEST_F(ActionsTest, HoldBackWhatComesTooOften) {
+    Dictionary record = action("setEvent", {{"Type", "Error"}, {"Format", "x"}});
+    record.set("runCommand", Dictionary{{"Command", "true"}});
+    record.set("sendEmail", Dictionary{{"Recipients", Array{"a@b.example"}}});
+    configure({record, action("runCommand", {{"Command", "false"}})});
+    std::size_t set = 0;
+    for (int i = 0; i < 25; ++i) {
+        set += receive().size();
+    }
+    EXPECT_EQ(set, Actions::kEventsPerMinute);
+    EXPECT_EQ(commands.size(), 2 * Actions::kCommandsPerMinute);
+    EXPECT_EQ(mails.size(), Actions::kMailsPerMinute);
+    ASSERT_EQ(actions.reportTime(), now + seconds(60));
+
+    EXPECT_EQ(journalOf([this] { actions.report(now + seconds(59)); }), "");
+    EXPECT_EQ(journalOf([this] { actions.report(now + seconds(60)); }),
+              "<4>Action \"test\": held back within a minute: 15 commands, 20 e-mails, 15 events\n"
+              "<4>Action \"test\": held back within a minute: 15 commands, 0 e-mails, 0 events\n");
+    EXPECT_FALSE(actions.reportTime());
+    EXPECT_EQ(counters.heldBack, 15U + 20 + 15 + 15);
+    ASSERT_EQ(mails.size(), Actions::kMailsPerMinute + 1);
+    EXPECT_EQ(mails.back().subject, "20 more events in the last minute");
+    EXPECT_THAT(mails.back().body, HasSubstr("The action \"test\" matched 20 more events"));
+    EXPECT_THAT(mails.back().recipients, ElementsAre("a@b.example"));
+
+    now += seconds(60);
+    EXPECT_EQ(receive().size(), 1U);
+    EXPECT_EQ(mails.size(), Actions::kMailsPerMinute + 2);
+}
+
+TEST_F(ActionsTest, KeepTheirCountsWhenOtherSettingsChange) {
+    const Array records{action("runCommand", {{"Command", "true"}})};
+    for (std::uint64_t i = 0; i < Actions::kCommandsPerMinute; ++i) {
+        configure(records, {{"dateFormat", std::to_string(i)}});
+        receive();
+    }
+    receive();
+    EXPECT_EQ(commands.size(), Actions::kCommandsPerMinute);
+    // Other actions begin anew, and what was held back is told before.
+    const std::string journal = journalOf([this] {
+        configure({action("runCommand", {{"Command", "false"}})});
+    });
+    EXPECT_THAT(journal, HasSubstr("held back within a minute: 1 commands"));
+    receive();
+    EXPECT_EQ(commands.back().program, "false");
+}
+
+}  // namespace
+}  // namespace quorbel
