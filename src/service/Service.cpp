@@ -3,11 +3,14 @@
 #include "core/SettingsDocument.h"
 #include "service/Journal.h"
 
+#include <sys/eventfd.h>
 #include <systemd/sd-daemon.h>
 
 #include <chrono>
 #include <csignal>
+#include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace quorbel {
@@ -28,29 +31,43 @@ EventLoopPointer makeLoop() {
 
 }  // namespace
 
-Service::Service(const std::filesystem::path &folder, ListenSockets sockets)
+Service::Service(const std::filesystem::path &folder, ListenSockets sockets, std::uint16_t tlsPort)
     : m_loop(makeLoop()),
       m_store(folder),
-      m_settings(folder / kSettingsFileName),
-      m_commands(m_store, m_settings),
+      m_settingsSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      m_settings(folder / kSettingsFileName, [this] { eventfd_write(m_settingsSignal.get(), 1); }),
+      m_exporter(m_store),
+      m_commands(m_store, m_settings, m_mail),
       m_worker(m_loop.get(), m_commands),
+      m_retention(m_store, m_removals),
+      m_removalTeller(m_removals, m_notifications),
       m_bus(m_loop.get(), m_notifications, m_worker),
-      m_collector(m_store, m_notifications, m_counters),
+      m_actions(
+          [this](CommandRunner::Command command) { m_commandRunner.submit(std::move(command)); },
+          [this](MailMessage mail) { m_mail.submit(std::move(mail)); }, m_counters),
+      m_collector(m_store, m_notifications, m_names, m_actions, m_counters),
       m_udp(m_loop.get(), std::move(sockets.udp), m_collector),
-      m_tcp(m_loop.get(), std::move(sockets.tcp), m_collector, m_counters) {
+      m_tcp(m_loop.get(), std::move(sockets.tcp), m_collector, m_counters),
+      m_tls(m_loop.get(), folder / "tls", tlsPort, m_collector, m_counters) {
     m_store.prepare();
     m_settings.load();
-    m_terminate = watchSignal(SIGTERM);
-    m_interrupt = watchSignal(SIGINT);
+    configure();
+    m_terminate = watchSignal(SIGTERM, onStopSignal);
+    m_interrupt = watchSignal(SIGINT, onStopSignal);
+    m_reload = watchSignal(SIGHUP, onReloadSignal);
+    m_settingsSource = required(watchInput(m_loop.get(), m_settingsSignal.get(), onSettings, this));
+    // Before the command that brought them is answered.
+    sd_event_source_set_priority(m_settingsSource.get(), SD_EVENT_PRIORITY_IMPORTANT);
+    m_removalsSource = required(watchInput(m_loop.get(), m_removals.fd(), onRemovals, this));
     sd_event_source *timer = nullptr;
     sd_event_add_time_relative(m_loop.get(), &timer, CLOCK_MONOTONIC, kReportMicroseconds, 0,
                                onReportTime, this);
     m_reportTimer = required(EventSourcePointer(timer));
 }
 
-EventSourcePointer Service::watchSignal(int number) {
+EventSourcePointer Service::watchSignal(int number, sd_event_signal_handler_t handler) {
     sd_event_source *source = nullptr;
-    sd_event_add_signal(m_loop.get(), &source, number, onStopSignal, this);
+    sd_event_add_signal(m_loop.get(), &source, number, handler, this);
     EventSourcePointer owner = required(EventSourcePointer(source));
     // Before the inputs, which may never be quiet.
     sd_event_source_set_priority(source, SD_EVENT_PRIORITY_IMPORTANT);
@@ -59,28 +76,67 @@ EventSourcePointer Service::watchSignal(int number) {
 
 Service::~Service() = default;
 
+/// Hands the settings in force to every part that follows them.
+void Service::configure() {
+    const std::shared_ptr<const Dictionary> settings = m_settings.current();
+    m_collector.configure(*settings);
+    m_names.configure(*settings);
+    m_actions.configure(*settings);
+    m_retention.configure(*settings);
+    m_mail.configure(*settings);
+    m_exporter.configure(*settings);
+    m_tls.configure();
+}
+
 void Service::run() {
     // Does nothing unless the service manager asked for a sign of life.
     sd_event_set_watchdog(m_loop.get(), 1);
     sd_notify(0, "READY=1");
     while (!m_stopping) {
-        turn(m_bus.canNotify() ? 0 : UINT64_MAX);
+        turn(hasToTell() ? 0 : idleMicroseconds());
     }
     stop();
+}
+
+/// How long there is nothing to do but for what the loop watches.
+std::uint64_t Service::idleMicroseconds() const {
+    const auto time = m_actions.reportTime();
+    if (!time) {
+        return UINT64_MAX;
+    }
+    const auto left = std::chrono::ceil<std::chrono::microseconds>(*time - Clock::now());
+    return left.count() < 0 ? 0 : static_cast<std::uint64_t>(left.count());
+}
+
+bool Service::hasToTell() const {
+    return m_bus.canNotify() || m_removalTeller.canTell(m_bus.bus());
 }
 
 /// One event of the loop, and a share of the notifications.
 void Service::turn(std::uint64_t timeoutMicroseconds) {
     sd_event_run(m_loop.get(), timeoutMicroseconds);
+    m_removalTeller.tell(m_bus.bus());
     m_bus.sendNotifications();
+    const auto reportTime = m_actions.reportTime();
+    if (reportTime && Clock::now() >= *reportTime) {
+        m_actions.report(Clock::now());
+    }
 }
 
 void Service::stop() {
     sd_notify(0, "STOPPING=1");
+    m_retention.stop();
+    m_exporter.stop();
+    // A mail server may take long, and a command waits for it.
+    m_mail.stop();
     // A connection may never be quiet, so there is less time for these.
     m_udp.drain(Clock::now() + std::chrono::seconds(5));
     m_tcp.drain(Clock::now() + std::chrono::seconds(1));
+    m_tls.drain(Clock::now() + std::chrono::seconds(1));
     finishTelling();
+    m_commands.stop();
+    m_actions.report(Actions::Clock::time_point::max());
+    m_mail.drain(Clock::now() + std::chrono::seconds(5));
     reportCounters();
 }
 
@@ -92,16 +148,24 @@ void Service::finishTelling() {
     constexpr std::uint64_t kWait = 10'000;
     while (Clock::now() - start <
            (m_worker.isIdle() ? std::chrono::seconds(kLongestTelling) : kLongestCommands)) {
-        if (m_worker.isIdle() && !m_bus.hasUnsent()) {
+        if (m_worker.isIdle() && !m_bus.hasUnsent() && !m_retention.isBusy()) {
             return;
         }
-        turn(m_bus.canNotify() ? 0 : kWait);
+        turn(hasToTell() ? 0 : kWait);
     }
 }
 
 void Service::reportCounters() {
     m_counters.dropped = m_udp.dropped();
-    m_counters.notificationsDropped = m_notifications.dropped();
+    m_counters.notificationsDropped =
+        m_notifications.dropped() + m_removalTeller.untold() + m_retention.untold();
+    m_counters.removed = m_retention.removed();
+    m_counters.namesLookedUp = m_names.lookedUp();
+    m_counters.namesFound = m_names.found();
+    m_counters.commandsRun = m_commandRunner.started();
+    m_counters.commandsNotRun = m_commandRunner.notStarted();
+    m_counters.mailsSent = m_mail.sent();
+    m_counters.mailsDropped = m_mail.dropped();
     if (m_counters != m_reported) {
         say(JournalLevel::kInformation, describe(m_counters));
         m_reported = m_counters;
@@ -111,6 +175,33 @@ void Service::reportCounters() {
 int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,
                           void *self) {
     static_cast<Service *>(self)->m_stopping = true;
+    return 0;
+}
+
+int Service::onReloadSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,
+                            void *self) {
+    say(JournalLevel::kInformation, "The settings are read anew");
+    auto *service = static_cast<Service *>(self);
+    // Not here: a command that stores settings may be waiting for the disk.
+    service->m_worker.submit(Commands::Reload(), [](const std::string & /*reply*/) {});
+    // A renewed certificate is no setting.
+    service->m_tls.configure();
+    return 0;
+}
+
+int Service::onSettings(sd_event_source * /*source*/, int fd, std::uint32_t /*events*/,
+                        void *self) {
+    eventfd_t count = 0;
+    eventfd_read(fd, &count);
+    static_cast<Service *>(self)->configure();
+    return 0;
+}
+
+int Service::onRemovals(sd_event_source * /*source*/, int fd, std::uint32_t /*events*/,
+                        void * /*self*/) {
+    // Only wakes the loop: they are told when nothing newer is left to tell.
+    eventfd_t count = 0;
+    eventfd_read(fd, &count);
     return 0;
 }
 

@@ -3,15 +3,24 @@
 #include "service/Collector.h"
 #include "service/Counters.h"
 #include "service/SdEvent.h"
+#include "service/actions/Actions.h"
+#include "service/actions/CommandRunner.h"
 #include "service/bus/BusServer.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/Commands.h"
 #include "service/bus/NotificationQueue.h"
 #include "service/bus/SettingsFile.h"
+#include "service/export/Exporter.h"
+#include "service/input/HostNames.h"
 #include "service/input/ListenSockets.h"
 #include "service/input/TcpInput.h"
+#include "service/input/TlsInput.h"
 #include "service/input/UdpInput.h"
+#include "service/mail/MailSender.h"
 #include "service/store/LogStore.h"
+#include "service/store/RemovalFeed.h"
+#include "service/store/RemovalTeller.h"
+#include "service/store/Retention.h"
 
 #include <cstdint>
 #include <string>
@@ -21,24 +30,31 @@ namespace quorbel {
 /// The whole service: its parts and the loop that drives them.
 class Service {
 public:
-    /// `folder` holds the settings and the log files.
-    Service(const std::filesystem::path &folder, ListenSockets sockets);
+    /// `folder` holds the settings, the log files and, in "tls", what TLS needs.
+    Service(const std::filesystem::path &folder, ListenSockets sockets, std::uint16_t tlsPort);
     ~Service();
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
 
-    /// Runs until SIGTERM or SIGINT, which the caller has blocked for all threads; then takes in
-    /// what the kernel holds already and ends in order.
+    /// Runs until SIGTERM or SIGINT; then takes in what the kernel holds already and ends in order.
+    /// Reads the settings anew on SIGHUP. The caller has blocked the three for all threads.
     void run();
 
 private:
-    EventSourcePointer watchSignal(int number);
+    EventSourcePointer watchSignal(int number, sd_event_signal_handler_t handler);
+    void configure();
+    [[nodiscard]] std::uint64_t idleMicroseconds() const;
+    [[nodiscard]] bool hasToTell() const;
     void turn(std::uint64_t timeoutMicroseconds);
     void stop();
     void finishTelling();
     void reportCounters();
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
+    static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
+                              void *self);
+    static int onSettings(sd_event_source *source, int fd, std::uint32_t events, void *self);
+    static int onRemovals(sd_event_source *source, int fd, std::uint32_t events, void *self);
     static int onReportTime(sd_event_source *source, std::uint64_t time, void *self);
 
     EventLoopPointer m_loop;
@@ -48,17 +64,30 @@ private:
 
     // In the order of an event's way back from the front-end to the network.
     LogStore m_store;
+    UniqueFd m_settingsSignal;  ///< an eventfd: other settings are in force
     SettingsFile m_settings;
+    MailSender m_mail;
+    Exporter m_exporter;
     Commands m_commands;
     CommandWorker m_worker;
+    RemovalFeed m_removals;
+    Retention m_retention;
     NotificationQueue m_notifications;
+    RemovalTeller m_removalTeller;
     BusServer m_bus;
+    HostNames m_names;
+    CommandRunner m_commandRunner;
+    Actions m_actions;
     Collector m_collector;
     UdpInput m_udp;
     TcpInput m_tcp;
+    TlsInput m_tls;
 
     EventSourcePointer m_terminate;
     EventSourcePointer m_interrupt;
+    EventSourcePointer m_reload;
+    EventSourcePointer m_settingsSource;
+    EventSourcePointer m_removalsSource;
     EventSourcePointer m_reportTimer;
 };
 

@@ -1,11 +1,11 @@
 #include "platform/Files.h"
 #include "service/Journal.h"
+#include "service/Number.h"
 #include "service/Service.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -18,24 +18,29 @@ namespace {
 
 using namespace quorbel;
 
-constexpr std::uint16_t kDefaultPort = 514;
+constexpr const char *kUsage = "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER]";
 
-/// The port that the arguments ask for; nothing when they are wrong.
-std::optional<std::uint16_t> readPort(const std::vector<std::string_view> &arguments) {
-    if (arguments.empty()) {
-        return kDefaultPort;
+struct Ports {
+    std::uint16_t plain = 514;
+    std::uint16_t tls = TlsInput::kDefaultPort;
+};
+
+/// The ports that the arguments ask for, each at most once; nothing when they are wrong.
+std::optional<Ports> readPorts(const std::vector<std::string_view> &arguments) {
+    Ports ports;
+    std::vector<std::uint16_t *> open{&ports.plain, &ports.tls};
+    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+        std::uint16_t *wanted = arguments[i] == "--port"       ? &ports.plain
+                                : arguments[i] == "--tls-port" ? &ports.tls
+                                                               : nullptr;
+        const auto number =
+            i + 1 < arguments.size() ? readNumber<std::uint16_t>(arguments[i + 1]) : std::nullopt;
+        if (!number || std::erase(open, wanted) == 0) {
+            return std::nullopt;
+        }
+        *wanted = *number;
     }
-    if (arguments.size() != 2 || arguments[0] != "--port") {
-        return std::nullopt;
-    }
-    std::uint16_t port = 0;
-    const std::string_view text = arguments[1];
-    const char *end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, port);
-    if (error != std::errc() || rest != end) {
-        return std::nullopt;
-    }
-    return port;
+    return ports;
 }
 
 void prepareProcess() {
@@ -44,6 +49,7 @@ void prepareProcess() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     // A write that fails says so.
     std::signal(SIGPIPE, SIG_IGN);
@@ -57,15 +63,15 @@ void prepareProcess() {
     }
 }
 
-int serve(std::uint16_t port) {
-    auto sockets = openListenSockets(port);
+int serve(Ports ports) {
+    auto sockets = openListenSockets(ports.plain);
     if (const auto *problem = std::get_if<std::string>(&sockets)) {
         say(JournalLevel::kError, *problem);
         return EXIT_FAILURE;
     }
     auto &opened = std::get<ListenSockets>(sockets);
     const std::uint16_t bound = opened.port;
-    Service service(libraryFolder(), std::move(opened));
+    Service service(libraryFolder(), std::move(opened), ports.tls);
     say(JournalLevel::kInformation, "Listening on port " + std::to_string(bound));
     service.run();
     return EXIT_SUCCESS;
@@ -74,14 +80,14 @@ int serve(std::uint16_t port) {
 }  // namespace
 
 int main(int count, char **values) {
-    const auto port = readPort({values + 1, values + count});
-    if (!port) {
-        say(JournalLevel::kError, "Usage: QuorbelSrv [--port NUMBER]");
+    const auto ports = readPorts({values + 1, values + count});
+    if (!ports) {
+        say(JournalLevel::kError, kUsage);
         return EXIT_FAILURE;
     }
     prepareProcess();
     try {
-        return serve(*port);
+        return serve(*ports);
     } catch (const std::exception &problem) {
         say(JournalLevel::kError, problem.what());
         return EXIT_FAILURE;

@@ -1,5 +1,6 @@
 #include "core/SettingsDocument.h"
 #include "platform/Files.h"
+#include "platform/KeyedArchive.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"
 #include "platform/bus/CommandSender.h"
@@ -10,10 +11,13 @@
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
 
 #include <map>
 #include <memory>
@@ -84,7 +88,8 @@ struct BusServerTest : ::testing::Test {
     TemporaryFolder folder;
     LogStore store{folder.path()};
     SettingsFile settings{folder.path() / kSettingsFileName};
-    Commands commands{store, settings};
+    MailSender mail;
+    Commands commands{store, settings, mail};
     NotificationQueue queue;
     EventLoopPointer loop;
     std::unique_ptr<CommandWorker> worker;
@@ -113,8 +118,36 @@ TEST_F(BusServerTest, CarriesOutCommandsInTheirOrder) {
     ASSERT_TRUE(runUntil([&] { return replies().size() == 4; }));
     EXPECT_THAT(replies(), ElementsAre("OK", "OK", "There is no such command", "OK"));
     EXPECT_TRUE(worker->isIdle());
-    EXPECT_EQ(settings.current(), (Dictionary{{"a", 2}}));
+    EXPECT_EQ(*settings.current(), (Dictionary{{"a", 2}}));
     EXPECT_FALSE(readFile(folder.path() / "2023-11-14.log"));
+}
+
+TEST_F(BusServerTest, AMailServerThatDoesNotAnswerKeepsNothingElseWaiting) {
+    const UniqueFd silent(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto *generic = reinterpret_cast<sockaddr *>(&address);
+    ASSERT_EQ(bind(silent.get(), generic, length), 0);
+    ASSERT_EQ(listen(silent.get(), 1), 0);
+    ASSERT_EQ(getsockname(silent.get(), generic, &length), 0);
+    startServer();
+    ASSERT_TRUE(runUntil([&] { return isOnBus(); }));
+    sender.send({{"command", "save"},
+                 {"Settings", Dictionary{{"actionsEmailServer", "127.0.0.1"},
+                                         {"actionsEmailPort", ntohs(address.sin_port)},
+                                         {"actionsEmailSender", "a@b"}}}});
+    sender.send({{"command", "email"}, {"Recipients", Array{"a@b"}}});
+    sender.send({{"command", "save"}, {"Settings", Dictionary{{"a", 2}}}});
+    ASSERT_TRUE(runUntil([&] { return replies().size() == 2; }));
+    EXPECT_THAT(replies(), ElementsAre("OK", "OK"));
+    EXPECT_EQ(*settings.current(), (Dictionary{{"a", 2}}));
+    EXPECT_FALSE(worker->isIdle());
+    mail.stop();
+    ASSERT_TRUE(runUntil([&] { return replies().size() == 3; }));
+    EXPECT_EQ(replies().back(), "The service is ending");
+    EXPECT_TRUE(worker->isIdle());
 }
 
 TEST_F(BusServerTest, TakesLargeCommandsAsFiles) {
@@ -276,6 +309,41 @@ TEST_F(BusServerTest, KeepsWhatAStuckBusDoesNotTake) {
     EXPECT_GT(queue.size(), kMany / 2);
     privateBus.thaw();
     ASSERT_TRUE(runUntil([&] { return notifications.size() == kMany; }));
+}
+
+// A message on the bus must be valid UTF-8, or else there is none.
+TEST_F(BusServerTest, AnswersWhateverAFileIsCalled) {
+    std::filesystem::create_directory(folder.path() / "\xFF.log");
+    startServer();
+    ASSERT_TRUE(runUntil([&] { return isOnBus(); }));
+    sender.send({{"command", "update"}, {"Events", Dictionary{{"1,a,b,c\n", "1"}}}});
+    ASSERT_TRUE(runUntil([&] { return replies().size() == 1; }));
+    EXPECT_EQ(replies().front(), "?.log could not be read: Invalid argument");
+}
+
+// The loop receives meanwhile; whatever is before it has its turn first.
+TEST_F(BusServerTest, ReadsSettingsAnewOnTheThreadOfTheCommands) {
+    folder.write("2023-11-14.log", line(1));
+    folder.write(kSettingsFileName, writeKeyedArchive(Dictionary{{"key", "value"}}));
+    auto lock = store.lockForEditing();
+    std::vector<std::string> order;
+    const auto note = [&order](const char *what) {
+        return [&order, what](const std::string & /*reply*/) { order.emplace_back(what); };
+    };
+    const Dictionary wanted{{"1700000000,User.Notice,h,number 1\n", "1"}};
+    ASSERT_TRUE(
+        worker->submit(Dictionary{{"command", "update"}, {"Events", wanted}}, note("update")));
+    for (std::size_t i = 1; i < CommandWorker::kMostWaiting; ++i) {
+        ASSERT_TRUE(worker->submit(Dictionary(), [](const std::string &) {}));
+    }
+    EXPECT_FALSE(worker->submit(Dictionary(), note("too many")));
+    // It is no client's, and must not get lost.
+    ASSERT_TRUE(worker->submit(Commands::Reload(), note("reload")));
+    EXPECT_TRUE(settings.current()->empty());
+    lock.unlock();
+    ASSERT_TRUE(runUntil([&] { return worker->isIdle(); }));
+    EXPECT_THAT(order, ElementsAre("update", "reload"));
+    EXPECT_EQ(settingText(*settings.current(), "key"), "value");
 }
 
 TEST_F(BusServerTest, RefusesMoreCommandsThanItCanHold) {

@@ -36,7 +36,8 @@ struct CommandsTest : ::testing::Test {
     TemporaryFolder folder;
     LogStore store{folder.path()};
     SettingsFile settings{folder.path() / kSettingsFileName};
-    Commands commands{store, settings};
+    MailSender mail;
+    Commands commands{store, settings, mail};
 };
 
 TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
@@ -64,7 +65,11 @@ TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
          "The number of events to remove is no number"},
         {{{"command", "update"}, {"Events", Dictionary()}}, "OK"},
         {{{"command", "update"}, {"Events", Dictionary{{"", "1"}, {"\n", "1"}, {"x", "1"}}}}, "OK"},
-        {{{"command", "email"}}, "Sending e-mail is not available yet"},
+        {{{"command", "email"}}, "There are no recipients"},
+        {{{"command", "email"}, {"Recipients", "a@b"}}, "There are no recipients"},
+        {{{"command", "email"}, {"Recipients", Array{"a@b", "c d@e"}}},
+         "\"c d@e\" is no e-mail address"},
+        {{{"command", "email"}, {"Recipients", Array{"a@b"}}}, "No mail server is set"},
     };
     for (const Case &c : cases) {
         EXPECT_EQ(commands.carryOut(c.command), c.reply);
@@ -78,7 +83,7 @@ TEST_F(CommandsTest, SaveStoresTheDocument) {
                               {"unknown", Array{Null(), 1.5, Data{"\1\2"}, Dictionary()}}};
     EXPECT_EQ(save(document), "OK");
     EXPECT_EQ(decodeSettings(readFile(folder.path() / "Quorbel.ini")), document);
-    EXPECT_EQ(settings.current(), document);
+    EXPECT_EQ(*settings.current(), document);
     struct stat status {};
     ASSERT_EQ(stat((folder.path() / "Quorbel.ini").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0640U);
@@ -105,15 +110,27 @@ TEST_F(CommandsTest, SaveSetsADamagedDocumentAside) {
 TEST_F(CommandsTest, SaveSaysWhatIsWrong) {
     std::filesystem::remove_all(folder.path());
     EXPECT_EQ(save({{"a", 1}}), "The settings could not be stored: No such file or directory");
-    EXPECT_TRUE(settings.current().empty());
+    EXPECT_TRUE(settings.current()->empty());
 }
 
 TEST_F(CommandsTest, LoadPutsTheStoredDocumentInForce) {
     settings.load();
-    EXPECT_TRUE(settings.current().empty());
+    EXPECT_TRUE(settings.current()->empty());
     folder.write("Quorbel.ini", writeKeyedArchive(Dictionary{{"dateFormat", "HH:mm"}}));
     settings.load();
-    EXPECT_EQ(settingText(settings.current(), "dateFormat"), "HH:mm");
+    EXPECT_EQ(settingText(*settings.current(), "dateFormat"), "HH:mm");
+}
+
+TEST_F(CommandsTest, LoadKeepsTheSettingsInForceWhenTheDocumentIsDamaged) {
+    ASSERT_EQ(save({{"a", 1}}), "OK");
+    folder.write("Quorbel.ini", "damaged");
+    ::testing::internal::CaptureStderr();
+    settings.load();
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), HasSubstr("Quorbel.ini is damaged"));
+    EXPECT_EQ(*settings.current(), (Dictionary{{"a", 1}}));
+    std::filesystem::remove(folder.path() / "Quorbel.ini");
+    settings.load();
+    EXPECT_TRUE(settings.current()->empty());
 }
 
 TEST_F(CommandsTest, UpdateRemovesAsManyAsWanted) {
@@ -187,6 +204,25 @@ TEST_F(CommandsTest, UpdateTakesTimesThatTheDateFormatCannotGiveBack) {
               "1700000040,User.Notice,h,a\r\n");
 }
 
+// What is on the screen was rendered before the settings were saved.
+TEST_F(CommandsTest, UpdateTakesTimesInTheFormatBeforeAsWell) {
+    const std::string lines = "1700000000,User.Notice,h,a\r\n1700000040,User.Notice,h,b\r\n";
+    const Dictionary minutes{{"dateFormat", "yyyy-MM-dd HH:mm"}, {"other", 1}};
+    const Dictionary days{{"dateFormat", "yyyy-MM-dd"}};
+    folder.write("Quorbel.ini", writeKeyedArchive(minutes));
+    settings.load();
+    folder.write("2023-11-14.log", lines);
+    // Its begin of the day is that of no format in force so far.
+    EXPECT_EQ(update({{"1699920000,User.Notice,h,a\n", "1"}}), "OK");
+    EXPECT_EQ(content("2023-11-14.log"), lines);
+    ASSERT_EQ(save(days), "OK");
+    ASSERT_EQ(save({{"dateFormat", "yyyy-MM-dd"}, {"other", 2}}), "OK");
+    EXPECT_EQ(
+        update({{"1699999980,User.Notice,h,a\n", "1"}, {"1699920000,User.Notice,h,b\n", "1"}}),
+        "OK");
+    EXPECT_EQ(content("2023-11-14.log"), "(no file)");
+}
+
 TEST_F(CommandsTest, UpdatePrefersTheLineThatMatchesToTheLetter) {
     ASSERT_EQ(save({{"dateFormat", "yyyy-MM-dd HH:mm"}}), "OK");
     folder.write("2023-11-14.log", "1700000000,User.Notice,h,a\r\n");
@@ -224,6 +260,21 @@ TEST_F(CommandsTest, UpdateSaysWhatCouldNotBeDone) {
     EXPECT_EQ(content("2023-11-14.log"), "(no file)");
 }
 
+TEST_F(CommandsTest, UpdateSaysThatTheFolderIsNotThere) {
+    std::filesystem::remove_all(folder.path());
+    EXPECT_EQ(update({{"1700000000,User.Notice,h,a\n", "1"}}),
+              "The folder of the log files could not be listed: No such file or directory");
+}
+
+TEST_F(CommandsTest, UpdateGivesUpWhenTheServiceEnds) {
+    const std::string line = "1700000000,User.Notice,h,a\r\n";
+    folder.write("2023-11-14.log", line + line);
+    commands.stop();
+    EXPECT_EQ(update({{"1700000000,User.Notice,h,a\n", "1"}}),
+              "The service is ending; not all of the events were removed");
+    EXPECT_EQ(content("2023-11-14.log"), line + line);
+}
+
 TEST_F(CommandsTest, UpdateTakesManyEventsAtOnce) {
     constexpr int kMany = 100'000;
     std::string lines;
@@ -258,7 +309,7 @@ TEST_F(CommandsTest, CommandFilesMustBeSealedArchives) {
     const std::string archive =
         writeKeyedArchive(Dictionary{{"command", "save"}, {"Settings", Dictionary{{"a", 1}}}});
     EXPECT_EQ(commands.carryOut(memoryFile(archive, kSealed)), "OK");
-    EXPECT_EQ(settings.current(), (Dictionary{{"a", 1}}));
+    EXPECT_EQ(*settings.current(), (Dictionary{{"a", 1}}));
     EXPECT_EQ(commands.carryOut(memoryFile(archive, kSealed | F_SEAL_GROW | F_SEAL_SEAL)), "OK");
     for (const int seals : {0, F_SEAL_WRITE, F_SEAL_SHRINK, F_SEAL_FUTURE_WRITE | F_SEAL_SHRINK}) {
         EXPECT_EQ(commands.carryOut(memoryFile(archive, seals)),

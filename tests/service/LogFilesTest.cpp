@@ -1,5 +1,6 @@
 #include "core/LogReader.h"
 #include "platform/Files.h"
+#include "platform/ScopedVariable.h"
 #include "service/UniqueFd.h"
 #include "service/store/LogFiles.h"
 #include "support/TemporaryFolder.h"
@@ -7,9 +8,12 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <ctime>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -125,6 +129,7 @@ TEST(LogFiles, PiecesAreThoseOfTheReader) {
                     if (const auto line = splitLogLine(piece)) {
                         lines.emplace_back(line->message);
                     }
+                    return true;
                 }));
             EXPECT_EQ(next, length);
             std::vector<std::string> expected;
@@ -138,11 +143,41 @@ TEST(LogFiles, PiecesAreThoseOfTheReader) {
     }
 }
 
+TEST(LogFiles, PiecesEndWhenNoMoreAreWanted) {
+    const TemporaryFolder folder;
+    const UniqueFd file = openFile(folder.write("x.log", "a\nb\nc\n"));
+    std::string seen;
+    EXPECT_TRUE(forEachPiece(file.get(), 6, [&](std::uint64_t /*offset*/, std::string_view piece) {
+        seen += piece;
+        return piece != "b\n";
+    }));
+    EXPECT_EQ(seen, "a\nb\n");
+}
+
 TEST(LogFiles, NamesFilesByTheLocalDay) {
     // The test runs in UTC.
     EXPECT_EQ(logFileName(1700006399), "2023-11-14.log");
     EXPECT_EQ(logFileName(1700006400), "2023-11-15.log");
     EXPECT_EQ(logFileName(0), "1970-01-01.log");
+}
+
+// Days of 23 and 25 hours, and the turn of the year, where it is not midnight in UTC.
+TEST(LogFiles, NamesFilesByTheLocalDayWhereClocksChange) {
+    std::optional<testing::ScopedVariable> zone;
+    zone.emplace("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    tzset();
+    const std::pair<std::int64_t, const char *> cases[] = {
+        {1774738799, "2026-03-28.log"}, {1774738800, "2026-03-29.log"},
+        {1774821599, "2026-03-29.log"}, {1774821600, "2026-03-30.log"},
+        {1792879199, "2026-10-24.log"}, {1792879200, "2026-10-25.log"},
+        {1792969199, "2026-10-25.log"}, {1792969200, "2026-10-26.log"},
+        {1798757999, "2026-12-31.log"}, {1798758000, "2027-01-01.log"},
+    };
+    for (const auto &[seconds, name] : cases) {
+        EXPECT_EQ(logFileName(seconds), name) << seconds;
+    }
+    zone.reset();
+    tzset();
 }
 
 }  // namespace

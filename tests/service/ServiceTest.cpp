@@ -1,15 +1,11 @@
-#include "core/LogReader.h"
 #include "platform/Files.h"
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
 #include "platform/bus/NotificationObserver.h"
-#include "service/UniqueFd.h"
+#include "service/ServiceFixture.h"
 #include "service/input/TcpInput.h"
 #include "support/PrivateBus.h"
-#include "support/ServiceProcess.h"
-#include "support/TemporaryFolder.h"
 
-#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -28,66 +24,17 @@
 namespace quorbel {
 namespace {
 
+using testing::connectTo;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using testing::isClosed;
 using testing::PrivateBus;
+using testing::sendTo;
 using testing::ServiceProcess;
-using testing::TemporaryFolder;
 using testing::waitUntil;
 
-/// A socket that is connected to a port of this machine.
-UniqueFd connectTo(std::uint16_t port, int type) {
-    UniqueFd fd(socket(AF_INET, type | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(fd.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
-    return fd;
-}
-
-void sendTo(const UniqueFd &fd, std::string_view bytes) {
-    EXPECT_EQ(send(fd.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
-              static_cast<ssize_t>(bytes.size()));
-}
-
-/// Whether the other end has closed the connection; waits for that.
-bool isClosed(const UniqueFd &fd) {
-    const timeval limit{20, 0};
-    setsockopt(fd.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    char byte = 0;
-    const ssize_t count = recv(fd.get(), &byte, 1, 0);
-    return count == 0 || (count < 0 && errno != EAGAIN);
-}
-
-struct ServiceTest : ::testing::Test {
-    std::unique_ptr<ServiceProcess> start(ServiceProcess::Setup setup) {
-        setup.library = folder.path();
-        auto service = std::make_unique<ServiceProcess>(setup);
-        EXPECT_TRUE(service->isListening()) << service->journal();
-        return service;
-    }
-    std::unique_ptr<ServiceProcess> start() { return start(ServiceProcess::Setup()); }
-
-    /// "priority,host,message" of all events in the log files.
-    [[nodiscard]] std::vector<std::string> stored() const {
-        std::vector<std::string> events;
-        for (const std::string &name : listFolder(folder.path())) {
-            LogReader::readFile(folder.path() / name, [&](const LogLine &line) {
-                events.push_back(std::string(line.priority) + ',' + std::string(line.host) + ',' +
-                                 std::string(line.message));
-                return true;
-            });
-        }
-        return events;
-    }
-    bool waitForStored(std::size_t count) {
-        return waitUntil([&] { return stored().size() >= count; });
-    }
-
-    TemporaryFolder folder;
-};
+struct ServiceTest : testing::ServiceFixture {};
 
 int runLogger(const ServiceProcess &service, const std::string &arguments) {
     const std::string command = "logger -P " + std::to_string(service.port()) + ' ' + arguments;
@@ -342,6 +289,9 @@ TEST_F(ServiceTest, EndsWithOneLineWhenItCannotStart) {
         {{"--port", ""}, "Usage: "},
         {{"--verbose"}, "Usage: "},
         {{"--port", "0", "--port", "0"}, "Usage: "},
+        {{"--port", "0", "--tls-port"}, "Usage: "},
+        {{"--tls-port", "x"}, "Usage: "},
+        {{"--verbose", "0"}, "Usage: "},
     };
     for (const Case &c : cases) {
         ServiceProcess other({folder.path(), "", c.arguments});

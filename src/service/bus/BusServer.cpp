@@ -1,12 +1,14 @@
 #include "service/bus/BusServer.h"
 
 #include "core/LogReader.h"
+#include "platform/Text.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"
 #include "service/Journal.h"
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <memory>
@@ -217,12 +219,16 @@ int BusServer::onCommandFile(sd_bus_message *call, void *self, sd_bus_error * /*
 }
 
 void BusServer::submit(CommandWorker::Command command, sd_bus_message *call) {
-    const auto reply =
-        [call = std::shared_ptr<sd_bus_message>(sd_bus_message_ref(call), sd_bus_message_unref)](
-            const std::string &text) {
-            // Nobody is left to tell when the caller has gone.
-            sd_bus_reply_method_return(call.get(), "s", text.c_str());
-        };
+    const auto reply = [call = std::shared_ptr<sd_bus_message>(
+                            sd_bus_message_ref(call), sd_bus_message_unref)](std::string text) {
+        if (!isUtf8(text)) {
+            // The name of somebody's file. Without this there would be no reply.
+            std::ranges::replace_if(
+                text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; }, '?');
+        }
+        // Nobody is left to tell when the caller has gone.
+        sd_bus_reply_method_return(call.get(), "s", text.c_str());
+    };
     if (!m_worker.submit(std::move(command), reply)) {
         reply("Too many commands are waiting");
     }

@@ -4,6 +4,7 @@
 #include "service/SdEvent.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/NotificationQueue.h"
+#include "service/store/RemovalTeller.h"
 
 #include <cstdint>
 
@@ -21,6 +22,13 @@ public:
     BusServer(const BusServer &) = delete;
     BusServer &operator=(const BusServer &) = delete;
 
+    /// Whether the bus takes notifications, if not at once. It is missing when it was looked for
+    /// and not found, and may come back any time.
+    [[nodiscard]] RemovalTeller::Bus bus() const {
+        return m_problemSaid ? RemovalTeller::Bus::kMissing
+               : m_ownsName  ? RemovalTeller::Bus::kThere
+                             : RemovalTeller::Bus::kUnknown;
+    }
     /// Whether sendNotifications() would send something now.
     [[nodiscard]] bool canNotify() const;
     /// Sends some of the queue, for at most about a millisecond and only while the connection takes

@@ -10,7 +10,8 @@ CommandWorker::CommandWorker(sd_event *loop, Commands &commands)
     : m_commands(commands),
       m_doneSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_doneSource(required(watchInput(loop, m_doneSignal.get(), replyToDone, this))),
-      m_thread([this] { work(); }) {}
+      m_thread([this] { work(); }),
+      m_finishThread([this] { finish(); }) {}
 
 CommandWorker::~CommandWorker() {
     {
@@ -18,16 +19,18 @@ CommandWorker::~CommandWorker() {
         m_stop = true;
     }
     m_wake.notify_one();
+    m_wakeFinish.notify_one();
     m_thread.join();
+    m_finishThread.join();
 }
 
 bool CommandWorker::submit(Command command, ReplyHandler onReply) {
-    if (m_unanswered >= kMostWaiting) {
+    if (m_unanswered >= kMostWaiting && !std::holds_alternative<Commands::Reload>(command)) {
         return false;
     }
     {
         const std::lock_guard lock(m_mutex);
-        m_waiting.push_back({std::move(command), std::move(onReply), {}});
+        m_waiting.push_back({std::move(command), std::move(onReply), {}, {}});
     }
     ++m_unanswered;
     m_wake.notify_one();
@@ -44,14 +47,42 @@ void CommandWorker::work() {
         // Other entries may come behind it meanwhile; only this thread takes any away.
         Job &job = m_waiting.front();
         lock.unlock();
-        job.reply = std::visit([this](const auto &command) { return m_commands.carryOut(command); },
-                               job.command);
+        auto outcome = std::visit([this](const auto &command) { return m_commands.begin(command); },
+                                  job.command);
         job.command = Dictionary();
         lock.lock();
-        m_done.push_back(std::move(job));
-        m_waiting.pop_front();
-        eventfd_write(m_doneSignal.get(), 1);
+        if (auto *rest = std::get_if<Commands::Rest>(&outcome)) {
+            job.rest = std::move(*rest);
+            m_unfinished.push_back(std::move(job));
+            m_waiting.pop_front();
+            m_wakeFinish.notify_one();
+        } else {
+            job.reply = std::move(std::get<std::string>(outcome));
+            endJob(m_waiting);
+        }
     }
+}
+
+void CommandWorker::finish() {
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        m_wakeFinish.wait(lock, [this] { return m_stop || !m_unfinished.empty(); });
+        if (m_stop) {
+            return;
+        }
+        Job &job = m_unfinished.front();
+        lock.unlock();
+        job.reply = job.rest();
+        lock.lock();
+        endJob(m_unfinished);
+    }
+}
+
+/// Under m_mutex. The first of these jobs is done.
+void CommandWorker::endJob(std::deque<Job> &jobs) {
+    m_done.push_back(std::move(jobs.front()));
+    jobs.pop_front();
+    eventfd_write(m_doneSignal.get(), 1);
 }
 
 int CommandWorker::replyToDone(sd_event_source * /*source*/, int fd, std::uint32_t /*events*/,

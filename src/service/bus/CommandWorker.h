@@ -16,24 +16,26 @@
 namespace quorbel {
 
 /// Carries out commands one after the other, in the order in which they came, on a thread of its
-/// own, so that receiving and storing go on meanwhile. All operations are for the loop's thread.
+/// own, so that receiving and storing go on meanwhile. What a command leaves to be done in its own
+/// time is done on another thread, in the same order: a mail server that does not answer keeps no
+/// settings from being saved. All operations are for the loop's thread.
 class CommandWorker {
 public:
     /// A command, or the memfd that holds it.
-    using Command = std::variant<Dictionary, UniqueFd>;
+    using Command = std::variant<Dictionary, UniqueFd, Commands::Reload>;
     /// Called on the loop's thread once the command was carried out.
     using ReplyHandler = std::function<void(const std::string &reply)>;
 
     static constexpr std::size_t kMostWaiting = 64;
 
-    /// `commands` is used by the worker's thread alone and must outlive the object.
+    /// Of `commands`, stop() alone may be called by others; it must outlive the object.
     CommandWorker(sd_event *loop, Commands &commands);
-    /// Waits for the command that is being carried out; those that wait are given up.
+    /// Waits for the commands that are being carried out; those that wait are given up.
     ~CommandWorker();
     CommandWorker(const CommandWorker &) = delete;
     CommandWorker &operator=(const CommandWorker &) = delete;
 
-    /// False when too many commands are waiting already.
+    /// False when too many commands of clients are waiting already.
     bool submit(Command command, ReplyHandler onReply);
     /// Whether every command was carried out and replied to.
     [[nodiscard]] bool isIdle() const { return m_unanswered == 0; }
@@ -43,9 +45,12 @@ private:
         Command command;
         ReplyHandler onReply;
         std::string reply;
+        Commands::Rest rest;
     };
 
     void work();
+    void finish();
+    void endJob(std::deque<Job> &jobs);
     static int replyToDone(sd_event_source *source, int fd, std::uint32_t events, void *self);
 
     Commands &m_commands;
@@ -55,12 +60,15 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable m_wake;
+    std::condition_variable m_wakeFinish;
     // Under m_mutex. A job's reply handler is called and destroyed on the loop's thread only.
     std::deque<Job> m_waiting;
+    std::deque<Job> m_unfinished;  ///< begun, with a rest
     std::deque<Job> m_done;
     bool m_stop = false;
 
     std::thread m_thread;
+    std::thread m_finishThread;
 };
 
 }  // namespace quorbel

@@ -1,7 +1,6 @@
 #include "service/bus/Commands.h"
 
 #include "core/SettingsDocument.h"
-#include "platform/DateFormat.h"
 #include "service/bus/CommandFile.h"
 #include "service/store/EventRemoval.h"
 
@@ -21,16 +20,21 @@ const Dictionary *dictionaryAt(const Dictionary &command, std::string_view key) 
 
 }  // namespace
 
-std::string Commands::carryOut(const UniqueFd &commandFile) {
+std::string Commands::finish(const Outcome &outcome) {
+    const auto *rest = std::get_if<Rest>(&outcome);
+    return rest == nullptr ? std::get<std::string>(outcome) : (*rest)();
+}
+
+Commands::Outcome Commands::begin(const UniqueFd &commandFile) {
     const auto command = readCommandFile(commandFile);
     if (const auto *error = std::get_if<ArchiveError>(&command)) {
         return "The command cannot be read: " + error->reason;
     }
     const Dictionary *dictionary = std::get<Value>(command).dictionary();
-    return dictionary == nullptr ? "The command is no dictionary" : carryOut(*dictionary);
+    return dictionary == nullptr ? "The command is no dictionary" : begin(*dictionary);
 }
 
-std::string Commands::carryOut(const Dictionary &command) {
+Commands::Outcome Commands::begin(const Dictionary &command) {
     const auto name = settingText(command, "command");
     if (!name) {
         return "The command has no name";
@@ -42,9 +46,14 @@ std::string Commands::carryOut(const Dictionary &command) {
         return update(command);
     }
     if (*name == "email") {
-        return "Sending e-mail is not available yet";
+        return email(command);
     }
     return "There is no such command";
+}
+
+Commands::Outcome Commands::begin(Reload /*reload*/) {
+    m_settings.load();
+    return kDone;
 }
 
 std::string Commands::save(const Dictionary &command) {
@@ -60,12 +69,22 @@ std::string Commands::update(const Dictionary &command) {
     if (events == nullptr) {
         return "The events to remove are no dictionary";
     }
-    const DateFormat format(settingText(m_settings.current(), "dateFormat").value_or(""));
-    EventRemoval removal(format);
+    EventRemoval removal(m_settings.dateFormats());
     if (!removal.want(*events)) {
         return "The number of events to remove is no number";
     }
-    return removal.run(m_store).value_or(kDone);
+    return removal.run(m_store, m_stop).value_or(kDone);
+}
+
+/// Through the server of the settings that are in force now.
+Commands::Rest Commands::email(const Dictionary &command) {
+    return [&mail = m_mail, settings = m_settings.current(),
+            message = MailMessage{.recipients = settingTexts(command, "Recipients"),
+                                  .subject = settingText(command, "Subject").value_or(""),
+                                  .body = settingText(command, "Body").value_or(""),
+                                  .html = settingFlag(command, "Html")}] {
+        return mail.send(message, *settings);
+    };
 }
 
 }  // namespace quorbel

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <ctime>
 #include <system_error>
+#include <utility>
 
 namespace quorbel {
 
@@ -29,26 +30,69 @@ std::string timeSuffix() {
     return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &local)};
 }
 
+std::string dateFormatOf(const Dictionary &settings) {
+    return settingText(settings, "dateFormat").value_or("");
+}
+
 }  // namespace
 
+SettingsFile::SettingsFile(std::filesystem::path file, std::function<void()> onChange)
+    : m_file(std::move(file)),
+      m_onChange(std::move(onChange)),
+      m_current(std::make_shared<const Dictionary>()) {}
+
 void SettingsFile::load() {
+    const std::lock_guard lock(m_fileMutex);
     auto settings = decodeSettings(readFile(m_file));
     if (!settings && isThere(m_file)) {
         say(JournalLevel::kError,
-            m_file.string() + " is damaged; no settings are in force until they are saved anew");
+            m_file.string() +
+                " is damaged; the settings in force remain until they are saved anew");
+        return;
     }
-    m_current = std::move(settings).value_or(Dictionary());
+    putInForce(std::move(settings).value_or(Dictionary()));
 }
 
 std::optional<std::string> SettingsFile::save(const Dictionary &settings) {
+    const std::lock_guard lock(m_fileMutex);
     if (auto problem = setDamagedFileAside()) {
         return problem;
     }
     if (!replaceFile(m_file, writeKeyedArchive(settings), kMode)) {
         return because("The settings could not be stored");
     }
-    m_current = settings;
+    putInForce(settings);
     return std::nullopt;
+}
+
+std::shared_ptr<const Dictionary> SettingsFile::current() const {
+    const std::lock_guard lock(m_mutex);
+    return m_current;
+}
+
+std::vector<std::string> SettingsFile::dateFormats() const {
+    const std::lock_guard lock(m_mutex);
+    std::vector<std::string> formats{dateFormatOf(*m_current)};
+    if (m_previousDateFormat) {
+        formats.push_back(*m_previousDateFormat);
+    }
+    return formats;
+}
+
+void SettingsFile::putInForce(Dictionary settings) {
+    auto current = std::make_shared<const Dictionary>(std::move(settings));
+    {
+        const std::lock_guard lock(m_mutex);
+        const std::string before = dateFormatOf(*m_current);
+        if (m_wasLoaded && dateFormatOf(*current) != before) {
+            m_previousDateFormat = before;
+        }
+        m_current = std::move(current);
+        m_wasLoaded = true;
+    }
+    if (m_onChange) {
+        m_onChange();
+    }
 }
 
 std::optional<std::string> SettingsFile::setDamagedFileAside() {

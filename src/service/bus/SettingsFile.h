@@ -3,31 +3,48 @@
 #include "platform/Value.h"
 
 #include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorbel {
 
-/// The settings document on disk. The service is its only writer.
+/// The settings document on disk. The service is its only writer. Safe to use from any thread.
 class SettingsFile {
 public:
-    explicit SettingsFile(std::filesystem::path file) : m_file(std::move(file)) {}
+    /// `onChange` is called, on the thread that changed them, whenever other settings are in force.
+    explicit SettingsFile(std::filesystem::path file, std::function<void()> onChange = {});
 
     /// Reads the document; empty settings are in force when there is none. A damaged one is left
-    /// alone and said in the journal.
+    /// alone and said in the journal: the settings in force, at first empty ones, remain.
     void load();
 
     /// Stores the document in one step and puts it in force. A damaged file in its place is renamed
     /// first. Returns what went wrong, as one line; nothing has changed then.
     std::optional<std::string> save(const Dictionary &settings);
 
-    [[nodiscard]] const Dictionary &current() const { return m_current; }
+    /// The settings in force; never null.
+    [[nodiscard]] std::shared_ptr<const Dictionary> current() const;
+    /// The date format in force, and the one before it if it was changed since the start: the
+    /// front-end may still show dates in that one.
+    [[nodiscard]] std::vector<std::string> dateFormats() const;
 
 private:
     std::optional<std::string> setDamagedFileAside();
+    void putInForce(Dictionary settings);
 
-    std::filesystem::path m_file;
-    Dictionary m_current;
+    const std::filesystem::path m_file;
+    const std::function<void()> m_onChange;
+
+    std::mutex m_fileMutex;  ///< held while the file is read or written
+    mutable std::mutex m_mutex;
+    // Under m_mutex.
+    std::shared_ptr<const Dictionary> m_current;
+    bool m_wasLoaded = false;
+    std::optional<std::string> m_previousDateFormat;
 };
 
 }  // namespace quorbel

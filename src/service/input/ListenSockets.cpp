@@ -8,6 +8,7 @@
 #include <cstring>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 namespace quorbel {
 
@@ -63,17 +64,26 @@ std::uint16_t boundPort(const UniqueFd &fd) {
     return ntohs(bound.sin_port);
 }
 
-/// Nothing, with errno, when the port is taken or the family is not there.
-std::optional<ListenSockets> tryToOpen(int family, std::uint16_t port) {
-    ListenSockets sockets;
-    sockets.tcp = openSocket(family, SOCK_STREAM);
-    if (!sockets.tcp.isOpen() || !bindTo(sockets.tcp, family, port)) {
+// These give nothing, with errno, when the port is taken or the family is not there.
+
+std::optional<StreamListener> tryToListen(int family, std::uint16_t port) {
+    StreamListener listener{openSocket(family, SOCK_STREAM)};
+    if (!listener.socket.isOpen() || !bindTo(listener.socket, family, port) ||
+        ::listen(listener.socket.get(), SOMAXCONN) != 0) {
         return std::nullopt;
     }
-    sockets.port = boundPort(sockets.tcp);
-    sockets.udp = openSocket(family, SOCK_DGRAM);
-    if (!sockets.udp.isOpen() || !bindTo(sockets.udp, family, sockets.port) ||
-        ::listen(sockets.tcp.get(), SOMAXCONN) != 0) {
+    listener.port = boundPort(listener.socket);
+    return listener;
+}
+
+std::optional<ListenSockets> tryToOpen(int family, std::uint16_t port) {
+    auto listener = tryToListen(family, port);
+    if (!listener) {
+        return std::nullopt;
+    }
+    ListenSockets sockets{openSocket(family, SOCK_DGRAM), std::move(listener->socket),
+                          listener->port};
+    if (!sockets.udp.isOpen() || !bindTo(sockets.udp, family, sockets.port)) {
         return std::nullopt;
     }
     return sockets;
@@ -83,22 +93,33 @@ bool isFamilyMissing(int error) {
     return error == EAFNOSUPPORT || error == EADDRNOTAVAIL || error == EPROTONOSUPPORT;
 }
 
-}  // namespace
-
-std::variant<ListenSockets, std::string> openListenSockets(std::uint16_t port) {
-    // A port that is free for TCP may be taken for UDP; the next try gets another one.
-    const int tries = port == 0 ? 20 : 1;
+/// What `tryToOpenFor` gives for both families, or else for IPv4 alone.
+template <typename Opened>
+std::variant<Opened, std::string> openFor(std::uint16_t port, int tries,
+                                          std::optional<Opened> (*tryToOpenFor)(int family,
+                                                                                std::uint16_t)) {
     for (int i = 0; i < tries; ++i) {
-        auto sockets = tryToOpen(AF_INET6, port);
-        if (!sockets && isFamilyMissing(errno)) {
-            sockets = tryToOpen(AF_INET, port);
+        auto opened = tryToOpenFor(AF_INET6, port);
+        if (!opened && isFamilyMissing(errno)) {
+            opened = tryToOpenFor(AF_INET, port);
         }
-        if (sockets) {
-            return std::move(*sockets);
+        if (opened) {
+            return std::move(*opened);
         }
     }
     return "Port " + std::to_string(port) +
            " cannot be opened: " + std::generic_category().message(errno);
+}
+
+}  // namespace
+
+std::variant<ListenSockets, std::string> openListenSockets(std::uint16_t port) {
+    // A port that is free for TCP may be taken for UDP; the next try gets another one.
+    return openFor(port, port == 0 ? 20 : 1, tryToOpen);
+}
+
+std::variant<StreamListener, std::string> openStreamListener(std::uint16_t port) {
+    return openFor(port, 1, tryToListen);
 }
 
 }  // namespace quorbel

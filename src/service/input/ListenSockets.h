@@ -20,4 +20,11 @@ struct ListenSockets {
 /// Gives one line that says what is wrong when that is not possible.
 std::variant<ListenSockets, std::string> openListenSockets(std::uint16_t port);
 
+/// The same, for streams alone.
+struct StreamListener {
+    UniqueFd socket;
+    std::uint16_t port = 0;
+};
+std::variant<StreamListener, std::string> openStreamListener(std::uint16_t port);
+
 }  // namespace quorbel

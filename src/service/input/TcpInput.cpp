@@ -5,6 +5,8 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <ctime>
+#include <memory>
 #include <utility>
 
 namespace quorbel {
@@ -13,42 +15,63 @@ namespace {
 
 constexpr std::size_t kSlice = std::size_t{64} * 1024;
 constexpr int kAcceptsPerTurn = 32;
+// EPOLLIN and EPOLLOUT, without the header's untyped macros of the same names.
+constexpr std::uint32_t kReadable = 1;
+constexpr std::uint32_t kWritable = 4;
 
 }  // namespace
 
 class TcpInput::Connection {
 public:
-    Connection(TcpInput &input, UniqueFd socket, std::string host)
+    Connection(TcpInput &input, std::unique_ptr<StreamChannel> channel, std::string host)
         : m_input(input),
-          m_socket(std::move(socket)),
+          m_channel(std::move(channel)),
           m_splitter(
               [&collector = input.m_collector, host = std::move(host)](
                   std::string_view frame, bool cut) { collector.receive(frame, host, cut); }) {}
 
     [[nodiscard]] TcpInput &input() const { return m_input; }
-    [[nodiscard]] int fd() const { return m_socket.get(); }
+    StreamChannel &channel() { return *m_channel; }
     FrameSplitter &splitter() { return m_splitter; }
 
     /// Where the connection stands in its list, and what wakes it.
-    void attach(Connections::iterator place, EventSourcePointer source) {
+    void attach(Connections::iterator place, EventSourcePointer source,
+                EventSourcePointer handshakeEnd) {
         m_place = place;
         m_source = std::move(source);
+        m_handshakeEnd = std::move(handshakeEnd);
     }
     [[nodiscard]] Connections::iterator place() const { return m_place; }
 
+    /// Follows the channel: what it waits for, and whether it is established.
+    void waitFor(StreamChannel::Next next) {
+        if (m_next != next) {
+            m_next = next;
+            sd_event_source_set_io_events(
+                m_source.get(), next == StreamChannel::Next::kWritable ? kWritable : kReadable);
+        }
+        if (m_handshakeEnd && m_channel->isEstablished()) {
+            m_handshakeEnd.reset();
+        }
+    }
+
 private:
     TcpInput &m_input;
-    UniqueFd m_socket;
+    std::unique_ptr<StreamChannel> m_channel;
     FrameSplitter m_splitter;
     Connections::iterator m_place;
+    StreamChannel::Next m_next = StreamChannel::Next::kReadable;
     EventSourcePointer m_source;
+    EventSourcePointer m_handshakeEnd;
 };
 
-TcpInput::TcpInput(sd_event *loop, UniqueFd listener, Collector &collector, Counters &counters)
+TcpInput::TcpInput(sd_event *loop, UniqueFd listener, Collector &collector, Counters &counters,
+                   ChannelMaker makeChannel)
     : m_loop(loop),
       m_listener(std::move(listener)),
       m_collector(collector),
       m_counters(counters),
+      m_makeChannel(std::move(makeChannel)),
       m_slice(kSlice, '\0'),
       m_source(required(watchInput(loop, m_listener.get(), onConnect, this))) {}
 
@@ -81,40 +104,63 @@ bool TcpInput::acceptOne() {
     // Connections whose other end is gone without a word are noticed in the end.
     const int on = 1;
     ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    m_connections.emplace_back(*this, std::move(socket), addressText(address));
-    const auto place = std::prev(m_connections.end());
-    EventSourcePointer source = watchInput(m_loop, place->fd(), onReadable, &*place);
-    if (source) {
-        place->attach(place, std::move(source));
-    } else {
-        m_connections.erase(place);
-    }
+    add(std::move(socket), addressText(address));
     return true;
 }
 
-int TcpInput::onReadable(sd_event_source * /*source*/, int /*fd*/, std::uint32_t /*events*/,
-                         void *connection) {
+void TcpInput::add(UniqueFd socket, std::string host) {
+    auto channel = m_makeChannel(std::move(socket), host);
+    if (!channel) {
+        return;
+    }
+    m_connections.emplace_back(*this, std::move(channel), std::move(host));
+    const auto place = std::prev(m_connections.end());
+    EventSourcePointer source = watchInput(m_loop, place->channel().fd(), onReady, &*place);
+    EventSourcePointer handshakeEnd;
+    if (!place->channel().isEstablished()) {
+        sd_event_source *timer = nullptr;
+        sd_event_add_time_relative(m_loop, &timer, CLOCK_MONOTONIC,
+                                   std::chrono::microseconds(kLongestHandshake).count(), 0,
+                                   onHandshakeTime, &*place);
+        handshakeEnd.reset(timer);
+    }
+    if (source && (handshakeEnd || place->channel().isEstablished())) {
+        place->attach(place, std::move(source), std::move(handshakeEnd));
+    } else {
+        m_connections.erase(place);
+    }
+}
+
+int TcpInput::onReady(sd_event_source * /*source*/, int /*fd*/, std::uint32_t /*events*/,
+                      void *connection) {
     const auto *self = static_cast<Connection *>(connection);
     self->input().readSlice(self->place());
+    return 0;
+}
+
+int TcpInput::onHandshakeTime(sd_event_source * /*source*/, std::uint64_t /*time*/,
+                              void *connection) {
+    const auto *self = static_cast<Connection *>(connection);
+    self->input().close(self->place());
     return 0;
 }
 
 /// Reads what is there, up to a slice. The connection is gone when its other end has closed it, and
 /// else stands behind all others when something came.
 TcpInput::Slice TcpInput::readSlice(Connections::iterator connection) {
-    const ssize_t count = ::read(connection->fd(), m_slice.data(), m_slice.size());
-    if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
-        return Slice::kQuiet;
+    const auto [count, next] = connection->channel().read(m_slice.data(), m_slice.size());
+    if (count > 0) {
+        m_collector.beginTurn();
+        connection->splitter().feed({m_slice.data(), count});
+        m_collector.endTurn();
+        m_connections.splice(m_connections.end(), m_connections, connection);
     }
-    if (count <= 0) {
+    if (next == StreamChannel::Next::kNothing) {
         close(connection);
         return Slice::kClosed;
     }
-    m_collector.beginTurn();
-    connection->splitter().feed({m_slice.data(), static_cast<std::size_t>(count)});
-    m_collector.endTurn();
-    m_connections.splice(m_connections.end(), m_connections, connection);
-    return Slice::kRead;
+    connection->waitFor(next);
+    return count > 0 ? Slice::kRead : Slice::kQuiet;
 }
 
 void TcpInput::close(Connections::iterator connection) {
@@ -134,6 +180,8 @@ void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
     const auto isTime = [deadline] { return std::chrono::steady_clock::now() >= deadline; };
     while (!isTime() && acceptOne()) {
     }
+    // Whoever comes now is to know that nobody takes anything.
+    m_listener.reset();
     while (!m_connections.empty()) {
         const auto connection = m_connections.begin();
         if (isTime() || readSlice(connection) == Slice::kQuiet) {

@@ -56,17 +56,23 @@ bool UdpInput::readTurn() {
 }
 
 bool UdpInput::readBatch() {
+    const std::size_t count = fetchBatch();
+    for (std::size_t i = 0; i < count; ++i) {
+        m_collector.receive({m_buffers->bytes[i].data(), m_buffers->headers[i].msg_len},
+                            m_sender.textOf(m_buffers->addresses[i]));
+    }
+    return count == kBatch;
+}
+
+/// Returns how many datagrams are in the buffers now.
+std::size_t UdpInput::fetchBatch() {
     for (mmsghdr &header : m_buffers->headers) {
         header.msg_hdr.msg_namelen = sizeof(sockaddr_storage);
     }
     // Errors that an earlier reply of somebody caused are reported here; the next call goes on.
     const int count =
         ::recvmmsg(m_socket.get(), m_buffers->headers.data(), kBatch, MSG_DONTWAIT, nullptr);
-    for (std::size_t i = 0; static_cast<int>(i) < count; ++i) {
-        m_collector.receive({m_buffers->bytes[i].data(), m_buffers->headers[i].msg_len},
-                            m_sender.textOf(m_buffers->addresses[i]));
-    }
-    return count == static_cast<int>(kBatch);
+    return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
 void UdpInput::drain(std::chrono::steady_clock::time_point deadline) {
@@ -75,7 +81,10 @@ void UdpInput::drain(std::chrono::steady_clock::time_point deadline) {
     sock_filter dropAll{BPF_RET | BPF_K, 0, 0, 0};
     const sock_fprog program{1, &dropAll};
     ::setsockopt(m_socket.get(), SOL_SOCKET, SO_ATTACH_FILTER, &program, sizeof program);
-    while (readTurn() && std::chrono::steady_clock::now() < deadline) {
+    while (std::chrono::steady_clock::now() < deadline && readTurn()) {
+    }
+    while (const std::size_t left = fetchBatch()) {
+        m_dropped += left;
     }
 }
 

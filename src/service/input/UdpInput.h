@@ -24,8 +24,9 @@ public:
     UdpInput &operator=(const UdpInput &) = delete;
 
     /// Reads what the kernel holds now, until `deadline` at the latest, and nothing after that.
+    /// What is left then counts as dropped.
     void drain(std::chrono::steady_clock::time_point deadline);
-    /// How many datagrams the kernel dropped so far: because its buffer was full, or after drain().
+    /// How many datagrams were dropped so far: because the kernel's buffer was full, or by drain().
     [[nodiscard]] std::uint64_t dropped();
 
 private:
@@ -33,6 +34,7 @@ private:
 
     bool readTurn();
     bool readBatch();
+    std::size_t fetchBatch();
     static int onReadable(sd_event_source *source, int fd, std::uint32_t events, void *self);
 
     UniqueFd m_socket;

@@ -1,29 +1,15 @@
 #include "service/store/EventRemoval.h"
 
 #include "core/LogReader.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
+#include "service/Number.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <system_error>
 
 namespace quorbel {
 
 namespace {
-
-template <typename Number>
-std::optional<Number> readNumber(std::string_view text) {
-    Number number = 0;
-    const char *end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end) {
-        return std::nullopt;
-    }
-    return number;
-}
 
 void makeKey(std::string &key, std::string_view time, const LogLine &line) {
     key = time;
@@ -33,26 +19,13 @@ void makeKey(std::string &key, std::string_view time, const LogLine &line) {
     }
 }
 
-UniqueFd openRegularFile(const std::filesystem::path &path) {
-    UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        file.reset();
-        errno = EINVAL;
-    }
-    return file;
-}
-
-/// What to take out with a piece. Behind the first piece of an over-long line, its line end stays:
-/// without it, the piece before would be joined to the next line.
-ByteRange rangeOf(std::uint64_t offset, std::string_view piece, bool atLineBegin) {
-    if (!atLineBegin) {
-        piece = piece.substr(0, piece.find_last_not_of("\r\n") + 1);
-    }
-    return {offset, offset + piece.size()};
-}
-
 }  // namespace
+
+EventRemoval::EventRemoval(const std::vector<std::string> &dateFormats) {
+    for (const std::string &setting : dateFormats) {
+        m_formats.emplace_back().format = std::make_unique<DateFormat>(setting);
+    }
+}
 
 bool EventRemoval::want(const Dictionary &events) {
     m_wanted.reserve(events.size());
@@ -71,7 +44,7 @@ bool EventRemoval::want(const Dictionary &events) {
     return true;
 }
 
-std::optional<std::string> EventRemoval::run(LogStore &store) {
+std::optional<std::string> EventRemoval::run(LogStore &store, const std::atomic<bool> &stop) {
     std::optional<std::string> problem;
     if (m_wanted.empty()) {
         return problem;
@@ -80,23 +53,29 @@ std::optional<std::string> EventRemoval::run(LogStore &store) {
         problem = name + " could not be " + std::string(what) + ": " +
                   std::generic_category().message(errno);
     };
-    for (const std::string &name : store.fileNames()) {
-        if (!search(store, name)) {
+    const auto lock = store.lockForEditing();
+    const auto names = store.fileNames();
+    if (!names) {
+        note("The folder of the log files", "listed");
+        return problem;
+    }
+    for (const std::string &name : *names) {
+        if (!stop && !search(store, name, stop)) {
             note(name, "read");
         }
     }
     takeInexactMatches();
     for (const File &file : m_files) {
-        if (!file.ranges.empty() && !store.cutOut(file.name, file.fd, file.ranges)) {
+        if (!stop && !file.ranges.empty() && !store.cutOut(file.name, file.fd, file.ranges, stop)) {
             note(file.name, "rewritten");
         }
     }
-    return problem;
+    return stop ? "The service is ending; not all of the events were removed" : problem;
 }
 
 /// Finds the wanted events in one file.
-bool EventRemoval::search(LogStore &store, const std::string &name) {
-    File file{name, openRegularFile(store.path(name)), {}};
+bool EventRemoval::search(LogStore &store, const std::string &name, const std::atomic<bool> &stop) {
+    File file{name, openLogFile(store.path(name)), {}};
     if (!file.fd.isOpen()) {
         return errno == ENOENT;
     }
@@ -107,6 +86,7 @@ bool EventRemoval::search(LogStore &store, const std::string &name) {
                         [&](std::uint64_t offset, std::string_view piece) {
                             matchPiece(offset, piece, atLineBegin);
                             atLineBegin = piece.ends_with('\n');
+                            return !stop;
                         });
 }
 
@@ -115,7 +95,7 @@ void EventRemoval::matchPiece(std::uint64_t offset, std::string_view piece, bool
     if (!line) {
         return;
     }
-    const ByteRange range = rangeOf(offset, piece, atLineBegin);
+    const ByteRange range = removableRange(offset, piece, atLineBegin);
     makeKey(m_key, line->date, *line);
     const auto exact = m_wanted.find(m_key);
     if (exact != m_wanted.end() && exact->second.count > 0) {
@@ -123,14 +103,17 @@ void EventRemoval::matchPiece(std::uint64_t offset, std::string_view piece, bool
         m_files.back().ranges.push_back(range);
         return;
     }
-    const std::string_view displayed = displayedTime(line->date);
-    if (displayed == line->date) {
-        return;
-    }
-    makeKey(m_key, displayed, *line);
-    const auto inexact = m_wanted.find(m_key);
-    if (inexact != m_wanted.end() && inexact->second.inexact.size() < inexact->second.count) {
-        inexact->second.inexact.push_back({m_files.size() - 1, range});
+    for (ShownIn &shown : m_formats) {
+        const std::string_view displayed = displayedTime(shown, line->date);
+        if (displayed == line->date) {
+            continue;
+        }
+        makeKey(m_key, displayed, *line);
+        const auto inexact = m_wanted.find(m_key);
+        if (inexact != m_wanted.end() && inexact->second.inexact.size() < inexact->second.count) {
+            inexact->second.inexact.push_back({m_files.size() - 1, range});
+            return;
+        }
     }
 }
 
@@ -148,14 +131,14 @@ void EventRemoval::takeInexactMatches() {
 }
 
 /// The time by which the front-end names an event of that date.
-std::string_view EventRemoval::displayedTime(std::string_view date) {
-    if (m_displayedTime.empty() || date != m_date) {
-        m_date = date;
+std::string_view EventRemoval::displayedTime(ShownIn &shown, std::string_view date) {
+    if (shown.time.empty() || date != shown.date) {
+        shown.date = date;
         const auto seconds = readNumber<std::int64_t>(date);
-        const auto displayed = seconds ? m_format.roundTrip(*seconds) : std::nullopt;
-        m_displayedTime = std::to_string(displayed.value_or(0));
+        const auto displayed = seconds ? shown.format->roundTrip(*seconds) : std::nullopt;
+        shown.time = std::to_string(displayed.value_or(0));
     }
-    return m_displayedTime;
+    return shown.time;
 }
 
 }  // namespace quorbel

@@ -5,8 +5,10 @@
 #include "service/UniqueFd.h"
 #include "service/store/LogStore.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,22 +20,23 @@ namespace quorbel {
 /// Takes the events that the user deleted out of the log files.
 ///
 /// They are named by "seconds,priority,host,message\n", each with how many of them to remove. A
-/// line of a log file matches to the letter, or else when its time, shown in the date format in
-/// force and read back, is the named time: a format without seconds cannot give them back to the
+/// line of a log file matches to the letter, or else when its time, shown in one of the date
+/// formats and read back, is the named time: a format without seconds cannot give them back to the
 /// front-end. A time that cannot be read back is named as 0. Lines that match to the letter go
 /// first.
 class EventRemoval {
 public:
-    /// `format` must outlive the object.
-    explicit EventRemoval(const DateFormat &format) : m_format(format) {}
+    /// The formats as settings hold them, the likeliest first.
+    explicit EventRemoval(const std::vector<std::string> &dateFormats);
 
     /// Takes the wanted events from a command. They are views of `events`, which must outlive the
     /// object. False when a count is no number; nothing is to be removed then.
     bool want(const Dictionary &events);
 
     /// Reads each log file once, and rewrites those that hold some of the events. Returns what
-    /// went wrong, as one line; the other files are done nevertheless.
-    std::optional<std::string> run(LogStore &store);
+    /// went wrong, as one line; the other files are done nevertheless. Gives up soon after `stop`
+    /// was set; what was removed by then stays removed.
+    std::optional<std::string> run(LogStore &store, const std::atomic<bool> &stop);
 
 private:
     struct Match {
@@ -50,19 +53,23 @@ private:
         std::vector<ByteRange> ranges;
     };
 
-    bool search(LogStore &store, const std::string &name);
+    /// A date format with the last conversion, so that a line costs no allocation.
+    struct ShownIn {
+        std::unique_ptr<DateFormat> format;
+        std::string date;
+        std::string time;
+    };
+
+    bool search(LogStore &store, const std::string &name, const std::atomic<bool> &stop);
     void matchPiece(std::uint64_t offset, std::string_view piece, bool atLineBegin);
     void takeInexactMatches();
-    std::string_view displayedTime(std::string_view date);
+    static std::string_view displayedTime(ShownIn &shown, std::string_view date);
 
-    const DateFormat &m_format;
+    std::vector<ShownIn> m_formats;
     std::unordered_map<std::string_view, Wanted> m_wanted;
     std::vector<File> m_files;
 
-    // Of matchPiece(), kept so that a line costs no allocation.
-    std::string m_key;
-    std::string m_date;
-    std::string m_displayedTime;
+    std::string m_key;  ///< of matchPiece(), kept so that a line costs no allocation
 };
 
 }  // namespace quorbel

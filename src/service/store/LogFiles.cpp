@@ -3,7 +3,9 @@
 #include "core/LogReader.h"
 #include "platform/Text.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -140,9 +142,26 @@ TailState repairTail(int fd) {
     return writeFully(fd, kLineEnd) == kLineEnd.size() ? TailState::kCompleted : TailState::kFailed;
 }
 
+UniqueFd openLogFile(const std::filesystem::path &path) {
+    UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        file.reset();
+        errno = EINVAL;
+    }
+    return file;
+}
+
+ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLineBegin) {
+    if (!atLineBegin) {
+        piece = piece.substr(0, piece.find_last_not_of("\r\n") + 1);
+    }
+    return {offset, offset + piece.size()};
+}
+
 bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, int to) {
     std::string block(kBlock, '\0');
-    auto next = std::ranges::find_if(without, [&](ByteRange r) { return r.end > part.begin; });
+    auto next = std::ranges::upper_bound(without, part.begin, {}, &ByteRange::end);
     for (std::uint64_t offset = part.begin; offset < part.end;) {
         const std::size_t wanted = std::min<std::uint64_t>(kBlock, part.end - offset);
         const ssize_t count = readAt(from, block.data(), wanted, offset);
@@ -159,23 +178,33 @@ bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, i
     return true;
 }
 
-bool forEachPiece(
-    int fd, std::uint64_t length,
-    const std::function<void(std::uint64_t offset, std::string_view piece)> &onPiece) {
-    std::string buffer(kBlock, '\0');
+bool hasRoomFor(int fd, std::uint64_t bytes) {
+    constexpr std::uint64_t kReserve = std::uint64_t{4} << 20U;
+    struct statvfs status {};
+    // Where that is not known, writing will tell.
+    const bool has = ::fstatvfs(fd, &status) != 0 ||
+                     bytes / status.f_frsize + kReserve / status.f_frsize < status.f_bavail;
+    errno = has ? errno : ENOSPC;
+    return has;
+}
+
+bool forEachPiece(int fd, ByteRange part, const PieceHandler &onPiece) {
+    std::string buffer(std::min<std::uint64_t>(kBlock, part.end - part.begin), '\0');
     std::size_t held = 0;
-    std::uint64_t taken = 0;
-    while (taken < length) {
-        const std::size_t room = std::min<std::uint64_t>(kBlock, length - taken) - held;
+    std::uint64_t taken = part.begin;
+    while (taken < part.end) {
+        const std::size_t room = std::min<std::uint64_t>(buffer.size(), part.end - taken) - held;
         const ssize_t count = readAt(fd, buffer.data() + held, room, taken + held);
         if (count < 0) {
             return false;
         }
         held += static_cast<std::size_t>(count);
-        const bool atEnd = taken + held == length || static_cast<std::size_t>(count) < room;
+        const bool atEnd = taken + held == part.end || static_cast<std::size_t>(count) < room;
         std::string_view rest(buffer.data(), held);
         while (const std::size_t piece = logPieceLength(rest, atEnd)) {
-            onPiece(taken, rest.substr(0, piece));
+            if (!onPiece(taken, rest.substr(0, piece))) {
+                return true;
+            }
             taken += piece;
             rest.remove_prefix(piece);
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/UniqueFd.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -37,13 +39,30 @@ enum class TailState {
 /// thrown away because its last words are missing. Otherwise it is cut off.
 TailState repairTail(int fd);
 
+/// Opens a log file for reading; it is not open when it is no regular file.
+UniqueFd openLogFile(const std::filesystem::path &path);
+
+/// What to take out of a log file with a piece of it. Behind the first piece of an over-long line,
+/// its line end stays: without it, the piece before would be joined to the next line.
+ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLineBegin);
+
 /// Appends a whole file's part to another file, but for `without` (ascending, disjoint).
 bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, int to);
 
-/// Reads the file's first `length` bytes and calls `onPiece` with each piece as readers of the log
-/// files take them, and its offset. False when the file cannot be read.
-bool forEachPiece(int fd, std::uint64_t length,
-                  const std::function<void(std::uint64_t offset, std::string_view piece)> &onPiece);
+/// Whether so many bytes can be written to the file system of an open file, with some room left for
+/// events that arrive meanwhile. False with ENOSPC.
+bool hasRoomFor(int fd, std::uint64_t bytes);
+
+/// Returns whether to go on.
+using PieceHandler = std::function<bool(std::uint64_t offset, std::string_view piece)>;
+/// Reads a part of the file that begins with a line and calls `onPiece` with each piece as readers
+/// of the log files take them, and its offset, until it wants no more. False when the file cannot
+/// be read.
+bool forEachPiece(int fd, ByteRange part, const PieceHandler &onPiece);
+/// The same for the file's first `length` bytes.
+inline bool forEachPiece(int fd, std::uint64_t length, const PieceHandler &onPiece) {
+    return forEachPiece(fd, ByteRange{0, length}, onPiece);
+}
 
 /// Writes everything, however many calls that takes. Returns how many bytes were written; fewer
 /// than asked for only after a failure.

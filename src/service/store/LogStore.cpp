@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -47,6 +48,12 @@ bool isSameFile(const UniqueFd &file, const std::filesystem::path &path) {
     struct stat named {};
     return file.isOpen() && ::fstat(file.get(), &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
            open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+std::uint64_t totalOf(const std::vector<ByteRange> &ranges) {
+    return std::accumulate(
+        ranges.begin(), ranges.end(), std::uint64_t{0},
+        [](std::uint64_t sum, ByteRange range) { return sum + range.end - range.begin; });
 }
 
 std::size_t countLines(std::string_view lines) {
@@ -112,9 +119,13 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
             result.notStored = countLines(lines);
         }
         error = errno;
-        wake = result.stored > 0 && (!m_dirty || (urgent && !m_urgent));
-        m_dirty = m_dirty || result.stored > 0;
-        m_urgent = m_urgent || (urgent && result.stored > 0);
+        // A file that somebody removed gives its room back when it is closed, which the thread that
+        // syncs does.
+        const bool holdsRoom = result.notStored > 0 && !m_retired.empty();
+        const bool hurry = (urgent && result.stored > 0) || holdsRoom;
+        wake = ((result.stored > 0 || holdsRoom) && !m_dirty) || (hurry && !m_urgent);
+        m_dirty = m_dirty || result.stored > 0 || holdsRoom;
+        m_urgent = m_urgent || hurry;
     }
     if (wake) {
         m_wakeSync.notify_one();
@@ -178,7 +189,7 @@ void LogStore::retireFile() {
 }
 
 void LogStore::noteState(std::int64_t seconds, std::size_t lost, int error) {
-    // On a disk that is about full, a short line fits now and then.
+    // On a disk that is about full, a short line fits now and then. The clock may be set back.
     constexpr std::int64_t kCalm = 1;
     m_lost += lost;
     if (lost > 0) {
@@ -188,7 +199,7 @@ void LogStore::noteState(std::int64_t seconds, std::size_t lost, int error) {
                 "Events cannot be stored in " + m_folder.string() + ": " + errorText(error));
         }
         m_works = false;
-    } else if (!m_works && seconds > m_lastLoss + kCalm) {
+    } else if (!m_works && (seconds > m_lastLoss + kCalm || seconds < m_lastLoss)) {
         say(JournalLevel::kNotice, "Events are stored again; " + std::to_string(m_lost) +
                                        " could not be stored meanwhile");
         m_works = true;
@@ -196,8 +207,13 @@ void LogStore::noteState(std::int64_t seconds, std::size_t lost, int error) {
     }
 }
 
-std::vector<std::string> LogStore::fileNames() const {
-    std::vector<std::string> names = listFolder(m_folder);
+std::optional<std::vector<std::string>> LogStore::fileNames() const {
+    std::error_code error;
+    std::vector<std::string> names = listFolder(m_folder, error);
+    if (error) {
+        errno = error.value();
+        return std::nullopt;
+    }
     std::erase_if(names, [](const std::string &name) { return !hasExtension(name, "log"); });
     return names;
 }
@@ -212,8 +228,12 @@ std::uint64_t LogStore::settledSize(const UniqueFd &file) {
     return ::fstat(file.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
+std::unique_lock<std::mutex> LogStore::lockForEditing() {
+    return std::unique_lock(m_editMutex);
+}
+
 bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
-                      const std::vector<ByteRange> &ranges) {
+                      const std::vector<ByteRange> &ranges, const std::atomic<bool> &stop) {
     if (removeWhole(name, file, ranges)) {
         syncFolder();
         return true;
@@ -222,7 +242,11 @@ bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
     ::unlink(temporary.c_str());
     const UniqueFd replacement = openForAppending(temporary, O_CREAT | O_EXCL);
     std::uint64_t copied = 0;
-    if (!replacement.isOpen() || !copySettled(file, ranges, replacement.get(), copied) ||
+    // A copy that fills the disk would cost new events their place, over and over.
+    const std::uint64_t size = settledSize(file);
+    if (!replacement.isOpen() ||
+        !hasRoomFor(replacement.get(), size - std::min(size, totalOf(ranges))) ||
+        !copySettled(file, ranges, replacement.get(), copied, stop) ||
         !swap(name, file, replacement, ranges, copied)) {
         const int error = errno;
         ::unlink(temporary.c_str());
@@ -236,20 +260,18 @@ bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
 /// Removes a file of which the ranges leave nothing: that works on a full disk, too.
 bool LogStore::removeWhole(const std::string &name, const UniqueFd &file,
                            const std::vector<ByteRange> &ranges) {
-    std::uint64_t removed = 0;
-    for (const ByteRange &range : ranges) {
-        removed += range.end - range.begin;
-    }
     const std::lock_guard lock(m_mutex);
     struct stat status {};
     return ::fstat(file.get(), &status) == 0 &&
-           static_cast<std::uint64_t>(status.st_size) == removed && isSameFile(file, path(name)) &&
-           ::unlink(path(name).c_str()) == 0;
+           static_cast<std::uint64_t>(status.st_size) == totalOf(ranges) &&
+           isSameFile(file, path(name)) && ::unlink(path(name).c_str()) == 0;
 }
 
 /// Copies most of the file, syncs it, and leaves only a little that arrived meanwhile.
 bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
-                           std::uint64_t &copied) {
+                           std::uint64_t &copied, const std::atomic<bool> &stop) {
+    // A step takes no longer than whoever wants to stop can wait, on a slow disk, too.
+    constexpr std::uint64_t kStep = std::uint64_t{32} << 20U;
     // Under a flood, something new is always there: what is left after the last round is copied
     // while events wait.
     constexpr int kMostRounds = 5;
@@ -259,10 +281,17 @@ bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &r
         if (round > 0 && size - copied < kLittle) {
             return true;
         }
-        if (!copyPart(file.get(), {copied, size}, ranges, to) || ::fdatasync(to) != 0) {
-            return false;
-        }
-        copied = size;
+        do {
+            const std::uint64_t end = std::min(copied + kStep, size);
+            if (stop) {
+                errno = ECANCELED;
+                return false;
+            }
+            if (!copyPart(file.get(), {copied, end}, ranges, to) || ::fdatasync(to) != 0) {
+                return false;
+            }
+            copied = end;
+        } while (copied < size);
     }
     return true;
 }
@@ -299,12 +328,15 @@ void LogStore::syncWhenDirty() {
         const std::vector<UniqueFd> files = takeDirtyFiles();
         const bool folderChanged = std::exchange(m_folderChanged, false);
         lock.unlock();
-        const bool synced = std::ranges::all_of(
-            files, [](const UniqueFd &file) { return ::fdatasync(file.get()) == 0; });
+        int error = 0;
+        for (const UniqueFd &file : files) {
+            error = ::fdatasync(file.get()) == 0 ? error : errno;
+        }
+        const bool synced = error == 0;
         if (works != synced) {
             say(synced ? JournalLevel::kNotice : JournalLevel::kError,
                 synced ? "Events are written to disk again"
-                       : "Events cannot be written to disk: " + errorText(errno));
+                       : "Events cannot be written to disk: " + errorText(error));
         }
         works = synced;
         if (folderChanged) {

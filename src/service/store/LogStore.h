@@ -3,10 +3,12 @@
 #include "service/UniqueFd.h"
 #include "service/store/LogFiles.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -39,20 +41,27 @@ public:
     /// for which there is no room none is left behind in part.
     Result append(std::string_view lines, std::int64_t seconds, bool urgent);
 
-    /// The names of all log files, oldest first.
-    [[nodiscard]] std::vector<std::string> fileNames() const;
+    /// The names of all log files, oldest first. Nothing, with errno, when the folder cannot be
+    /// listed: that is not the same as no files.
+    [[nodiscard]] std::optional<std::vector<std::string>> fileNames() const;
     [[nodiscard]] std::filesystem::path path(const std::string &name) const;
     /// A file's size between two calls of append(): it ends in a whole line.
     std::uint64_t settledSize(const UniqueFd &file);
 
+    /// Whoever takes events out holds this from the search for them on: their places in a file are
+    /// its own only as long as nobody else replaces it.
+    [[nodiscard]] std::unique_lock<std::mutex> lockForEditing();
     /// Replaces a file by one without the ranges (ascending, disjoint, below a settled size), in
     /// one step. `file` is the file, open for reading. Events that arrive meanwhile are kept; they
     /// wait only while the last of them are copied. A file of which nothing is left is removed.
-    /// False when that fails, with errno; the file is as it was then.
-    bool cutOut(const std::string &name, const UniqueFd &file,
-                const std::vector<ByteRange> &ranges);
+    /// False when that fails, with errno; the file is as it was then. That is also how it ends,
+    /// with ECANCELED, soon after `stop` was set.
+    bool cutOut(const std::string &name, const UniqueFd &file, const std::vector<ByteRange> &ranges,
+                const std::atomic<bool> &stop = kNeverStop);
 
 private:
+    static inline const std::atomic<bool> kNeverStop = false;
+
     bool openFor(const std::string &name);
     Result write(std::string_view lines);
     void retireFile();
@@ -60,7 +69,7 @@ private:
     [[nodiscard]] bool repairFile(const std::string &name) const;
 
     bool copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
-                     std::uint64_t &copied);
+                     std::uint64_t &copied, const std::atomic<bool> &stop);
     bool swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
               const std::vector<ByteRange> &ranges, std::uint64_t copied);
     bool removeWhole(const std::string &name, const UniqueFd &file,
@@ -78,6 +87,8 @@ private:
     bool m_works = true;
     std::int64_t m_lastLoss = 0;
     std::uint64_t m_lost = 0;
+
+    std::mutex m_editMutex;  ///< locked before m_mutex
 
     std::mutex m_mutex;
     std::condition_variable m_wakeSync;

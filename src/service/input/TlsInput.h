@@ -1,0 +1,57 @@
+#pragma once
+
+#include "service/Collector.h"
+#include "service/SdEvent.h"
+#include "service/input/TcpInput.h"
+#include "service/input/TlsContext.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quorbel {
+
+/// Receives messages over TLS (RFC 5425) while a certificate is there: `folder` holds "cert.pem"
+/// and "key.pem", and "ca.pem" when clients have to show a certificate that it signed.
+///
+/// Connections are handled as TcpInput handles them. Loop thread only.
+class TlsInput {
+public:
+    static constexpr std::uint16_t kDefaultPort = 6514;
+
+    /// `collector` and `counters` must outlive the object. Port 0 takes any that is free.
+    TlsInput(sd_event *loop, std::filesystem::path folder, std::uint16_t port, Collector &collector,
+             Counters &counters);
+    ~TlsInput();
+    TlsInput(const TlsInput &) = delete;
+    TlsInput &operator=(const TlsInput &) = delete;
+
+    /// Takes the certificate into use, for connections from now on, if it has changed; begins or
+    /// ends listening as it came or went. One that cannot be used is said in the journal, and the
+    /// last one stays in use.
+    void configure();
+
+    /// As TcpInput::drain().
+    void drain(std::chrono::steady_clock::time_point deadline);
+
+private:
+    std::string reload();
+    std::string listen();
+    std::unique_ptr<StreamChannel> makeChannel(UniqueFd socket, const std::string &host);
+    void noteRefusal(const std::string &host, const std::string &reason);
+
+    sd_event *m_loop;
+    const std::filesystem::path m_folder;
+    const std::uint16_t m_port;
+    Collector &m_collector;
+    Counters &m_counters;
+    std::string m_lastProblem;
+    std::chrono::steady_clock::time_point m_refusalSaid;
+    std::optional<TlsContext> m_context;
+    std::unique_ptr<TcpInput> m_input;
+};
+
+}  // namespace quorbel

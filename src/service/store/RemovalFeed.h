@@ -1,0 +1,52 @@
+#pragma once
+
+#include "service/UniqueFd.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <string>
+
+namespace quorbel {
+
+/// Hands removed events over from the thread that removed them to the loop, which tells the
+/// front-end: one bounded piece at a time, so that the one waits for the other and neither holds
+/// many.
+class RemovalFeed {
+public:
+    /// How long to wait for a loop that takes nothing, because the bus takes nothing.
+    explicit RemovalFeed(std::chrono::milliseconds patience = std::chrono::minutes(1));
+    RemovalFeed(const RemovalFeed &) = delete;
+    RemovalFeed &operator=(const RemovalFeed &) = delete;
+
+    // For the thread that removes.
+
+    /// Waits until the loop has taken `lines`. False when it did not within the patience, or the
+    /// feed was closed.
+    bool offer(std::string lines);
+
+    // For the loop.
+
+    /// An eventfd that becomes readable each time something is offered.
+    [[nodiscard]] int fd() const { return m_signal.get(); }
+    [[nodiscard]] bool isOffered() const { return m_offered; }
+    std::optional<std::string> take();
+
+    /// From now on nothing is taken any more.
+    void close();
+
+private:
+    const std::chrono::milliseconds m_patience;
+    const UniqueFd m_signal;
+    std::atomic<bool> m_offered = false;
+
+    std::mutex m_mutex;
+    std::condition_variable m_taken;
+    // Under m_mutex; m_offered changes with them.
+    std::string m_lines;
+    bool m_closed = false;
+};
+
+}  // namespace quorbel

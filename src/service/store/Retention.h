@@ -1,0 +1,109 @@
+#pragma once
+
+#include "platform/Value.h"
+#include "service/UniqueFd.h"
+#include "service/store/LogStore.h"
+#include "service/store/RemovalFeed.h"
+#include "service/store/RetentionRules.h"
+
+#include <sys/types.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+namespace quorbel {
+
+/// Removes events from the log files once they were kept for as long as the settings want, and
+/// offers each of them to be told. On a thread of its own: at once when the settings change, and
+/// then every minute, reading only the files in which something can be due.
+class Retention {
+public:
+    /// Seconds since 1970.
+    using Now = std::function<std::int64_t()>;
+
+    /// Both must outlive the object.
+    Retention(LogStore &store, RemovalFeed &feed);
+    Retention(LogStore &store, RemovalFeed &feed, Now now, std::chrono::milliseconds interval);
+    /// Closes the feed. What was removed and not told is counted.
+    ~Retention();
+    Retention(const Retention &) = delete;
+    Retention &operator=(const Retention &) = delete;
+
+    // From any thread.
+
+    void configure(const Dictionary &settings);
+    /// Begins no other file from now on, and leaves the one in work as it was.
+    void stop();
+    /// Whether a file is being dealt with, or its events are being told.
+    [[nodiscard]] bool isBusy() const { return m_busy; }
+    [[nodiscard]] std::uint64_t removed() const { return m_removed; }
+    /// How many of the removed events could not be told.
+    [[nodiscard]] std::uint64_t untold() const { return m_untold; }
+
+private:
+    /// What is known of a file from when it was last looked at.
+    struct Known {
+        dev_t device = 0;
+        ino_t inode = 0;
+        std::int64_t due = 0;  ///< when there may be something to remove
+
+        [[nodiscard]] bool isSameFile(const Known &other) const {
+            return device == other.device && inode == other.inode;
+        }
+    };
+    /// What was found in a file.
+    struct Found {
+        std::vector<ByteRange> expired;  ///< merged where they touch
+        std::uint64_t count = 0;
+        /// The oldest event of each class that stays.
+        RetentionRules::Limits oldest;
+    };
+
+    void work();
+    void tendFiles(std::int64_t now);
+    void tend(const std::string &name, std::int64_t now);
+    bool tendOpened(const std::string &name, std::int64_t now, Known &known);
+    [[nodiscard]] std::int64_t oldestIn(const std::string &name) const;
+    bool search(const UniqueFd &file, const RetentionRules::Limits &limits, Found &found);
+    [[nodiscard]] std::int64_t nextDue(const Found &found, std::int64_t now) const;
+    std::size_t classOf(std::string_view priority);
+    void tell(const UniqueFd &file, const Found &found);
+    void note(const std::string &name, const char *what);
+
+    LogStore &m_store;
+    RemovalFeed &m_feed;
+    const Now m_now;
+    const std::chrono::milliseconds m_interval;
+    std::atomic<bool> m_busy = false;
+    std::atomic<std::uint64_t> m_removed = 0;
+    std::atomic<std::uint64_t> m_untold = 0;
+
+    // Of the thread alone.
+    RetentionRules m_rules;
+    std::int64_t m_lastPass = 0;
+    std::map<std::string, Known> m_known;
+    std::unordered_map<std::string, std::size_t> m_classes;
+    std::string m_priority;
+    std::string m_problem;  ///< what was last said to go wrong
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    // Under m_mutex.
+    RetentionRules m_wantedRules;
+    bool m_rulesChanged = false;
+    std::atomic<bool> m_stop = false;  ///< set under m_mutex
+
+    std::thread m_thread;
+};
+
+}  // namespace quorbel

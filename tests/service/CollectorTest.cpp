@@ -1,0 +1,169 @@
+#include "core/LogReader.h"
+#include "service/Collector.h"
+#include "service/ServiceFixture.h"
+#include "service/input/ListenSockets.h"
+#include "service/input/TcpInput.h"
+#include "service/input/UdpInput.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+
+/// An action with all three reactions, for every event.
+Dictionary everyReaction(int number) {
+    return {{"Name", "test " + std::to_string(number)},
+            {"runCommand", Dictionary{{"Command", "true"}}},
+            {"sendEmail", Dictionary{{"Recipients", Array{"a@example.org"}}}},
+            {"setEvent", Dictionary{{"Type", "Error"}, {"Format", "set: $message"}}}};
+}
+
+struct CollectorTest : ::testing::Test {
+    void configure(const Dictionary &settings) {
+        collector.configure(settings);
+        actions.configure(settings);
+    }
+    [[nodiscard]] std::vector<std::string> messages() const {
+        std::vector<std::string> result;
+        for (const std::string &name : store.fileNames().value_or(std::vector<std::string>())) {
+            LogReader::readFile(store.path(name), [&result](const LogLine &line) {
+                result.emplace_back(line.message);
+                return true;
+            });
+        }
+        return result;
+    }
+
+    TemporaryFolder folder;
+    LogStore store{folder.path()};
+    NotificationQueue notifications;
+    HostNames names;
+    Counters counters;
+    std::size_t commands = 0;
+    std::size_t mails = 0;
+    Actions actions{[this](CommandRunner::Command /*command*/) { ++commands; },
+                    [this](MailMessage /*mail*/) { ++mails; }, counters};
+    Collector collector{store, notifications, names, actions, counters};
+};
+
+TEST_F(CollectorTest, AMessageThatBecomesSeveralEventsSetsActionsOffOnce) {
+    configure({{"actionsArray", Array{everyReaction(1)}}});
+    collector.beginTurn();
+    collector.receive("<13>" + std::string(5000, 'x'), "10.1.2.3");
+    collector.endTurn();
+    EXPECT_EQ(counters.received, 1U);
+    EXPECT_EQ(counters.eventsSet, 1U);
+    EXPECT_EQ(commands, 1U);
+    EXPECT_EQ(mails, 1U);
+    std::string received;
+    std::string set;
+    for (const std::string &message : messages()) {
+        (received.size() < 5000 ? received : set) += message;
+    }
+    EXPECT_EQ(received, std::string(5000, 'x'));
+    EXPECT_EQ(set, "set: " + received);
+    EXPECT_EQ(counters.stored, notifications.size());
+}
+
+// Each of the actions is for every event, those of the others too if that were possible.
+TEST_F(CollectorTest, EventsThatActionsSetSetNoActionsOff) {
+    configure({{"actionsArray", Array{everyReaction(1), everyReaction(2), everyReaction(3)}}});
+    collector.beginTurn();
+    collector.receive("<13>one", "10.1.2.3");
+    collector.receive("<13>two", "10.1.2.3");
+    collector.endTurn();
+    EXPECT_THAT(messages(), ::testing::ElementsAre("one", "set: one", "set: one", "set: one", "two",
+                                                   "set: two", "set: two", "set: two"));
+    EXPECT_EQ(commands, 6U);
+    EXPECT_EQ(mails, 6U);
+}
+
+TEST_F(CollectorTest, AStormOfActionsIsHeldBackAndCounted) {
+    configure({{"actionsArray", Array{everyReaction(1)}}});
+    constexpr std::uint64_t kMany = 20'000;
+    collector.beginTurn();
+    for (std::uint64_t i = 0; i < kMany; ++i) {
+        collector.receive("<13>x", "10.1.2.3");
+    }
+    collector.endTurn();
+    ::testing::internal::CaptureStderr();
+    actions.report(Actions::Clock::time_point::max());
+    EXPECT_NE(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(commands, Actions::kCommandsPerMinute);
+    EXPECT_EQ(mails, Actions::kMailsPerMinute + 1);
+    EXPECT_EQ(counters.eventsSet, Actions::kEventsPerMinute);
+    EXPECT_EQ(counters.heldBack, 3 * kMany - Actions::kCommandsPerMinute -
+                                     Actions::kMailsPerMinute - Actions::kEventsPerMinute);
+    EXPECT_EQ(counters.stored, kMany + Actions::kEventsPerMinute);
+}
+
+TEST_F(CollectorTest, DoesNotHoldAllOfALargeTurn) {
+    constexpr int kMany = 200;
+    std::size_t largest = 0;
+    std::size_t written = 0;
+    const auto size = [this] {
+        std::size_t sum = 0;
+        for (const std::string &name : store.fileNames().value_or(std::vector<std::string>())) {
+            sum += std::filesystem::file_size(store.path(name));
+        }
+        return sum;
+    };
+    collector.beginTurn();
+    for (int i = 0; i < kMany; ++i) {
+        // Each becomes four times as long.
+        collector.receive("<13>" + std::string(60'000, '\1') + std::to_string(i), "10.1.2.3");
+        written += 4 * 60'000;
+        largest = std::max(largest, written - std::min(written, size()));
+    }
+    collector.endTurn();
+    EXPECT_LT(largest, std::size_t{2} << 20U);
+    EXPECT_EQ(counters.received, std::uint64_t{kMany});
+    EXPECT_EQ(counters.stored, messages().size());
+    EXPECT_EQ(counters.notStored, 0U);
+}
+
+TEST_F(CollectorTest, CountsTheDatagramsForWhichThereIsNoTimeAtTheEnd) {
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    UdpInput input(loop.get(), std::move(sockets.udp), collector);
+    const UniqueFd sender = testing::connectTo(sockets.port, SOCK_DGRAM);
+    for (int i = 0; i < 100; ++i) {
+        testing::sendTo(sender, "<13>x");
+    }
+    input.drain(std::chrono::steady_clock::now());
+    EXPECT_THAT(messages(), IsEmpty());
+    EXPECT_EQ(input.dropped(), 100U);
+}
+
+TEST_F(CollectorTest, NobodyIsTakenOnByAnInputThatHasEnded) {
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    const UniqueFd waiting = testing::connectTo(sockets.port, SOCK_STREAM);
+    testing::sendTo(waiting, "<13>whole\n<13>unfinished");
+    input.drain(std::chrono::steady_clock::now() + std::chrono::seconds(5));
+    EXPECT_THAT(messages(), ::testing::ElementsAre("whole", "unfinished"));
+    const UniqueFd late(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(sockets.port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(connect(late.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), -1);
+    EXPECT_EQ(errno, ECONNREFUSED);
+}
+
+}  // namespace
+}  // namespace quorbel
