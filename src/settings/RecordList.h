@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/Value.h"
+
+#include <QObject>
+
+#include <optional>
+#include <span>
+
+class QAbstractButton;
+
+namespace quorbel {
+
+class RecordTableModel;
+class RowTableView;
+
+/// A list of records that a settings page edits: its table with the displayed list, the buttons
+/// that act on the selected row, and the working list, which is what is saved.
+class RecordList : public QObject {
+    Q_OBJECT
+
+public:
+    struct Setup {
+        RowTableView *table;
+        QAbstractButton *edit;
+        QAbstractButton *remove;
+        RecordTableModel *controller;  ///< the displayed list
+        Array *working;
+        bool (*areEqual)(const Value &, const Value &);  ///< what is removed together
+        std::span<const int> columnWidths;               ///< the last column takes the rest
+    };
+
+    /// What the setup names outlives the object.
+    RecordList(const Setup &setup, QObject *parent);
+
+    /// Displays the working list anew, with no row selected.
+    void load();
+    /// Takes the selection away, and with it what acts on it.
+    void deselect();
+    void enableButtons(bool enabled);
+    /// Enables the buttons exactly when a row is selected.
+    void followSelection();
+    /// The selected record, if there is one; an empty one for what is no record.
+    [[nodiscard]] std::optional<Dictionary> selectedRecord() const;
+    /// Puts a record in the place of the selected one, or at the end when none is selected.
+    ///
+    /// The row is the place in both lists, also after a removal took more out of the working list
+    /// than out of the displayed one. What has no such place there is added at its end.
+    void store(const Dictionary &record);
+    /// Takes the selected record out of the displayed list, and all that are equal to it out of the
+    /// working list. False when none is selected.
+    bool removeSelected();
+
+Q_SIGNALS:
+    /// The user clicked in the table, or the selection changed.
+    void clicked();
+    /// The user asked by a double click or the Enter key to edit the selected record.
+    void editRequested();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    [[nodiscard]] int selectedRow() const;
+
+    Setup m;
+};
+
+}  // namespace quorbel

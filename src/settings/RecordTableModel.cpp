@@ -1,0 +1,106 @@
+#include "settings/RecordTableModel.h"
+
+#include "core/SettingsDocument.h"
+#include "platform/gui/QtText.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array<std::string_view, RecordTableModel::kFilterColumnCount> kTitles{
+    "Name", "Host", "Facility", "Severity", "Message"};
+
+QString field(const Dictionary &record, std::string_view key) {
+    return toQString(settingText(record, key).value_or(std::string()));
+}
+
+QString cell(const Dictionary &record, int column) {
+    if (column != RecordTableModel::kHost) {
+        return field(record, kTitles[static_cast<std::size_t>(column)]);
+    }
+    const QString address = field(record, "IP");
+    const QString mask = field(record, "Mask");
+    if (address == QStringLiteral("0.0.0.0") && mask == QStringLiteral("0")) {
+        return QStringLiteral("Any");
+    }
+    return mask.isEmpty() ? address : address + u'/' + mask;
+}
+
+}  // namespace
+
+void RecordTableModel::setLastColumn(const QString &title,
+                                     QString (*text)(const Dictionary &record)) {
+    m_lastTitle = title;
+    m_lastText = text;
+}
+
+void RecordTableModel::setRecords(Array records) {
+    beginResetModel();
+    m_records = std::move(records);
+    endResetModel();
+}
+
+const Value &RecordTableModel::record(int row) const {
+    return m_records.at(static_cast<std::size_t>(row));
+}
+
+void RecordTableModel::append(Value record) {
+    const int row = rowCount();
+    beginInsertRows({}, row, row);
+    m_records.push_back(std::move(record));
+    endInsertRows();
+}
+
+void RecordTableModel::replace(int row, Value record) {
+    m_records.at(static_cast<std::size_t>(row)) = std::move(record);
+    Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+}
+
+void RecordTableModel::remove(int row) {
+    beginRemoveRows({}, row, row);
+    m_records.erase(m_records.begin() + row);
+    endRemoveRows();
+}
+
+int RecordTableModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_records.size());
+}
+
+int RecordTableModel::columnCount(const QModelIndex &parent) const {
+    if (parent.isValid()) {
+        return 0;
+    }
+    return m_lastText != nullptr ? kFilterColumnCount + 1 : kFilterColumnCount;
+}
+
+QVariant RecordTableModel::data(const QModelIndex &index, int role) const {
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) {
+        return {};
+    }
+    const Dictionary *fields = record(index.row()).dictionary();
+    if (fields == nullptr) {
+        return QString();
+    }
+    return index.column() == kFilterColumnCount ? m_lastText(*fields)
+                                                : cell(*fields, index.column());
+}
+
+QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
+        return {};
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    return section == kFilterColumnCount ? m_lastTitle
+                                         : toQString(kTitles[static_cast<std::size_t>(section)]);
+}
+
+}  // namespace quorbel
