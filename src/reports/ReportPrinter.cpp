@@ -1,0 +1,259 @@
+#include "reports/ReportPrinter.h"
+
+#include "reports/ReportTableModel.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QPageRanges>
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <QTextOption>
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+using Marker = ReportTableModel::Marker;
+
+constexpr qreal kPointSize = 8;
+constexpr int kMostMeasured = 2000;  // rows whose texts settle the columns' widths
+constexpr qreal kMarkerSide = 0.55;  // of a line's height
+constexpr qreal kMarkerRoom = 1.0;
+constexpr QColor kText(0x1f, 0x27, 0x33);
+constexpr QColor kRule(0xb4, 0xbd, 0xc9);
+
+/// Shares `room` among columns: those that want less than an even share keep what they want, and
+/// the others share the rest.
+void fitWidths(std::vector<qreal> &wanted, qreal room) {
+    std::vector<qreal *> open;
+    open.reserve(wanted.size());
+    for (qreal &width : wanted) {
+        open.push_back(&width);
+    }
+    std::ranges::sort(open, {}, [](const qreal *width) { return *width; });
+    for (std::size_t done = 0; done < open.size(); ++done) {
+        const qreal share = room / static_cast<qreal>(open.size() - done);
+        *open[done] = std::min(*open[done], share);
+        room -= *open[done];
+    }
+    if (!wanted.empty()) {
+        wanted.back() += room;
+    }
+}
+
+}  // namespace
+
+ReportPrinter::ReportPrinter(const QAbstractItemModel &model, const QList<int> &columns)
+    : m_model(model), m_font(QGuiApplication::font()) {
+    for (const int column : columns) {
+        m_columns.push_back({.number = column});
+    }
+    m_font.setPointSizeF(kPointSize);
+    m_titleFont = m_font;
+    m_titleFont.setBold(true);
+}
+
+ReportPrinter::~ReportPrinter() = default;
+
+bool ReportPrinter::print(QPagedPaintDevice &device, const Progress &onProgress) {
+    QPainter painter;
+    if (!painter.begin(&device)) {
+        return false;
+    }
+    measure(device);
+    m_hasPage = false;
+    for (int copy = 0; copy < m_copies; ++copy) {
+        if (!printCopy(device, painter, onProgress)) {
+            return false;
+        }
+    }
+    return painter.end();
+}
+
+bool ReportPrinter::printCopy(QPagedPaintDevice &device, QPainter &painter,
+                              const Progress &onProgress) {
+    m_pageNumber = 0;
+    if (!beginPage(device, painter)) {
+        return false;
+    }
+    for (int row = 0; row < m_model.rowCount(); ++row) {
+        if (!printRow(device, painter, row) ||
+            (onProgress && !onProgress(row + 1, m_model.rowCount()))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void ReportPrinter::measure(QPagedPaintDevice &device) {
+    const QFontMetricsF metrics(m_font, &device);
+    m_page = QRectF(0, 0, device.width(), device.height());
+    m_lineHeight = metrics.lineSpacing();
+    m_ascent = metrics.ascent();
+    m_gap = m_lineHeight;
+    m_pad = m_lineHeight / 8;
+    fitColumns(device);
+    m_titles = layOut(device, m_titleFont, [this](int column) {
+        return m_model.headerData(column, Qt::Horizontal).toString();
+    });
+}
+
+void ReportPrinter::fitColumns(QPagedPaintDevice &device) {
+    std::vector<qreal> widths;
+    for (const Column &column : m_columns) {
+        widths.push_back(wantedWidth(device, column.number));
+    }
+    const auto gaps = static_cast<qreal>(m_columns.size()) - 1;
+    fitWidths(widths, m_page.width() - m_gap * gaps);
+    qreal left = m_page.left();
+    for (std::size_t i = 0; i < m_columns.size(); ++i) {
+        m_columns[i].left = left;
+        m_columns[i].width = widths[i];
+        left += widths[i] + m_gap;
+    }
+}
+
+qreal ReportPrinter::wantedWidth(QPagedPaintDevice &device, int column) const {
+    const QFontMetricsF metrics(m_font, &device);
+    qreal width = QFontMetricsF(m_titleFont, &device)
+                      .horizontalAdvance(m_model.headerData(column, Qt::Horizontal).toString());
+    const int rows = m_model.rowCount();
+    const int measured = std::min(rows, kMostMeasured);
+    for (int i = 0; i < measured; ++i) {
+        const auto row = static_cast<int>(static_cast<qint64>(i) * rows / measured);
+        const QModelIndex cell = m_model.index(row, column);
+        width =
+            std::max(width, metrics.horizontalAdvance(cell.data().toString()) + markerRoom(column));
+    }
+    // Lines that are a hair too long would wrap.
+    return width + metrics.averageCharWidth() / 2;
+}
+
+qreal ReportPrinter::markerRoom(int column) const {
+    return column == 0 ? m_lineHeight * kMarkerRoom : 0;
+}
+
+ReportPrinter::Row ReportPrinter::layOut(QPagedPaintDevice &device, const QFont &font,
+                                         const std::function<QString(int column)> &text) const {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setTabStopDistance(2 * m_lineHeight);
+    Row row;
+    for (const Column &column : m_columns) {
+        const QString content = text(column.number);
+        Cell cell;
+        if (!content.isEmpty()) {
+            cell = std::make_unique<QTextLayout>(content, font, &device);
+            cell->setTextOption(option);
+            const bool isTitle = &font == &m_titleFont;
+            const qreal width = column.width - (isTitle ? 0 : markerRoom(column.number));
+            cell->beginLayout();
+            for (QTextLine line = cell->createLine(); line.isValid(); line = cell->createLine()) {
+                line.setLineWidth(width);
+            }
+            cell->endLayout();
+        }
+        row.push_back(std::move(cell));
+    }
+    return row;
+}
+
+int ReportPrinter::lineCount(const Row &row) {
+    int lines = 1;
+    for (const Cell &cell : row) {
+        lines = std::max(lines, cell ? cell->lineCount() : 0);
+    }
+    return lines;
+}
+
+int ReportPrinter::linesThatFit(qreal top) const {
+    return static_cast<int>((m_page.bottom() - top - 2 * m_pad) / m_lineHeight);
+}
+
+void ReportPrinter::printTitles(QPainter &painter) {
+    m_y = m_page.top();
+    if (m_columns.empty()) {
+        return;
+    }
+    drawLines(painter, m_titles, {0, lineCount(m_titles)}, false);
+    if (m_isChosen) {
+        painter.setPen(QPen(kRule, m_lineHeight / 20));
+        painter.drawLine(QPointF(m_page.left(), m_y), QPointF(m_page.right(), m_y));
+    }
+    m_y += m_pad;
+    m_bodyTop = m_y;
+}
+
+bool ReportPrinter::beginPage(QPagedPaintDevice &device, QPainter &painter) {
+    ++m_pageNumber;
+    const QPageRanges chosen = device.pageRanges();
+    m_isChosen = chosen.isEmpty() || chosen.contains(m_pageNumber);
+    // A device begins with a page.
+    if (m_isChosen && std::exchange(m_hasPage, true) && !device.newPage()) {
+        return false;
+    }
+    printTitles(painter);
+    return true;
+}
+
+bool ReportPrinter::printRow(QPagedPaintDevice &device, QPainter &painter, int row) {
+    const Row cells = layOut(device, m_font, [this, row](int column) {
+        return m_model.index(row, column).data().toString();
+    });
+    const int lines = lineCount(cells);
+    // Only a row that is taller than a page begins wherever there is room.
+    const bool fitsAPage = lines <= linesThatFit(m_bodyTop);
+    if (m_y > m_bodyTop && linesThatFit(m_y) < (fitsAPage ? lines : 1) &&
+        !beginPage(device, painter)) {
+        return false;
+    }
+    drawMarker(painter, row);
+    for (Lines part{0, 0}; part.first < lines; part.first += part.count) {
+        if (part.first > 0 && !beginPage(device, painter)) {
+            return false;
+        }
+        part.count = std::min(lines - part.first, std::max(linesThatFit(m_y), 1));
+        drawLines(painter, cells, part, true);
+    }
+    return true;
+}
+
+void ReportPrinter::drawLines(QPainter &painter, const Row &row, const Lines &lines,
+                              bool leaveMarkerRoom) {
+    painter.setPen(kText);
+    m_y += m_pad;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        const int end =
+            row[i] && m_isChosen ? std::min(lines.first + lines.count, row[i]->lineCount()) : 0;
+        const qreal left =
+            m_columns[i].left + (leaveMarkerRoom ? markerRoom(m_columns[i].number) : 0);
+        qreal baseline = m_y + m_ascent;
+        for (int number = lines.first; number < end; ++number) {
+            // On the common base line, whatever fonts the line needs.
+            const QTextLine line = row[i]->lineAt(number);
+            line.draw(&painter, QPointF(left, baseline - line.ascent()) - line.position());
+            baseline += m_lineHeight;
+        }
+    }
+    m_y += lines.count * m_lineHeight + m_pad;
+}
+
+void ReportPrinter::drawMarker(QPainter &painter, int row) const {
+    const auto marker = m_model.index(row, 0).data(ReportTableModel::kMarkerRole).value<Marker>();
+    const auto first = std::ranges::find(m_columns, 0, &Column::number);
+    if (!m_isChosen || marker == Marker::kNone || first == m_columns.end()) {
+        return;
+    }
+    const qreal half = m_lineHeight * kMarkerSide / 2;
+    const QPointF centre(first->left + half, m_y + m_pad + m_ascent - half);
+    painter.setPen(QPen(kText, m_lineHeight / 12, Qt::SolidLine, Qt::FlatCap));
+    painter.drawLine(centre - QPointF(half, 0), centre + QPointF(half, 0));
+    if (marker == Marker::kCollapsed) {
+        painter.drawLine(centre - QPointF(0, half), centre + QPointF(0, half));
+    }
+}
+
+}  // namespace quorbel

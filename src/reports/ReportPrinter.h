@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QFont>
+#include <QList>
+#include <QRectF>
+#include <QTextLayout>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QAbstractItemModel;
+class QPagedPaintDevice;
+class QPainter;
+
+namespace quorbel {
+
+/// Prints a report's table, as it stands, on as many pages as it takes.
+///
+/// The columns together are as wide as the paper lets them be; longer texts wrap, and nothing is
+/// cut off. A row stands on one page unless it is taller than that. Each page begins with the
+/// columns' titles and has nothing else of its own.
+class ReportPrinter {
+public:
+    /// Told of the rows printed, now and then; returning false ends the printing.
+    using Progress = std::function<bool(int done, int inAll)>;
+
+    /// `columns` are the model's columns to print. The model outlives the printer; rows that go
+    /// while it prints are left out.
+    ReportPrinter(const QAbstractItemModel &model, const QList<int> &columns);
+    ~ReportPrinter();
+    ReportPrinter(const ReportPrinter &) = delete;
+    ReportPrinter &operator=(const ReportPrinter &) = delete;
+
+    /// For a device that makes no copies by itself.
+    void setCopies(int copies) { m_copies = copies; }
+
+    /// Prints the device's chosen pages on the whole of its paintable area. False when the device
+    /// refuses or `onProgress` ended it.
+    bool print(QPagedPaintDevice &device, const Progress &onProgress = {});
+
+private:
+    struct Column {
+        int number = 0;
+        qreal left = 0;
+        qreal width = 0;  ///< without the space between columns
+    };
+    struct Lines {
+        int first = 0;
+        int count = 0;
+    };
+    using Cell = std::unique_ptr<QTextLayout>;
+    using Row = std::vector<Cell>;  // null for an empty cell
+
+    bool printCopy(QPagedPaintDevice &device, QPainter &painter, const Progress &onProgress);
+    void measure(QPagedPaintDevice &device);
+    void fitColumns(QPagedPaintDevice &device);
+    [[nodiscard]] qreal wantedWidth(QPagedPaintDevice &device, int column) const;
+    [[nodiscard]] qreal markerRoom(int column) const;
+    [[nodiscard]] Row layOut(QPagedPaintDevice &device, const QFont &font,
+                             const std::function<QString(int column)> &text) const;
+    [[nodiscard]] static int lineCount(const Row &row);
+    [[nodiscard]] int linesThatFit(qreal top) const;
+    void printTitles(QPainter &painter);
+    bool beginPage(QPagedPaintDevice &device, QPainter &painter);
+    bool printRow(QPagedPaintDevice &device, QPainter &painter, int row);
+    void drawLines(QPainter &painter, const Row &row, const Lines &lines, bool leaveMarkerRoom);
+    void drawMarker(QPainter &painter, int row) const;
+
+    const QAbstractItemModel &m_model;
+    int m_copies = 1;
+    std::vector<Column> m_columns;
+    QFont m_font;
+    QFont m_titleFont;
+    Row m_titles;
+    QRectF m_page;
+    qreal m_lineHeight = 0;
+    qreal m_ascent = 0;
+    qreal m_gap = 0;  // between columns
+    qreal m_pad = 0;  // above and below a row's text
+    qreal m_y = 0;    // how far the page is filled
+    qreal m_bodyTop = 0;
+    int m_pageNumber = 0;
+    bool m_isChosen = true;  // whether this page is printed, or only counted
+    bool m_hasPage = false;  // whether one was printed before
+};
+
+}  // namespace quorbel

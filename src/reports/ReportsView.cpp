@@ -1,0 +1,268 @@
+#include "reports/ReportsView.h"
+
+#include "core/AppDelegate.h"
+#include "core/LogReader.h"
+#include "platform/gui/Icons.h"
+#include "platform/gui/ProgressWindow.h"
+#include "platform/gui/QtText.h"
+#include "platform/gui/TableExport.h"
+#include "reports/ReportPrinter.h"
+#include "reports/ReportTableModel.h"
+#include "ui_ReportsView.h"
+
+#include <QFile>
+#include <QHeaderView>
+#include <QPrintDialog>
+#include <QPrinter>
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr QMarginsF kPaperMargins(15, 15, 15, 15);
+constexpr int kColumnWidth = 120;
+constexpr int kDateWidth = 140;
+constexpr int kDateGroupWidth = 165;
+constexpr double kTextScale = 0.9;  // so that dates and priorities fit these widths
+constexpr int kOtherColumns = 380;  // beside a column of messages
+
+const QString &allLogs() {
+    static const QString kItem = QStringLiteral("All Logs");
+    return kItem;
+}
+
+QString firstHint() {
+    return QStringLiteral(
+        "No report yet.\nChoose what to group the events by and which log to read, then press "
+        "Display.");
+}
+
+}  // namespace
+
+ReportsView::ReportsView(AppDelegate &delegate, QWidget *parent)
+    : Page(parent),
+      m_delegate(delegate),
+      m_model(std::make_unique<ReportTableModel>()),
+      ui(std::make_unique<Ui::ReportsView>()) {
+    ui->setupUi(this);
+}
+
+ReportsView::~ReportsView() {
+    // A print dialog must not outlive its printer, as the children of this widget would.
+    qDeleteAll(findChildren<QPrintDialog *>(Qt::FindDirectChildrenOnly));
+}
+
+void ReportsView::viewDidLoad() {
+    setWhiteBackground();
+    ui->exportResults->setIcon(lineIcon(QStringLiteral("export")));
+    ui->printResults->setIcon(lineIcon(QStringLiteral("print")));
+    ui->tableView->setModel(m_model.get());
+    QFont smaller = ui->tableView->font();
+    smaller.setPointSizeF(smaller.pointSizeF() * kTextScale);
+    ui->tableView->setFont(smaller);
+    connectControls();
+}
+
+void ReportsView::connectControls() {
+    connect(ui->reportName, &QComboBox::activated, this, &ReportsView::reportNameSelected);
+    connect(ui->reportFilter, &QComboBox::activated, this, &ReportsView::reportFilterSelected);
+    connect(ui->reportDisplay, &QAbstractButton::clicked, this, &ReportsView::displayReport);
+    connect(ui->exportResults, &QAbstractButton::clicked, this, &ReportsView::exportResults);
+    connect(ui->printResults, &QAbstractButton::clicked, this, &ReportsView::printResults);
+
+    connect(ui->tableView, &QAbstractItemView::clicked, this, &ReportsView::tableClicked);
+    connect(ui->tableView, &ReportTableView::togglePressed, this, &ReportsView::tableClicked);
+    const auto clickIf = [this](ReportTableModel::Marker marker) {
+        if (const int row = selectedRow(); row >= 0 && m_model->marker(row) == marker) {
+            tableClicked();
+        }
+    };
+    connect(ui->tableView, &ReportTableView::expandPressed, this,
+            [clickIf] { clickIf(ReportTableModel::Marker::kCollapsed); });
+    connect(ui->tableView, &ReportTableView::collapsePressed, this,
+            [clickIf] { clickIf(ReportTableModel::Marker::kExpanded); });
+}
+
+void ReportsView::viewWillAppear() {
+    ++m_resets;
+    ui->reportName->setCurrentIndex(-1);
+    ui->reportFilter->clear();
+    ui->reportFilter->addItem(allLogs());
+    for (const auto &file : logFiles()) {
+        // A name need not be text; the bytes tell which file is meant.
+        const std::string name = file.stem().string();
+        ui->reportFilter->addItem(toQString(name), QByteArray::fromStdString(name));
+    }
+    ui->reportFilter->setCurrentIndex(0);
+    m_model->clear();
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        ui->tableView->hideColumn(column);
+    }
+    ui->tableView->setHint(firstHint());
+}
+
+void ReportsView::viewDidAppear() {
+    ui->reportName->setFocus();
+}
+
+void ReportsView::reportNameSelected() {
+    choiceMade();
+}
+
+void ReportsView::reportFilterSelected() {
+    choiceMade();
+}
+
+void ReportsView::choiceMade() {
+    if (ui->reportName->currentIndex() >= 0 && ui->reportFilter->currentIndex() >= 0) {
+        ui->reportDisplay->setEnabled(true);
+    }
+    // Away from the controls; from the page itself, Tab goes on to them.
+    setFocus();
+}
+
+std::optional<ReportKind> ReportsView::chosenKind() const {
+    const int index = ui->reportName->currentIndex();
+    return index < 0 ? std::nullopt : std::optional(static_cast<ReportKind>(index));
+}
+
+std::vector<std::filesystem::path> ReportsView::chosenFiles() const {
+    std::vector<std::filesystem::path> files;
+    if (ui->reportFilter->currentIndex() < 0) {
+        return files;
+    }
+    files = logFiles();
+    if (ui->reportFilter->currentText() != allLogs()) {
+        const std::string name = ui->reportFilter->currentData().toByteArray().toStdString();
+        std::erase_if(files, [&name](const auto &file) { return file.stem().string() != name; });
+    }
+    return files;
+}
+
+void ReportsView::showColumns(std::optional<ReportKind> kind) {
+    ui->tableView->horizontalHeader()->setStretchLastSection(false);
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        ui->tableView->showColumn(column);
+        ui->tableView->setColumnWidth(column, kColumnWidth);
+    }
+    if (!kind) {
+        return;
+    }
+    m_model->setKind(*kind);
+    if (kind == ReportKind::kDate) {
+        ui->tableView->setColumnWidth(0, kDateGroupWidth);
+    } else {
+        ui->tableView->setColumnWidth(1, kDateWidth);
+    }
+    if (kind == ReportKind::kMessage) {
+        ui->tableView->setColumnWidth(0, ui->tableView->widthForColumns() - kOtherColumns);
+    } else {
+        ui->tableView->horizontalHeader()->setStretchLastSection(true);
+    }
+}
+
+void ReportsView::displayReport() {
+    m_model->clear();
+    ui->tableView->setHint({});
+    const std::optional<ReportKind> kind = chosenKind();
+    showColumns(kind);
+
+    auto report = std::make_unique<ReportEngine>(kind, m_delegate.state.newDateFormat);
+    const unsigned resets = m_resets;
+    bool isComplete = false;
+    {
+        ProgressWindow progress({.title = QStringLiteral("Quorbel"),
+                                 .work = QStringLiteral("Reading the log files"),
+                                 .accessibleName = QStringLiteral("Bytes read")},
+                                ProgressWindow::Unit::kBytes, this,
+                                ProgressWindow::Cancel::kOffered);
+        isComplete = report->read(chosenFiles(), [&](std::uint64_t done, std::uint64_t inAll) {
+            // The page may be shown anew meanwhile, from the tray.
+            return progress.update(done, inAll) && resets == m_resets;
+        });
+    }
+    if (resets != m_resets) {
+        return;
+    }
+    ui->tableView->setHint(!isComplete ? QStringLiteral("The report was cancelled.")
+                           : kind      ? QStringLiteral("No events in the chosen log.")
+                                       : firstHint());
+    if (isComplete) {
+        m_model->setReport(std::move(report));
+        ui->tableView->clearSelection();
+        ui->tableView->scrollToTop();
+    }
+}
+
+int ReportsView::selectedRow() const {
+    const QModelIndexList selected = ui->tableView->selectionModel()->selectedRows();
+    return selected.isEmpty() ? -1 : selected.first().row();
+}
+
+void ReportsView::tableClicked() {
+    if (const int row = selectedRow(); row >= 0) {
+        m_model->toggle(row);
+        ui->tableView->selectRow(row);
+    }
+}
+
+void ReportsView::exportResults() {
+    openExportPanel(this, [this](const QString &path) { writeRows(path); });
+}
+
+void ReportsView::writeRows(const QString &path) {
+    const auto row = [this](std::size_t number) {
+        return m_model->index(static_cast<int>(number), 0);
+    };
+    // A file that cannot be written stays as it was; nobody is told.
+    exportTable(path, *m_model, {static_cast<std::size_t>(m_model->rowCount()), row}, this);
+}
+
+void ReportsView::printResults() {
+    m_printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    m_printer->setPageMargins(kPaperMargins, QPageLayout::Millimeter);
+    auto *dialog = new QPrintDialog(m_printer.get(), this);
+    dialog->setObjectName(QStringLiteral("printPanel"));
+    dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize |
+                       QAbstractPrintDialog::PrintPageRange);
+    // Pages are made one after the other, so the last cannot come first.
+    if (auto *reverse = dialog->findChild<QWidget *>(QStringLiteral("reverse"))) {
+        reverse->hide();
+    }
+    connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
+    // Not from within the dialog's own signal: printing runs the event loop, which may delete it.
+    connect(
+        dialog, &QDialog::accepted, this, [this] { print(); }, Qt::QueuedConnection);
+    dialog->open();
+}
+
+void ReportsView::print() {
+    QList<int> columns;
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        if (!ui->tableView->isColumnHidden(column)) {
+            columns.append(column);
+        }
+    }
+    const unsigned resets = m_resets;
+    bool isCancelled = false;
+    ProgressWindow progress({.title = QStringLiteral("Quorbel"),
+                             .work = QStringLiteral("Printing the report"),
+                             .accessibleName = QStringLiteral("Rows printed")},
+                            ProgressWindow::Unit::kRows, this, ProgressWindow::Cancel::kOffered);
+    ReportPrinter printer(*m_model, columns);
+    printer.setCopies(m_printer->supportsMultipleCopies() ? 1 : m_printer->copyCount());
+    printer.print(*m_printer, [&](int done, int inAll) {
+        isCancelled =
+            !progress.update(static_cast<std::uint64_t>(done), static_cast<std::uint64_t>(inAll)) ||
+            resets != m_resets;
+        return !isCancelled;
+    });
+    // On paper, the pages so far come out; a file is not left behind half done.
+    if (isCancelled) {
+        QFile::remove(m_printer->outputFileName());
+    }
+}
+
+}  // namespace quorbel

@@ -1,0 +1,220 @@
+#include "reports/ReportsViewFixture.h"
+
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QProcess>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTimer>
+
+namespace quorbel {
+
+using namespace testing;
+
+class ReportsViewExportTest : public QObject, private ReportsViewFixture {
+    Q_OBJECT
+
+private:
+    static constexpr const char *kLog =
+        "1700000000,Local7.Error,h1,one, with a comma\r\n"
+        "1700000001,Kern.Alert,h2,two\r\n"
+        "1700000002,Local7.Error,h1,three\r\n";
+
+    QString path(const char *file) {
+        return QString::fromStdString((m_folder->path() / file).string());
+    }
+    static QByteArray bytesOf(const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no such file");
+    }
+    QFileDialog *panel() { return m_page->findChild<QFileDialog *>(name("filePanel")); }
+    static void press(QDialog *dialog, QDialogButtonBox::StandardButton button) {
+        const auto *buttons = dialog->findChild<QDialogButtonBox *>();
+        QTest::mouseClick(buttons->button(button), Qt::LeftButton);
+    }
+    void exportTo(const QString &file) {
+        click("exportResults");
+        QTRY_VERIFY(panel() != nullptr && panel()->isVisible());
+        QVERIFY(m_page->findChild<QMessageBox *>() == nullptr);
+        panel()->findChild<QLineEdit *>(name("fileNameEdit"))->setText(file);
+        press(panel(), QDialogButtonBox::Save);
+        QTRY_VERIFY(panel() == nullptr);
+    }
+    QPrintDialog *printPanel() { return m_page->findChild<QPrintDialog *>(name("printPanel")); }
+    void openPrintPanel() {
+        click("printResults");
+        QTRY_VERIFY(printPanel() != nullptr && printPanel()->isVisible());
+    }
+    // Prints to a file through the dialog's own controls.
+    void printTo(const QString &file, int copies = 1) {
+        openPrintPanel();
+        printPanel()->findChild<QSpinBox *>(name("copies"))->setValue(copies);
+        QLineEdit *field = printPanel()->findChild<QLineEdit *>(name("filename"));
+        QVERIFY(field != nullptr);
+        field->setText(file);
+        press(printPanel(), QDialogButtonBox::Ok);
+        QTRY_VERIFY(printPanel() == nullptr);
+    }
+    static QStringList printedLines(const QString &file) {
+        QProcess process;
+        process.start(QStringLiteral("pdftotext"),
+                      {QStringLiteral("-layout"), file, QStringLiteral("-")});
+        process.waitForFinished();
+        QStringList result;
+        for (const QByteArray &line : process.readAllStandardOutput().split('\n')) {
+            if (const QString simple = QString::fromUtf8(line).simplified(); !simple.isEmpty()) {
+                result += simple;
+            }
+        }
+        return result;
+    }
+
+private Q_SLOTS:
+    void init() { makePage(); }
+    void cleanup() { dropPage(); }
+
+    void writesCollapsedGroupsAsSingleLines() {
+        log("x.log", kLog);
+        display(0);
+        exportTo(path("report.csv"));
+        QCOMPARE(bytesOf(path("report.csv")),
+                 QByteArray("Host,Date,Priority,Message\nh1,,,\nh2,,,\n"));
+        exportTo(path("report.txt"));
+        QCOMPARE(bytesOf(path("report.txt")),
+                 QByteArray("Host\tDate\tPriority\tMessage\nh1\t\t\t\nh2\t\t\t\n"));
+    }
+
+    void writesAllRowsWhateverIsSelected() {
+        log("x.log", kLog);
+        display(0);
+        clickRow(0);
+        exportTo(path("report.csv"));
+        QCOMPARE(bytesOf(path("report.csv")),
+                 QByteArray("Host,Date,Priority,Message\n"
+                            "h1,,,\n"
+                            ",2023-11-14 22:13:20,Local7.Error,one, with a comma\n"
+                            ",2023-11-14 22:13:22,Local7.Error,three\n"
+                            "h2,,,\n"));
+        QCOMPARE(selected(), QList<int>{0});
+    }
+
+    void theTitlesAreThoseOfTheKind() {
+        log("x.log", kLog);
+        display(1);
+        clickRow(1);
+        exportTo(path("report.txt"));
+        QCOMPARE(bytesOf(path("report.txt")), QByteArray("Message\tDate\tPriority\tHost\n"
+                                                         "one, with a comma\t\t\t\n"
+                                                         "two\t\t\t\n"
+                                                         "\t2023-11-14 22:13:21\tKern.Alert\th2\n"
+                                                         "three\t\t\t\n"));
+    }
+
+    void beforeAnyReportTheTitlesAreWrittenAlone() {
+        show();
+        QVERIFY(table()->isColumnHidden(0));
+        exportTo(path("report.csv"));
+        QCOMPARE(bytesOf(path("report.csv")), QByteArray("Host,Date,Priority,Message\n"));
+    }
+
+    void aCancelledPanelWritesNothing() {
+        show();
+        click("exportResults");
+        QTRY_VERIFY(panel() != nullptr && panel()->isVisible());
+        QCOMPARE(panel()->findChild<QLabel *>(name("filePanelMessage"))->text(),
+                 name("Please select export file name with 'txt' or 'csv' extensions:"));
+        panel()->findChild<QLineEdit *>(name("fileNameEdit"))->setText(path("report.csv"));
+        press(panel(), QDialogButtonBox::Cancel);
+        QTRY_VERIFY(panel() == nullptr);
+        QVERIFY(std::filesystem::is_empty(m_folder->path()));
+    }
+
+    void aFileThatCannotBeWrittenGoesUnmentioned() {
+        show();
+        exportTo(name("/proc/report.csv"));
+        QVERIFY(m_page->findChild<QMessageBox *>() == nullptr);
+    }
+
+    void printsTheTableAsShown() {
+        log("x.log", kLog);
+        display(0);
+        clickRow(0);
+        printTo(path("report.pdf"));
+        QTRY_COMPARE(printedLines(path("report.pdf")),
+                     (QStringList{name("Host Date Priority Message"), name("h1"),
+                                  name("2023-11-14 22:13:20 Local7.Error one, with a comma"),
+                                  name("2023-11-14 22:13:22 Local7.Error three"), name("h2")}));
+        QVERIFY(m_page->findChild<QMessageBox *>() == nullptr);
+    }
+
+    void printsAsManyCopiesAsChosen() {
+        log("x.log", "1,P,h,m\n");
+        display(0);
+        printTo(path("report.pdf"), 2);
+        QTRY_COMPARE(printedLines(path("report.pdf")),
+                     (QStringList{name("Host Date Priority Message"), name("h"),
+                                  name("Host Date Priority Message"), name("h")}));
+    }
+
+    void aCancelledPrintLeavesNoFile() {
+        std::string lines;
+        for (int i = 0; i < 60'000; ++i) {
+            lines += "1700000000,Local7.Error,h1,message " + std::to_string(i) + "\n";
+        }
+        log("x.log", lines);
+        display(0);
+        clickRow(0);
+        bool isCancelled = false;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] {
+            auto *cancel = m_page->findChild<QPushButton *>(name("onCancel"));
+            if (cancel != nullptr && cancel->isVisible()) {
+                isCancelled = true;
+                QVERIFY(std::filesystem::exists(m_folder->path() / "report.pdf"));
+                QTest::mouseClick(cancel, Qt::LeftButton);
+            }
+        });
+        timer.start(0);
+        printTo(path("report.pdf"));
+        QTRY_VERIFY(isCancelled);
+        QTRY_VERIFY(!std::filesystem::exists(m_folder->path() / "report.pdf"));
+        QTRY_VERIFY(m_page->findChild<QWidget *>(name("progressWindow")) == nullptr);
+        QCOMPARE(rowCount(), 60'001);
+        clickRow(0);
+        QCOMPARE(rowCount(), 1);
+        timer.stop();
+        printTo(path("report.pdf"));
+        QTRY_COMPARE(printedLines(path("report.pdf")),
+                     (QStringList{name("Host Date Priority Message"), name("h1")}));
+    }
+
+    void beforeAnyReportAnEmptyTableIsPrinted() {
+        show();
+        printTo(path("report.pdf"));
+        QTRY_VERIFY(std::filesystem::exists(m_folder->path() / "report.pdf"));
+        QCOMPARE(printedLines(path("report.pdf")), QStringList());
+        QVERIFY(bytesOf(path("report.pdf")).startsWith("%PDF"));
+    }
+
+    void aCancelledDialogPrintsNothing() {
+        log("x.log", kLog);
+        display(0);
+        openPrintPanel();
+        press(printPanel(), QDialogButtonBox::Cancel);
+        QTRY_VERIFY(printPanel() == nullptr);
+        // It can be opened again, and the page may go while it is open.
+        openPrintPanel();
+        m_page.reset();
+    }
+};
+
+}  // namespace quorbel
+
+QTEST_MAIN(quorbel::ReportsViewExportTest)
+#include "ReportsViewExportTest.moc"
