@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Value.h"
+
+#include <optional>
+
+namespace quorbel {
+
+/// A page that the filter editor is presented over.
+class FilterEditing {
+public:
+    virtual ~FilterEditing() = default;
+
+    /// The record to edit; nothing when the editor makes a new one.
+    [[nodiscard]] virtual std::optional<Dictionary> filterToEdit() const = 0;
+    /// Takes what the editor made.
+    virtual void storeFilter(const Dictionary &record) = 0;
+
+protected:
+    FilterEditing() = default;
+    FilterEditing(const FilterEditing &) = default;
+    FilterEditing &operator=(const FilterEditing &) = default;
+};
+
+}  // namespace quorbel

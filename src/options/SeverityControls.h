@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/Severity.h"
+
+#include <QList>
+
+#include <array>
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLineEdit;
+class QSpinBox;
+
+namespace quorbel {
+
+class NumberStepper;
+
+/// The controls that the options page has for one severity class.
+struct SeverityControls {
+    QComboBox *level;
+    QCheckBox *removal;
+    QLineEdit *time;
+    QSpinBox *stepper;
+    QComboBox *units;
+    NumberStepper *removalTime;  ///< ties `time` and `stepper`
+    QCheckBox *popupDisplay;
+    QCheckBox *popupPlay;
+};
+
+using AllSeverityControls = std::array<SeverityControls, kSeverityClassCount>;
+
+/// The empty grids of the page that the controls are put into.
+struct SeverityGrids {
+    QGridLayout *levels;
+    QGridLayout *removal;
+    QGridLayout *popupDisplay;
+    QGridLayout *popupPlay;
+};
+
+/// Makes the controls of all nine classes, in their order.
+AllSeverityControls makeSeverityControls(const SeverityGrids &grids);
+
+}  // namespace quorbel

@@ -1,0 +1,49 @@
+#include "options/ToolsView.h"
+
+#include "platform/gui/Icons.h"
+#include "ui_ToolsView.h"
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kIconSize = 32;
+
+}  // namespace
+
+ToolsView::ToolsView(AppDelegate &delegate, QWidget *parent)
+    : Page(parent), m_delegate(delegate), ui(std::make_unique<Ui::ToolsView>()) {
+    ui->setupUi(this);
+}
+
+ToolsView::~ToolsView() = default;
+
+void ToolsView::viewDidLoad() {
+    setWhiteBackground();
+    setLabelIcon(*ui->optionsIcon, lineIcon(QStringLiteral("options")), kIconSize);
+    setLabelIcon(*ui->actionsIcon, lineIcon(QStringLiteral("actions")), kIconSize);
+    setLabelIcon(*ui->exportIcon, lineIcon(QStringLiteral("export")), kIconSize);
+    connect(ui->toolsOptions, &QAbstractButton::clicked, this, &ToolsView::options);
+    connect(ui->toolsActions, &QAbstractButton::clicked, this, &ToolsView::actions);
+    connect(ui->toolsExport, &QAbstractButton::clicked, this, &ToolsView::export_);
+}
+
+void ToolsView::options() {
+    open(Tab::kOptions);
+}
+
+void ToolsView::actions() {
+    open(Tab::kActions);
+}
+
+void ToolsView::export_() {
+    open(Tab::kExport);
+}
+
+void ToolsView::open(Tab page) {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->openSettingsPage(page, Tab::kTools);
+    }
+}
+
+}  // namespace quorbel

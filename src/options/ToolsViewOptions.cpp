@@ -1,0 +1,311 @@
+#include "options/ToolsViewOptions.h"
+
+#include "platform/gui/QtText.h"
+#include "settings/NumberStepper.h"
+#include "settings/RecordList.h"
+#include "ui_ToolsViewOptions.h"
+
+#include <QFocusEvent>
+#include <QKeySequence>
+#include <QScrollBar>
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kShortestPopup = 1;  // seconds
+constexpr int kLongestPopup = 3600;
+
+/// An index as stored, for a chooser: none where there is no such item.
+int itemIndex(const QComboBox &chooser, std::int64_t index) {
+    return index >= 0 && index < chooser.count() ? static_cast<int>(index) : -1;
+}
+
+/// Checks one of two radio buttons: the one that the Tab key leads to.
+void check(QRadioButton &chosen, QRadioButton &other) {
+    chosen.setChecked(true);
+    chosen.setFocusPolicy(Qt::StrongFocus);
+    other.setFocusPolicy(Qt::ClickFocus);
+}
+
+std::optional<std::string> chosenItem(const QComboBox &chooser) {
+    if (chooser.currentIndex() < 0) {
+        return std::nullopt;
+    }
+    return chooser.currentText().toStdString();
+}
+
+}  // namespace
+
+ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &storyboard,
+                                   QWidget *parent)
+    : Page(parent),
+      m_delegate(delegate),
+      m_storyboard(storyboard),
+      ui(std::make_unique<Ui::ToolsViewOptions>()) {
+    ui->setupUi(this);
+    makeControls();
+}
+
+ToolsViewOptions::~ToolsViewOptions() = default;
+
+void ToolsViewOptions::makeControls() {
+    m_severities = makeSeverityControls({.levels = ui->levelsGrid,
+                                         .removal = ui->removalGrid,
+                                         .popupDisplay = ui->popupDisplayGrid,
+                                         .popupPlay = ui->popupPlayGrid});
+    m_popupTime = new NumberStepper(ui->popupEventsTime, ui->popupEventsStepper, kShortestPopup,
+                                    kLongestPopup, this);
+    makeFilterLists();
+    setTabOrders();
+    watchControls();
+}
+
+void ToolsViewOptions::setTabOrders() {
+    QWidget *last = ui->userTimeFormat;
+    const auto follow = [&last](QWidget *next) {
+        setTabOrder(last, next);
+        last = next;
+    };
+    for (const SeverityControls &severity : m_severities) {
+        follow(severity.level);
+    }
+    for (const SeverityControls &severity : m_severities) {
+        follow(severity.removal);
+        follow(severity.time);
+        follow(severity.units);
+    }
+    follow(ui->popupEventsDisplay);
+    follow(ui->popupEventsTime);
+    for (const SeverityControls &severity : m_severities) {
+        follow(severity.popupDisplay);
+    }
+    follow(ui->popupEventsPlay);
+    follow(ui->popupSoundFile);
+    follow(ui->popupSoundBrowse);
+    for (const SeverityControls &severity : m_severities) {
+        follow(severity.popupPlay);
+    }
+    follow(ui->includeFiltersTable);
+}
+
+void ToolsViewOptions::watchControls() {
+    for (QWidget *control : ui->scrollView->widget()->findChildren<QWidget *>()) {
+        if (control->focusPolicy() != Qt::NoFocus) {
+            control->installEventFilter(this);
+        }
+    }
+}
+
+bool ToolsViewOptions::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Wheel && (qobject_cast<QComboBox *>(watched) != nullptr ||
+                                           qobject_cast<QSpinBox *>(watched) != nullptr)) {
+        // Who scrolls the page must not change what happens to pass under the pointer.
+        event->ignore();
+        return true;
+    }
+    if (event->type() == QEvent::FocusIn) {
+        // The scroll area does so itself only for a step from one of its controls to another. Not
+        // for the mouse, under which nothing may move.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) {
+            ui->scrollView->ensureWidgetVisible(static_cast<QWidget *>(watched));
+        }
+    }
+    return Page::eventFilter(watched, event);
+}
+
+void ToolsViewOptions::viewDidLoad() {
+    setWhiteBackground();
+    ui->saveButton->setShortcut(QKeySequence::Save);
+    connectControls();
+    connectSeverities();
+    connectAlerts();
+    connectFilters();
+}
+
+void ToolsViewOptions::connectControls() {
+    for (const auto *button : {ui->hostsDisplayIP, ui->hostsDisplayName}) {
+        connect(button, &QAbstractButton::clicked, this, &ToolsViewOptions::hostsDisplay);
+    }
+    for (const auto *button : {ui->localeDateFormat, ui->definedDateFormat}) {
+        connect(button, &QAbstractButton::clicked, this, &ToolsViewOptions::dateFormat);
+    }
+    for (const auto *chooser : {ui->userDateFormat, ui->userTimeFormat}) {
+        connect(chooser, &QComboBox::activated, this, &ToolsViewOptions::enableSave);
+    }
+    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewOptions::onSave);
+    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewOptions::onCancel);
+}
+
+void ToolsViewOptions::connectSeverities() {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const SeverityControls &controls = m_severities[i];
+        connect(controls.level, &QComboBox::activated, this, &ToolsViewOptions::eventsSeverity);
+        connect(controls.removal, &QAbstractButton::clicked, this,
+                [this, i] { eventRemoval(i, m_severities[i].removal); });
+        connect(controls.removalTime, &NumberStepper::edited, this, [this, i](std::int64_t value) {
+            m_values.*kRemovalMembers[i].amount = value;
+            eventsRemoval();
+        });
+        connect(controls.units, &QComboBox::activated, this, &ToolsViewOptions::eventsRemoval);
+    }
+}
+
+void ToolsViewOptions::viewWillAppear() {
+    ui->saveButton->setEnabled(false);
+    ui->scrollView->verticalScrollBar()->setValue(0);
+    m_settings.load(AppDelegate::readSettings());
+    m_values = OptionsValues::read(m_settings);
+    if (m_values.bHostsDisplay) {
+        check(*ui->hostsDisplayName, *ui->hostsDisplayIP);
+    } else {
+        check(*ui->hostsDisplayIP, *ui->hostsDisplayName);
+    }
+    showDateFormat();
+    showLevels();
+    showRemoval();
+    showPopups();
+    showSound();
+    m_bIncludeFilters = m_bExcludeFilters = false;
+    m_includeFilters->load();
+    m_excludeFilters->load();
+}
+
+void ToolsViewOptions::viewDidAppear() {
+    ui->optionsBlank->setFocus();
+}
+
+void ToolsViewOptions::showDateFormat() {
+    const bool isDefined = !m_values.dateFormat.empty();
+    ui->userDateFormat->setEnabled(isDefined);
+    ui->userTimeFormat->setEnabled(isDefined);
+    if (!isDefined) {
+        check(*ui->localeDateFormat, *ui->definedDateFormat);
+        ui->userDateFormat->setCurrentIndex(-1);
+        ui->userTimeFormat->setCurrentIndex(-1);
+        return;
+    }
+    check(*ui->definedDateFormat, *ui->localeDateFormat);
+    const DateFormatItems items = dateFormatItems(m_values.dateFormat);
+    ui->userDateFormat->setCurrentIndex(ui->userDateFormat->findText(toQString(items.date)));
+    ui->userTimeFormat->setCurrentIndex(
+        items.time ? ui->userTimeFormat->findText(toQString(*items.time)) : -1);
+}
+
+void ToolsViewOptions::showLevels() {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        QComboBox *level = m_severities[i].level;
+        level->setCurrentIndex(itemIndex(*level, m_values.*kSeverityClasses[i].level));
+    }
+}
+
+void ToolsViewOptions::showRemoval() {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const SeverityControls &controls = m_severities[i];
+        const std::int64_t amount = m_values.*kRemovalMembers[i].amount;
+        controls.removal->setChecked(amount != 0);
+        if (amount != 0) {
+            controls.removalTime->setValue(amount);
+            controls.units->setCurrentIndex(
+                itemIndex(*controls.units, m_values.*kRemovalMembers[i].units));
+        }
+        eventRemoval(i);
+    }
+}
+
+void ToolsViewOptions::enableSave() {
+    ui->saveButton->setEnabled(true);
+}
+
+void ToolsViewOptions::hostsDisplay() {
+    enableSave();
+}
+
+void ToolsViewOptions::dateFormat() {
+    const bool isDefined = ui->definedDateFormat->isChecked();
+    for (QComboBox *chooser : {ui->userDateFormat, ui->userTimeFormat}) {
+        chooser->setEnabled(isDefined);
+        chooser->setCurrentIndex(isDefined ? 0 : -1);
+    }
+    enableSave();
+}
+
+void ToolsViewOptions::eventsSeverity() {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        m_values.*kSeverityClasses[i].level = m_severities[i].level->currentIndex();
+    }
+    enableSave();
+}
+
+void ToolsViewOptions::eventsRemoval() {
+    enableSave();
+}
+
+void ToolsViewOptions::eventRemoval(std::size_t severity, QObject *sender) {
+    const SeverityControls &controls = m_severities[severity];
+    const bool isOn = controls.removal->isChecked();
+    controls.removalTime->setEnabled(isOn);
+    controls.units->setEnabled(isOn);
+    if (!isOn) {
+        m_values.*kRemovalMembers[severity].amount = 0;
+        controls.removalTime->clear();
+        controls.units->setCurrentIndex(-1);
+    }
+    if (sender == nullptr) {
+        return;
+    }
+    if (isOn) {
+        m_values.*kRemovalMembers[severity].amount = 1;
+        controls.removalTime->setValue(1);
+        controls.units->setCurrentIndex(0);
+    }
+    enableSave();
+}
+
+void ToolsViewOptions::onSave() {
+    m_values.bHostsDisplay = ui->hostsDisplayName->isChecked();
+    m_values.dateFormat = chosenDateFormat();
+    m_values.write(m_settings, chosenUnits());
+    m_delegate.saveSettings(m_settings.working());
+    updateApplication();
+    onCancel();
+}
+
+void ToolsViewOptions::onCancel() {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->selectTab(parentTab);
+    }
+}
+
+std::string ToolsViewOptions::chosenDateFormat() const {
+    if (ui->localeDateFormat->isChecked()) {
+        return {};
+    }
+    return composeDateFormat(chosenItem(*ui->userDateFormat), chosenItem(*ui->userTimeFormat),
+                             m_values.dateFormat);
+}
+
+OptionsValues::Units ToolsViewOptions::chosenUnits() const {
+    OptionsValues::Units units{};
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        units[i] = m_severities[i].units->currentIndex();
+    }
+    return units;
+}
+
+void ToolsViewOptions::updateApplication() {
+    AppState &state = m_delegate.state;
+    state.oldDateFormat = std::exchange(state.newDateFormat, m_values.dateFormat);
+    for (const SeverityClass &severity : kSeverityClasses) {
+        state.*severity.level = m_values.*severity.level;
+    }
+    m_delegate.setAlertSettings({.iPopupEvents = m_values.iPopupEvents,
+                                 .popupSound = m_values.popupSound.value_or(std::string()),
+                                 .popupDisplayArray = m_values.popupDisplayArray,
+                                 .popupPlayArray = m_values.popupPlayArray});
+}
+
+}  // namespace quorbel
