@@ -1,0 +1,198 @@
+#include "export/ToolsViewExport.h"
+
+#include "core/AppDelegate.h"
+#include "platform/gui/FilePanel.h"
+#include "platform/gui/QtText.h"
+#include "settings/NumberStepper.h"
+#include "ui_ToolsViewExport.h"
+
+#include <QFileInfo>
+#include <QKeySequence>
+
+#include <string_view>
+
+namespace quorbel {
+
+/// What differs between the two exports, beside their controls.
+struct ExportKind {
+    std::string_view intervalKey;
+    std::string_view locationKey;
+    const char *panelMessage;
+    QStringList extensions;
+};
+
+namespace {
+
+constexpr int kOfferedInterval = 5;  // minutes
+constexpr int kLeastInterval = 1;
+constexpr int kMostInterval = 24 * 60;
+
+const ExportKind &textKind() {
+    static const ExportKind kind{"textInterval",
+                                 "textLocation",
+                                 "Please select text file location with 'txt' or 'csv' extensions:",
+                                 {QStringLiteral("txt"), QStringLiteral("csv")}};
+    return kind;
+}
+
+const ExportKind &databaseKind() {
+    static const ExportKind kind{"databaseInterval",
+                                 "databaseLocation",
+                                 "Please select database file location with 'db' extension:",
+                                 {QStringLiteral("db")}};
+    return kind;
+}
+
+}  // namespace
+
+ToolsViewExport::ToolsViewExport(AppDelegate &delegate, QWidget *parent)
+    : Page(parent), m_delegate(delegate), ui(std::make_unique<Ui::ToolsViewExport>()) {
+    ui->setupUi(this);
+    m_text = {.kind = &textKind(),
+              .box = ui->exportText,
+              .interval = new NumberStepper(ui->textInterval, ui->textIntervalStepper,
+                                            kLeastInterval, kMostInterval, this),
+              .location = ui->textLocation,
+              .browse = ui->textBrowse,
+              .workingLocation = {}};
+    m_database = {.kind = &databaseKind(),
+                  .box = ui->exportDatabase,
+                  .interval = new NumberStepper(ui->databaseInterval, ui->databaseIntervalStepper,
+                                                kLeastInterval, kMostInterval, this),
+                  .location = ui->databaseLocation,
+                  .browse = ui->databaseBrowse,
+                  .workingLocation = {}};
+}
+
+ToolsViewExport::~ToolsViewExport() = default;
+
+void ToolsViewExport::viewDidLoad() {
+    setWhiteBackground();
+    ui->saveButton->setShortcut(QKeySequence::Save);
+    connectControls(m_text);
+    connectControls(m_database);
+    connect(ui->exportText, &QAbstractButton::clicked, this,
+            [this] { exportText(ui->exportText); });
+    connect(ui->exportDatabase, &QAbstractButton::clicked, this,
+            [this] { exportDatabase(ui->exportDatabase); });
+    connect(ui->textBrowse, &QAbstractButton::clicked, this, &ToolsViewExport::browseText);
+    connect(ui->databaseBrowse, &QAbstractButton::clicked, this, &ToolsViewExport::browseDatabase);
+    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewExport::onSave);
+    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewExport::onCancel);
+}
+
+void ToolsViewExport::connectControls(Export &entry) {
+    connect(entry.interval, &NumberStepper::edited, this, [this, &entry](std::int64_t value) {
+        entry.workingInterval = value;
+        exportInterval();
+    });
+    connect(entry.location, &QLineEdit::textEdited, this,
+            [this, &entry] { controlTextDidChange(entry); });
+}
+
+void ToolsViewExport::viewWillAppear() {
+    ui->saveButton->setEnabled(false);
+    m_settings.load(AppDelegate::readSettings());
+    load(m_text);
+    exportText();
+    load(m_database);
+    exportDatabase();
+}
+
+void ToolsViewExport::viewDidAppear() {
+    ui->exportText->setFocus();
+}
+
+void ToolsViewExport::load(Export &entry) {
+    entry.workingInterval = settingInteger(m_settings.working(), entry.kind->intervalKey);
+    entry.workingLocation = settingText(m_settings.working(), entry.kind->locationKey);
+    const bool on = entry.workingInterval != 0 && !entry.workingLocation.value_or("").empty();
+    entry.box->setChecked(on);
+    if (on) {
+        entry.interval->setValue(entry.workingInterval);
+    } else {
+        entry.interval->clear();
+    }
+    setLocation(entry, on ? toQString(*entry.workingLocation) : QString());
+}
+
+void ToolsViewExport::exportText(const QObject *sender) {
+    followTextBox(m_text, sender);
+}
+
+void ToolsViewExport::exportDatabase(const QObject *sender) {
+    followTextBox(m_database, sender);
+}
+
+void ToolsViewExport::followTextBox(Export &entry, const QObject *sender) {
+    const bool on = ui->exportText->isChecked();
+    entry.interval->setEnabled(on);
+    entry.location->setEnabled(on);
+    entry.browse->setEnabled(on);
+    if (!on) {
+        entry.workingInterval = 0;
+        entry.interval->clear();
+        setLocation(entry, {});
+    } else if (sender != nullptr) {
+        entry.workingInterval = kOfferedInterval;
+        entry.interval->setValue(kOfferedInterval);
+    }
+    if (sender != nullptr) {
+        ui->saveButton->setEnabled(true);
+    }
+}
+
+void ToolsViewExport::browseText() {
+    openPanel(m_text);
+}
+
+void ToolsViewExport::browseDatabase() {
+    openPanel(m_database);
+}
+
+void ToolsViewExport::openPanel(Export &entry) {
+    const QString location = toQString(entry.workingLocation.value_or(""));
+    openFilePanel(this,
+                  {.message = QString::fromLatin1(entry.kind->panelMessage),
+                   .extensions = entry.kind->extensions,
+                   .folder = location.isEmpty() ? QString() : QFileInfo(location).path(),
+                   .save = true},
+                  [this, &entry](const QString &path) {
+                      entry.workingLocation = path.toStdString();
+                      setLocation(entry, path);
+                      ui->saveButton->setEnabled(true);
+                  });
+}
+
+void ToolsViewExport::setLocation(Export &entry, const QString &path) {
+    showText(*entry.location, path);
+    // A location that is kept although the field is empty shows through.
+    entry.location->setPlaceholderText(toQString(entry.workingLocation.value_or("")));
+}
+
+void ToolsViewExport::exportInterval() {
+    ui->saveButton->setEnabled(true);
+}
+
+void ToolsViewExport::controlTextDidChange(Export &entry) {
+    entry.workingLocation = entry.location->text().toStdString();
+    entry.location->setPlaceholderText({});
+    ui->saveButton->setEnabled(true);
+}
+
+void ToolsViewExport::onSave() {
+    m_settings.set(m_text.kind->intervalKey, m_text.workingInterval);
+    m_settings.set(m_database.kind->intervalKey, m_database.workingInterval);
+    m_settings.setText(m_text.kind->locationKey, m_text.workingLocation);
+    m_settings.setText(m_database.kind->locationKey, m_database.workingLocation);
+    m_delegate.saveSettings(m_settings.working());
+    onCancel();
+}
+
+void ToolsViewExport::onCancel() {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->selectTab(parentTab);
+    }
+}
+
+}  // namespace quorbel
