@@ -1,0 +1,57 @@
+#include "actions/ActionCommandEvent.h"
+
+#include "actions/ActionView.h"
+#include "core/SettingsDocument.h"
+#include "core/Severity.h"
+#include "platform/gui/QtText.h"
+#include "ui_ActionCommandEvent.h"
+
+#include <string>
+
+namespace quorbel {
+
+ActionCommandEvent::ActionCommandEvent(QWidget *parent)
+    : ActionCommandSheet(&ActionView::setEvent, parent),
+      ui(std::make_unique<Ui::ActionCommandEvent>()) {
+    ui->setupUi(this);
+}
+
+ActionCommandEvent::~ActionCommandEvent() = default;
+
+void ActionCommandEvent::viewDidLoad() {
+    setWindowTitle(QStringLiteral("Quorbel Event"));
+    for (const SeverityClass &severity : kSeverityClasses) {
+        if (!severity.name.empty()) {
+            ui->eventType->addItem(toQString(severity.name));
+        }
+    }
+    connect(ui->onSave, &QAbstractButton::clicked, this, &ActionCommandEvent::onSave);
+    connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionCommandEvent::onCancel);
+}
+
+void ActionCommandEvent::viewWillAppear() {
+    if (const Dictionary *setEvent = reaction()) {
+        const auto type = settingText(*setEvent, "Type");
+        // No item is selected when none is the stored one.
+        ui->eventType->setCurrentIndex(type ? ui->eventType->findText(toQString(*type)) : 0);
+        if (const auto format = settingText(*setEvent, "Format")) {
+            ui->eventFormat->setStoredText(*format);
+        }
+    }
+    ui->eventBlank->setFocus();
+}
+
+void ActionCommandEvent::onSave() {
+    if (Dictionary *setEvent = reaction()) {
+        const std::string format = ui->eventFormat->storedText();
+        if (format.empty()) {
+            *setEvent = {};
+        } else {
+            setEvent->set("Type", ui->eventType->currentText().toStdString());
+            setEvent->set("Format", format);
+        }
+    }
+    onCancel();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,150 @@
+#include "actions/ToolsViewActions.h"
+
+#include "core/AppDelegate.h"
+#include "platform/gui/Sheet.h"
+#include "settings/RecordList.h"
+#include "settings/RecordTableModel.h"
+#include "ui_ToolsViewActions.h"
+
+#include <QKeySequence>
+#include <QStringList>
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::string_view kActionsKey = "actionsArray";
+constexpr std::array kColumnWidths = {190, 150, 86, 116, 160};
+
+/// Which reactions of an action are on.
+QString reactions(const Dictionary &record) {
+    constexpr std::array<std::pair<std::string_view, const char *>, 3> kWords{
+        {{"runCommand", "Command"}, {"sendEmail", "E-mail"}, {"setEvent", "Event"}}};
+    QStringList words;
+    for (const auto &[key, word] : kWords) {
+        if (!settingDictionary(record, key).empty()) {
+            words += QString::fromLatin1(word);
+        }
+    }
+    return words.join(QStringLiteral(", "));
+}
+
+bool areEqualActions(const Value &left, const Value &right) {
+    return left == right;
+}
+
+}  // namespace
+
+ToolsViewActions::ToolsViewActions(AppDelegate &delegate, const Storyboard &storyboard,
+                                   QWidget *parent)
+    : Page(parent),
+      m_delegate(delegate),
+      m_storyboard(storyboard),
+      ui(std::make_unique<Ui::ToolsViewActions>()) {
+    ui->setupUi(this);
+    auto *controller = new RecordTableModel(this);
+    controller->setObjectName(QStringLiteral("actionsController"));
+    controller->setLastColumn(QStringLiteral("Reactions"), &reactions);
+    m_actions = new RecordList({.table = ui->actionsTable,
+                                .edit = ui->actionsEdit,
+                                .remove = ui->actionsRemove,
+                                .controller = controller,
+                                .working = &m_actionsArray,
+                                .areEqual = &areEqualActions,
+                                .columnWidths = kColumnWidths},
+                               this);
+}
+
+ToolsViewActions::~ToolsViewActions() = default;
+
+void ToolsViewActions::viewDidLoad() {
+    setWhiteBackground();
+    ui->saveButton->setShortcut(QKeySequence::Save);
+    ui->actionsTable->setHint(
+        QStringLiteral("No actions yet.\nAdd one to run a command, send an e-mail or set an event "
+                       "when certain events arrive."));
+    for (QAbstractButton *button : {ui->automaticActionsAdd, ui->actionsEdit}) {
+        connect(button, &QAbstractButton::clicked, this,
+                [this, button] { automaticActions(*button); });
+    }
+    connect(m_actions, &RecordList::clicked, this, &ToolsViewActions::automaticActionsTable);
+    connect(m_actions, &RecordList::editRequested, this,
+            [this] { automaticActions(*ui->actionsEdit); });
+    connect(ui->actionsRemove, &QAbstractButton::clicked, this, &ToolsViewActions::removeActions);
+    connect(ui->emailServer, &QAbstractButton::clicked, this, &ToolsViewActions::emailServer);
+    connect(ui->emailFormat, &QAbstractButton::clicked, this, &ToolsViewActions::emailFormat);
+    connect(ui->emailTest, &QAbstractButton::clicked, this, &ToolsViewActions::emailTest);
+    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewActions::onSave);
+    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewActions::onCancel);
+}
+
+void ToolsViewActions::viewWillAppear() {
+    ui->saveButton->setEnabled(false);
+    m_settings.load(AppDelegate::readSettings());
+    m_actionsArray = settingArray(m_settings.working(), kActionsKey);
+    m_actions->load();
+}
+
+void ToolsViewActions::viewDidAppear() {
+    ui->actionsTable->setFocus();
+}
+
+void ToolsViewActions::automaticActionsTable() {
+    m_actions->followSelection();
+}
+
+void ToolsViewActions::automaticActions(const QAbstractButton &sender) {
+    if (sender.text().contains(QStringLiteral("Add"))) {
+        m_actions->deselect();
+    }
+    present(QStringLiteral("actionView"));
+}
+
+void ToolsViewActions::removeActions() {
+    if (m_actions->removeSelected()) {
+        ui->saveButton->setEnabled(true);
+    }
+}
+
+void ToolsViewActions::emailServer() {
+    present(QStringLiteral("emailServer"));
+}
+
+void ToolsViewActions::emailFormat() {
+    present(QStringLiteral("emailFormat"));
+}
+
+void ToolsViewActions::emailTest() {
+    present(QStringLiteral("emailTest"));
+}
+
+void ToolsViewActions::present(const QString &sheet) {
+    presentSheet(m_storyboard, sheet, this);
+}
+
+std::optional<Dictionary> ToolsViewActions::selectedRecord() const {
+    return m_actions->selectedRecord();
+}
+
+void ToolsViewActions::storeRecord(const Dictionary &record) {
+    m_actions->store(record);
+    ui->saveButton->setEnabled(true);
+}
+
+void ToolsViewActions::onSave() {
+    m_settings.set(kActionsKey, m_actionsArray);
+    m_delegate.saveSettings(m_settings.working());
+    onCancel();
+}
+
+void ToolsViewActions::onCancel() {
+    if (MainWindowLink *window = m_delegate.mainWindow()) {
+        window->selectTab(parentTab);
+    }
+}
+
+}  // namespace quorbel

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "core/PageLinks.h"
+#include "core/SettingsDocument.h"
+#include "platform/gui/Page.h"
+
+#include <memory>
+#include <optional>
+
+class QAbstractButton;
+
+namespace Ui {
+class ToolsViewActions;
+}
+
+namespace quorbel {
+
+class AppDelegate;
+class RecordList;
+class Storyboard;
+
+/// The actions page: what the service does by itself when certain events arrive.
+class ToolsViewActions : public Page, public SettingsPageLink {
+    Q_OBJECT
+
+public:
+    /// Both outlive the page.
+    ToolsViewActions(AppDelegate &delegate, const Storyboard &storyboard,
+                     QWidget *parent = nullptr);
+    ~ToolsViewActions() override;
+
+    void viewDidLoad() override;
+    void viewWillAppear() override;
+    void viewDidAppear() override;
+
+    void automaticActionsTable();
+    /// Opens the editor: for a new action when the button's title says "Add", otherwise for the
+    /// selected one.
+    void automaticActions(const QAbstractButton &sender);
+    void removeActions();
+    void emailServer();
+    void emailFormat();
+    void emailTest();
+    void onSave();
+    void onCancel();
+
+    // For the editor, which is presented over this page.
+
+    /// The record to edit; nothing when no row is selected: then a new one is made.
+    [[nodiscard]] std::optional<Dictionary> selectedRecord() const;
+    /// Puts a record in the place of the selected one, or at the end when no row is selected.
+    void storeRecord(const Dictionary &record);
+
+private:
+    void present(const QString &sheet);
+
+    AppDelegate &m_delegate;
+    const Storyboard &m_storyboard;
+    std::unique_ptr<Ui::ToolsViewActions> ui;
+    SettingsCycle m_settings;
+    Array m_actionsArray;
+    RecordList *m_actions = nullptr;
+};
+
+}  // namespace quorbel
