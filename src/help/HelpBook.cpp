@@ -12,8 +12,8 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array kFiles{"getting-started", "pages",    "ratings",
-                            "devices",         "settings", "nothing-arrives"};
+constexpr std::array kFiles{"getting-started", "pages",   "ratings", "reports", "devices",
+                            "settings",        "actions", "export",  "service", "nothing-arrives"};
 
 HelpChapter loadChapter(const QString &name) {
     HelpChapter chapter;
@@ -33,6 +33,7 @@ HelpChapter loadChapter(const QString &name) {
 
 std::vector<HelpChapter> loadHelpBook() {
     std::vector<HelpChapter> book;
+    book.reserve(kFiles.size());
     for (const char *name : kFiles) {
         book.push_back(loadChapter(QString::fromLatin1(name)));
     }

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QTextBlock>
 #include <QTextCursor>
 
@@ -33,6 +34,13 @@ std::vector<Picture> picturesIn(const QTextDocument &document) {
     return pictures;
 }
 
+/// The windows in the pictures are as white as the page.
+void outline(QImage &picture) {
+    QPainter painter(&picture);
+    painter.setPen(QColor(0xd5, 0xda, 0xe1));
+    painter.drawRect(picture.rect().adjusted(0, 0, -1, -1));
+}
+
 }  // namespace
 
 HelpBrowser::HelpBrowser(QWidget *parent) : QTextBrowser(parent) {
@@ -49,6 +57,20 @@ HelpBrowser::HelpBrowser(QWidget *parent) : QTextBrowser(parent) {
             scrollToAnchor(url.fragment());
         }
     });
+}
+
+QVariant HelpBrowser::loadResource(int type, const QUrl &name) {
+    QVariant resource = QTextBrowser::loadResource(type, name);
+    if (type == QTextDocument::HtmlResource) {
+        // Only cells of tables have room between their ground's edge and the text.
+        QByteArray html = resource.toByteArray();
+        html.replace("<pre>",
+                     "<table border=\"0\" cellspacing=\"0\" cellpadding=\"9\" width=\"99%\">"
+                     "<tr><td class=\"code\"><pre>");
+        html.replace("</pre>", "</pre></td></tr></table>");
+        resource = html;
+    }
+    return resource;
 }
 
 void HelpBrowser::resizeEvent(QResizeEvent *event) {
@@ -71,10 +93,11 @@ void HelpBrowser::fitPictures() {
         // The document itself would scale without smoothing.
         const double ratio = devicePixelRatioF();
         QImage scaled = original.scaledToWidth(qRound(width * ratio), Qt::SmoothTransformation);
+        outline(scaled);
         scaled.setDevicePixelRatio(ratio);
         document()->addResource(QTextDocument::ImageResource, url, scaled);
         picture.format.setWidth(width);
-        picture.format.setHeight(width * original.height() / original.width());
+        picture.format.setHeight(scaled.height() / ratio);
         QTextCursor cursor(document());
         cursor.setPosition(picture.position);
         cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);

@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// Shows one chapter: pictures no wider than the text, search words marked. Links to other chapters
-/// open here, all others in the web browser.
+/// Shows one chapter: pictures no wider than the text, commands on a ground of their own, search
+/// words marked. Links to other chapters open here, all others in the web browser.
 class HelpBrowser : public QTextBrowser {
     Q_OBJECT
 
@@ -15,6 +15,8 @@ public:
 
     /// Marks every place where one of the words stands, and shows the first.
     void mark(const QStringList &words);
+
+    QVariant loadResource(int type, const QUrl &name) override;
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

@@ -1,9 +1,6 @@
 // The whole way of an event: a real sender, the real service on a real bus, the real window.
 
-#include "core/AppDelegate.h"
-#include "platform/gui/Storyboard.h"
-#include "shell/MainStoryboard.h"
-#include "shell/WindowController.h"
+#include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
@@ -27,27 +24,19 @@ namespace quorbel {
 
 namespace {
 
-/// The front-end as main() puts it together, without its process.
-struct FrontEnd {
-    FrontEnd() {
-        fillMainStoryboard(storyboard, delegate);
-        window = std::make_unique<WindowController>(delegate, storyboard);
-        window->windowDidLoad();
-        window->makeVisible();
-    }
+/// The front-end with what these tests look at.
+struct FrontEnd : testing::FrontEnd {
     QTableView &table() const {
-        return *window->findChild<QTableView *>(QStringLiteral("tableView"));
+        auto &page = control<QWidget>("ScanView");
+        return *page.findChild<QTableView *>(QStringLiteral("tableView"));
     }
     int rows() const { return table().model()->rowCount(); }
     QString cell(int row, int column) const {
         return table().model()->index(row, column).data().toString();
     }
-    QString label(const char *name) const {
-        return window->findChild<QLabel *>(QLatin1String(name))->text();
-    }
+    QString label(const char *name) const { return control<QLabel>(name).text(); }
     void click(const char *name) const {
-        QTest::mouseClick(window->findChild<QAbstractButton *>(QLatin1String(name)),
-                          Qt::LeftButton);
+        QTest::mouseClick(&control<QAbstractButton>(name), Qt::LeftButton);
     }
     /// How often each message is listed.
     std::map<QString, int> messages() const {
@@ -57,10 +46,6 @@ struct FrontEnd {
         }
         return counts;
     }
-
-    AppDelegate delegate;
-    Storyboard storyboard;
-    std::unique_ptr<WindowController> window;
 };
 
 }  // namespace

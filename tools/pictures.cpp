@@ -1,0 +1,307 @@
+// Takes the pictures of the windows: quorbel-pictures FOLDER [SUFFIX [NAME...]]
+//
+// Puts the real front-end together over prepared log files and settings, goes to each page and
+// sheet through its controls, and saves what the display shows as FOLDER/NAME SUFFIX.png. Needs an
+// X display with a window manager; tools/screenshots brings one along.
+
+#include "SampleLibrary.h"
+#include "platform/gui/Appearance.h"
+#include "support/FrontEnd.h"
+#include "support/PrivateBus.h"
+#include "support/ServiceStandIn.h"
+#include "support/TemporaryFolder.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <iterator>
+#include <vector>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kSettleMs = 400;
+
+class Stage : public testing::FrontEnd {
+public:
+    explicit Stage(testing::ServiceStandIn &service) : m_service(service) {
+        QTest::qWait(kSettleMs);
+    }
+
+    void click(const char *name) const {
+        QTest::mouseClick(&control<QAbstractButton>(name), Qt::LeftButton);
+        QTest::qWait(kSettleMs);
+    }
+    void clickRow(const char *page, const char *table, int row, int column = 0,
+                  bool twice = false) const {
+        auto &view = *control<QWidget>(page).findChild<QTableView *>(QLatin1String(table));
+        const QPoint point = view.visualRect(view.model()->index(row, column)).center();
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, point);
+        if (twice) {
+            QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, point);
+        }
+        QTest::qWait(kSettleMs);
+    }
+    void clickIn(const char *container, const char *name) const {
+        auto &place = control<QWidget>(container);
+        QTest::mouseClick(place.findChild<QAbstractButton *>(QLatin1String(name)), Qt::LeftButton);
+        QTest::qWait(kSettleMs);
+    }
+    /// Chooses the item with the arrow keys, from a list without a choice or on its first item.
+    void choose(const char *name, int item) const {
+        auto &list = control<QComboBox>(name);
+        while (list.currentIndex() < item) {
+            QTest::keyClick(&list, Qt::Key_Down);
+        }
+    }
+    /// Scrolls so far down that the control is in sight.
+    void scrollTo(const char *area, const char *name) const {
+        control<QScrollArea>(area).verticalScrollBar()->setValue(
+            control<QWidget>(name).mapTo(control<QScrollArea>(area).widget(), QPoint()).y() - 12);
+        QTest::qWait(kSettleMs);
+    }
+    void notify(const testing::ServiceStandIn::UserInfo &event) const { m_service.notify(event); }
+
+    /// The visible window of this name; null when it does not appear.
+    static QWidget *shownWindow(const char *name) {
+        QElapsedTimer waited;
+        waited.start();
+        while (waited.elapsed() < 10'000) {
+            for (QWidget *window : QApplication::topLevelWidgets()) {
+                if (window->objectName() == QLatin1String(name) && window->isVisible()) {
+                    return window;
+                }
+            }
+            QTest::qWait(20);
+        }
+        return nullptr;
+    }
+
+private:
+    testing::ServiceStandIn &m_service;
+};
+
+struct Picture {
+    const char *name;
+    Sample sample;
+    const char *window;  ///< whose window is shown
+    std::function<void(Stage &)> prepare;
+};
+
+testing::ServiceStandIn::UserInfo alertingEvent(const char *priority, const char *message) {
+    return {{"Type", "Set"},
+            {"Date", "1790000000"},
+            {"Priority", priority},
+            {"Host", "core-sw1.example.org"},
+            {"Message", message}};
+}
+
+void waitForPopup(const Stage &stage, const char *priority, const char *message) {
+    stage.click("Scan");
+    stage.notify(alertingEvent(priority, message));
+    Stage::shownWindow("popupWindow");
+    QTest::qWait(1400);  // until it has grown
+}
+
+void openOptions(const Stage &stage) {
+    stage.click("Tools");
+    stage.click("toolsOptions");
+}
+
+void openActions(const Stage &stage) {
+    stage.click("Tools");
+    stage.click("toolsActions");
+}
+
+void editFirstAction(const Stage &stage) {
+    openActions(stage);
+    stage.clickRow("ToolsViewActions", "actionsTable", 0);
+    stage.click("actionsEdit");
+}
+
+/// Opens a sheet of the action editor.
+std::function<void(Stage &)> editing(const char *link) {
+    return [link](const Stage &stage) {
+        editFirstAction(stage);
+        stage.click(link);
+    };
+}
+
+/// Opens a sheet of the actions page.
+std::function<void(Stage &)> fromActions(const char *link) {
+    return [link](const Stage &stage) {
+        openActions(stage);
+        stage.click(link);
+    };
+}
+
+/// Shows a report, with the first group expanded if asked for.
+std::function<void(Stage &)> report(int kind, bool expand) {
+    return [kind, expand](const Stage &stage) {
+        stage.click("Reports");
+        stage.choose("reportName", kind);
+        stage.click("reportDisplay");
+        if (expand) {
+            stage.clickRow("ReportsView", "tableView", 0);
+        }
+    };
+}
+
+std::vector<Picture> settingsPictures() {
+    const auto optionsAt = [](const char *name) {
+        return [name](const Stage &stage) {
+            openOptions(stage);
+            stage.scrollTo("scrollView", name);
+        };
+    };
+    return {
+        {"tools", Sample::kBad, "WindowController", [](Stage &stage) { stage.click("Tools"); }},
+        {"options", Sample::kBad, "WindowController", openOptions},
+        {"options-retention", Sample::kBad, "WindowController", optionsAt("removalEmergency")},
+        {"options-alerts", Sample::kBad, "WindowController", optionsAt("popupEventsDisplay")},
+        {"options-filters", Sample::kBad, "WindowController", optionsAt("includeFiltersTable")},
+        {"options-empty", Sample::kEmpty, "WindowController", openOptions},
+        {"filter", Sample::kBad, "filterView",
+         [](Stage &stage) {
+             openOptions(stage);
+             stage.scrollTo("scrollView", "excludeFiltersTable");
+             stage.clickRow("ToolsViewOptions", "excludeFiltersTable", 1);
+             stage.click("excludeFiltersEdit");
+         }},
+        {"actions", Sample::kBad, "WindowController", openActions},
+        {"actions-empty", Sample::kEmpty, "WindowController", openActions},
+        {"action", Sample::kBad, "actionView", editFirstAction},
+        {"action-run", Sample::kBad, "commandRun", editing("actionRunText")},
+        {"action-email", Sample::kBad, "commandEmail", editing("actionEmailText")},
+        {"action-event", Sample::kBad, "commandEvent", editing("actionEventText")},
+        {"email-server", Sample::kBad, "emailServer", fromActions("emailServer")},
+        {"email-format", Sample::kBad, "emailFormat", fromActions("emailFormat")},
+        {"email-test", Sample::kBad, "emailTest", fromActions("emailTest")},
+        {"export", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Tools");
+             stage.click("toolsExport");
+         }},
+    };
+}
+
+std::vector<Picture> pictures() {
+    const auto nothing = [](Stage & /*stage*/) {};
+    const auto events = [](Stage &stage) { stage.click("Scan"); };
+    std::vector<Picture> all{
+        {"home-normal", Sample::kQuiet, "WindowController", nothing},
+        {"home-moderate", Sample::kBusy, "WindowController", nothing},
+        {"home-severe", Sample::kBad, "WindowController", nothing},
+        {"events-empty", Sample::kEmpty, "WindowController", events},
+        {"events", Sample::kBad, "WindowController", events},
+        {"events-long", Sample::kLongTexts, "WindowController", events},
+        {"details", Sample::kBad, "eventView",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.clickRow("ScanView", "tableView", 1, 4, true);
+         }},
+        {"details-long", Sample::kLongTexts, "eventView",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.clickRow("ScanView", "tableView", 4, 4, true);
+         }},
+        {"popup-normal", Sample::kQuiet, "popupWindow",
+         [](Stage &stage) {
+             waitForPopup(stage, "Local7.Informational", "Interface Gi0/12 is up, 1000 Mbit/s");
+         }},
+        {"popup-moderate", Sample::kQuiet, "popupWindow",
+         [](Stage &stage) {
+             waitForPopup(stage, "Local7.Warning", "Fan 2 runs at 38 % of its nominal speed");
+         }},
+        {"popup-severe", Sample::kQuiet, "popupWindow",
+         [](Stage &stage) {
+             waitForPopup(stage, "Kern.Critical",
+                          "Power supply 1 has failed; the chassis runs on power supply 2 alone");
+         }},
+        {"about", Sample::kQuiet, "aboutView",
+         [](Stage &stage) {
+             stage.window->About();
+             QTest::qWait(kSettleMs);
+         }},
+        {"help", Sample::kQuiet, "helpWindow",
+         [](Stage &stage) {
+             stage.window->Help();
+             QTest::qWait(kSettleMs);
+         }},
+        {"reports-empty", Sample::kBad, "WindowController",
+         [](Stage &stage) { stage.click("Reports"); }},
+        {"reports-host", Sample::kBad, "WindowController", report(0, false)},
+        {"reports-host-expanded", Sample::kBad, "WindowController", report(0, true)},
+        {"reports-message", Sample::kBad, "WindowController", report(1, false)},
+        {"reports-message-expanded", Sample::kBad, "WindowController", report(1, true)},
+        {"reports-priority", Sample::kBad, "WindowController", report(2, false)},
+        {"reports-priority-expanded", Sample::kBad, "WindowController", report(2, true)},
+        {"reports-date", Sample::kBad, "WindowController", report(3, false)},
+        {"reports-date-expanded", Sample::kBad, "WindowController", report(3, true)},
+    };
+    std::ranges::move(settingsPictures(), std::back_inserter(all));
+    return all;
+}
+
+bool save(const Picture &picture, testing::ServiceStandIn &service, const QString &file) {
+    const testing::TemporaryFolder library;
+    writeSample(picture.sample, library);
+    qputenv("QUORBEL_LIBRARY", library.path().c_str());
+    Stage stage(service);
+    picture.prepare(stage);
+    QWidget *window = Stage::shownWindow(picture.window);
+    if (window == nullptr) {
+        return false;
+    }
+    QTest::qWait(kSettleMs);
+    return window->screen()->grabWindow(window->winId()).save(file);
+}
+
+int run(const QStringList &arguments) {
+    const QString folder = arguments.value(1);
+    const QString suffix = arguments.value(2);
+    const QStringList wanted = arguments.mid(3);
+    const testing::PrivateBus bus;
+    testing::ServiceStandIn service;
+    bool all = true;
+    for (const Picture &picture : pictures()) {
+        const QString name = QLatin1String(picture.name);
+        if (!wanted.isEmpty() && !wanted.contains(name)) {
+            continue;
+        }
+        if (!save(picture, service,
+                  folder + QLatin1Char('/') + name + suffix + QStringLiteral(".png"))) {
+            std::fprintf(stderr, "%s could not be taken\n", picture.name);
+            all = false;
+        }
+    }
+    return all ? 0 : 1;
+}
+
+}  // namespace
+
+}  // namespace quorbel
+
+int main(int argc, char **argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quorbel"));
+    QApplication::setApplicationVersion(QStringLiteral(QUORBEL_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+    quorbel::applyAppearance(application);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s FOLDER [SUFFIX [NAME...]]\n", argv[0]);
+        return 2;
+    }
+    return quorbel::run(QApplication::arguments());
+}
