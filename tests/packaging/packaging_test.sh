@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# What an installation puts in place, and whether the system's own tools take it:
+# packaging_test.sh BUILD
+set -eu
+build=$1
+root=$(mktemp -d)
+trap 'rm -rf -- "$root"' EXIT
+failures=0
+
+check() { # check WHAT COMMAND...
+    local what=$1
+    shift
+    "$@" || { echo "FAILED: $what"; failures=$((failures + 1)); }
+}
+# quietly COMMAND...: its output only when it fails.
+# shellcheck disable=SC2317  # check() calls it
+quietly() {
+    local output
+    output=$("$@" 2>&1) || { echo "$output"; return 1; }
+}
+# with TOOL: whether it is here; says so when it is not.
+with() { command -v "$1" >/dev/null || { echo "Left out: there is no $1 here."; return 1; }; }
+
+prefix=$(sed -n 's/^CMAKE_INSTALL_PREFIX:PATH=//p' "$build/CMakeCache.txt")
+policies=/etc/dbus-1/system.d
+[ "$prefix" != /usr ] || policies=/usr/share/dbus-1/system.d
+DESTDIR=$root cmake --install "$build" >/dev/null
+expected="\
+$policies/com.Halvern.QuorbelSrv.conf 644
+$prefix/lib/sysctl.d/60-quorbel.conf 644
+$prefix/lib/systemd/system/quorbelsrv.service 644
+$prefix/lib/sysusers.d/quorbel.conf 644
+$prefix/lib/tmpfiles.d/quorbel.conf 644
+$prefix/sbin/QuorbelSrv 755
+$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644"
+installed=$(cd "$root" && find . -type f -printf '/%P %m\n' | sort)
+check "exactly our files are installed" diff <(sort <<<"$expected") <(echo "$installed")
+
+unit=$root$prefix/lib/systemd/system/quorbelsrv.service
+bus_unit=$root$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service
+policy=$root$policies/com.Halvern.QuorbelSrv.conf
+check "the unit starts what was installed" grep -qx "ExecStart=$prefix/sbin/QuorbelSrv" "$unit"
+check "the bus starts the unit" grep -qx "SystemdService=$(basename "$unit")" "$bus_unit"
+check "the bus starts it for our name" \
+    grep -qx "Name=$(basename "$bus_unit" .service)" "$bus_unit"
+check "the policy is about our name only" \
+    test "$(grep -o 'com\.[A-Za-z.]*' "$policy" | sort -u)" = "$(basename "$bus_unit" .service)"
+check "no capability but for low ports" \
+    test "$(sed -n 's/^\(Ambient\|Bounding\).*=//p; s/^CapabilityBoundingSet=//p' "$unit" |
+        sort -u)" = CAP_NET_BIND_SERVICE
+
+if with systemd-analyze; then
+    check "the unit exposes at most 2.0" quietly systemd-analyze security --no-pager \
+        --offline=true --threshold=20 "$unit"
+fi
+if with systemd-sysusers; then
+    mkdir -p "$root/etc"
+    systemd-sysusers --root="$root" "$root$prefix/lib/sysusers.d/quorbel.conf" >/dev/null 2>&1
+    check "the user owns the folder" grep -q '^quorbel:.*:/Library/Quorbel:' "$root/etc/passwd"
+    check "the user cannot log in" grep -q '^quorbel:.*/nologin$' "$root/etc/passwd"
+    check "the group is there" grep -q '^quorbel:' "$root/etc/group"
+fi
+if with systemd-tmpfiles && with systemd-sysusers && [ "$(id -u)" -eq 0 ]; then
+    systemd-tmpfiles --root="$root" --create "$root$prefix/lib/tmpfiles.d/quorbel.conf"
+    id=$(awk -F: '$1 == "quorbel" { print $3 }' "$root/etc/passwd")
+    gid=$(awk -F: '$1 == "quorbel" { print $3 }' "$root/etc/group")
+    check "the folder is the service's own" \
+        test "$(stat -c '%a %u %g' "$root/Library/Quorbel")" = "750 $id $gid"
+    check "the folder above it is root's" test "$(stat -c '%a %u' "$root/Library")" = "755 0"
+fi
+
+[ "$failures" -eq 0 ] && echo "All checks passed."
+exit "$((failures > 0))"
