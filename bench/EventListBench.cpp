@@ -1,4 +1,5 @@
-// The event list with one and two million events: loading, memory, showing, removing, deleting.
+// The event list with one and two million events: loading, memory, showing, removing, deleting,
+// exporting.
 
 #include "Measure.h"
 #include "SampleLog.h"
@@ -11,8 +12,12 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -169,6 +174,49 @@ bool benchDeleting(const std::filesystem::path &folder, double spacing, const ch
     return report(std::string("deleting all of 1 million rows, ") + span, seconds, "s", true, 2);
 }
 
+/// Exports every row through the page's own panel, and watches how often the windows are painted.
+bool benchExporting(const std::filesystem::path &folder) {
+    const std::size_t bytes = writeSampleLog(folder / "sample.log", 1'000'000, 0.08);
+    Fixture fixture;
+    fixture.load();
+    fixture.show();
+    fixture.page.exportEvents();
+    fixture.press("OK", true);
+    QApplication::processEvents();
+    auto *panel = fixture.page.findChild<QFileDialog *>(QStringLiteral("filePanel"));
+    const auto file = folder / "export.txt";
+    panel->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"))
+        ->setText(QString::fromStdString(file.string()));
+    double longest = 0;
+    Stopwatch sinceLast;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&] {
+        longest = std::max(longest, sinceLast.seconds());
+        sinceLast = {};
+    });
+    const std::size_t before = residentBytes();
+    panel->findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"))
+        ->button(QDialogButtonBox::Save)
+        ->click();
+    // From the first painting on: until the progress shows itself, half a second may pass.
+    QTimer::singleShot(0, [&] {
+        sinceLast = {};
+        tick.start(0);
+    });
+    const Stopwatch watch;
+    while (!std::filesystem::exists(file)) {
+        QApplication::processEvents();
+    }
+    const double seconds = watch.seconds();
+    const auto grown = static_cast<double>(residentBytes()) - static_cast<double>(before);
+    std::filesystem::remove(file);
+    bool reached = report("exporting 1 million rows", seconds, "s", true, 5);
+    reached &= report("memory that takes, times the file", grown / static_cast<double>(bytes),
+                      "of bytes", true, 0.2);
+    reached &= report("longest time without painting meanwhile", longest, "s", true, 0.1);
+    return reached;
+}
+
 int run(const std::filesystem::path &folder, const std::string &part) {
     setenv("QUORBEL_LIBRARY", folder.c_str(), 1);                    // NOLINT
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);  // NOLINT
@@ -188,6 +236,9 @@ int run(const std::filesystem::path &folder, const std::string &part) {
         reached &= benchDeleting(folder, 0.08, "one day");
         reached &= benchDeleting(folder, 2.6, "one month");
     }
+    if (part.empty() || part == "export") {
+        reached &= benchExporting(folder);
+    }
     return reached ? 0 : 1;
 }
 
@@ -197,7 +248,7 @@ int run(const std::filesystem::path &folder, const std::string &part) {
 int main(int argc, char **argv) {
     const QApplication application(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s EMPTY-FOLDER [load|show|remove|delete]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s EMPTY-FOLDER [load|show|remove|delete|export]\n", argv[0]);
         return 2;
     }
     return quorbel::bench::run(argv[1], argc > 2 ? argv[2] : "");

@@ -3,13 +3,10 @@
 
 #include "Measure.h"
 #include "SampleLog.h"
-#include "core/AppDelegate.h"
 #include "core/EventList.h"
 #include "core/LogReader.h"
 #include "platform/bus/BusNames.h"
-#include "platform/gui/Storyboard.h"
-#include "shell/MainStoryboard.h"
-#include "shell/WindowController.h"
+#include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
 #include "support/TemporaryFolder.h"
@@ -77,22 +74,14 @@ double bareRate(testing::ServiceStandIn &service) {
     return rate;
 }
 
-/// The front-end as main() puts it together, with the event list on screen.
-struct FrontEnd {
+/// The front-end with the event list on screen.
+struct FrontEnd : testing::FrontEnd {
     FrontEnd() {
-        fillMainStoryboard(storyboard, delegate);
-        window = std::make_unique<WindowController>(delegate, storyboard);
-        window->windowDidLoad();
-        window->makeVisible();
         window->Scan();
-        auto *page = window->findChild<QWidget *>(QStringLiteral("ScanView"));
-        list = &dynamic_cast<EventListPageLink &>(*page).arrController();
+        list = &dynamic_cast<EventListPageLink &>(control<QWidget>("ScanView")).arrController();
         QApplication::processEvents();
     }
 
-    AppDelegate delegate;
-    Storyboard storyboard;
-    std::unique_ptr<WindowController> window;
     EventList *list = nullptr;
 };
 
