@@ -134,8 +134,10 @@ void Service::stop() {
     m_tcp.drain(Clock::now() + std::chrono::seconds(1));
     m_tls.drain(Clock::now() + std::chrono::seconds(1));
     finishTelling();
+    m_notifications.dropAll();
     m_commands.stop();
     m_actions.report(Actions::Clock::time_point::max());
+    m_commandRunner.stop();
     m_mail.drain(Clock::now() + std::chrono::seconds(5));
     reportCounters();
 }

@@ -54,6 +54,17 @@ TEST(NotificationQueue, DropsAndCountsTheOldestWhenThereAreTooMany) {
     EXPECT_EQ(queue.front().line, line(5));
 }
 
+TEST(NotificationQueue, CountsWhatIsDroppedAtTheEnd) {
+    NotificationQueue queue;
+    for (std::size_t i = 0; i < 3; ++i) {
+        queue.push(NotificationType::kSet, line(i));
+    }
+    queue.pop();
+    queue.dropAll();
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(queue.dropped(), 2U);
+}
+
 TEST(NotificationQueue, DropsTheOldestWhenTheyTakeTooMuchRoom) {
     NotificationQueue queue;
     const std::string large = std::string(1021, 'x') + "\r\n";

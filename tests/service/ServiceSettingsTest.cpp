@@ -4,6 +4,7 @@
 #include "platform/bus/CommandSender.h"
 #include "platform/bus/NotificationObserver.h"
 #include "service/ServiceFixture.h"
+#include "service/actions/CommandRunner.h"
 #include "service/store/LogFiles.h"
 #include "support/PrivateBus.h"
 #include "support/SmtpStandIn.h"
@@ -17,8 +18,10 @@
 #include <chrono>
 #include <csignal>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -181,6 +184,18 @@ TEST_F(ServiceSettingsTest, RemovesEventsWithoutABus) {
                 AllOf(HasSubstr("removed 1, "), HasSubstr("notifications dropped 1, ")));
 }
 
+TEST_F(ServiceSettingsTest, CountsWhatNobodyWasToldOf) {
+    service = start();
+    datagrams = connectTo(service->port(), SOCK_DGRAM);
+    for (int i = 0; i < 3; ++i) {
+        send("x");
+    }
+    ASSERT_TRUE(waitForStored(3));
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_THAT(service->journal(), HasSubstr("stored 3, "));
+    EXPECT_THAT(service->journal(), HasSubstr("notifications dropped 3, "));
+}
+
 // Everything that takes its time is under way: files are searched, rewritten and exported, and a
 // stream stands open.
 TEST_F(ServiceSettingsTest, EndsInTheMidstOfItsWork) {
@@ -295,15 +310,24 @@ TEST_F(ServiceSettingsTest, EndsCommandsThatRunWhenItEnds) {
     save({{"actionsArray",
            Array{actionFor("*", "runCommand",
                            {{"Command", "/bin/sh"},
-                            {"Arguments", "-c 'echo $$ > \"$OUT\"; exec sleep 1000'"},
-                            {"Environment", "OUT=" + path("id.txt")}})}}});
-    send("x");
-    ASSERT_TRUE(
-        waitUntil([this] { return readFile(path("id.txt")).value_or("").ends_with('\n'); }));
+                            {"Arguments", "-c 'echo $$ >> \"$OUT\"; exec sleep 1000'"},
+                            {"Environment", "OUT=" + path("ids.txt")}})}}});
+    constexpr std::size_t kWaiting = 2;
+    for (std::size_t i = 0; i < CommandRunner::kMostAtOnce + kWaiting; ++i) {
+        send("x");
+    }
+    const auto ids = [this] {
+        std::istringstream text(readFile(path("ids.txt")).value_or(""));
+        return std::vector<pid_t>(std::istream_iterator<pid_t>(text), {});
+    };
+    ASSERT_TRUE(waitUntil([&] { return ids().size() == CommandRunner::kMostAtOnce; }));
     EXPECT_EQ(service->terminate(), 0);
-    EXPECT_THAT(service->journal(), HasSubstr("the command was ended with the service"));
-    const pid_t id = std::atoi(readFile(path("id.txt")).value_or("").c_str());
-    EXPECT_EQ(::kill(id, 0), -1);
+    EXPECT_THAT(service->journal(), AllOf(HasSubstr("the command was ended with the service"),
+                                          HasSubstr("2 commands of actions were not run"),
+                                          HasSubstr("commands run 4, commands not run 2, ")));
+    for (const pid_t id : ids()) {
+        EXPECT_EQ(::kill(id, 0), -1);
+    }
 }
 
 TEST_F(ServiceSettingsTest, ShowsHostsByName) {

@@ -42,6 +42,12 @@ void NotificationQueue::drop() {
     ++m_dropped;
 }
 
+void NotificationQueue::dropAll() {
+    while (!empty()) {
+        drop();
+    }
+}
+
 /// Where the front notification ends: behind its line feed, the only one that a line holds.
 std::size_t NotificationQueue::frontEnd() const {
     return m_bytes.find('\n', m_begin) + 1;

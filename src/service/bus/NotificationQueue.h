@@ -31,6 +31,7 @@ public:
     void pop();
     /// The same, for a notification that was not sent.
     void drop();
+    void dropAll();
 
     [[nodiscard]] bool empty() const { return m_count == 0; }
     [[nodiscard]] std::size_t size() const { return m_count; }
