@@ -18,6 +18,6 @@ unpack_packages() {
     touch -- "$folder/.complete"
 }
 
-unpack_rsyslog() { unpack_packages "$1" rsyslog libestr0 libfastjson4 liblognorm5; }
+unpack_rsyslog() { unpack_packages "$1" rsyslog rsyslog-openssl libestr0 libfastjson4 liblognorm5; }
 
 unpack_loggen() { unpack_packages "$1" syslog-ng-core libivykis0; }

@@ -1,20 +1,17 @@
 #include "events/ScanViewFixture.h"
 #include "events/TestMessage.h"
+#include "support/PrivateNetwork.h"
 
 #include <QApplication>
 #include <QByteArray>
 #include <QTest>
 
 #include <arpa/inet.h>
-#include <net/if.h>
 #include <netinet/in.h>
-#include <sched.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <optional>
 
@@ -70,29 +67,6 @@ private:
 std::ptrdiff_t openFiles() {
     using Entries = std::filesystem::directory_iterator;
     return std::distance(Entries("/proc/self/fd"), Entries());
-}
-
-void write(const char *path, const std::string &text) {
-    std::ofstream(path) << text;
-}
-
-/// Moves this process to a network of its own, in which every port is free and no message leaves.
-/// False where the system does not let it. Before there is any other thread.
-bool moveToAPrivateNetwork() {
-    const std::string user = std::to_string(::getuid());
-    const std::string group = std::to_string(::getgid());
-    if (::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) {
-        return false;
-    }
-    write("/proc/self/setgroups", "deny");
-    write("/proc/self/uid_map", "0 " + user + " 1");
-    write("/proc/self/gid_map", "0 " + group + " 1");
-    ifreq loopback{.ifr_ifrn = {"lo"}, .ifr_ifru = {}};
-    loopback.ifr_flags = IFF_UP;
-    const int control = ::socket(AF_INET, SOCK_DGRAM, 0);
-    const bool isUp = ::ioctl(control, SIOCSIFFLAGS, &loopback) == 0;
-    ::close(control);
-    return isUp;
 }
 
 bool networkIsPrivate = false;
@@ -152,7 +126,7 @@ private Q_SLOTS:
 }  // namespace quorbel
 
 int main(int argc, char **argv) {
-    quorbel::networkIsPrivate = quorbel::moveToAPrivateNetwork();
+    quorbel::networkIsPrivate = quorbel::testing::moveToAPrivateNetwork();
     const QApplication application(argc, argv);
     quorbel::TestMessageTest test;
     return QTest::qExec(&test, argc, argv);

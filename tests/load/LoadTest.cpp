@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
 #include <string>
 
 namespace quorbel::load {
@@ -114,6 +115,62 @@ TEST_F(LoadTest, AccountsForWhatIsFiltered) {
     const std::uint64_t count = 10'000 * seconds(1);
     // Local0: informational, debug, error.
     account({.count = count, .perSecond = 10'000, .priorities = {134, 134, 135, 131}}, count / 4);
+}
+
+/// A day of long ago: every other event is to go, in files of `count` events each.
+struct OldDays {
+    static constexpr std::uint64_t kDays = 8;
+    std::uint64_t count;
+
+    void write(const testing::TemporaryFolder &folder) const {
+        for (std::uint64_t day = 1; day <= kDays; ++day) {
+            std::string lines;
+            for (std::uint64_t i = 0; i < count; ++i) {
+                lines += std::to_string(1577836800 + (day - 1) * 86'400 + i % 86'400) +
+                         (i % 2 == 0 ? ",User.Error,old,goes " : ",User.Debug,old,stays ") +
+                         std::to_string(i) + "\r\n";
+            }
+            folder.write("2020-01-0" + std::to_string(day) + ".log", lines);
+        }
+    }
+    [[nodiscard]] std::uint64_t kept() const { return kDays * (count / 2); }
+};
+
+// Files are rewritten and exported while their store takes new events.
+TEST_F(LoadTest, StoresWhileOldEventsAreRemovedAndAllAreExported) {
+    const testing::TemporaryFolder exports;
+    const OldDays old{soakOr<std::uint64_t>(500'000, 20'000)};
+    old.write(folder);
+    const auto sizeBefore = file_size(folder.path() / "2020-01-08.log");
+    folder.write("Quorbel.ini",
+                 writeKeyedArchive(
+                     Dictionary{{"removalError", 1},
+                                {"removalErrorUnits", 4},
+                                {"textInterval", 1},
+                                {"textLocation", (exports.path() / "events.txt").string()},
+                                {"databaseInterval", 1},
+                                {"databaseLocation", (exports.path() / "events.db").string()}}));
+    const auto service = start();
+    const Plan plan{.port = service->port(),
+                    .transport = Transport::kTcp,
+                    .count = 10'000 * seconds(2),
+                    .perSecond = 10'000};
+    ASSERT_EQ(send(plan).count, plan.count);
+    // The newest of them comes last.
+    const auto last = folder.path() / "2020-01-08.log";
+    EXPECT_TRUE(waitUntil([&] { return file_size(last) < sizeBefore; }, std::chrono::minutes(5)));
+    ASSERT_TRUE(waitForArrival());
+    ASSERT_EQ(service->terminate(), 0);
+    const std::string journal = service->journal();
+    const Tally found = tally(folder.path(), plan);
+    SCOPED_TRACE(describe(found) + '\n' + journal);
+    EXPECT_TRUE(found.isClean());
+    EXPECT_EQ(found.stored, plan.count);
+    EXPECT_EQ(found.others, old.kept());
+    EXPECT_EQ(counter(journal, "removed"), old.kept());
+    EXPECT_EQ(counter(journal, "stored"), plan.count);
+    figure(std::to_string(old.kept()) + " old events removed while " + std::to_string(plan.count) +
+           " were stored at 10000/s");
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
+#include "load/SoakForm.h"
 #include "platform/Files.h"
+#include "platform/Text.h"
 #include "platform/bus/CommandSender.h"
 #include "service/MailText.h"
 #include "service/UniqueFd.h"
@@ -13,8 +15,13 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -116,6 +123,83 @@ TEST_F(DeliveryTest, SendsTheTestMail) {
     EXPECT_THAT(service->journal(), HasSubstr("e-mails sent 2, e-mails dropped 2"));
     EXPECT_THAT(service->journal(), Not(HasSubstr("s3cret")));
 }
+
+/// A mail server of another maker, which takes nothing from whoever does not log in.
+class OtherMailServer {
+public:
+    OtherMailServer(const std::string &security, const TestAuthority::Issued &identity)
+        : m_pipe(popen(commandFor(security, identity).c_str(), "w"), pclose) {
+        EXPECT_TRUE(waitUntil([this] { return readFile(m_folder.path() / "port").has_value(); }));
+    }
+
+    [[nodiscard]] std::int64_t port() const {
+        return integerValue(readFile(m_folder.path() / "port").value_or(""));
+    }
+    /// A line for each mail, as its own reader sees it.
+    [[nodiscard]] std::string mails() const {
+        return readFile(m_folder.path() / "mails").value_or("");
+    }
+
+private:
+    [[nodiscard]] std::string commandFor(const std::string &security,
+                                         const TestAuthority::Issued &identity) const {
+        return "exec /usr/bin/python3 -W ignore '" QUORBEL_MAIL_SERVER "' " + security + " '" +
+               m_folder.write("cert.pem", identity.certificate).string() + "' '" +
+               m_folder.write("key.pem", identity.key).string() + "' '" + m_folder.path().string() +
+               "'";
+    }
+
+    TemporaryFolder m_folder;
+    std::unique_ptr<FILE, int (*)(FILE *)> m_pipe;  ///< it ends when this closes
+};
+
+struct Secured {
+    const char *setting;
+    const char *option;
+    bool isEncrypted;
+
+    friend void PrintTo(const Secured &secured, std::ostream *stream) {
+        *stream << secured.setting;
+    }
+};
+
+struct OtherMailServerTest : DeliveryTest, ::testing::WithParamInterface<Secured> {};
+
+TEST_P(OtherMailServerTest, GetsTheMails) {
+    const OtherMailServer server(GetParam().option, authority.issue());
+    ASSERT_EQ(save({{"actionsEmailPort", server.port()},
+                    {"actionsEmailServer", "localhost"},
+                    {"actionsEmailSender", "quorbel@example.org"},
+                    {"actionsEmailUsername", "user"},
+                    {"actionsEmailPassword", "s3cret"},
+                    {"actionsEmailSecurity", GetParam().setting}}),
+              "OK");
+    std::string expected;
+    for (int i = 0; i < load::soakOr(300, 3); ++i) {
+        const std::string number = std::to_string(i);
+        EXPECT_EQ(reply({{"command", "email"},
+                         {"Recipients", Array{"first@example.org", "second@example.org"}},
+                         {"Subject", "Gr\u00FC\u00DFe " + number},
+                         {"Body", "<b>" + number + "</b>\r\n.\r\n\u2713\r\n"},
+                         {"Html", true}}),
+                  "OK");
+        expected += R"({"sender": "quorbel@example.org", )"
+                    R"("recipients": ["first@example.org", "second@example.org"], )"
+                    R"("subject": "Gr\u00fc\u00dfe )" +
+                    number + R"(", "type": "text/html", "body": "<b>)" + number +
+                    R"(</b>\r\n.\r\n\u2713\r\n", "encrypted": )" +
+                    (GetParam().isEncrypted ? "true" : "false") + R"(, "login": "user"})" + "\n";
+    }
+    EXPECT_EQ(server.mails(), expected);
+    EXPECT_EQ(service->terminate(), 0);
+    load::figure(std::to_string(std::ranges::count(expected, '\n')) + " mails read back, " +
+                 GetParam().setting);
+}
+
+constexpr Secured kSecured[] = {
+    {"None", "none", false}, {"STARTTLS", "starttls", true}, {"SSL/TLS", "tls", true}};
+INSTANTIATE_TEST_SUITE_P(Delivery, OtherMailServerTest, ::testing::ValuesIn(kSecured),
+                         [](const auto &test) { return std::string(test.param.option); });
 
 TEST_F(DeliveryTest, SendsTheMailOfAnAction) {
     SmtpStandIn server;

@@ -32,16 +32,21 @@ inline ino_t inodeOf(const std::filesystem::path &file) {
     return ::stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
 }
 
-/// What another program reads from a database.
-inline std::string query(const std::filesystem::path &database, const std::string &sql) {
-    const std::string command = "sqlite3 '" + database.string() + "' \"" + sql + "\" 2>&1";
-    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), pclose);
+/// What another program writes, its errors included.
+inline std::string outputOf(const std::string &command) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen((command + " 2>&1").c_str(), "r"),
+                                                      pclose);
     std::string output;
     std::array<char, 4096> buffer{};
     while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe.get())) {
         output.append(buffer.data(), count);
     }
     return output;
+}
+
+/// What another program reads from a database.
+inline std::string query(const std::filesystem::path &database, const std::string &sql) {
+    return outputOf("sqlite3 '" + database.string() + "' \"" + sql + "\"");
 }
 
 struct ExportTest : ::testing::Test {

@@ -46,6 +46,29 @@ TEST_F(ExportTest, TextHoldsWhatTheFrontEndWouldWrite) {
     EXPECT_THAT(listFolder(targets.path()), ElementsAre("out.CSV", "out.csv", "out.txt"));
 }
 
+// The files as a spreadsheet takes them in. Nothing is quoted, so a comma in a message makes one
+// more cell of a csv file.
+TEST_F(ExportTest, ASpreadsheetReadsTheText) {
+    append("2023-11-15.log", line(kNoon, "one, \u201Etwo\u201C") + line(kNoon + 1, "5 \"x\" 'y'"));
+    const auto read = [this](const std::string &name, const std::string &separator) {
+        return outputOf(
+            "/usr/bin/python3 -c 'import csv, sys\n"
+            "for row in csv.reader(open(sys.argv[1], newline=\"\", "
+            "encoding=\"utf-8\"), delimiter=sys.argv[2]): print(\" | \".join(row))' '" +
+            (targets.path() / name).string() + "' '" + separator + "'");
+    };
+    EXPECT_EQ(runText("out.txt", "yyyy-MM-dd HH:mm:ss"), std::nullopt);
+    EXPECT_EQ(read("out.txt", "\t"),
+              "Date | Priority | Host | Message\n"
+              "2023-11-15 12:00:00 | User.Notice | alpha | one, \u201Etwo\u201C\n"
+              "2023-11-15 12:00:01 | User.Notice | alpha | 5 \"x\" 'y'\n");
+    EXPECT_EQ(runText("out.csv"), std::nullopt);
+    EXPECT_EQ(read("out.csv", ","),
+              "Date | Priority | Host | Message\n"
+              "12:00:00 | User.Notice | alpha | one |  \u201Etwo\u201C\n"
+              "12:00:01 | User.Notice | alpha | 5 \"x\" 'y'\n");
+}
+
 TEST_F(ExportTest, TextWithoutEventsIsTheTitles) {
     EXPECT_EQ(runText(), std::nullopt);
     EXPECT_EQ(text(), "Date\tPriority\tHost\tMessage\n");
