@@ -2,7 +2,7 @@
 
 #include "platform/gui/QtText.h"
 
-#include <QEvent>
+#include <QKeyEvent>
 #include <QStyle>
 #include <QTextDocument>
 
@@ -33,6 +33,16 @@ std::string MultiLineField::storedText() const {
 void MultiLineField::scrollToBeginning() {
     moveCursor(QTextCursor::Start);
     ensureCursorVisible();
+}
+
+void MultiLineField::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::InsertLineSeparator) && !isReadOnly()) {
+        // The base class would put a separator of its own here, which ends no line for others.
+        textCursor().insertBlock();
+        ensureCursorVisible();
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
 }
 
 void MultiLineField::changeEvent(QEvent *event) {

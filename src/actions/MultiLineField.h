@@ -21,6 +21,7 @@ public:
     void scrollToBeginning();
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:

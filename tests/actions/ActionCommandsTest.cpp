@@ -126,8 +126,11 @@ private Q_SLOTS:
         area.moveCursor(QTextCursor::End);
         QTest::keyClick(&area, Qt::Key_Return);
         QTest::keyClicks(&area, u"F=g"_s);
+        QTest::keyClick(&area, Qt::Key_Return, Qt::ShiftModifier);
+        QTest::keyClicks(&area, u"H=i"_s);
         m_page->click("onSave");
-        QCOMPARE(settingText(m_editor->runCommand, "Environment"), "A=b\u00A0c\r\nD=e\r\nF=g");
+        QCOMPARE(settingText(m_editor->runCommand, "Environment"),
+                 "A=b\u00A0c\r\nD=e\r\nF=g\r\nH=i");
     }
 
     void runScrollsToTheBeginning() {
