@@ -3,6 +3,7 @@
 #include "core/Facility.h"
 #include "core/SettingsDocument.h"
 #include "core/Severity.h"
+#include "platform/Text.h"
 #include "platform/gui/QtText.h"
 #include "ui_FilterForm.h"
 
@@ -16,10 +17,11 @@ namespace {
 
 constexpr std::string_view kAny = "Any";
 
-/// A stored mask as its field shows it: text that is no whole number shows as 0.
+/// A stored mask as its field shows it: as the number that the service takes it for, so text that
+/// is none shows as 0.
 QString maskText(const Dictionary &record) {
     if (const auto text = settingText(record, "Mask")) {
-        return QString::number(toQString(*text).toLongLong());
+        return QString::number(integerValue(*text));
     }
     return QString::number(settingInteger(record, "Mask"));
 }
