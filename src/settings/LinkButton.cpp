@@ -11,7 +11,11 @@ LinkButton::LinkButton(QWidget *parent) : QPushButton(parent) {
 
 void LinkButton::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();  // as links do; outside of dialogs buttons take the space bar only
+        // As links do; outside of dialogs buttons take the space bar only. A key held down would
+        // open and close what it opens over and over.
+        if (!event->isAutoRepeat()) {
+            click();
+        }
         return;
     }
     QPushButton::keyPressEvent(event);

@@ -60,6 +60,11 @@ private Q_SLOTS:
         QVERIFY(m_page->nothingWasSent());
     }
 
+    void isWhite() {
+        m_page->show();
+        QCOMPARE(m_page->page().palette().color(QPalette::Window), QColor(Qt::white));
+    }
+
     void returnsToWhereItWasOpened() {
         auto &page = dynamic_cast<SettingsPageLink &>((m_page->show(), m_page->page()));
         for (const Tab parent : {Tab::kEvents, Tab::kTools}) {
@@ -156,7 +161,11 @@ private Q_SLOTS:
             QTest::keyClick(&m_page->control(link), Qt::Key_Return);
             QCOMPARE(m_page->openSheetName(), QLatin1StringView(link));
             m_page->click("onCancel");
+            m_page->holdDown(link, Qt::Key_Return);
+            QCOMPARE(m_page->openSheetName(), QLatin1StringView(link));
+            m_page->click("onCancel");
         }
+        QVERIFY(m_page->nothingWasSent());
     }
 
     void otherKeysPassUnchanged() {

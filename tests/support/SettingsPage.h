@@ -13,10 +13,13 @@
 #include "support/WindowStandIn.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QTableView>
 #include <QTest>
 
@@ -101,6 +104,20 @@ public:
         auto &found = control<QAbstractButton>(button);
         // Where the tick of a check box is.
         QTest::mouseClick(&found, Qt::LeftButton, {}, QPoint(8, found.height() / 2));
+    }
+    /// Holds a key of a control down until it has repeated some times, wherever that goes.
+    void holdDown(const QByteArray &name, Qt::Key key) {
+        QPointer<QWidget> target = &control(name);
+        QTest::keyPress(target, key);
+        for (int i = 0; i < 5; ++i) {
+            if (QDialog *sheet = openSheet()) {
+                target = sheet->focusWidget() != nullptr ? sheet->focusWidget() : sheet;
+            } else {
+                target = &control(name);
+            }
+            QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+            QApplication::sendEvent(target, &repeat);
+        }
     }
     /// Types into a field in place of what it holds.
     void type(const QByteArray &field, const QString &text) {

@@ -2,6 +2,8 @@
 
 #include "platform/gui/Storyboard.h"
 
+#include <QKeyEvent>
+
 #include <memory>
 
 namespace quorbel {
@@ -20,6 +22,14 @@ void Sheet::presentOver(QWidget *presenter) {
     // A larger font than the form was drawn with may need more room than it was given.
     setFixedSize(size().expandedTo(minimumSizeHint()));
     open();
+}
+
+void Sheet::keyPressEvent(QKeyEvent *event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // The key that opened the sheet, held down, must not press its default button.
+    if (!enter || !event->isAutoRepeat()) {
+        QDialog::keyPressEvent(event);
+    }
 }
 
 void Sheet::showEvent(QShowEvent *event) {

@@ -23,6 +23,7 @@ public:
     [[nodiscard]] QWidget *presenter() const { return m_presenter; }
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
