@@ -173,6 +173,7 @@ private Q_SLOTS:
         m_page->click(box);
         m_page->openSheet()->close();
         QVERIFY(!m_page->isChecked(box));
+        QCOMPARE(m_page->control(link).cursor().shape(), Qt::PointingHandCursor);
         m_page->click(link);
         QCOMPARE(m_page->openSheetName(), sheet);
         m_page->click("onCancel");

@@ -140,6 +140,11 @@ private Q_SLOTS:
         QCOMPARE(m_page->mainWindow.selected, std::vector{Tab::kTools});
     }
 
+    void isWhite() {
+        show();
+        QCOMPARE(m_page->page().palette().color(QPalette::Window), QColor(Qt::white));
+    }
+
     void showsIntervalsBeyondTheLimits() {
         show(document(5000, -3, "/t.txt", "/d.db"));
         QCOMPARE(m_page->text("textInterval"), u"5000"_s);

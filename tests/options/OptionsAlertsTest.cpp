@@ -246,6 +246,8 @@ private Q_SLOTS:
         QCOMPARE(panel()->findChild<QLabel *>(QStringLiteral("filePanelMessage"))->text(),
                  QStringLiteral("Please select sound file name with 'aif' extension:"));
         QCOMPARE(panel()->acceptMode(), QFileDialog::AcceptOpen);
+        const QString sounds = QStringLiteral("/System/Library/Sounds");
+        QCOMPARE(panel()->directory().path(), QDir(sounds).exists() ? sounds : QDir::homePath());
         const QStringList filters = panel()->nameFilters();
         QCOMPARE(filters.join(u'|'), QStringLiteral("Files (*.aiff *.aif)"));
         confirm(path);

@@ -326,11 +326,15 @@ private Q_SLOTS:
     }
 
     void cancelChangesNothing() {
-        m->delegate().state.newDateFormat = "as it was";
-        m->delegate().state.iSeverityError = kSevere;
+        AppState &state = m->delegate().state;
+        state.newDateFormat = state.oldDateFormat = state.popupSound = "as it was";
+        state.popupDisplayArray = state.popupPlayArray = {"as", "it was"};
+        state.iPopupEvents = 7;
+        state.iSeverityError = kSevere;
         m->show(fullDocument());
         m->click("localeDateFormat");
         m->click("popupEventsDisplay");
+        m->click("popupEventsPlay");
         m->click("removalEmergency");
         m->choose("severityError", "Normal");
         m->clickRow("includeFiltersTable", 0);
@@ -339,8 +343,14 @@ private Q_SLOTS:
         m->click("onCancel");
         QVERIFY(m->mainWindow.selected == std::vector<Tab>{Tab::kTools});
         QVERIFY(m->nothingWasSent());
-        QCOMPARE(toQString(m->delegate().state.newDateFormat), QStringLiteral("as it was"));
-        QCOMPARE(m->delegate().state.iSeverityError, std::int64_t{kSevere});
+        for (const std::string &text :
+             {state.newDateFormat, state.oldDateFormat, state.popupSound}) {
+            QCOMPARE(toQString(text), QStringLiteral("as it was"));
+        }
+        const std::vector<std::string> words{"as", "it was"};
+        QVERIFY(state.popupDisplayArray == words && state.popupPlayArray == words);
+        QCOMPARE(state.iPopupEvents, std::int64_t{7});
+        QCOMPARE(state.iSeverityError, std::int64_t{kSevere});
         m->show();
         QVERIFY(m->saveUntouched() == fullDocument());
     }
