@@ -81,7 +81,7 @@ Dictionary filter(const char *name, const char *address, const char *mask, const
 Array actions() {
     Dictionary page = filter("Page the operator", "0.0.0.0", "0", "Any", "Critical", "*");
     page.set("runCommand", Dictionary{{"Command", "/usr/local/bin/page-operator"},
-                                      {"Arguments", "--urgent \"$QUORBEL_HOST\""},
+                                      {"Arguments", "--urgent --text \"See the events page\""},
                                       {"Environment", "LANG=C.UTF-8\nPAGER_TEAM=network"}});
     page.set("sendEmail",
              Dictionary{{"Recipients", Array{"noc@example.org", "operator@example.org"}}});
