@@ -43,11 +43,6 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
-bool syncFolder(int fd) {
-    // Some file systems cannot sync a folder and have no need to.
-    return ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS;
-}
-
 bool writeAndRename(int fd, const std::string &temporary, const std::filesystem::path &file,
                     std::string_view bytes, unsigned mode) {
     return writeAll(fd, bytes) && ::fchmod(fd, static_cast<mode_t>(mode)) == 0 &&
@@ -140,8 +135,10 @@ bool replaceFile(const std::filesystem::path &file, std::string_view bytes, unsi
         errno = reason;
         return false;
     }
-    // When this fails the new file stands already, but might not survive a crash.
-    return syncFolder(folder.get());
+    // Whatever comes of this, the new file is the one that everybody reads from now on; where it
+    // fails, a crash may bring the old one back.
+    ::fsync(folder.get());
+    return true;
 }
 
 }  // namespace quorbel

@@ -32,7 +32,8 @@ std::optional<std::string> readFile(const std::filesystem::path &file);
 
 /// Replaces a file in one step: after a crash it holds the old bytes or the new ones, synced to
 /// disk, never a mixture. Returns false, leaving the old file alone, when that fails (errno says
-/// why). `mode` is the new file's permission bits.
+/// why); true once the new file stands, even if its folder cannot be synced and a crash may thus
+/// bring the old one back. `mode` is the new file's permission bits.
 bool replaceFile(const std::filesystem::path &file, std::string_view bytes, unsigned mode);
 
 }  // namespace quorbel

@@ -5,10 +5,28 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <fstream>
 #include <string>
+
+namespace {
+
+bool foldersCanBeSynced = true;
+
+}  // namespace
+
+/// In place of the system's.
+extern "C" int fsync(int fd) {
+    struct stat status {};
+    if (!foldersCanBeSynced && ::fstat(fd, &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_fsync, fd));
+}
 
 namespace quorbel {
 namespace {
@@ -131,6 +149,18 @@ TEST(FilesTest, LeavesNothingBehindWhenItCannotReplace) {
     EXPECT_THAT(readFile(folder.path() / "target" / "kept"), Optional(std::string("x")));
     EXPECT_FALSE(replaceFile(folder.path() / "absent" / "file", "bytes", 0600));
     EXPECT_EQ(errno, ENOENT);
+}
+
+// Whoever is told otherwise would go on with what is no longer in the file.
+TEST(FilesTest, AFileIsReplacedAlthoughItsFolderCannotBeSynced) {
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.write("file", "old");
+    foldersCanBeSynced = false;
+    const bool replaced = replaceFile(file, "new", 0600);
+    foldersCanBeSynced = true;
+    EXPECT_TRUE(replaced);
+    EXPECT_THAT(readFile(file), Optional(std::string("new")));
+    EXPECT_THAT(listFolder(folder.path()), ElementsAre("file"));
 }
 
 TEST(FilesTest, ReplacesAFileInTheWorkingFolder) {
