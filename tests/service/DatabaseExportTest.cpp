@@ -2,14 +2,33 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <thread>
+
+namespace {
+
+/// The room on the disk, in bytes; nothing: what there is.
+std::optional<std::uint64_t> freeBytes;
+
+}  // namespace
+
+/// In place of the system's.
+extern "C" int fstatvfs(int fd, struct statvfs *status) noexcept {
+    const int result = ::statvfs(("/proc/self/fd/" + std::to_string(fd)).c_str(), status);
+    if (result == 0 && freeBytes) {
+        status->f_bavail = *freeBytes / status->f_frsize;
+    }
+    return result;
+}
 
 namespace quorbel {
 namespace {
@@ -17,6 +36,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::Optional;
 
 TEST_F(ExportTest, DatabaseHoldsTheEvents) {
     append("2023-11-15.log", line(kNoon, "it's \"quoted\"") + line(kNoon + 1, "Gr\u00FC\u00DFe"));
@@ -127,6 +147,55 @@ TEST_F(ExportTest, DatabaseWaitsForOthersAndLeavesNoHalfOfARun) {
         DatabaseExport::run({targets.path() / "missing" / "x.db", ""}, LogSources(store), stop)
             .value_or(""),
         HasSubstr("x.db could not be written: "));
+}
+
+// A run that fills the disk before it is taken back would cost new events their place.
+TEST_F(ExportTest, DatabaseBeginsNothingForWhichThereIsNoRoom) {
+    constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20U;
+    constexpr std::uint64_t kReserve = 4 * kMebibyte;
+    const auto runWithRoom = [this](std::uint64_t bytes) {
+        freeBytes = bytes;
+        auto problem = runDatabase();
+        freeBytes.reset();
+        return problem;
+    };
+    const auto count = [this] { return query(database(), "SELECT count(*) FROM events"); };
+    const auto saysThatThereIsNoRoom =
+        Optional(EndsWith("out.db could not be written: No space left on device"));
+    std::string many;
+    for (int i = 0; i < 20'000; ++i) {
+        many += line(kNoon, std::string(100, 'm'));
+    }
+    append("2023-11-14.log", many);
+    EXPECT_THAT(runWithRoom(kReserve + 3 * kMebibyte), saysThatThereIsNoRoom);
+    EXPECT_EQ(query(database(), "SELECT count(*) FROM sqlite_master"), "0\n");
+    ASSERT_EQ(runWithRoom(kReserve + 6 * kMebibyte), std::nullopt);
+    EXPECT_EQ(count(), "20000\n");
+
+    // Only what is new needs room.
+    append("2023-11-14.log", line(kNoon, "more"));
+    append("2023-11-15.log", line(kNoon, "a new file"));
+    EXPECT_THAT(runWithRoom(kReserve), saysThatThereIsNoRoom);
+    EXPECT_EQ(count(), "20000\n");
+    EXPECT_EQ(runWithRoom(kReserve + kMebibyte), std::nullopt);
+    EXPECT_EQ(count(), "20002\n");
+    EXPECT_EQ(runWithRoom(0), std::nullopt);
+
+    // Rows that go need it for the journal, until the end of the run.
+    cut("2023-11-14.log", line(kNoon, "more"));
+    EXPECT_THAT(runWithRoom(kReserve + 3 * kMebibyte), saysThatThereIsNoRoom);
+    EXPECT_EQ(count(), "20002\n");
+    EXPECT_EQ(runWithRoom(kReserve + 6 * kMebibyte), std::nullopt);
+    EXPECT_EQ(count(), "20001\n");
+    std::filesystem::remove(folder.path() / "2023-11-14.log");
+    EXPECT_THAT(runWithRoom(kReserve + 3 * kMebibyte), saysThatThereIsNoRoom);
+    EXPECT_EQ(runWithRoom(kReserve + 6 * kMebibyte), std::nullopt);
+    EXPECT_EQ(count(), "1\n");
+
+    // What they leave in the database is used again.
+    append("2023-11-14.log", many);
+    EXPECT_EQ(runWithRoom(kReserve + 3 * kMebibyte), std::nullopt);
+    EXPECT_EQ(count(), "20001\n");
 }
 
 // However far it got, nothing may count as exported that is not.

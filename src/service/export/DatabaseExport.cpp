@@ -2,6 +2,9 @@
 
 #include "service/export/ExportDates.h"
 #include "service/export/Sqlite.h"
+#include "service/store/LogFiles.h"
+
+#include <fcntl.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -30,14 +33,43 @@ PRAGMA user_version = 1;
 /// The rows of source n have the ids from n * kIdsPerSource on.
 constexpr std::int64_t kIdsPerSource = std::int64_t{1} << 32U;
 
-/// A log file of which the database holds rows.
+/// A log file of which the database holds rows, or is to.
 struct KnownSource {
     std::int64_t number = 0;
     std::int64_t rows = 0;
     std::string dateFormat;
     LogMark mark;
-    bool isThere = false;  ///< the log file still exists
+    const LogSource *source = nullptr;  ///< the log file; null when it is gone
+    /// Where in it that begins for which there are no rows. At 0, those that there are have to go.
+    std::uint64_t begin = 0;
 };
+
+/// The lines of log files whose rows a run exchanges, in bytes.
+struct Change {
+    std::uint64_t removed = 0;
+    std::uint64_t inserted = 0;
+};
+
+/// Whether the disk has room for the change. A transaction that fills it before it is taken back
+/// would cost new events their place, time after time.
+bool hasRoomForChange(SqliteDatabase &database, const std::filesystem::path &file, Change change) {
+    if (change.removed == 0 && change.inserted == 0) {
+        return true;
+    }
+    // With its date in words and its place in the index, a row takes up to twice as much as its
+    // line.
+    constexpr std::uint64_t kGrowth = 2;
+    // What is removed stays in the journal until the end of the transaction, and its pages in the
+    // database are used again, as are those that were free before.
+    const std::int64_t free = database.number("PRAGMA freelist_count").value_or(0) *
+                              database.number("PRAGMA page_size").value_or(0);
+    const std::uint64_t journal = kGrowth * change.removed;
+    const std::uint64_t reused = journal + static_cast<std::uint64_t>(free);
+    const std::uint64_t rows = kGrowth * change.inserted;
+    // Not the file itself: closing it once more would give up the locks that SQLite holds on it.
+    const UniqueFd folder(::open(file.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return hasRoomFor(folder.get(), journal + rows - std::min(rows, reused));
+}
 
 /// One run, within one transaction.
 class DatabaseUpdate {
@@ -53,18 +85,36 @@ public:
           m_note(database, "INSERT OR REPLACE INTO sources VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
           m_forget(database, "DELETE FROM sources WHERE number = ?") {}
 
-    bool run(const LogSources &sources) {
+    /// Finds out what is to be done. To be called first.
+    bool plan(const LogSources &sources) {
         if (!readKnown()) {
             return false;
         }
         for (const LogSource &source : sources.all()) {
-            if (m_stop || !bringUpToDate(source)) {
-                return false;
+            auto known = std::ranges::find(m_known, source.mark().name,
+                                           [](const KnownSource &k) { return k.mark.name; });
+            if (known == m_known.end()) {
+                const std::int64_t number = m_known.empty() ? 1 : m_known.back().number + 1;
+                known = m_known.insert(known, {number, 0, m_dateFormat, {}});
             }
+            known->source = &source;
+            const bool goesOn = known->dateFormat == m_dateFormat && source.continues(known->mark);
+            known->begin = goesOn ? known->mark.size : 0;
         }
-        return std::ranges::all_of(m_known, [this](const KnownSource &known) {
-            return known.isThere || (removeRows(known) && m_forget.with(known.number).run());
-        });
+        return true;
+    }
+    [[nodiscard]] Change change() const {
+        Change change;
+        for (const KnownSource &known : m_known) {
+            change.removed += known.begin == 0 ? known.mark.size : 0;
+            change.inserted +=
+                known.source != nullptr ? known.source->mark().size - known.begin : 0;
+        }
+        return change;
+    }
+    bool run() {
+        return std::ranges::all_of(
+            m_known, [this](KnownSource &known) { return !m_stop && bringUpToDate(known); });
     }
     /// Why run() failed, when that was not the database; 0 else.
     [[nodiscard]] int readError() const { return m_readError; }
@@ -86,25 +136,21 @@ private:
         return !query.hasFailed();
     }
 
-    bool bringUpToDate(const LogSource &source) {
-        auto known = std::ranges::find(m_known, source.mark().name,
-                                       [](const KnownSource &k) { return k.mark.name; });
-        if (known == m_known.end()) {
-            const std::int64_t number = m_known.empty() ? 1 : m_known.back().number + 1;
-            known = m_known.insert(known, {number, 0, m_dateFormat, {}});
+    bool bringUpToDate(KnownSource &known) {
+        if (known.source == nullptr) {
+            return removeRows(known) && m_forget.with(known.number).run();
         }
-        known->isThere = true;
-        const bool goesOn = known->dateFormat == m_dateFormat && source.continues(known->mark);
-        if (goesOn && source.mark() == known->mark) {
+        const LogSource &source = *known.source;
+        if (known.dateFormat == m_dateFormat && source.mark() == known.mark) {
             return true;
         }
-        if (!goesOn) {
-            if (!removeRows(*known)) {
+        if (known.begin == 0) {
+            if (!removeRows(known)) {
                 return false;
             }
-            known->rows = 0;
+            known.rows = 0;
         }
-        return insertRows(source, goesOn ? known->mark.size : 0, *known) && note(source, *known);
+        return insertRows(source, known.begin, known) && note(source, known);
     }
 
     bool removeRows(const KnownSource &known) {
@@ -200,8 +246,12 @@ std::optional<std::string> DatabaseExport::run(const ExportTarget &target,
     std::optional<std::string> problem;
     {
         DatabaseUpdate update(database, target, stop);
-        const bool works = update.run(sources);
-        if (!works && update.readError() != 0) {
+        const bool isPlanned = update.plan(sources);
+        const bool hasRoom = !isPlanned || hasRoomForChange(database, target.file, update.change());
+        const bool works = isPlanned && hasRoom && update.run();
+        if (!hasRoom) {
+            problem = cannotWrite(target.file, ENOSPC);
+        } else if (!works && update.readError() != 0) {
             problem = "The log files cannot be read for " + target.file.string();
         } else if (!works && !stop) {
             problem = problemOf(database, target.file);

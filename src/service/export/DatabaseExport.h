@@ -14,8 +14,8 @@ namespace quorbel {
 /// log file is in it; the rows of a file have ids of their own range, in the order of its lines.
 ///
 /// Each run is one transaction: only what was appended to the log files is inserted, and the rows
-/// of a file that was rewritten are exchanged. A file that is no database of ours is left alone.
-/// For one thread.
+/// of a file that was rewritten are exchanged. A run for which the disk has no room is not begun. A
+/// file that is no database of ours is left alone. For one thread.
 class DatabaseExport {
 public:
     /// Brings the database up to date. Returns what went wrong, as one line; the database is as it
