@@ -9,12 +9,37 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <fstream>
+#include <functional>
+#include <future>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What happens while the copy of a log file is being synced.
+std::function<void()> whileCopyIsSynced;  // NOLINT(cert-err58-cpp)
+
+}  // namespace
+
+/// In place of the system's.
+extern "C" int fdatasync(int fd) {
+    std::error_code error;
+    const auto file =
+        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error).string();
+    if (file.ends_with(".log.new") && whileCopyIsSynced) {
+        whileCopyIsSynced();
+    }
+    return static_cast<int>(::syscall(SYS_fdatasync, fd));
+}
 
 namespace quorbel {
 namespace {
@@ -33,6 +58,7 @@ std::string line(std::int64_t number) {
 }
 
 struct LogStoreTest : ::testing::Test {
+    ~LogStoreTest() override { whileCopyIsSynced = nullptr; }
     [[nodiscard]] std::string content(const std::string &name) const {
         return readFile(folder.path() / name).value_or("(no file)");
     }
@@ -232,8 +258,9 @@ TEST_F(LogStoreTest, DoesNotBeginACopyForWhichThereIsNoRoom) {
     struct statvfs status {};
     ASSERT_EQ(statvfs(folder.path().c_str(), &status), 0);
     const auto path = folder.write("2023-11-14.log", line(0) + line(1));
-    // A file with a hole takes no room itself.
-    std::filesystem::resize_file(path, status.f_bavail * status.f_frsize + 1);
+    // A file with a hole takes no room itself. However much others free, there is never more than
+    // the whole disk.
+    std::filesystem::resize_file(path, status.f_blocks * status.f_frsize);
     {
         // Without the look at the room, this is what goes wrong.
         const FileSizeLimit limit(1 << 20);
@@ -263,27 +290,75 @@ TEST_F(LogStoreTest, TellsAnEmptyFolderFromNone) {
     EXPECT_EQ(errno, ENOENT);
 }
 
+// A slow disk takes seconds for a sync.
+TEST_F(LogStoreTest, StoresWhatArrivesWhileACopyIsSynced) {
+    store.append(line(0) + line(1), kMonday, false);
+    constexpr std::size_t kArriving = 3;
+    std::vector<std::future<std::size_t>> arrivals;
+    bool hadToWait = false;
+    whileCopyIsSynced = [&] {
+        if (arrivals.size() < kArriving && !hadToWait) {
+            const auto next = static_cast<std::int64_t>(arrivals.size()) + 2;
+            arrivals.push_back(std::async(std::launch::async, [this, next] {
+                return store.append(line(next), kMonday, false).stored;
+            }));
+            hadToWait = arrivals.back().wait_for(testing::kPatience) != std::future_status::ready;
+        }
+    };
+    EXPECT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+    EXPECT_FALSE(hadToWait);
+    EXPECT_EQ(arrivals.size(), kArriving);
+    for (auto &arrival : arrivals) {
+        EXPECT_EQ(arrival.get(), 1U);
+    }
+    EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2) + line(3) + line(4));
+}
+
 // Each round takes all lines with an even number out while a flood of lines arrives; no line with
 // an odd number may be lost, moved or doubled by that.
 TEST_F(LogStoreTest, LosesNothingThatArrivesDuringACut) {
-    std::atomic<bool> stop = false;
-    std::int64_t appended = 0;
-    std::thread flood([&] {
-        while (!stop) {
-            std::string lines;
-            for (int i = 0; i < 20; ++i) {
-                lines += line(appended++);
+    constexpr int kRounds = 15;
+    constexpr std::int64_t kLinesAtOnce = 20;
+    // However long the disk takes for a round, no more than this arrives during it: most of it at
+    // once, and the rest so slowly that it lasts.
+    constexpr std::int64_t kLinesARound = 10'000;
+    constexpr std::int64_t kSlowLines = 4'000;
+    std::atomic<std::int64_t> allowed = 0;
+    std::atomic<std::int64_t> appended = 0;
+    const auto append = [&] {
+        const std::int64_t first = appended;
+        std::string lines;
+        for (std::int64_t i = 0; i < kLinesAtOnce; ++i) {
+            lines += line(first + i);
+        }
+        EXPECT_EQ(store.append(lines, kMonday, first % 1000 == 0).notStored, 0U);
+        appended = first + kLinesAtOnce;
+    };
+    append();
+    std::jthread flood([&](const std::stop_token &stop) {
+        while (!stop.stop_requested()) {
+            const std::int64_t left = allowed - appended;
+            if (left > 0) {
+                append();
             }
-            EXPECT_EQ(store.append(lines, kMonday, appended % 1000 == 0).notStored, 0U);
+            if (left < kSlowLines) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
         }
     });
-    while (!std::filesystem::exists(folder.path() / "2023-11-14.log")) {
-        std::this_thread::yield();
-    }
     const auto isEven = [](std::string_view text) {
         return (text.substr(0, text.find_last_not_of("\r\n") + 1).back() - '0') % 2 == 0;
     };
-    for (int round = 0; round < 15; ++round) {
+    bool isFlooded = false;
+    whileCopyIsSynced = [&] {
+        if (!std::exchange(isFlooded, true)) {
+            const std::int64_t before = appended;
+            allowed = before + kLinesARound;
+            EXPECT_TRUE(testing::waitUntil([&] { return appended > before; }));
+        }
+    };
+    for (int round = 0; round < kRounds; ++round) {
+        isFlooded = false;
         const UniqueFd file = open("2023-11-14.log");
         std::vector<ByteRange> ranges;
         ASSERT_TRUE(forEachPiece(file.get(), store.settledSize(file),
@@ -295,7 +370,7 @@ TEST_F(LogStoreTest, LosesNothingThatArrivesDuringACut) {
                                  }));
         ASSERT_TRUE(store.cutOut("2023-11-14.log", file, ranges));
     }
-    stop = true;
+    flood.request_stop();
     flood.join();
     std::int64_t next = 1;
     const UniqueFd file = open("2023-11-14.log");

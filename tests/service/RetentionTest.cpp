@@ -47,12 +47,14 @@ struct RetentionTest : ::testing::Test {
             std::chrono::milliseconds(5));
         retention->configure(settings);
     }
-    /// Waits until all files were gone through from now on, and takes what is told meanwhile.
+    /// Waits until all files were gone through by the rules and the time of now, and takes what is
+    /// told meanwhile. The next pass may have its rules already, if not yet its time; the one after
+    /// it has both, and is over when one more begins.
     void pass() {
         const int before = passes;
         ASSERT_TRUE(waitUntil([&] {
             told += feed.take().value_or("");
-            return passes >= before + 2;
+            return passes >= before + 3;
         }));
     }
     [[nodiscard]] std::string content(const std::string &name) const {
@@ -206,6 +208,46 @@ TEST_F(RetentionTest, LooksAgainAtFilesThatGrowOrAreReplaced) {
     pass();
     EXPECT_EQ(content("2023-11-14.log"), "(no file)");
     EXPECT_THAT(told, HasSubstr(old));
+}
+
+// Each search keeps whoever wants to take events out waiting.
+TEST_F(RetentionTest, DoesNotReadAgainWhatHasNotGrown) {
+    const std::string dueLater = line(kNow - kDay, "Error", "due later");
+    const std::string dueNow = line(kNow - kDay, "Debug", "due now");
+    const std::string kept = line(kNow - kDay, "Notice", "kept for ever");
+    folder.write("2023-11-12.log", line(kNow - 2 * kDay, "Notice", "kept for ever"));
+    folder.write("2023-11-13.log", dueLater + dueNow + kept);
+    folder.write("2023-11-14.log", line(kNow, "Notice", "kept for ever"));
+    start({{"removalDebug", 5},
+           {"removalDebugUnits", 0},
+           {"removalError", 2},
+           {"removalErrorUnits", 2}});
+    pass();
+    ASSERT_EQ(content("2023-11-13.log"), dueLater + kept);
+    {
+        // No search could get past this, nor could a pass end then.
+        const auto lock = store.lockForEditing();
+        for (int minutes = 10; minutes <= 60; minutes += 10) {
+            now = kNow + minutes * kMinute;
+            ASSERT_NO_FATAL_FAILURE(pass());
+        }
+    }
+    const std::string added = line(now, "Debug", "added");
+    ASSERT_EQ(store.append(added, kNow, false).stored, 1U);
+    pass();
+    EXPECT_THAT(content("2023-11-14.log"), HasSubstr(added));
+    now = now + 5 * kMinute + 5;
+    pass();
+    EXPECT_EQ(content("2023-11-14.log"), line(kNow, "Notice", "kept for ever"));
+    // The slack of 2 days is 48 minutes.
+    now = kNow + kDay + 48 * kMinute - 1;
+    {
+        const auto lock = store.lockForEditing();
+        ASSERT_NO_FATAL_FAILURE(pass());
+    }
+    now = kNow + kDay + 48 * kMinute;
+    pass();
+    EXPECT_EQ(content("2023-11-13.log"), kept);
 }
 
 // A large file is not to be rewritten each minute because a few more of its events are due.

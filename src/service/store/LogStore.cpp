@@ -267,18 +267,17 @@ bool LogStore::removeWhole(const std::string &name, const UniqueFd &file,
            isSameFile(file, path(name)) && ::unlink(path(name).c_str()) == 0;
 }
 
-/// Copies most of the file, syncs it, and leaves only a little that arrived meanwhile.
+/// Copies the file and syncs the copy, and again what arrived meanwhile, until that was nothing.
 bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
                            std::uint64_t &copied, const std::atomic<bool> &stop) {
     // A step takes no longer than whoever wants to stop can wait, on a slow disk, too.
     constexpr std::uint64_t kStep = std::uint64_t{32} << 20U;
     // Under a flood, something new is always there: what is left after the last round is copied
-    // while events wait.
+    // and synced while events wait.
     constexpr int kMostRounds = 5;
-    constexpr std::uint64_t kLittle = std::uint64_t{64} * 1024;
     for (int round = 0; round < kMostRounds; ++round) {
         const std::uint64_t size = settledSize(file);
-        if (round > 0 && size - copied < kLittle) {
+        if (round > 0 && size == copied) {
             return true;
         }
         do {

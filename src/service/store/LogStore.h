@@ -53,7 +53,8 @@ public:
     [[nodiscard]] std::unique_lock<std::mutex> lockForEditing();
     /// Replaces a file by one without the ranges (ascending, disjoint, below a settled size), in
     /// one step. `file` is the file, open for reading. Events that arrive meanwhile are kept; they
-    /// wait only while the last of them are copied. A file of which nothing is left is removed.
+    /// wait only when they arrive all the time, while the last of them are copied and synced. A
+    /// file of which nothing is left is removed.
     /// False when that fails, with errno; the file is as it was then. That is also how it ends,
     /// with ECANCELED, soon after `stop` was set.
     bool cutOut(const std::string &name, const UniqueFd &file, const std::vector<ByteRange> &ranges,

@@ -139,14 +139,16 @@ void Retention::tend(const std::string &name, std::int64_t now) {
     if (::stat(m_store.path(name).c_str(), &status) != 0) {
         return;
     }
-    Known known{status.st_dev, status.st_ino, 0};
+    Known known{status.st_dev, status.st_ino};
     const auto last = m_known.find(name);
     if (last == m_known.end()) {
         known.due = m_rules.firstEnd(oldestIn(name)).value_or(kNever);
+        known.dueGrown = known.due;
     } else if (last->second.isSameFile(known)) {
-        known.due = last->second.due;
+        known = last->second;
     }
-    if (known.due > now || tendOpened(name, now, known)) {
+    const bool hasGrown = static_cast<std::uint64_t>(status.st_size) != known.size;
+    if ((hasGrown ? known.dueGrown : known.due) > now || tendOpened(name, now, known)) {
         m_known[name] = known;
     }
 }
@@ -155,6 +157,7 @@ void Retention::tend(const std::string &name, std::int64_t now) {
 bool Retention::tendOpened(const std::string &name, std::int64_t now, Known &known) {
     // Something may be there when somebody has mended what went wrong.
     known.due = now + kIntervalSeconds;
+    known.dueGrown = known.due;
     auto lock = m_store.lockForEditing();
     const UniqueFd file = openLogFile(m_store.path(name));
     Found found;
@@ -169,7 +172,11 @@ bool Retention::tendOpened(const std::string &name, std::int64_t now, Known &kno
     struct stat status {};
     const bool isThere = ::stat(m_store.path(name).c_str(), &status) == 0;
     lock.unlock();
-    known = {status.st_dev, status.st_ino, nextDue(found, now)};
+    // Events that are added from now on are newer than now. Those that arrived during the search
+    // make the file larger than what was looked at.
+    const std::int64_t due = nextDue(found);
+    known = {status.st_dev, status.st_ino, found.size, due,
+             std::min(due, m_rules.firstRemoval(now).value_or(kNever))};
     m_removed += found.count;
     m_problem.clear();
     tell(file, found);
@@ -188,6 +195,8 @@ std::int64_t Retention::oldestIn(const std::string &name) const {
 }
 
 bool Retention::search(const UniqueFd &file, const RetentionRules::Limits &limits, Found &found) {
+    const std::uint64_t size = m_store.settledSize(file);
+    found.size = size;
     bool atLineBegin = true;
     const auto look = [&](std::uint64_t offset, std::string_view piece) {
         const bool wasAtLineBegin = std::exchange(atLineBegin, piece.ends_with('\n'));
@@ -208,6 +217,7 @@ bool Retention::search(const UniqueFd &file, const RetentionRules::Limits &limit
         }
         const ByteRange range = removableRange(offset, piece, wasAtLineBegin);
         ++found.count;
+        found.size -= range.end - range.begin;
         if (!found.expired.empty() && found.expired.back().end == range.begin) {
             found.expired.back().end = range.end;
         } else {
@@ -215,12 +225,12 @@ bool Retention::search(const UniqueFd &file, const RetentionRules::Limits &limit
         }
         return !m_stop;
     };
-    return forEachPiece(file.get(), m_store.settledSize(file), look);
+    return forEachPiece(file.get(), size, look);
 }
 
-/// When the file is to be looked at again. Events that are added from now on are newer than now.
-std::int64_t Retention::nextDue(const Found &found, std::int64_t now) const {
-    std::int64_t due = m_rules.firstRemoval(now).value_or(kNever);
+/// When something of what was found and stays is to be removed.
+std::int64_t Retention::nextDue(const Found &found) const {
+    std::int64_t due = kNever;
     for (std::size_t i = 0; i < found.oldest.size(); ++i) {
         if (found.oldest[i]) {
             due = std::min(due,

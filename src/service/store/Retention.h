@@ -25,7 +25,8 @@ namespace quorbel {
 
 /// Removes events from the log files once they were kept for as long as the settings want, and
 /// offers each of them to be told. On a thread of its own: at once when the settings change, and
-/// then every minute, reading only the files in which something can be due.
+/// then every minute, reading only the files in which something can be due. A file that has not
+/// grown since it was read is not read again before something that was found in it is due.
 class Retention {
 public:
     /// Seconds since 1970.
@@ -55,7 +56,9 @@ private:
     struct Known {
         dev_t device = 0;
         ino_t inode = 0;
-        std::int64_t due = 0;  ///< when there may be something to remove
+        std::uint64_t size = 0;     ///< of the part that was looked at, as far as it stayed
+        std::int64_t due = 0;       ///< when there may be something to remove from that part
+        std::int64_t dueGrown = 0;  ///< the same with what was added behind it
 
         [[nodiscard]] bool isSameFile(const Known &other) const {
             return device == other.device && inode == other.inode;
@@ -65,6 +68,7 @@ private:
     struct Found {
         std::vector<ByteRange> expired;  ///< merged where they touch
         std::uint64_t count = 0;
+        std::uint64_t size = 0;  ///< of what was looked at, without the expired
         /// The oldest event of each class that stays.
         RetentionRules::Limits oldest;
     };
@@ -75,7 +79,7 @@ private:
     bool tendOpened(const std::string &name, std::int64_t now, Known &known);
     [[nodiscard]] std::int64_t oldestIn(const std::string &name) const;
     bool search(const UniqueFd &file, const RetentionRules::Limits &limits, Found &found);
-    [[nodiscard]] std::int64_t nextDue(const Found &found, std::int64_t now) const;
+    [[nodiscard]] std::int64_t nextDue(const Found &found) const;
     std::size_t classOf(std::string_view priority);
     void tell(const UniqueFd &file, const Found &found);
     void note(const std::string &name, const char *what);
