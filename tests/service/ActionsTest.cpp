@@ -253,6 +253,22 @@ TEST_F(ActionsTest, HoldBackWhatComesTooOften) {
     EXPECT_EQ(mails.size(), Actions::kMailsPerMinute + 2);
 }
 
+TEST_F(ActionsTest, TellOfAMinuteBeforeTheNextBegins) {
+    configure({action("runCommand", {{"Command", "true"}})});
+    // Events that come without a pause: nobody finds the time to ask for a report.
+    const std::string journal = journalOf([this] {
+        for (int i = 0; i < 3 * 60; ++i) {
+            receive();
+            now += seconds(1);
+        }
+    });
+    EXPECT_EQ(commands.size(), 3 * Actions::kCommandsPerMinute);
+    EXPECT_EQ(journal,
+              "<4>Action \"test\": held back within a minute: 50 commands, 0 e-mails, 0 events\n"
+              "<4>Action \"test\": held back within a minute: 50 commands, 0 e-mails, 0 events\n");
+    EXPECT_EQ(counters.heldBack, 100U);
+}
+
 TEST_F(ActionsTest, KeepTheirCountsWhenOtherSettingsChange) {
     const Array records{action("runCommand", {{"Command", "true"}})};
     for (std::uint64_t i = 0; i < Actions::kCommandsPerMinute; ++i) {

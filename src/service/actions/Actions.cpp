@@ -181,6 +181,10 @@ void Actions::configure(const Dictionary &settings) {
 std::span<const EventToSet> Actions::onEvent(const FilterSubject &event, std::int64_t seconds,
                                              std::string_view host, Clock::time_point now) {
     m_toSet.clear();
+    // In a flood the next minute begins with this event; what the last one held back is told first.
+    if (m_reportTime && now >= *m_reportTime) {
+        report(now);
+    }
     Trigger trigger(event, seconds, host, *m_dateFormat, now);
     for (const auto &action : m_actions) {
         if (action->filter.matches(event)) {
