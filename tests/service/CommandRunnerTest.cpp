@@ -162,7 +162,7 @@ TEST_F(CommandRunnerTest, BoundsWhatGoesToTheJournal) {
 }
 
 TEST_F(CommandRunnerTest, EndsWhatTakesTooLong) {
-    start({milliseconds(700), milliseconds(1500), milliseconds(2000)});
+    start({milliseconds(3000), milliseconds(5000), milliseconds(5000)});
     // The one ends by itself when asked to; the other, and its child, must be killed.
     shell("trap 'echo ended > \"" + path("polite") +
           "\"; exit 0' TERM; while :; do sleep 0.01; done");
@@ -188,7 +188,7 @@ TEST_F(CommandRunnerTest, DoesNotWaitForWhatACommandLeavesBehind) {
     ASSERT_TRUE(waitFor("out", "done\n"));
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(journal(), "");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
     kill(std::atoi(content("child").c_str()), SIGKILL);
 }
 
@@ -201,7 +201,7 @@ TEST_F(CommandRunnerTest, AProcessIsReapedWhenItHasEnded) {
 }
 
 TEST_F(CommandRunnerTest, RunsAFewAtATimeAndDropsWhatIsTooMuch) {
-    start({milliseconds(60'000), milliseconds(100), milliseconds(0)});
+    start({milliseconds(60'000), milliseconds(5000), milliseconds(0)});
     for (std::size_t i = 0; i < CommandRunner::kMostAtOnce; ++i) {
         ASSERT_TRUE(shell("sleep 1000"));
     }
@@ -216,7 +216,7 @@ TEST_F(CommandRunnerTest, RunsAFewAtATimeAndDropsWhatIsTooMuch) {
     EXPECT_THAT(journal(), AllOf(HasSubstr("<4>256 commands of actions were not run\n"),
                                  HasSubstr("the command was ended with the service"),
                                  Not(HasSubstr("cannot be ended"))));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 TEST_F(CommandRunnerTest, LetsShortCommandsEndWithTheService) {
