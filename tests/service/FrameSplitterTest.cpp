@@ -53,9 +53,25 @@ const std::vector<Case> &cases() {
         {"4  <1>a\n", {"4  <1>a"}},
         {"12", {"12"}},
         {"12 ", {"12 "}},
-        // The stream ends within a counted frame.
+        {"12 <unknown> errors\n<1>a\n", {"12 <unknown> errors", "<1>a"}},
+        {"90000000 <x>\n<1>a\n", {"90000000 <x>", "<1>a"}},
+        {"5 <>abc\n<1>a\n", {"5 <>abc", "<1>a"}},
+        {"9 <1a>abc\n<1>a\n", {"9 <1a>abc", "<1>a"}},
+        {"9 <1234>abc\n<1>a\n", {"9 <1234>abc", "<1>a"}},
+        {"9 <12\n<1>a\n", {"9 <12", "<1>a"}},
+        {"9 <123\0<1>a\n"sv, {"9 <123", "<1>a"}},
+        // Counts that do not even cover the priority, or more than anybody sends.
+        {"3 <12>abc\n<1>a\n", {"3 <12>abc", "<1>a"}},
+        {"1 <1>abc\n<1>a\n", {"1 <1>abc", "<1>a"}},
+        {"1048577 <1>abc\n<1>a\n", {"1048577 <1>abc", "<1>a"}},
+        {"12345678 <1>abc\n<1>a\n", {"12345678 <1>abc", "<1>a"}},
+        {"5 <123><1>a\n", {"<123>", "<1>a"}},
+        // The stream ends within a counted frame, or before it is known for one.
         {"10 <1>abc", {}, {"<1>abc"}},
-        {"10 <", {}, {"<"}},
+        {"10 <1>", {}, {"<1>"}},
+        {"1048576 <1>abc", {}, {"<1>abc"}},
+        {"10 <", {"10 <"}},
+        {"10 <123", {"10 <123"}},
     };
     return table;
 }

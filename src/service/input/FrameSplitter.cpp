@@ -17,26 +17,53 @@ struct CountHeader {
     std::size_t messageLength = 0;
 };
 
+std::size_t countDigits(std::string_view text, std::size_t most) {
+    text = text.substr(0, most);
+    return std::min(text.find_first_not_of("0123456789"), text.size());
+}
+
+/// Whether the message begins with a priority, as far as its bytes are there.
+CountHeader::Kind findPriority(std::string_view message) {
+    constexpr std::size_t kMostDigits = 3;
+    if (message.empty()) {
+        return CountHeader::Kind::kIncomplete;
+    }
+    if (message.front() != '<') {
+        return CountHeader::Kind::kAbsent;
+    }
+    const std::size_t digits = countDigits(message.substr(1), kMostDigits);
+    const std::string_view after = message.substr(1 + digits);
+    if (after.empty()) {
+        return CountHeader::Kind::kIncomplete;
+    }
+    return digits > 0 && after.front() == '>' ? CountHeader::Kind::kComplete
+                                              : CountHeader::Kind::kAbsent;
+}
+
+/// Bytes that follow can only decide what is incomplete.
 CountHeader readCountHeader(std::string_view text) {
-    constexpr std::size_t kMostDigits = 9;
-    std::size_t digits = 0;
+    constexpr std::size_t kMostDigits = 7;
+    const std::size_t digits = countDigits(text, kMostDigits);
+    if (digits == 0 || text.front() == '0') {
+        return {};
+    }
+    if (digits == text.size()) {
+        return {CountHeader::Kind::kIncomplete};
+    }
     std::size_t length = 0;
-    while (digits < text.size() && digits < kMostDigits && text[digits] >= '0' &&
-           text[digits] <= '9') {
-        length = 10 * length + static_cast<std::size_t>(text[digits] - '0');
-        ++digits;
+    for (const char digit : text.substr(0, digits)) {
+        length = 10 * length + static_cast<std::size_t>(digit - '0');
     }
-    if (digits == 0 || text[0] == '0') {
+    if (text[digits] != ' ' || length > FrameSplitter::kMostCounted) {
         return {};
     }
-    constexpr std::string_view kAfterCount = " <";
-    const std::string_view after = text.substr(digits, kAfterCount.size());
-    if (!kAfterCount.starts_with(after)) {
+    // A priority that the count does not cover is none.
+    const std::string_view message = text.substr(digits + 1, length);
+    const CountHeader::Kind kind = findPriority(message);
+    if (kind == CountHeader::Kind::kIncomplete && message.size() == length) {
         return {};
     }
-    const bool complete = after.size() == kAfterCount.size();
-    return {complete ? CountHeader::Kind::kComplete : CountHeader::Kind::kIncomplete, digits + 1,
-            length};
+    return {kind, digits + 1, length};
 }
 
 }  // namespace
