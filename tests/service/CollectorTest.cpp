@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <chrono>
@@ -50,8 +52,8 @@ struct CollectorTest : ::testing::Test {
     Counters counters;
     std::size_t commands = 0;
     std::size_t mails = 0;
-    Actions actions{[this](CommandRunner::Command /*command*/) { ++commands; },
-                    [this](MailMessage /*mail*/) { ++mails; }, counters};
+    Actions actions{[this](const CommandRunner::Command & /*command*/) { ++commands; },
+                    [this](const MailMessage & /*mail*/) { ++mails; }, counters};
     Collector collector{store, notifications, names, actions, counters};
 };
 
@@ -146,6 +148,64 @@ TEST_F(CollectorTest, CountsTheDatagramsForWhichThereIsNoTimeAtTheEnd) {
     EXPECT_EQ(input.dropped(), 100U);
 }
 
+TEST_F(CollectorTest, AConnectionThatMakesRoomIsReadFirst) {
+    // Both ends are in this process.
+    rlimit files{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
+    files.rlim_cur = files.rlim_max;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    std::vector<UniqueFd> connections;
+    for (std::size_t i = 0; i < TcpInput::kMostConnections; ++i) {
+        connections.push_back(testing::connectTo(sockets.port, SOCK_STREAM));
+        while (sd_event_run(loop.get(), 0) > 0) {
+        }
+    }
+    // The loop has no turn for it.
+    constexpr std::size_t kMany = 1'000;
+    std::string frames;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        frames += "<13>frame " + std::to_string(i) + '\n';
+    }
+    testing::sendTo(connections.front(), frames + "<13>unfinished");
+    ASSERT_TRUE(testing::waitUntil([&] {
+        int underway = -1;
+        return ioctl(connections.front().get(), TIOCOUTQ, &underway) == 0 && underway == 0;
+    }));
+    const UniqueFd another = testing::connectTo(sockets.port, SOCK_STREAM);
+    input.drain(std::chrono::steady_clock::now() + testing::kPatience);
+    EXPECT_EQ(counters.connectionsClosed, 1U);
+    const auto stored = messages();
+    ASSERT_EQ(stored.size(), kMany + 1);
+    EXPECT_EQ(stored[kMany - 1], "frame " + std::to_string(kMany - 1));
+    EXPECT_EQ(stored.back(), "unfinished");
+}
+
+TEST_F(CollectorTest, SaysForWhichConnectionsThereWasNoTimeAtTheEnd) {
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    const UniqueFd quiet = testing::connectTo(sockets.port, SOCK_STREAM);
+    const UniqueFd loud = testing::connectTo(sockets.port, SOCK_STREAM);
+    while (sd_event_run(loop.get(), 0) > 0) {
+    }
+    testing::sendTo(loud, "<13>unread\n");
+    const UniqueFd waiting = testing::connectTo(sockets.port, SOCK_STREAM);
+    const UniqueFd waitingLoud = testing::connectTo(sockets.port, SOCK_STREAM);
+    testing::sendTo(waitingLoud, "<13>unread\n");
+    ::testing::internal::CaptureStderr();
+    input.drain(std::chrono::steady_clock::now());
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<4>Connections that were closed before all that had arrived was read: 2\n");
+    EXPECT_THAT(messages(), IsEmpty());
+}
+
 TEST_F(CollectorTest, NobodyIsTakenOnByAnInputThatHasEnded) {
     sd_event *made = nullptr;
     ASSERT_GE(sd_event_new(&made), 0);
@@ -154,7 +214,9 @@ TEST_F(CollectorTest, NobodyIsTakenOnByAnInputThatHasEnded) {
     TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
     const UniqueFd waiting = testing::connectTo(sockets.port, SOCK_STREAM);
     testing::sendTo(waiting, "<13>whole\n<13>unfinished");
-    input.drain(std::chrono::steady_clock::now() + std::chrono::seconds(5));
+    ::testing::internal::CaptureStderr();
+    input.drain(std::chrono::steady_clock::now() + testing::kPatience);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
     EXPECT_THAT(messages(), ::testing::ElementsAre("whole", "unfinished"));
     const UniqueFd late(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address{};

@@ -16,6 +16,7 @@
 #include <openssl/ssl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <array>
@@ -269,6 +270,25 @@ TEST_F(TlsTest, ListensOnlyWithACertificate) {
     EXPECT_TRUE(client.isRefused());
     EXPECT_FALSE(connectTo(port).isOpen());
     EXPECT_EQ(service->terminate(), 0);
+}
+
+TEST_F(TlsTest, StoresWhatHasArrivedWhenTheCertificateGoes) {
+    install(authority.issue());
+    start();
+    Client client(tlsPort(), authority);
+    ASSERT_TRUE(client.send("<13>first\n"));
+    ASSERT_TRUE(waitForMessages(1));
+    // The signal is looked at before the connection.
+    ::kill(service->pid(), SIGSTOP);
+    siginfo_t stopped{};
+    ASSERT_EQ(waitid(P_PID, static_cast<id_t>(service->pid()), &stopped, WSTOPPED), 0);
+    ASSERT_TRUE(client.send("<13>held\n<13>unfinished"));
+    std::filesystem::remove_all(folder.path() / "tls");
+    ::kill(service->pid(), SIGHUP);
+    ::kill(service->pid(), SIGCONT);
+    ASSERT_TRUE(service->waitForJournal("There is no certificate for TLS any more"));
+    EXPECT_TRUE(client.isRefused());
+    EXPECT_THAT(messages(), ElementsAre("first", "held", "unfinished"));
 }
 
 TEST_F(TlsTest, TakesANewCertificateIntoUse) {

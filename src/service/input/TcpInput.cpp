@@ -1,7 +1,9 @@
 #include "service/input/TcpInput.h"
 
+#include "service/Journal.h"
 #include "service/input/SenderAddress.h"
 
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -18,6 +20,12 @@ constexpr int kAcceptsPerTurn = 32;
 // EPOLLIN and EPOLLOUT, without the header's untyped macros of the same names.
 constexpr std::uint32_t kReadable = 1;
 constexpr std::uint32_t kWritable = 4;
+
+/// How many bytes have arrived and were not read.
+std::size_t heldByKernel(int socket) {
+    int count = 0;
+    return ::ioctl(socket, FIONREAD, &count) < 0 ? 0 : static_cast<std::size_t>(count);
+}
 
 }  // namespace
 
@@ -170,9 +178,33 @@ void TcpInput::close(Connections::iterator connection) {
     m_connections.erase(connection);
 }
 
+/// Reads what the kernel holds by now, and no more than that: the sender may be quicker.
 void TcpInput::closeIdlest() {
-    close(m_connections.begin());
-    ++m_counters.connectionsClosed;
+    const auto connection = m_connections.begin();
+    // Unless there is less to read, a slice leaves no more room than for one TLS record.
+    constexpr std::size_t kLeastSlice = kSlice - StreamChannel::kLeastRoom;
+    std::size_t slices = heldByKernel(connection->channel().fd()) / kLeastSlice + 1;
+    Slice last = Slice::kRead;
+    for (; slices > 0 && last == Slice::kRead; --slices) {
+        last = readSlice(connection);
+    }
+    if (last != Slice::kClosed) {
+        close(connection);
+        ++m_counters.connectionsClosed;
+    }
+}
+
+/// How many of those that there was no time to take on have sent something.
+std::size_t TcpInput::countUnreadInBacklog() const {
+    std::size_t count = 0;
+    for (int i = 0; i < SOMAXCONN; ++i) {
+        const UniqueFd socket(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (!socket.isOpen()) {
+            break;
+        }
+        count += heldByKernel(socket.get()) > 0 ? 1U : 0U;
+    }
+    return count;
 }
 
 void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
@@ -180,13 +212,24 @@ void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
     const auto isTime = [deadline] { return std::chrono::steady_clock::now() >= deadline; };
     while (!isTime() && acceptOne()) {
     }
+    std::size_t unread = countUnreadInBacklog();
     // Whoever comes now is to know that nobody takes anything.
     m_listener.reset();
     while (!m_connections.empty()) {
         const auto connection = m_connections.begin();
-        if (isTime() || readSlice(connection) == Slice::kQuiet) {
+        const bool late = isTime();
+        if (late && connection->channel().isEstablished() &&
+            heldByKernel(connection->channel().fd()) > 0) {
+            ++unread;
+        }
+        if (late || readSlice(connection) == Slice::kQuiet) {
             close(connection);
         }
+    }
+    if (unread > 0) {
+        say(JournalLevel::kWarning,
+            "Connections that were closed before all that had arrived was read: " +
+                std::to_string(unread));
     }
 }
 

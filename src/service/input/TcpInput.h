@@ -17,8 +17,9 @@ namespace quorbel {
 /// Receives messages over stream connections (RFC 6587) and hands them to the collector.
 ///
 /// Each connection is read one slice per turn of the loop, so that none keeps others waiting. At
-/// most kMostConnections are open: a new one takes the place of the one that was idle longest. A
-/// connection that is not established after kLongestHandshake is closed.
+/// most kMostConnections are open: a new one takes the place of the one that was idle longest, once
+/// what has arrived over that is read. A connection that is not established after kLongestHandshake
+/// is closed.
 class TcpInput {
 public:
     static constexpr std::size_t kMostConnections = 512;
@@ -32,7 +33,8 @@ public:
     TcpInput &operator=(const TcpInput &) = delete;
 
     /// Accepts and reads what the kernel holds now, until `deadline` at the latest, and closes all
-    /// connections. No new ones are taken after that.
+    /// connections. No new ones are taken after that. One line in the journal says how many still
+    /// held something when the time was up.
     void drain(std::chrono::steady_clock::time_point deadline);
 
 private:
@@ -45,6 +47,7 @@ private:
     Slice readSlice(Connections::iterator connection);
     void close(Connections::iterator connection);
     void closeIdlest();
+    [[nodiscard]] std::size_t countUnreadInBacklog() const;
     static int onConnect(sd_event_source *source, int fd, std::uint32_t events, void *self);
     static int onReady(sd_event_source *source, int fd, std::uint32_t events, void *connection);
     static int onHandshakeTime(sd_event_source *source, std::uint64_t time, void *connection);

@@ -13,6 +13,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::minutes kRefusalPause{1};
+constexpr std::chrono::seconds kLongestDrain{1};
 
 }  // namespace
 
@@ -31,8 +32,8 @@ void TlsInput::configure() {
     if (!TlsContext::isIn(m_folder)) {
         if (m_input) {
             say(JournalLevel::kNotice, "There is no certificate for TLS any more");
-            // What was begun is not lost.
-            m_input->drain(Clock::now());
+            // What has arrived is not lost. Nothing else is received meanwhile.
+            m_input->drain(Clock::now() + kLongestDrain);
         }
         m_input.reset();
         m_context.reset();
