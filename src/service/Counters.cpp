@@ -19,6 +19,7 @@ std::string describe(const Counters &counters) {
         {", removed", counters.removed},
         {", names looked up", counters.namesLookedUp},
         {", names found", counters.namesFound},
+        {", names not looked up", counters.namesNotLookedUp},
         {", events set", counters.eventsSet},
         {", actions held back", counters.heldBack},
         {", commands run", counters.commandsRun},

@@ -19,12 +19,13 @@ struct Counters {
     std::uint64_t removed = 0;  ///< events that were kept for as long as the settings want
     std::uint64_t namesLookedUp = 0;
     std::uint64_t namesFound = 0;
-    std::uint64_t eventsSet = 0;       ///< events that actions set
-    std::uint64_t heldBack = 0;        ///< what actions did not do because it came too often
-    std::uint64_t commandsRun = 0;     ///< commands of actions that were started
-    std::uint64_t commandsNotRun = 0;  ///< those that were not
-    std::uint64_t mailsSent = 0;       ///< e-mails that reached the server for somebody
-    std::uint64_t mailsDropped = 0;    ///< e-mails that did not reach it for somebody
+    std::uint64_t namesNotLookedUp = 0;  ///< how often too many look-ups waited for one more
+    std::uint64_t eventsSet = 0;         ///< events that actions set
+    std::uint64_t heldBack = 0;          ///< what actions did not do because it came too often
+    std::uint64_t commandsRun = 0;       ///< commands of actions that were started
+    std::uint64_t commandsNotRun = 0;    ///< those that were not
+    std::uint64_t mailsSent = 0;         ///< e-mails that reached the server for somebody
+    std::uint64_t mailsDropped = 0;      ///< e-mails that did not reach it for somebody
 
     bool operator==(const Counters &) const = default;
 };

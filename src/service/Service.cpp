@@ -134,12 +134,14 @@ void Service::stop() {
     m_tcp.drain(Clock::now() + std::chrono::seconds(1));
     m_tls.drain(Clock::now() + std::chrono::seconds(1));
     finishTelling();
-    m_notifications.dropAll();
+    m_bus.giveUp();
     m_commands.stop();
     m_actions.report(Actions::Clock::time_point::max());
     m_commandRunner.stop();
     m_mail.drain(Clock::now() + std::chrono::seconds(5));
-    reportCounters();
+    m_mail.end();
+    updateCounters();
+    say(JournalLevel::kInformation, describe(m_counters));
 }
 
 /// Lets commands that were taken on end, and the bus take what it can.
@@ -157,21 +159,19 @@ void Service::finishTelling() {
     }
 }
 
-void Service::reportCounters() {
+/// Asks the parts that count for themselves.
+void Service::updateCounters() {
     m_counters.dropped = m_udp.dropped();
     m_counters.notificationsDropped =
         m_notifications.dropped() + m_removalTeller.untold() + m_retention.untold();
     m_counters.removed = m_retention.removed();
     m_counters.namesLookedUp = m_names.lookedUp();
     m_counters.namesFound = m_names.found();
+    m_counters.namesNotLookedUp = m_names.notLookedUp();
     m_counters.commandsRun = m_commandRunner.started();
     m_counters.commandsNotRun = m_commandRunner.notStarted();
     m_counters.mailsSent = m_mail.sent();
     m_counters.mailsDropped = m_mail.dropped();
-    if (m_counters != m_reported) {
-        say(JournalLevel::kInformation, describe(m_counters));
-        m_reported = m_counters;
-    }
 }
 
 int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,
@@ -208,7 +208,12 @@ int Service::onRemovals(sd_event_source * /*source*/, int fd, std::uint32_t /*ev
 }
 
 int Service::onReportTime(sd_event_source *source, std::uint64_t /*time*/, void *self) {
-    static_cast<Service *>(self)->reportCounters();
+    auto *service = static_cast<Service *>(self);
+    service->updateCounters();
+    if (service->m_counters != service->m_reported) {
+        say(JournalLevel::kInformation, describe(service->m_counters));
+        service->m_reported = service->m_counters;
+    }
     sd_event_source_set_time_relative(source, kReportMicroseconds);
     sd_event_source_set_enabled(source, SD_EVENT_ONESHOT);
     return 0;

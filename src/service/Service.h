@@ -48,7 +48,7 @@ private:
     void turn(std::uint64_t timeoutMicroseconds);
     void stop();
     void finishTelling();
-    void reportCounters();
+    void updateCounters();
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
@@ -60,7 +60,7 @@ private:
     EventLoopPointer m_loop;
     bool m_stopping = false;
     Counters m_counters;
-    Counters m_reported;
+    Counters m_reported;  ///< as they were said last
 
     // In the order of an event's way back from the front-end to the network.
     LogStore m_store;

@@ -116,6 +116,19 @@ TEST_F(BusValueTest, CarriesEveryTypeWithItsSignature) {
     }
 }
 
+TEST_F(BusValueTest, MarksNullWithAnEmptyTextBehindIt) {
+    const MessagePointer message = newMessage();
+    ASSERT_GE(appendToMessage(message.get(), {{"value", Null{}}}), 0);
+    sd_bus_message *reader = readable(message);
+    const char *key = "";
+    const char *marker = "";
+    const char *text = "unset";
+    ASSERT_GT(sd_bus_message_read(reader, "a{sv}", 1, &key, "(ss)", &marker, &text), 0);
+    EXPECT_STREQ(key, "value");
+    EXPECT_STREQ(marker, "null");
+    EXPECT_STREQ(text, "");
+}
+
 TEST_F(BusValueTest, KeepsTheBitsOfNumbers) {
     const auto read = throughMessage({{"nan", std::nan("")}, {"zero", -0.0}});
     ASSERT_TRUE(read);

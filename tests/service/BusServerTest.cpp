@@ -35,6 +35,9 @@ using testing::waitUntil;
 
 using UserInfo = std::map<std::string, std::string>;
 
+// How many messages wait in the connection to the bus when that takes none.
+constexpr std::uint64_t kHeldByConnection = 64;
+
 std::string line(std::size_t number) {
     return "1700000000,User.Notice,h,number " + std::to_string(number) + "\r\n";
 }
@@ -255,9 +258,7 @@ TEST_F(BusServerTest, ComesBackAfterTheBus) {
     ::testing::internal::CaptureStderr();
     startServer();
     queue.push(NotificationType::kSet, line(1));
-    for (int i = 0; i < 10; ++i) {
-        sd_event_run(loop.get(), 1000);
-    }
+    ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kMissing; }));
     EXPECT_FALSE(server->canNotify());
     for (std::size_t round = 0; round < 2; ++round) {
         privateBus.start();
@@ -285,10 +286,7 @@ TEST_F(BusServerTest, TakesItsNameWhenItsOwnerGoes) {
     ::testing::internal::CaptureStderr();
     startServer();
     queue.push(NotificationType::kSet, line(1));
-    std::string journal;
-    for (int i = 0; i < 100; ++i) {
-        sd_event_run(loop.get(), 1000);
-    }
+    EXPECT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kMissing; }));
     EXPECT_FALSE(server->canNotify());
     owner.reset();
     EXPECT_TRUE(runUntil([&] { return queue.empty(); }));
@@ -298,17 +296,63 @@ TEST_F(BusServerTest, TakesItsNameWhenItsOwnerGoes) {
 TEST_F(BusServerTest, KeepsWhatAStuckBusDoesNotTake) {
     startServer();
     observe();
-    ASSERT_TRUE(runUntil([&] { return isOnBus(); }));
+    ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kThere; }));
     privateBus.freeze();
-    constexpr std::size_t kMany = 20'000;
+    constexpr std::size_t kMany = 40'000;
     for (std::size_t i = 0; i < kMany; ++i) {
         queue.push(NotificationType::kSet, line(i));
     }
     ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
     // The rest waits in the queue, not in the connection.
     EXPECT_GT(queue.size(), kMany / 2);
+    EXPECT_LT(queue.size(), kMany);
     privateBus.thaw();
     ASSERT_TRUE(runUntil([&] { return notifications.size() == kMany; }));
+}
+
+TEST_F(BusServerTest, CountsWhatTheConnectionHoldsWhenTheBusGoes) {
+    startServer();
+    ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kThere; }));
+    privateBus.freeze();
+    constexpr std::size_t kMany = 40'000;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        queue.push(NotificationType::kSet, line(i));
+    }
+    ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    const std::size_t waiting = queue.size();
+    EXPECT_GT(waiting, 0U);
+    ::testing::internal::CaptureStderr();
+    privateBus.stop();
+    ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kMissing; }));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr("has gone"));
+    // As many as the connection takes; the others wait for the next bus.
+    EXPECT_EQ(queue.dropped(), kHeldByConnection);
+    EXPECT_EQ(queue.size(), waiting);
+    server->giveUp();
+    EXPECT_EQ(queue.dropped(), kHeldByConnection + waiting);
+    EXPECT_FALSE(server->hasUnsent());
+}
+
+TEST_F(BusServerTest, CountsWhatABusHasNotTakenAtTheEnd) {
+    startServer();
+    observe();
+    ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kThere; }));
+    // What was taken before is not counted.
+    queue.push(NotificationType::kSet, line(0));
+    ASSERT_TRUE(runUntil([&] { return notifications.size() == 1 && !server->hasUnsent(); }));
+    privateBus.freeze();
+    constexpr std::size_t kMany = 40'000;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        queue.push(NotificationType::kSet, line(i));
+    }
+    ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    const std::size_t waiting = queue.size();
+    server->giveUp();
+    EXPECT_EQ(queue.dropped(), kHeldByConnection + waiting);
+    EXPECT_TRUE(queue.empty());
+    // Those, and no others, were told.
+    privateBus.thaw();
+    ASSERT_TRUE(runUntil([&] { return notifications.size() + queue.dropped() == 1 + kMany; }));
 }
 
 // A message on the bus must be valid UTF-8, or else there is none.

@@ -159,6 +159,33 @@ TEST_F(HostNamesTest, NeverWaitForAServerThatDoesNotAnswer) {
     EXPECT_LT(std::chrono::steady_clock::now() - end, std::chrono::seconds(5));
 }
 
+TEST_F(HostNamesTest, CountThoseForWhichTooManyWait) {
+    service->set("10.0.0.1", "known");
+    nameOf("10.0.0.1");
+    EXPECT_EQ(nameAfter("10.0.0.1", 1), "known");
+    service->hold(true);
+    for (std::size_t i = 0; i < HostNames::kMostWaiting; ++i) {
+        nameOf("11.0." + std::to_string(i / 256) + '.' + std::to_string(i % 256));
+    }
+    EXPECT_EQ(names.notLookedUp(), 0U);
+    // What waits already, or is known, needs no room.
+    nameOf("11.0.0.0");
+    nameOf("10.0.0.1");
+    EXPECT_EQ(names.notLookedUp(), 0U);
+    nameOf("10.0.0.2");
+    nameOf("10.0.0.2");
+    EXPECT_EQ(names.notLookedUp(), 2U);
+    now += HostNames::kKeepName;
+    EXPECT_EQ(nameOf("10.0.0.1"), "known");
+    EXPECT_EQ(names.notLookedUp(), 3U);
+    service->set("10.0.0.2", "late");
+    service->hold(false);
+    nameAfter("10.0.0.2", 1 + HostNames::kMostWaiting);
+    nameOf("10.0.0.2");
+    EXPECT_EQ(nameAfter("10.0.0.2", 2 + HostNames::kMostWaiting), "late");
+    EXPECT_EQ(names.notLookedUp(), 3U);
+}
+
 TEST_F(HostNamesTest, ForgetSendersWhenThereAreTooMany) {
     service->set("10.0.0.1", "known");
     nameOf("10.0.0.1");

@@ -15,12 +15,14 @@
 #include <netdb.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <ctime>
 #include <iterator>
 #include <map>
 #include <optional>
+#include <random>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -120,6 +122,46 @@ TEST_F(ServiceSettingsTest, ReadsTheSettingsAtTheStartAndWhenAsked) {
     ASSERT_TRUE(waitFor("User.Notice,127.0.0.1,third"));
     EXPECT_EQ(std::ranges::count(stored(), "User.Notice,127.0.0.1,second"), 1);
     EXPECT_EQ(service->terminate(), 0);
+}
+
+TEST_F(ServiceSettingsTest, AKillAmidSavesLeavesTheOldSettingsOrTheNew) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    // Large enough that writing takes its time.
+    const auto numbered = [](std::int64_t number) {
+        Array texts;
+        for (int i = 0; i < 1000; ++i) {
+            texts.emplace_back(std::to_string(number) + " of " + std::to_string(i));
+        }
+        return Dictionary{{"number", number}, {"texts", std::move(texts)}};
+    };
+    const auto onDisk = [&] { return decodeSettings(readFile(path("Quorbel.ini"))); };
+    std::int64_t sent = 0;
+    std::atomic<std::int64_t> stored = 0;  // as far as the service said so
+    CommandSender saver([&stored](const std::string &text) { stored += text == "OK" ? 1 : 0; });
+    std::int64_t amid = 0;
+    for (int round = 0; round < 20; ++round) {
+        startService();
+        const std::int64_t before = sent;
+        stored = before;
+        for (int i = 0; i < 60; ++i) {
+            saver.send({{"command", "save"}, {"Settings", numbered(++sent)}});
+        }
+        ASSERT_TRUE(waitUntil([&] { return stored > before; }));
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 50'000));
+        service->kill();
+        const auto found = onDisk();
+        // The last ones find nobody any more.
+        ASSERT_TRUE(saver.waitUntilIdle(testing::kPatience));
+        ASSERT_TRUE(found);
+        const std::int64_t number = settingInteger(*found, "number");
+        EXPECT_EQ(*found, numbered(number));
+        EXPECT_GE(number, stored);
+        EXPECT_LE(number, sent);
+        amid += stored < sent ? 1 : 0;
+    }
+    EXPECT_GT(amid, 0);
 }
 
 TEST_F(ServiceSettingsTest, TellsEachRemovedEventWhileOthersArrive) {

@@ -4,6 +4,7 @@
 #include "platform/bus/NotificationObserver.h"
 #include "service/ServiceFixture.h"
 #include "service/input/TcpInput.h"
+#include "service/store/LogFiles.h"
 #include "support/PrivateBus.h"
 
 #include <gmock/gmock.h>
@@ -11,20 +12,28 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace quorbel {
 namespace {
 
 using testing::connectTo;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -35,6 +44,14 @@ using testing::ServiceProcess;
 using testing::waitUntil;
 
 struct ServiceTest : testing::ServiceFixture {};
+
+std::size_t countOf(const std::string &text, const std::string &part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
 
 int runLogger(const ServiceProcess &service, const std::string &arguments) {
     const std::string command = "logger -P " + std::to_string(service.port()) + ' ' + arguments;
@@ -191,6 +208,15 @@ TEST_F(ServiceTest, StoresWhatTheKernelHoldsWhenAskedToEnd) {
     EXPECT_THAT(service->journal(), HasSubstr("Received 601, malformed 0, stored 601, "));
 }
 
+TEST_F(ServiceTest, SaysItsCountsAtTheEndThoughNothingCame) {
+    const auto service = start();
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_THAT(service->journal(),
+                HasSubstr("\n<6>Received 0, malformed 0, stored 0, not stored 0, dropped 0, "));
+    EXPECT_THAT(service->journal(),
+                HasSubstr(", names looked up 0, names found 0, names not looked up 0, "));
+}
+
 TEST_F(ServiceTest, CountsWhatIsMalformed) {
     const auto service = start();
     const UniqueFd datagrams = connectTo(service->port(), SOCK_DGRAM);
@@ -300,6 +326,113 @@ TEST_F(ServiceTest, EndsWithOneLineWhenItCannotStart) {
         const std::string journal = other.journal();
         EXPECT_THAT(journal, HasSubstr(c.line));
         EXPECT_EQ(std::ranges::count(journal, '\n'), 1);
+    }
+}
+
+TEST_F(ServiceTest, TellsTheServiceManagerHowItIs) {
+    const std::string path = (folder.path() / "manager").string();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    path.copy(address.sun_path, path.size());
+    const UniqueFd manager(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    ASSERT_EQ(bind(manager.get(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    std::vector<std::string> told;
+    const auto hears = [&](const char *state, std::ptrdiff_t times) {
+        return waitUntil([&] {
+            std::array<char, 256> text{};
+            const ssize_t count = recv(manager.get(), text.data(), text.size(), 0);
+            if (count > 0) {
+                told.emplace_back(text.data(), static_cast<std::size_t>(count));
+            }
+            return std::ranges::count(told, state) >= times;
+        });
+    };
+    ServiceProcess::Setup setup;
+    setup.environment = {"NOTIFY_SOCKET=" + path};
+    auto service = start(setup);
+    EXPECT_TRUE(hears("READY=1", 1));
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_TRUE(hears("STOPPING=1", 1));
+    EXPECT_THAT(told, ElementsAre("READY=1", "STOPPING=1"));
+    told.clear();
+    setup.environment.emplace_back("WATCHDOG_USEC=100000");
+    service = start(setup);
+    EXPECT_TRUE(hears("WATCHDOG=1", 5));
+    EXPECT_EQ(std::ranges::count(told, "READY=1"), 1);
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_TRUE(hears("STOPPING=1", 1));
+}
+
+TEST_F(ServiceTest, SaysItsCountsEachMinuteInWhichTheyChanged) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers' libraries must be loaded before any other";
+#endif
+    ServiceProcess::Setup setup;
+    setup.environment = {"LD_PRELOAD=" QUORBEL_CLOCK_SHIFT_PATH, "QUORBEL_QUICK_MINUTES=1"};
+    const auto service = start(setup);
+    const UniqueFd datagrams = connectTo(service->port(), SOCK_DGRAM);
+    for (const char *line : {"<6>Received 1, ", "<6>Received 2, ", "<6>Received 3, "}) {
+        sendTo(datagrams, "<13>x");
+        ASSERT_TRUE(service->waitForJournal(line));
+        // Some more such minutes, in which nothing changes.
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(countOf(service->journal(), line), 1U);
+    }
+    EXPECT_EQ(service->journal().find("<6>Received 0, "), std::string::npos);
+    EXPECT_EQ(service->terminate(), 0);
+    // Once more at the end, which also counts what nobody was told of.
+    EXPECT_EQ(countOf(service->journal(), "<6>Received 3, "), 2U);
+}
+
+// Somebody sets the clock while the service runs.
+TEST_F(ServiceTest, StoresEventsUnderTheDateThatTheClockShows) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers' libraries must be loaded before any other";
+#endif
+    // Noon, so that the day does not end meanwhile.
+    constexpr std::int64_t kNoon = 1'699'963'200;
+    constexpr std::int64_t kDay = 86'400;
+    constexpr std::size_t kMany = 500;
+    const testing::TemporaryFolder clock;
+    const auto setClock = [&clock](std::int64_t seconds) {
+        clock.write("new", std::to_string(seconds - std::time(nullptr)));
+        std::filesystem::rename(clock.path() / "new", clock.path() / "shift");
+    };
+    // Forwards and back, by a day and more and within a day.
+    const std::int64_t moments[] = {kNoon, kNoon - 2 * kDay, kNoon - 3600, kNoon + kDay,
+                                    kNoon - 2 * kDay};
+    ServiceProcess::Setup setup;
+    setup.environment = {"LD_PRELOAD=" QUORBEL_CLOCK_SHIFT_PATH,
+                         "QUORBEL_CLOCK_SHIFT=" + (clock.path() / "shift").string()};
+    setClock(kNoon);
+    const auto service = start(setup);
+    const UniqueFd stream = connectTo(service->port(), SOCK_STREAM);
+    std::map<std::string, std::vector<std::string>> expected;
+    std::size_t count = 0;
+    for (const std::int64_t moment : moments) {
+        setClock(moment);
+        std::string frames;
+        for (std::size_t i = 0; i < kMany; ++i, ++count) {
+            frames += "<13>event " + std::to_string(count) + '\n';
+            expected[logFileName(moment)].push_back("event " + std::to_string(count));
+        }
+        sendTo(stream, frames);
+        ASSERT_TRUE(waitForStored(count));
+    }
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_THAT(service->journal(), HasSubstr("Received 2500, malformed 0, stored 2500, "));
+    EXPECT_EQ(listFolder(folder.path()).size(), expected.size());
+    for (const auto &[name, events] : expected) {
+        std::vector<std::string> found;
+        std::vector<std::string> files;
+        LogReader::readFile(folder.path() / name, [&](const LogLine &line) {
+            files.push_back(logFileName(std::atoll(std::string(line.date).c_str())));
+            found.emplace_back(line.message);
+            return true;
+        });
+        EXPECT_EQ(found, events) << name;
+        EXPECT_THAT(files, Each(name));
     }
 }
 

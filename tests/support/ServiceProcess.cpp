@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -24,10 +25,13 @@ std::vector<std::string> environmentFor(const ServiceProcess::Setup &setup) {
         "QUORBEL_LIBRARY=" + setup.library.string(),
         "DBUS_SYSTEM_BUS_ADDRESS=" +
             (setup.busAddress.empty() ? "unix:path=/nonexistent" : setup.busAddress)};
+    variables.insert(variables.end(), setup.environment.begin(), setup.environment.end());
+    const auto nameOf = [](std::string_view text) { return text.substr(0, text.find('=')); };
     for (char **variable = environ; *variable != nullptr; ++variable) {
         const std::string_view text = *variable;
-        if (!text.starts_with("QUORBEL_LIBRARY=") &&
-            !text.starts_with("DBUS_SYSTEM_BUS_ADDRESS=")) {
+        const bool isReplaced = std::ranges::any_of(
+            variables, [&](const std::string &own) { return nameOf(own) == nameOf(text); });
+        if (!isReplaced) {
             variables.emplace_back(text);
         }
     }

@@ -25,6 +25,7 @@ public:
         std::string busAddress;         ///< its system bus; empty: one that does not exist
         std::vector<std::string> arguments{"--port", "0"};
         std::uint64_t largestFile = 0;  ///< no file may grow beyond that many bytes; 0: any size
+        std::vector<std::string> environment{};  ///< "NAME=value", in place of the test's own
     };
 
     /// Returns when the service listens, or when it has ended without doing so.

@@ -46,6 +46,8 @@ public:
     /// other commands are taken meanwhile.
     void onCommand(OnCommand reaction, std::chrono::milliseconds delay = {});
     void setReply(std::string reply);
+    /// Replies that still wait for their delay leave now.
+    void replyNow();
 
     [[nodiscard]] std::vector<Received> received() const;
     /// The commands received so far, in order, as soon as there are `count` of them or `limit` has

@@ -11,7 +11,8 @@ namespace quorbel {
 /// How property-list values travel on the bus. A dictionary is `a{sv}`, an array `av`, a string
 /// `s`, an integer `x`, an integer above the signed range `t`, a boolean `b`, a real `d`, data
 /// `ay`; a date is the struct `(sd)` of "date" and the seconds since 2001, null the struct `(ss)`
-/// of "null" twice. Objects of foreign classes, and strings that hold a NUL, have no form here.
+/// of "null" and an empty text. Objects of foreign classes, and strings that hold a NUL, have no
+/// form here.
 bool fitsOnBus(const Value &value);
 
 /// Appends a dictionary as `a{sv}`. Returns a negative errno on failure. Precondition: it fits.

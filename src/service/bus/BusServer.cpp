@@ -148,6 +148,7 @@ void BusServer::connectionLost(const char *what, int error) {
     }
     m_problemSaid = true;
     m_ownsName = false;
+    dropUnsent();
     sd_event_source_set_time_relative(m_retry.get(), kRetryMicroseconds);
     sd_event_source_set_enabled(m_retry.get(), SD_EVENT_ONESHOT);
 }
@@ -186,12 +187,38 @@ bool BusServer::hasUnsent() const {
     return m_ownsName && (!m_notifications.empty() || queuedInConnection(m_bus.get()) > 0);
 }
 
+void BusServer::giveUp() {
+    noteTaken();
+    m_ownsName = false;
+    if (m_bus) {
+        sd_bus_detach_event(m_bus.get());
+        m_bus.reset();
+    }
+    m_retry.reset();
+    dropUnsent();
+    m_notifications.dropAll();
+}
+
+/// The connection sends in the order in which it was given things. Which of them have gone is not
+/// told, so replies count as the first to go.
+void BusServer::noteTaken() {
+    m_unsent = m_ownsName ? std::min(m_unsent, queuedInConnection(m_bus.get())) : m_unsent;
+}
+
+/// A connection that is lost has forgotten already what it held, so this goes by the last look.
+void BusServer::dropUnsent() {
+    m_notifications.countDropped(std::exchange(m_unsent, 0));
+}
+
 void BusServer::sendNotifications() {
     constexpr std::chrono::milliseconds kSlice{1};
     const auto deadline = std::chrono::steady_clock::now() + kSlice;
+    noteTaken();
     while (canNotify() && std::chrono::steady_clock::now() < deadline) {
         if (sendNotification(m_bus.get(), m_notifications.front()) >= 0) {
             m_notifications.pop();
+            ++m_unsent;
+            noteTaken();
         } else if (sd_bus_is_ready(m_bus.get()) > 0) {
             m_notifications.drop();
         }

@@ -12,8 +12,10 @@ namespace quorbel {
 
 /// The service on the system bus: takes commands and sends notifications.
 ///
-/// Without a bus it does nothing but try again each second; the queue fills meanwhile. Loop thread
-/// only; nothing here waits for the bus.
+/// Without a bus it does nothing but try again each second; the queue fills meanwhile.
+/// Notifications that the connection still holds when the bus goes count as dropped; what becomes
+/// of those that the bus has taken nobody can tell. Loop thread only; nothing here waits for the
+/// bus.
 class BusServer {
 public:
     /// Both must outlive the object.
@@ -36,9 +38,13 @@ public:
     void sendNotifications();
     /// Whether something is left in the queue or in the connection that the bus may yet take.
     [[nodiscard]] bool hasUnsent() const;
+    /// For the end: leaves the bus, and counts as dropped what it has not taken.
+    void giveUp();
 
 private:
     void connect();
+    void noteTaken();
+    void dropUnsent();
     void connectionLost(const char *what, int error);
     void submit(CommandWorker::Command command, sd_bus_message *call);
 
@@ -56,6 +62,8 @@ private:
     bus::BusPointer m_bus;
     bool m_ownsName = false;
     bool m_problemSaid = false;
+    /// Of what the connection holds, at most so many are notifications; others may be replies.
+    std::uint64_t m_unsent = 0;
     EventSourcePointer m_retry;
 };
 

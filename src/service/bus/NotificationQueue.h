@@ -32,6 +32,8 @@ public:
     /// The same, for a notification that was not sent.
     void drop();
     void dropAll();
+    /// Counts so many that were taken out and did not get anywhere.
+    void countDropped(std::uint64_t count) { m_dropped += count; }
 
     [[nodiscard]] bool empty() const { return m_count == 0; }
     [[nodiscard]] std::size_t size() const { return m_count; }

@@ -117,22 +117,25 @@ void HostNames::beginTurn(Clock::time_point now) {
 std::string_view HostNames::nameOf(const IpAddress &address) {
     const auto found = m_entries.find(address);
     if (found == m_entries.end()) {
-        if (m_waiting < kMostWaiting) {
+        if (request(address)) {
             makeRoom();
-            request(address);
             m_entries.emplace(address, Entry());
         }
         return {};
     }
     Entry &entry = found->second;
-    if (!entry.waiting && m_now >= entry.expires && m_waiting < kMostWaiting) {
-        request(address);
-        entry.waiting = true;
+    if (!entry.waiting && m_now >= entry.expires) {
+        entry.waiting = request(address);
     }
     return entry.name;
 }
 
-void HostNames::request(const IpAddress &address) {
+/// False when too many wait.
+bool HostNames::request(const IpAddress &address) {
+    if (m_waiting >= kMostWaiting) {
+        ++m_notLookedUp;
+        return false;
+    }
     const std::lock_guard lock(m_shared->mutex);
     if (!std::exchange(m_shared->started, true)) {
         startThreads();
@@ -140,6 +143,7 @@ void HostNames::request(const IpAddress &address) {
     m_shared->waiting.push_back(address);
     ++m_waiting;
     m_shared->wake.notify_one();
+    return true;
 }
 
 void HostNames::startThreads() {

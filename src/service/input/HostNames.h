@@ -54,6 +54,8 @@ public:
     /// How many look-ups have ended, and how many of them gave a name.
     [[nodiscard]] std::uint64_t lookedUp() const { return m_lookedUp; }
     [[nodiscard]] std::uint64_t found() const { return m_found; }
+    /// How often nameOf() asked for no name, or not for a new one, because too many waited.
+    [[nodiscard]] std::uint64_t notLookedUp() const { return m_notLookedUp; }
 
 private:
     struct Shared;
@@ -63,7 +65,7 @@ private:
         Clock::time_point expires;
     };
 
-    void request(const IpAddress &address);
+    bool request(const IpAddress &address);
     void startThreads();
     void makeRoom();
 
@@ -72,6 +74,7 @@ private:
     std::size_t m_waiting = 0;
     std::uint64_t m_lookedUp = 0;
     std::uint64_t m_found = 0;
+    std::uint64_t m_notLookedUp = 0;
     std::unordered_map<IpAddress, Entry, IpAddress::Hash> m_entries;
     std::shared_ptr<Shared> m_shared;  ///< with the threads, which may outlive the object
 };

@@ -106,20 +106,6 @@ SmtpOutcome outcomeFor(const SmtpResult &result, std::size_t recipient) {
 MailSender::MailSender(std::chrono::milliseconds minute)
     : m_minute(minute), m_thread([this] { work(); }) {}
 
-MailSender::~MailSender() {
-    stop();
-    {
-        const std::lock_guard lock(m_mutex);
-        m_end = true;
-    }
-    m_wake.notify_one();
-    m_thread.join();
-    if (!m_queue.empty()) {
-        say(JournalLevel::kWarning,
-            "The service is ending; e-mails that are not sent: " + std::to_string(m_queue.size()));
-    }
-}
-
 void MailSender::stop() {
     m_stop = true;
 }
@@ -170,7 +156,7 @@ bool MailSender::submit(MailMessage message) {
     }
     {
         const std::lock_guard lock(m_mutex);
-        if (addresses.empty() || m_queue.size() >= kMostQueued) {
+        if (addresses.empty() || m_end || m_queue.size() >= kMostQueued) {
             ++m_dropped;
             return false;
         }
@@ -186,6 +172,27 @@ void MailSender::drain(Clock::time_point deadline) {
     m_tried.wait_until(lock, deadline, [this] {
         return std::ranges::none_of(m_queue, [](const Job &job) { return job.tries == 0; });
     });
+}
+
+void MailSender::end() {
+    stop();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_end = true;
+    }
+    m_wake.notify_one();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+    if (m_queue.empty()) {
+        return;
+    }
+    say(JournalLevel::kWarning,
+        "The service is ending; e-mails that are not sent: " + std::to_string(m_queue.size()));
+    for (const Job &job : std::exchange(m_queue, {})) {
+        m_sent += job.reached ? 1 : 0;
+        ++m_dropped;
+    }
 }
 
 /// The job that is to be tried first. Precondition: there is one.

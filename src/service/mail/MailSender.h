@@ -31,8 +31,7 @@ public:
 
     /// `minute` is how long a minute lasts, for tests.
     explicit MailSender(std::chrono::milliseconds minute = std::chrono::minutes(1));
-    /// Ends what is being sent, and gives up what is queued, which is said in the journal.
-    ~MailSender();
+    ~MailSender() { end(); }
     MailSender(const MailSender &) = delete;
     MailSender &operator=(const MailSender &) = delete;
 
@@ -52,6 +51,9 @@ public:
     void stop();
     /// Waits until each queued mail has been tried once, until `deadline` at the latest.
     void drain(std::chrono::steady_clock::time_point deadline);
+    /// Ends what is being sent, and gives up what is queued, which is counted and said in the
+    /// journal. Nothing is taken any more.
+    void end();
 
     /// Messages that reached the server for at least one recipient.
     [[nodiscard]] std::uint64_t sent() const { return m_sent; }
