@@ -18,8 +18,6 @@ quietly() {
     local output
     output=$("$@" 2>&1) || { echo "$output"; return 1; }
 }
-# with TOOL: whether it is here; says so when it is not.
-with() { command -v "$1" >/dev/null || { echo "Left out: there is no $1 here."; return 1; }; }
 
 prefix=$(sed -n 's/^CMAKE_INSTALL_PREFIX:PATH=//p' "$build/CMakeCache.txt")
 policies=/etc/dbus-1/system.d
@@ -49,19 +47,23 @@ check "no capability but for low ports" \
     test "$(sed -n 's/^\(Ambient\|Bounding\).*=//p; s/^CapabilityBoundingSet=//p' "$unit" |
         sort -u)" = CAP_NET_BIND_SERVICE
 
-if with systemd-analyze; then
-    check "the unit exposes at most 2.0" quietly systemd-analyze security --no-pager \
-        --offline=true --threshold=20 "$unit"
-fi
-if with systemd-sysusers; then
-    mkdir -p "$root/etc"
-    systemd-sysusers --root="$root" "$root$prefix/lib/sysusers.d/quorbel.conf" >/dev/null 2>&1
-    check "the user owns the folder" grep -q '^quorbel:.*:/Library/Quorbel:' "$root/etc/passwd"
-    check "the user cannot log in" grep -q '^quorbel:.*/nologin$' "$root/etc/passwd"
-    check "the group is there" grep -q '^quorbel:' "$root/etc/group"
-fi
-if with systemd-tmpfiles && with systemd-sysusers && [ "$(id -u)" -eq 0 ]; then
-    systemd-tmpfiles --root="$root" --create "$root$prefix/lib/tmpfiles.d/quorbel.conf"
+# The program that it starts has to be there.
+mkdir "$root/verified"
+sed "s|^ExecStart=|&$root|" "$unit" >"$root/verified/quorbelsrv.service"
+check "the unit holds nothing that is unknown" quietly systemd-analyze verify --man=no \
+    --recursive-errors=no "$root/verified/quorbelsrv.service"
+check "the unit exposes at most 2.0" quietly systemd-analyze security --no-pager \
+    --offline=true --threshold=20 "$unit"
+
+mkdir -p "$root/etc"
+check "the user can be made" quietly \
+    systemd-sysusers --root="$root" "$root$prefix/lib/sysusers.d/quorbel.conf"
+check "the user owns the folder" grep -q '^quorbel:.*:/Library/Quorbel:' "$root/etc/passwd"
+check "the user cannot log in" grep -q '^quorbel:.*/nologin$' "$root/etc/passwd"
+check "the group is there" grep -q '^quorbel:' "$root/etc/group"
+if [ "$(id -u)" -eq 0 ]; then
+    check "the folder can be made" quietly \
+        systemd-tmpfiles --root="$root" --create "$root$prefix/lib/tmpfiles.d/quorbel.conf"
     id=$(awk -F: '$1 == "quorbel" { print $3 }' "$root/etc/passwd")
     gid=$(awk -F: '$1 == "quorbel" { print $3 }' "$root/etc/group")
     check "the folder is the service's own" \
