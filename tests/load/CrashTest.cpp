@@ -22,6 +22,7 @@
 namespace quorbel {
 namespace {
 
+using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using load::Plan;
 using load::Tally;
@@ -139,8 +140,9 @@ TEST_F(CrashTest, LosesNothingThatIsOlderThanAMoment) {
         if (!power) {
             EXPECT_EQ(after.has, before.has);
         }
-        expectStored(after, kInformational, killed - std::chrono::milliseconds(1500));
-        expectStored(after, kCritical, killed - std::chrono::milliseconds(500));
+        // A machine that builds or tests something else may be late itself.
+        expectStored(after, kInformational, killed - load::soakOr(1500ms, 2000ms));
+        expectStored(after, kCritical, killed - load::soakOr(500ms, 1000ms));
         sent += sentAt.size() * kPerBlock;
         cut += after.cut;
         EXPECT_EQ(next->terminate(), 0);
