@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <iterator>
 #include <random>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -192,21 +191,25 @@ struct RecordPropertyTest : ::testing::Test {
     std::vector<Event> expected;
 };
 
-bool beginsWithPriority(const std::string &text) {
-    static const std::regex pattern("<[0-9]{1,3}>");
-    return std::regex_search(text, pattern, std::regex_constants::match_continuous);
+bool isDigits(const std::string &text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+/// The length of the priority that a text begins with; 0 when it begins with none.
+std::size_t priorityLength(const std::string &text) {
+    const std::size_t end = text.find('>');
+    return text.starts_with('<') && end <= 4 && isDigits(text.substr(1, end - 1)) ? end + 1 : 0;
 }
 
 /// Whether a line reads as the beginning of a counted frame.
 bool looksCounted(const std::string &line) {
-    static const std::regex pattern("([1-9][0-9]{0,6}) (<[0-9]{1,3}>)");
-    std::smatch found;
-    if (!std::regex_search(line, found, pattern, std::regex_constants::match_continuous)) {
+    const std::string count = line.substr(0, line.find(' '));
+    if (!isDigits(count) || count.size() > 7 || count.front() == '0' || count == line) {
         return false;
     }
-    const std::size_t count = std::stoul(found[1]);
-    return count <= FrameSplitter::kMostCounted &&
-           count >= static_cast<std::size_t>(found.length(2));
+    const std::size_t length = priorityLength(line.substr(count.size() + 1));
+    return length > 0 && std::stoul(count) <= FrameSplitter::kMostCounted &&
+           std::stoul(count) >= length;
 }
 
 /// A message as a frame of a stream; nothing when no framing can carry it as it is.
@@ -215,7 +218,7 @@ std::string frameOf(const std::string &message, bool counted) {
         return {};
     }
     if (counted) {
-        return beginsWithPriority(message) ? std::to_string(message.size()) + ' ' + message : "";
+        return priorityLength(message) > 0 ? std::to_string(message.size()) + ' ' + message : "";
     }
     return looksCounted(message) ||
                    message.find_first_of(testing::bytes("\n\0")) != std::string::npos
