@@ -216,8 +216,11 @@ void ReportsView::writeRows(const QString &path) {
     const auto row = [this](std::size_t number) {
         return m_model->index(static_cast<int>(number), 0);
     };
+    // The page may be shown anew meanwhile, from the tray.
+    const auto areStillThere = [this, resets = m_resets] { return resets == m_resets; };
     // A file that cannot be written stays as it was; nobody is told.
-    exportTable(path, *m_model, {static_cast<std::size_t>(m_model->rowCount()), row}, this);
+    exportTable(path, *m_model, {static_cast<std::size_t>(m_model->rowCount()), row, areStillThere},
+                this);
 }
 
 void ReportsView::printResults() {

@@ -1,4 +1,5 @@
 #include "events/ScanViewFixture.h"
+#include "platform/gui/ProgressWindow.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -203,7 +204,7 @@ private Q_SLOTS:
     }
 
     void eventsThatComeAndGoDuringALongExportShiftNothing() {
-        constexpr int kEvents = 400'000;
+        constexpr int kEvents = 20'000;
         list().beginBulkInsert();
         for (int i = 0; i < kEvents; ++i) {
             list().insertRaw(fields(std::to_string(1700000000 + i), std::to_string(i)));
@@ -220,11 +221,14 @@ private Q_SLOTS:
                 m_page->insertEvent(fields("1800000000", "new"));
                 if (arrived == 1) {
                     m_page->removeEvent(fields("1700000007", "7"));
+                    QCoreApplication::sendPostedEvents(m_page.get());
                 }
             }
         });
         timer.start(0);
+        ProgressWindow::setPatienceMs(0);
         exportAll(path("events.csv"));
+        ProgressWindow::setPatienceMs(ProgressWindow::kPatienceMs);
         timer.stop();
         QVERIFY(progressWasShown);
         QVERIFY(!isProgressShown());

@@ -48,6 +48,23 @@ private Q_SLOTS:
         QCOMPARE(bytesOf(path(QStringLiteral("a.txt"))), QByteArray("A\tB\n1\t2\n"));
     }
 
+    void rowsThatAreAllGoneLeaveTheOlderFileAlone() {
+        m_folder->write("a.txt", "kept");
+        addRow("1", "2");
+        addRow("3", "4");
+        ExportRows rows = allRows();
+        int asked = 0;
+        rows.areStillThere = [&asked] { return ++asked < 2; };
+        QVERIFY(!exportTable(path(QStringLiteral("a.txt")), *m_model, rows, nullptr));
+        QCOMPARE(asked, 2);
+        QCOMPARE(bytesOf(path(QStringLiteral("a.txt"))), QByteArray("kept"));
+        const std::filesystem::directory_iterator files(m_folder->path());
+        QCOMPARE(std::distance(begin(files), end(files)), 1);
+        rows.areStillThere = [] { return true; };
+        QVERIFY(exportTable(path(QStringLiteral("a.txt")), *m_model, rows, nullptr));
+        QCOMPARE(bytesOf(path(QStringLiteral("a.txt"))), QByteArray("A\tB\n1\t2\n3\t4\n"));
+    }
+
     void replacesAnOlderFile() {
         m_folder->write("a.txt", "much longer than what comes");
         QVERIFY(exportTable(path(QStringLiteral("a.txt")), *m_model, {}, nullptr));

@@ -2,14 +2,17 @@
 
 #include "core/AppDelegate.h"
 #include "platform/ScopedVariable.h"
+#include "platform/gui/ProgressWindow.h"
 #include "reports/ReportsView.h"
 #include "support/TemporaryFolder.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <filesystem>
@@ -89,6 +92,33 @@ protected:
         table()->scrollTo(cell);
         QTest::mouseClick(table()->viewport(), Qt::LeftButton, modifiers,
                           table()->visualRect(cell).center());
+    }
+
+    static QWidget *progressWindow() {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (window->objectName() == name("progressWindow") && window->isVisible()) {
+                return window;
+            }
+        }
+        return nullptr;
+    }
+    // Does something once while the progress window of some work is shown, which it is from the
+    // work's first step, and tells whether that happened.
+    template <typename Act, typename Work>
+    static bool duringWork(Act act, Work work) {
+        bool done = false;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            if (QWidget *window = progressWindow(); window != nullptr && !done) {
+                done = true;
+                act(window);
+            }
+        });
+        timer.start(0);
+        ProgressWindow::setPatienceMs(0);
+        work();
+        ProgressWindow::setPatienceMs(ProgressWindow::kPatienceMs);
+        return done;
     }
 
     int rowCount() { return table()->model()->rowCount(); }

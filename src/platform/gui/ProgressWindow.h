@@ -38,6 +38,10 @@ public:
     ProgressWindow(const ProgressWindow &) = delete;
     ProgressWindow &operator=(const ProgressWindow &) = delete;
 
+    /// How long work goes on before its window appears; kPatienceMs unless this is called. For
+    /// tests, which need no long work then. Main thread only.
+    static void setPatienceMs(qint64 patience);
+
     /// False once the user has cancelled the work: by the button, the Escape key, or by closing the
     /// small window.
     bool update(std::uint64_t done, std::uint64_t inAll);

@@ -59,6 +59,9 @@ bool exportTable(const QString &path, const QAbstractItemModel &model, const Exp
         return model.headerData(column, Qt::Horizontal, Qt::DisplayRole);
     }));
     for (std::size_t number = 0; number < rows.count; ++number) {
+        if (rows.areStillThere && !rows.areStillThere()) {
+            return false;
+        }
         const QModelIndex row = rows.at(number);
         if (row.isValid() && file.write(line(columns, separator, [&row](int column) {
                 return row.siblingAtColumn(column).data(Qt::DisplayRole);

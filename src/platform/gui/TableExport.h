@@ -17,6 +17,9 @@ struct ExportRows {
     /// when there is no such row any more, and it is left out. Row numbers may change between two
     /// calls (see ProgressWindow), so a table whose rows come and go has to find them otherwise.
     std::function<QModelIndex(std::size_t number)> at;
+    /// Asked before each row: false once the table has been emptied or shows something else, which
+    /// ends the export. Unset when that cannot be.
+    std::function<bool()> areStillThere = {};
 };
 
 /// Asks for the file to export a table to, in a panel over `parent`'s window, and returns at once.
@@ -27,9 +30,9 @@ void openExportPanel(QWidget *parent, std::function<void(const QString &path)> o
 /// in UTF-8: all of the model's columns, with commas between them when the file's extension is
 /// exactly "csv", otherwise tabs. Nothing is quoted.
 ///
-/// The file takes the place of an older one when all of it is written. False when that failed: the
-/// older one, if any, is as it was. Returns when done, with a progress window over `parent` if it
-/// takes longer than a moment.
+/// The file takes the place of an older one when all of it is written. False when that failed or
+/// the rows were gone before: the older one, if any, is as it was. Returns when done, with a
+/// progress window over `parent` if it takes longer than a moment.
 bool exportTable(const QString &path, const QAbstractItemModel &model, const ExportRows &rows,
                  QWidget *parent);
 
