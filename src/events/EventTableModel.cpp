@@ -12,9 +12,6 @@ namespace {
 constexpr std::array<const char *, EventTableModel::kColumnCount> kTitles = {
     "Rating", "Date", "Priority", "Host", "Message"};
 
-/// A longer message is cut in its tool tip; the details show all of it.
-constexpr qsizetype kLongestToolTip = 2000;
-
 QString orEmpty(const std::optional<std::string_view> &text) {
     return toQString(text.value_or(std::string_view()));
 }
@@ -86,11 +83,6 @@ QVariant EventTableModel::data(const QModelIndex &index, int role) const {
                 return m_images[level];
             }
         }
-    }
-    if (role == Qt::ToolTipRole && index.column() == kMessage) {
-        // As plain text: a message may look like markup.
-        return QStringLiteral("<p style='white-space:pre-wrap'>%1</p>")
-            .arg(text(row, kMessage).left(kLongestToolTip).toHtmlEscaped());
     }
     return {};
 }

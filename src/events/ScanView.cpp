@@ -132,6 +132,21 @@ int ScanView::rowOf(const Event &event) {
     return row ? static_cast<int>(*row) : -1;
 }
 
+int ScanView::placeOf(const Event &event) {
+    // Later events have larger ids and stand above.
+    std::size_t first = 0;
+    std::size_t last = m_arrController.size();
+    while (first < last) {
+        const std::size_t middle = first + (last - first) / 2;
+        if (m_arrController.idAt(middle) > event.id()) {
+            first = middle + 1;
+        } else {
+            last = middle;
+        }
+    }
+    return static_cast<int>(first);
+}
+
 Event ScanView::eventAt(int row) {
     return {m_arrController, m_arrController.idAt(static_cast<std::size_t>(row))};
 }

@@ -42,6 +42,7 @@ public:
     /// Of several selected rows the one that was selected last.
     [[nodiscard]] int selectedRow() override;
     [[nodiscard]] int rowOf(const Event &event) override;
+    [[nodiscard]] int placeOf(const Event &event) override;
     Event selectRow(int row) override;
 
     void doubleClickTable();

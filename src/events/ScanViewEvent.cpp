@@ -58,9 +58,6 @@ void ScanViewEvent::setDetails() {
         ui->eventUp->hide();
         return;
     }
-    if (SteppableList *events = list(); events != nullptr && m_dict) {
-        m_row = shownRow(*events).value_or(m_row);
-    }
     ui->eventDown->setEnabled(rowBeside(1).has_value());
     ui->eventUp->setEnabled(rowBeside(-1).has_value());
 }
@@ -69,23 +66,20 @@ SteppableList *ScanViewEvent::list() const {
     return m_hideButtons ? nullptr : dynamic_cast<SteppableList *>(presenter());
 }
 
-std::optional<int> ScanViewEvent::shownRow(SteppableList &events) const {
-    // New events clear the selection; then it is the event shown that tells where one is.
-    int row = events.selectedRow();
-    if (row < 0) {
-        row = events.rowOf(*m_dict);
-    }
-    return row < 0 ? std::nullopt : std::optional(row);
-}
-
 std::optional<int> ScanViewEvent::rowBeside(int distance) const {
     SteppableList *events = list();
     if (events == nullptr || !m_dict) {
         return std::nullopt;
     }
-    // An event that has left the list left its row to the next one.
-    const int gap = distance > 0 ? m_row - 1 : m_row;
-    const int row = shownRow(*events).value_or(gap) + distance;
+    // New events clear the selection; then it is the event shown that tells where one is.
+    int row = events->selectedRow();
+    if (row < 0) {
+        row = events->placeOf(*m_dict);
+        if (distance > 0 && events->rowOf(*m_dict) < 0) {
+            --row;  // an event that has left the list left its row to the next one
+        }
+    }
+    row += distance;
     return row >= 0 && row < events->numberOfRows() ? std::optional(row) : std::nullopt;
 }
 

@@ -35,8 +35,6 @@ public:
 
 private:
     [[nodiscard]] SteppableList *list() const;
-    /// Nothing when the event has left the list.
-    [[nodiscard]] std::optional<int> shownRow(SteppableList &events) const;
     /// The row that a step of `distance` rows leads to; nothing when the list ends before.
     [[nodiscard]] std::optional<int> rowBeside(int distance) const;
     void step(int distance);
@@ -44,7 +42,6 @@ private:
     std::unique_ptr<Ui::ScanViewEvent> ui;
     std::optional<Event> m_dict;
     bool m_hideButtons = false;
-    int m_row = 0;  ///< where the event stood when its details were set
 };
 
 }  // namespace quorbel

@@ -14,6 +14,9 @@ public:
     [[nodiscard]] virtual int selectedRow() = 0;
     /// -1 when the event has left the list.
     [[nodiscard]] virtual int rowOf(const Event &event) = 0;
+    /// The same, but for an event that has left the list the row where it would stand now: that of
+    /// the next older event, numberOfRows() when there is none.
+    [[nodiscard]] virtual int placeOf(const Event &event) = 0;
     /// Selects that row alone, scrolls to it and returns its event. 0 <= `row` < numberOfRows().
     virtual Event selectRow(int row) = 0;
 

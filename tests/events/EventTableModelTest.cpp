@@ -50,15 +50,6 @@ private Q_SLOTS:
         QVERIFY(!model.index(0, EventTableModel::kRating).data(Qt::DecorationRole).isValid());
     }
 
-    void aToolTipShowsMarkupAsText() {
-        EventList list;
-        const EventTableModel model(list);
-        list.insertRaw(fields("<img src='x'> & more"));
-        const QString tip =
-            model.index(0, EventTableModel::kMessage).data(Qt::ToolTipRole).toString();
-        QVERIFY2(tip.contains(QStringLiteral("&lt;img src='x'&gt; &amp; more")), qPrintable(tip));
-    }
-
     void announcesEveryKindOfChange() {
         EventList list;
         EventTableModel model(list);

@@ -221,6 +221,38 @@ private Q_SLOTS:
         QCOMPARE(cell(selected().value(0), 4), next);
     }
 
+    void newEventsMoveThePlaceThatARemovedOneLeaves_data() {
+        anEventRemovedMeanwhileStaysReadableAndLeavesItsPlace_data();
+    }
+    void newEventsMoveThePlaceThatARemovedOneLeaves() {
+        QFETCH(bool, up);
+        QFETCH(QString, next);
+        showRows(5);
+        doubleClickRow(2);
+        for (const char *later : {"new", "newer", "newest"}) {
+            m_page->insertEvent(fields("1700000100", later));
+        }
+        m_page->removeEvent(fields("1700000002", "2"));
+        QTRY_COMPARE(list().size(), std::size_t{7});
+        QCOMPARE(selected(), QList<int>());
+        QCOMPARE(message(), name("2"));
+        press(up ? "eventUp" : "eventDown");
+        QCOMPARE(message(), next);
+        QCOMPARE(cell(selected().value(0), 4), next);
+    }
+
+    void theOldestEventRemovedMeanwhileHasNoneBelow() {
+        showRows(2);
+        doubleClickRow(1);
+        m_page->insertEvent(fields("1700000100", "new"));
+        m_page->removeEvent(fields("1700000000", "0"));
+        QTRY_COMPARE(list().size(), std::size_t{2});
+        sheet()->onDown();
+        QCOMPARE(message(), name("0"));
+        press("eventUp");
+        QCOMPARE(message(), name("1"));
+    }
+
     void aListThatEmptiesMeanwhileHasNowhereToStepTo() {
         showRows(3);
         doubleClickRow(1);

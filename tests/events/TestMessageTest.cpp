@@ -100,10 +100,10 @@ private Q_SLOTS:
     }
 
     void theButtonSendsToTheSyslogPort() {
+        static_assert(kSyslogPort == 514);
         if (!networkIsPrivate) {
             QSKIP("This system does not let a test have a network of its own.");
         }
-        QCOMPARE(kSyslogPort, std::uint16_t{514});
         show();
         {
             const Receiver receiver(kSyslogPort);
