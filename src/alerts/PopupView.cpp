@@ -134,7 +134,8 @@ void PopupView::popupAbout() {
     details->setHideButtons(true);
     details->setDict(*popupDict);
     m_eventSheet = controller.release();
-    // Over no other window: it stays when the popup goes, which its time is soon up for.
+    // The popup is not its parent: the sheet stays when the popup goes, which its time is soon up
+    // for.
     sheet->presentOver(nullptr);
     sheet->raise();
     sheet->activateWindow();

@@ -36,5 +36,6 @@ on_desktop() {
 
 program=$1
 on_desktop "$folder/plain.xml" "0 0 1280 900" \
-    takesNoFocus growsStaysShrinksAndCloses opensTheEventAndStillCloses || exit
+    takesNoFocus growsStaysShrinksAndCloses opensTheEventAndStillCloses \
+    theEventsSheetStandsAboveThePopup theEventsSheetIsModalToAllWindows || exit
 on_desktop "$folder/panels.xml" "70 0 1210 860" growsStaysShrinksAndCloses

@@ -1,6 +1,7 @@
 #include "gui/LifeCycleProbe.h"
 #include "platform/gui/Sheet.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QPointer>
 #include <QTest>
@@ -29,8 +30,23 @@ private Q_SLOTS:
         QCOMPARE(sheet->presenter(), page);
         QCOMPARE(sheet->parentWidget(), page);
         QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+        QVERIFY(!sheet->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
         delete page;
         QVERIFY(sheet.isNull());
+    }
+
+    void withoutAPresenterItIsModalToAllWindowsAndAboveThem() {
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        sheet->presentOver(nullptr);
+        QVERIFY(sheet->isVisible());
+        QCOMPARE(sheet->presenter(), nullptr);
+        QCOMPARE(sheet->windowModality(), Qt::ApplicationModal);
+        QVERIFY(sheet->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        QCOMPARE(QApplication::activeModalWidget(), sheet.data());
+        sheet->close();
+        QTRY_VERIFY(sheet.isNull());
+        QCOMPARE(QApplication::activeModalWidget(), nullptr);
+        QCOMPARE(m_steps.count("sheet.leave"_L1), 1);
     }
 
     void followsTheLifeCycleAndDeletesItself() {

@@ -14,14 +14,15 @@ void Sheet::presentOver(QWidget *presenter) {
     m_presenter = presenter;
     setParent(presenter, windowFlags());
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
+    setWindowFlag(Qt::WindowStaysOnTopHint, presenter == nullptr);
+    setWindowModality(presenter == nullptr ? Qt::ApplicationModal : Qt::WindowModal);
     ensurePolished();
     if (!testAttribute(Qt::WA_Resized)) {
         adjustSize();
     }
     // A larger font than the form was drawn with may need more room than it was given.
     setFixedSize(size().expandedTo(minimumSizeHint()));
-    open();
+    show();  // open() would make it window-modal in either case
 }
 
 void Sheet::keyPressEvent(QKeyEvent *event) {

@@ -9,8 +9,8 @@ namespace quorbel {
 
 class Storyboard;
 
-/// A window-modal dialog over a page or over another sheet, made anew for each opening and deleted
-/// when it closes. Its content keeps the size that it was designed with.
+/// A modal dialog over a page or over another sheet, made anew for each opening and deleted when it
+/// closes. Its content keeps the size that it was designed with.
 class Sheet : public QDialog, public PageLifeCycle {
     Q_OBJECT
 
@@ -18,7 +18,10 @@ public:
     explicit Sheet(QWidget *parent = nullptr);
 
     /// Shows the sheet over `presenter`'s window and returns at once; the sheet deletes itself
-    /// after it was closed. `presenter` becomes its parent and stays reachable as presenter().
+    /// after it was closed. `presenter` becomes its parent and stays reachable as presenter(). Its
+    /// window takes no input meanwhile.
+    ///
+    /// Without a presenter, the sheet stands above all windows, and no other window takes input.
     void presentOver(QWidget *presenter);
     [[nodiscard]] QWidget *presenter() const { return m_presenter; }
 
