@@ -42,6 +42,11 @@ void PopupThread::start() {
     m_thread = std::thread(&PopupThread::run, this);
 }
 
+bool PopupThread::takesEvents() const {
+    const std::lock_guard lock(m_delegate.alertLock());
+    return popupArray.has_value();
+}
+
 void PopupThread::append(Event event) {
     Entry entry{event.value("Priority").value_or(""), std::make_unique<Event>(std::move(event))};
     const std::lock_guard lock(m_delegate.alertLock());

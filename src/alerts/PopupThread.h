@@ -49,6 +49,8 @@ public:
 
     /// Starts run() on a thread of its own. Once.
     void start();
+    /// Whether run() has made popupArray. Of any thread.
+    [[nodiscard]] bool takesEvents() const;
     /// Adds an event to popupArray; dropped while run() has not made that yet.
     void append(Event event) override;
     /// The thread's body; returns when the object is being destroyed.

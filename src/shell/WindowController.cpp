@@ -137,6 +137,10 @@ void WindowController::windowDidLoad() {
         [this](const NotificationObserver::UserInfo &userInfo) { syslogNotify(userInfo); });
 }
 
+bool WindowController::hearsService() const {
+    return m_notifications && m_notifications->isConnected();
+}
+
 void WindowController::Home() {
     selectTab(Tab::kHome);
 }

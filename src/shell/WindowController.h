@@ -55,6 +55,9 @@ public:
     void setReopenable(std::function<bool()> isReopenable) {
         m_isReopenable = std::move(isReopenable);
     }
+    /// Whether every event that the service tells of from now on is heard; false before
+    /// windowDidLoad() and while the bus is away.
+    [[nodiscard]] bool hearsService() const;
     /// Home, Events, Reports, Tools, About and Quit, as the whole application's menus have them.
     [[nodiscard]] QList<QAction *> applicationCommands() const;
 

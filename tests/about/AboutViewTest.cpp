@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QPointer>
+#include <QProcess>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextEdit>
@@ -19,8 +20,9 @@ class AboutViewTest : public QObject {
 private:
     static QString name(const char *text) { return QLatin1String(text); }
     /// Shows a new sheet over the window; it deletes itself.
-    void open(const std::string &machine) {
-        m_sheet = new AboutView(machine);
+    void open(const std::string &machine) { open(new AboutView(machine)); }
+    void open(AboutView *sheet) {
+        m_sheet = sheet;
         m_sheet->viewDidLoad();
         m_sheet->presentOver(m_window.get());
         QVERIFY(QTest::qWaitForWindowExposed(m_sheet));
@@ -85,6 +87,34 @@ private Q_SLOTS:
             QVERIFY2(background("warningText") != sheetColour(), other);
             m_sheet->close();
         }
+    }
+
+    void theMachineIsTheOneThatRuns() {
+        QProcess uname;
+        uname.start(name("uname"), {name("-m")});
+        QVERIFY(uname.waitForFinished());
+        const QString machine = QString::fromLocal8Bit(uname.readAllStandardOutput()).trimmed();
+        QVERIFY(!machine.isEmpty());
+        QCOMPARE(QString::fromStdString(AboutView::runningMachine()), machine);
+        open(new AboutView);
+        QCOMPARE(background("infoText") == sheetColour(), machine == name("x86_64"));
+    }
+
+    void theInformationReplacesAndTheWarningIsAppended() {
+        m_sheet = new AboutView("x86_64");
+        m_sheet->viewDidLoad();
+        m_sheet->viewWillAppear();
+        const QString information = text("infoText").toPlainText();
+        const QString warning = text("warningText").toPlainText();
+        text("infoText").setPlainText(name("an old text"));
+        text("warningText").setPlainText(name("An old text. "));
+        m_sheet->viewWillAppear();
+        QCOMPARE(text("infoText").toPlainText(), information);
+        QCOMPARE(text("warningText").toPlainText(), name("An old text. ") + warning);
+        m_sheet->viewWillAppear();
+        QCOMPARE(text("infoText").toPlainText(), information);
+        QCOMPARE(text("warningText").toPlainText(), name("An old text. ") + warning + warning);
+        delete m_sheet;
     }
 
     void theLinkIsUnderlinedAndOpensTheWebPage() {

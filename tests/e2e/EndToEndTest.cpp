@@ -24,8 +24,12 @@ namespace quorbel {
 
 namespace {
 
+constexpr int kPatienceMs = testing::kPatience.count();
+
 /// The front-end with what these tests look at.
 struct FrontEnd : testing::FrontEnd {
+    /// What is sent from now on is listed.
+    FrontEnd() { QVERIFY(waitUntilItHears()); }
     QTableView &table() const {
         auto &page = control<QWidget>("ScanView");
         return *page.findChild<QTableView *>(QStringLiteral("tableView"));
@@ -79,6 +83,9 @@ private:
                  logger.readAllStandardError().constData());
     }
     void log(const QString &line) { log({line}, {QStringLiteral("-d")}); }
+    static QString today() {
+        return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd"));
+    }
     /// The lines of all log files.
     QStringList storedLines() const {
         QStringList lines;
@@ -102,8 +109,9 @@ private:
     }
     void answer(const FrontEnd &frontEnd, const char *title, bool tick) {
         QMessageBox *box = nullptr;
-        QTRY_VERIFY((box = frontEnd.window->findChild<QMessageBox *>()) != nullptr &&
-                    box->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (box = frontEnd.window->findChild<QMessageBox *>()) != nullptr && box->isVisible(),
+            kPatienceMs);
         if (tick) {
             box->checkBox()->setChecked(true);
         }
@@ -112,7 +120,8 @@ private:
                 QTest::mouseClick(button, Qt::LeftButton);
             }
         }
-        QTRY_VERIFY(!frontEnd.window->findChildren<QMessageBox *>().contains(box));
+        QTRY_VERIFY_WITH_TIMEOUT(!frontEnd.window->findChildren<QMessageBox *>().contains(box),
+                                 kPatienceMs);
     }
 
 private Q_SLOTS:
@@ -128,24 +137,26 @@ private Q_SLOTS:
         m_bus.reset();
     }
 
-    void anEventIsOnTopWithinASecond() {
+    void anEventIsOnTop() {
         const FrontEnd frontEnd;
         QCOMPARE(frontEnd.label("eventsError"), QStringLiteral("0"));
         QCOMPARE(frontEnd.label("eventsTitle"),
                  QStringLiteral("No unwanted or harmful events detected."));
         log(QStringLiteral("first"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.label("eventsError"), QStringLiteral("1"), 1000);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.label("eventsError"), QStringLiteral("1"), kPatienceMs);
         QCOMPARE(frontEnd.label("eventsTitle"),
                  QStringLiteral("Review potentialy unwanted events."));
         frontEnd.click("Scan");
+        const QString before = today();
         log(QStringLiteral("disk full, retrying"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 2, 1000);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 2, kPatienceMs);
+        const QString after = today();
         QCOMPARE(frontEnd.cell(0, 0), QStringLiteral("Moderate"));
         QCOMPARE(frontEnd.cell(0, 2), QStringLiteral("Local7.Error"));
         QCOMPARE(frontEnd.cell(0, 3), QStringLiteral("127.0.0.1"));
         QCOMPARE(frontEnd.cell(0, 4), QStringLiteral("e2e: disk full, retrying"));
-        const QString today = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd"));
-        QVERIFY2(frontEnd.cell(0, 1).startsWith(today), qPrintable(frontEnd.cell(0, 1)));
+        const QString date = frontEnd.cell(0, 1);
+        QVERIFY2(date.startsWith(before) || date.startsWith(after), qPrintable(date));
     }
 
     void aThousandEventsOverEveryTransportSurviveARestartOfBoth() {
@@ -163,7 +174,7 @@ private Q_SLOTS:
             log(numbers.mid(500, 250), {tcp, QStringLiteral("--rfc3164")});
             log(numbers.mid(750, 250),
                 {tcp, QStringLiteral("--rfc5424"), QStringLiteral("--octet-count")});
-            QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1000, 20000);
+            QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1000, kPatienceMs);
             checkThatEachIsListedOnce(frontEnd, numbers);
             QCOMPARE(frontEnd.delegate.state.iError, 1000);
         }
@@ -175,33 +186,33 @@ private Q_SLOTS:
         checkThatEachIsListedOnce(again, numbers);
         QCOMPARE(again.label("eventsError"), QStringLiteral("1000"));
         log(QStringLiteral("after"));
-        QTRY_COMPARE(again.rows(), 1001);
+        QTRY_COMPARE_WITH_TIMEOUT(again.rows(), 1001, kPatienceMs);
         QCOMPARE(again.cell(0, 4), QStringLiteral("e2e: after"));
     }
 
     void aServiceThatComesBackIsHeardAgain() {
         const FrontEnd frontEnd;
         log(QStringLiteral("before"));
-        QTRY_COMPARE(frontEnd.rows(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1, kPatienceMs);
         m_service->kill();
         startService();
         log(QStringLiteral("after"));
-        QTRY_COMPARE(frontEnd.rows(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 2, kPatienceMs);
         m_bus->stop();
         m_bus->start();
         // Both come back to the bus by themselves; what is sent until then is in the files.
         int sent = 2;
         QTRY_VERIFY_WITH_TIMEOUT(
             (log(QStringLiteral("again %1").arg(++sent)), QTest::qWait(200), frontEnd.rows() > 2),
-            20000);
-        QTRY_COMPARE(storedLines().size(), sent);
+            kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), sent, kPatienceMs);
     }
 
     void deletedEventsAreGoneFromTheFilesToo() {
         const FrontEnd frontEnd;
         log({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")},
             {QStringLiteral("-d")});
-        QTRY_COMPARE(frontEnd.rows(), 3);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 3, kPatienceMs);
         frontEnd.click("Scan");
         QVERIFY(QTest::qWaitForWindowExposed(frontEnd.window.get()));
         int two = 0;
@@ -214,12 +225,12 @@ private Q_SLOTS:
         frontEnd.click("deleteEvents");
         answer(frontEnd, "Yes", false);
         QCOMPARE(frontEnd.rows(), 2);
-        QTRY_COMPARE(storedLines().size(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 2, kPatienceMs);
         QVERIFY(storedLines().filter(QStringLiteral("two")).isEmpty());
         frontEnd.click("deleteEvents");
         answer(frontEnd, "OK", true);
         answer(frontEnd, "Yes", false);
-        QTRY_COMPARE(storedLines().size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
         const FrontEnd again;
         QCOMPARE(again.rows(), 0);
     }
@@ -227,17 +238,18 @@ private Q_SLOTS:
     void deletingWithAFormatThatHidesTheSecondsFindsTheLines() {
         FrontEnd frontEnd;
         frontEnd.delegate.saveSettings({{"dateFormat", "dd.MM.yyyy HH:mm"}});
-        QTRY_VERIFY(
-            QFile::exists(QString::fromStdString((m_library->path() / "Quorbel.ini").string())));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            QFile::exists(QString::fromStdString((m_library->path() / "Quorbel.ini").string())),
+            kPatienceMs);
         frontEnd.window->initializeLog();
         QCOMPARE(frontEnd.delegate.state.newDateFormat, std::string("dd.MM.yyyy HH:mm"));
         log(QStringLiteral("one"));
-        QTRY_COMPARE(frontEnd.rows(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1, kPatienceMs);
         frontEnd.click("Scan");
         frontEnd.click("deleteEvents");
         answer(frontEnd, "OK", true);
         answer(frontEnd, "Yes", false);
-        QTRY_COMPARE(storedLines().size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
     }
 
 private:

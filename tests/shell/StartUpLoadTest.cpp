@@ -1,3 +1,4 @@
+#include "core/AlertQueueLink.h"
 #include "platform/gui/ProgressWindow.h"
 #include "shell/ShellFixture.h"
 #include "shell/WindowController.h"
@@ -25,6 +26,13 @@ QWidget *progressWindow() {
     return nullptr;
 }
 
+class CountingAlertQueue : public AlertQueueLink {
+public:
+    void append(Event /*event*/) override { ++appended; }
+
+    int appended = 0;
+};
+
 /// Row after row from the top: "date|message".
 QStringList rows(Shell &shell) {
     QStringList result;
@@ -45,6 +53,7 @@ private Q_SLOTS:
     void everyLineComesInAtTheTopUnconverted();
     void countersStartFromZero();
     void settingsReachTheState();
+    void storedEventsRaiseNoAlert();
     void damagedSettingsCountAsNone();
     void startsWithoutAFolder_data();
     void startsWithoutAFolder();
@@ -101,6 +110,27 @@ void StartUpLoadTest::settingsReachTheState() {
     QCOMPARE(state.oldDateFormat, std::string("dd/MM/yyyy HH:mm"));
     QCOMPARE(state.popupDisplayArray, (std::vector<std::string>{"Alert", "Critical"}));
     QVERIFY(state.popupPlayArray.empty());
+}
+
+void StartUpLoadTest::storedEventsRaiseNoAlert() {
+    CountingAlertQueue alerts;
+    Shell shell;
+    shell.library.writeSettings({{"popupEvents", 12},
+                                 {"popupSound", "/sounds/bell.wav"},
+                                 {"popupDisplayArray", Array{"Error"}},
+                                 {"popupPlayArray", Array{"Error"}}});
+    shell.library->write("a.log", "1700000000,Local7.Error,10.0.0.5,stored\r\n");
+    shell.window.setAlertQueue(&alerts);
+    shell.window.windowDidLoad();
+    QCOMPARE(rows(shell), QStringList{QStringLiteral("1700000000|stored")});
+    QCOMPARE(alerts.appended, 0);
+    // The same event does when it is new.
+    shell.window.syslogNotify({{"Type", "Set"},
+                               {"Date", "1700000000"},
+                               {"Priority", "Local7.Error"},
+                               {"Host", "10.0.0.5"},
+                               {"Message", "stored"}});
+    QCOMPARE(alerts.appended, 1);
 }
 
 void StartUpLoadTest::damagedSettingsCountAsNone() {

@@ -2,6 +2,7 @@
 #include "shell/ShellFixture.h"
 #include "shell/TrayIcon.h"
 #include "shell/WindowController.h"
+#include "support/WaitUntil.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -26,7 +27,9 @@ constexpr int kNeverEnded = 99;
 
 /// Runs the event loop until the program ends; kNeverEnded when it does not.
 int runUntilExit() {
-    QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(kNeverEnded); });
+    QTimer watchdog;
+    QObject::connect(&watchdog, &QTimer::timeout, [] { QCoreApplication::exit(kNeverEnded); });
+    watchdog.start(kPatience);
     return QCoreApplication::exec();
 }
 

@@ -4,6 +4,9 @@
 #include "platform/gui/Storyboard.h"
 #include "shell/MainStoryboard.h"
 #include "shell/WindowController.h"
+#include "support/WaitUntil.h"
+
+#include <QApplication>
 
 #include <memory>
 
@@ -19,6 +22,13 @@ struct FrontEnd {
         window->makeVisible();
     }
 
+    /// Waits until nothing that the service tells of is missed; false when it came to that in vain.
+    [[nodiscard]] bool waitUntilItHears() const {
+        return waitUntil([this] {
+            QApplication::processEvents();
+            return window->hearsService();
+        });
+    }
     /// A control, page or sheet by its name.
     template <typename Control>
     [[nodiscard]] Control &control(const char *name) const {
