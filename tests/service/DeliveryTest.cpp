@@ -185,10 +185,14 @@ TEST_P(OtherMailServerTest, GetsTheMails) {
                   "OK");
         expected += R"({"sender": "quorbel@example.org", )"
                     R"("recipients": ["first@example.org", "second@example.org"], )"
-                    R"("subject": "Gr\u00fc\u00dfe )" +
-                    number + R"(", "type": "text/html", "body": "<b>)" + number +
-                    R"(</b>\r\n.\r\n\u2713\r\n", "encrypted": )" +
-                    (GetParam().isEncrypted ? "true" : "false") + R"(, "login": "user"})" + "\n";
+                    R"("subject": "Gr\u00fc\u00dfe )";
+        expected += number;
+        expected += R"(", "type": "text/html", "body": "<b>)";
+        expected += number;
+        expected += R"(</b>\r\n.\r\n\u2713\r\n", "encrypted": )";
+        expected += GetParam().isEncrypted ? "true" : "false";
+        expected += R"(, "login": "user"})";
+        expected += '\n';
     }
     EXPECT_EQ(server.mails(), expected);
     EXPECT_EQ(service->terminate(), 0);
