@@ -274,7 +274,9 @@ TEST_F(FaultsTest, LetsHangingActionsDelayNobody) {
                              "e-mails sent", "e-mails dropped"}) {
         settled += load::counter(journal, fate);
     }
-    EXPECT_EQ(load::counter(journal, "commands run"), CommandRunner::kMostAtOnce);
+    // After a minute, the first ones are ended and others begin.
+    EXPECT_GE(load::counter(journal, "commands run"), CommandRunner::kMostAtOnce);
+    EXPECT_LE(load::counter(journal, "commands run"), 3 * CommandRunner::kMostAtOnce);
     // The mails that tell of what was held back come on top.
     const std::uint64_t wanted = (plan.count + all.size()) * 50 * 2;
     EXPECT_GE(settled, wanted);
