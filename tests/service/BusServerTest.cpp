@@ -73,6 +73,16 @@ struct BusServerTest : ::testing::Test {
         const bus::BusPointer client(opened);
         return client && sd_bus_get_name_creds(client.get(), bus::kServiceName, 0, nullptr) >= 0;
     }
+    static constexpr std::size_t kFill = 40'000;
+    /// Freezes the bus and has so many to tell that the connection takes no more of them.
+    void fillAStuckBus() {
+        privateBus.freeze();
+        for (std::size_t i = 0; i < kFill; ++i) {
+            queue.push(NotificationType::kSet, line(i));
+        }
+        ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    }
+
     void observe() {
         observer = std::make_unique<NotificationObserver>([this](const auto &entries) {
             UserInfo info;
@@ -297,28 +307,18 @@ TEST_F(BusServerTest, KeepsWhatAStuckBusDoesNotTake) {
     startServer();
     observe();
     ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kThere; }));
-    privateBus.freeze();
-    constexpr std::size_t kMany = 40'000;
-    for (std::size_t i = 0; i < kMany; ++i) {
-        queue.push(NotificationType::kSet, line(i));
-    }
-    ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    ASSERT_NO_FATAL_FAILURE(fillAStuckBus());
     // The rest waits in the queue, not in the connection.
-    EXPECT_GT(queue.size(), kMany / 2);
-    EXPECT_LT(queue.size(), kMany);
+    EXPECT_GT(queue.size(), kFill / 2);
+    EXPECT_LT(queue.size(), kFill);
     privateBus.thaw();
-    ASSERT_TRUE(runUntil([&] { return notifications.size() == kMany; }));
+    ASSERT_TRUE(runUntil([&] { return notifications.size() == kFill; }));
 }
 
 TEST_F(BusServerTest, CountsWhatTheConnectionHoldsWhenTheBusGoes) {
     startServer();
     ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kThere; }));
-    privateBus.freeze();
-    constexpr std::size_t kMany = 40'000;
-    for (std::size_t i = 0; i < kMany; ++i) {
-        queue.push(NotificationType::kSet, line(i));
-    }
-    ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    ASSERT_NO_FATAL_FAILURE(fillAStuckBus());
     const std::size_t waiting = queue.size();
     EXPECT_GT(waiting, 0U);
     ::testing::internal::CaptureStderr();
@@ -340,19 +340,14 @@ TEST_F(BusServerTest, CountsWhatABusHasNotTakenAtTheEnd) {
     // What was taken before is not counted.
     queue.push(NotificationType::kSet, line(0));
     ASSERT_TRUE(runUntil([&] { return notifications.size() == 1 && !server->hasUnsent(); }));
-    privateBus.freeze();
-    constexpr std::size_t kMany = 40'000;
-    for (std::size_t i = 0; i < kMany; ++i) {
-        queue.push(NotificationType::kSet, line(i));
-    }
-    ASSERT_TRUE(runUntil([&] { return !server->canNotify(); }));
+    ASSERT_NO_FATAL_FAILURE(fillAStuckBus());
     const std::size_t waiting = queue.size();
     server->giveUp();
     EXPECT_EQ(queue.dropped(), kHeldByConnection + waiting);
     EXPECT_TRUE(queue.empty());
     // Those, and no others, were told.
     privateBus.thaw();
-    ASSERT_TRUE(runUntil([&] { return notifications.size() + queue.dropped() == 1 + kMany; }));
+    ASSERT_TRUE(runUntil([&] { return notifications.size() + queue.dropped() == 1 + kFill; }));
 }
 
 // A message on the bus must be valid UTF-8, or else there is none.
