@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/UniqueFd.h"
+#include "support/OpenSslFree.h"
 #include "support/TestAuthority.h"
 
 #include <arpa/inet.h>
@@ -77,13 +78,7 @@ public:
     }
 
 private:
-    struct Free {
-        void operator()(SSL_CTX *context) const { SSL_CTX_free(context); }
-        void operator()(SSL *ssl) const { SSL_free(ssl); }
-        void operator()(BIO *bio) const { BIO_free(bio); }
-        void operator()(X509 *certificate) const { X509_free(certificate); }
-        void operator()(EVP_PKEY *key) const { EVP_PKEY_free(key); }
-    };
+    using Free = testing::OpenSslFree;
     using Certificate = std::unique_ptr<X509, Free>;
 
     static std::unique_ptr<BIO, Free> reader(const std::string &text) {

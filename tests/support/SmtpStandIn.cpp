@@ -1,5 +1,7 @@
 #include "support/SmtpStandIn.h"
 
+#include "support/OpenSslFree.h"
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <openssl/evp.h>
@@ -22,13 +24,7 @@ namespace quorbel::testing {
 
 namespace {
 
-struct Free {
-    void operator()(SSL_CTX *context) const { SSL_CTX_free(context); }
-    void operator()(SSL *ssl) const { SSL_free(ssl); }
-    void operator()(BIO *bio) const { BIO_free(bio); }
-    void operator()(X509 *certificate) const { X509_free(certificate); }
-    void operator()(EVP_PKEY *key) const { EVP_PKEY_free(key); }
-};
+using Free = OpenSslFree;
 using Context = std::unique_ptr<SSL_CTX, Free>;
 
 Context makeContext(const TestAuthority::Issued &identity) {

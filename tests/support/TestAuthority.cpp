@@ -1,5 +1,7 @@
 #include "support/TestAuthority.h"
 
+#include "support/OpenSslFree.h"
+
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
@@ -11,12 +13,7 @@ namespace quorbel::testing {
 
 namespace {
 
-struct Free {
-    void operator()(EVP_PKEY *key) const { EVP_PKEY_free(key); }
-    void operator()(X509 *certificate) const { X509_free(certificate); }
-    void operator()(X509_EXTENSION *extension) const { X509_EXTENSION_free(extension); }
-    void operator()(BIO *bio) const { BIO_free(bio); }
-};
+using Free = OpenSslFree;
 using Key = std::unique_ptr<EVP_PKEY, Free>;
 using Certificate = std::unique_ptr<X509, Free>;
 
