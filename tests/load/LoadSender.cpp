@@ -135,7 +135,6 @@ Sent sendDatagrams(const Plan &plan, const std::atomic<bool> *stop) {
     std::array<iovec, kBlock> parts{};
     std::array<mmsghdr, kBlock> headers{};
     const bool cut = cutsIntoDatagrams(socket, plan);
-    std::string joined;
     Pace pace(plan, stop);
     std::uint64_t sinceLook = 0;
     while (const std::uint64_t block = pace.due()) {
@@ -147,11 +146,10 @@ Sent sendDatagrams(const Plan &plan, const std::atomic<bool> *stop) {
         }
         // What fails is an earlier datagram, which nobody took; this one goes out the next time.
         if (cut) {
-            joined.clear();
-            for (std::uint64_t i = 0; i < block; ++i) {
-                joined += messages[i];
-            }
-            pace.take(::send(socket.get(), joined.data(), joined.size(), 0) > 0 ? block : 0);
+            msghdr joined{};
+            joined.msg_iov = parts.data();
+            joined.msg_iovlen = block;
+            pace.take(::sendmsg(socket.get(), &joined, 0) > 0 ? block : 0);
         } else {
             const int count =
                 ::sendmmsg(socket.get(), headers.data(), static_cast<unsigned>(block), 0);
