@@ -6,8 +6,6 @@
 #include <QPainter>
 #include <QScrollBar>
 
-#include <map>
-
 namespace quorbel {
 
 namespace {
@@ -49,12 +47,8 @@ public:
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override {
         RowDelegate::initStyleOption(option, index);
-        const Marker marker = markerOf(index);
-        if (marker == Marker::kExpanded) {
+        if (markerOf(index) == Marker::kExpanded) {
             option->backgroundBrush = kExpandedGroup;
-        }
-        if (marker != Marker::kNone && index.column() == 0) {
-            option->icon = drawn(option->icon, marker, *option);
         }
     }
 
@@ -69,20 +63,6 @@ private:
         }
         return all;
     }
-
-    /// The marker as a picture that is drawn once, and alike in selected rows.
-    QIcon drawn(const QIcon &icon, Marker marker, const QStyleOptionViewItem &option) const {
-        const qreal ratio = option.widget == nullptr ? 1 : option.widget->devicePixelRatioF();
-        QIcon &result = m_drawn[{marker, ratio}];
-        if (result.isNull()) {
-            const QPixmap picture = icon.pixmap(option.decorationSize, ratio);
-            result.addPixmap(picture, QIcon::Normal);
-            result.addPixmap(picture, QIcon::Selected);
-        }
-        return result;
-    }
-
-    mutable std::map<std::pair<Marker, qreal>, QIcon> m_drawn;
 };
 
 }  // namespace

@@ -109,6 +109,28 @@ private Q_SLOTS:
         QCOMPARE(picture(), first);
     }
 
+    void imagesKeepTheirColoursInSelectedRows() {
+        QPixmap red(16, 16);
+        red.fill(Qt::red);
+        addRow(QString(), QString());
+        m_model->item(0, 0)->setIcon(QIcon(red));
+        show();
+        const auto redPixels = [this] {
+            const QImage image = picture();
+            int count = 0;
+            for (int y = 0; y < RowTableView::kRowHeight; ++y) {
+                for (int x = 0; x < 150; ++x) {
+                    count += image.pixelColor(x, y) == QColor(Qt::red) ? 1 : 0;
+                }
+            }
+            return count;
+        };
+        const int before = redPixels();
+        QVERIFY(before >= 16 * 16);
+        m_view->selectRow(0);
+        QCOMPARE(redPixels(), before);
+    }
+
     void theHintShowsOnlyWhileTheTableIsEmpty() {
         show();
         const QImage blank = picture();

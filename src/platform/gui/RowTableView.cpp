@@ -45,6 +45,22 @@ RowTableView::RowTableView(QWidget *parent) : QTableView(parent) {
     setTabKeyNavigation(false);
     setHorizontalScrollMode(ScrollPerPixel);
     setWordWrap(false);
+    if (!option->icon.isNull()) {
+        option->icon = drawn(*option);
+    }
+}
+
+/// The icon as a picture that is drawn once; a style would tint it in selected rows.
+QIcon RowDelegate::drawn(const QStyleOptionViewItem &option) const {
+    const qreal ratio = option.widget == nullptr ? 1 : option.widget->devicePixelRatioF();
+    const int size = option.decorationSize.height();
+    QIcon &result = m_drawn[{option.icon.cacheKey(), size, ratio}];
+    if (result.isNull()) {
+        const QPixmap picture = option.icon.pixmap(option.decorationSize, ratio);
+        result.addPixmap(picture, QIcon::Normal);
+        result.addPixmap(picture, QIcon::Selected);
+    }
+    return result;
     setShowGrid(false);
     setCornerButtonEnabled(false);
     horizontalHeader()->setHighlightSections(false);

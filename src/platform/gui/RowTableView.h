@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QIcon>
 #include <QString>
 #include <QStyledItemDelegate>
 #include <QTableView>
 
+#include <map>
+#include <tuple>
+
 namespace quorbel {
 
-/// Paints the cells of a table whose rows are selected as a whole: no single cell is framed, and a
-/// text that does not fit its cell shows as a tool tip.
+/// Paints the cells of a table whose rows are selected as a whole: no single cell is framed, images
+/// keep their colours in selected rows, and a text that does not fit its cell shows as a tool tip.
 class RowDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -17,6 +21,13 @@ public:
 
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+
+private:
+    using Picture = std::tuple<qint64, int, qreal>;  // which icon, how large, for which screen
+
+    [[nodiscard]] QIcon drawn(const QStyleOptionViewItem &option) const;
+
+    mutable std::map<Picture, QIcon> m_drawn;
 };
 
 /// A table as all pages have it: whole rows of one height, nothing to be edited in it, and the Tab
