@@ -79,7 +79,7 @@ void ScanView::viewWillAppear() {
     m_arrController.show(m_delegate.state);
     m_model->refreshAll();
     ui->tableView->scrollToTop();
-    ui->tableView->clearSelection();
+    ui->tableView->selectionModel()->clear();
 }
 
 void ScanView::viewDidAppear() {

@@ -3,11 +3,13 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QImage>
+#include <QScrollBar>
 #include <QStandardItemModel>
 #include <QStyleOptionViewItem>
 #include <QTest>
 #include <QToolTip>
 
+#include <algorithm>
 #include <memory>
 
 namespace quorbel {
@@ -39,6 +41,23 @@ private:
         QApplication::sendEvent(m_view->viewport(), &event);
         return QToolTip::isVisible() ? QToolTip::text() : QString();
     }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(m_view.get(), key, modifiers);
+    }
+    void addRows(int count) {
+        for (int row = 0; row < count; ++row) {
+            addRow(QStringLiteral("row %1").arg(row), QStringLiteral("text"));
+        }
+    }
+    QList<int> selected() {
+        QList<int> rows;
+        for (const QModelIndex &index : m_view->selectionModel()->selectedRows()) {
+            rows += index.row();
+        }
+        std::ranges::sort(rows);
+        return rows;
+    }
+    bool isInSight(int row) { return m_view->viewport()->rect().contains(cell(row, 0).center()); }
     QImage picture() { return m_view->viewport()->grab().toImage(); }
 
 private Q_SLOTS:
@@ -129,6 +148,109 @@ private Q_SLOTS:
         QVERIFY(before >= 16 * 16);
         m_view->selectRow(0);
         QCOMPARE(redPixels(), before);
+    }
+
+    void theArrowKeysBeginAtTheFirstRow() {
+        addRows(3);
+        show();
+        m_view->setFocus(Qt::TabFocusReason);
+        QVERIFY(selected().isEmpty());
+        // More may come on top meanwhile.
+        m_model->insertRow(0, {new QStandardItem(QStringLiteral("new")), new QStandardItem()});
+        press(Qt::Key_Down);
+        QCOMPARE(selected(), QList<int>{0});
+        press(Qt::Key_Down);
+        QCOMPARE(selected(), QList<int>{1});
+        press(Qt::Key_Up);
+        QCOMPARE(selected(), QList<int>{0});
+        m_view->selectionModel()->clear();
+        press(Qt::Key_Space);
+        QCOMPARE(selected(), QList<int>{0});
+    }
+
+    void theOnlyRowIsReachedByEveryKeyThatMoves() {
+        addRows(1);
+        show();
+        m_view->setFocus(Qt::TabFocusReason);
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up, Qt::Key_Home, Qt::Key_End,
+                                  Qt::Key_PageDown, Qt::Key_PageUp}) {
+            press(key);
+            QCOMPARE(selected(), QList<int>{0});
+            m_view->clearSelection();
+            press(key);
+            QCOMPARE(selected(), QList<int>{0});
+            m_view->selectionModel()->clear();
+        }
+    }
+
+    void theArrowKeysGoOnWhereTheSelectionWas() {
+        addRows(10);
+        show();
+        m_view->setFocus();
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up}) {
+            QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, cell(5, 0).center());
+            m_view->clearSelection();
+            press(key);
+            QCOMPARE(selected(), QList<int>{5});
+        }
+        m_view->selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+        press(Qt::Key_Down);
+        QCOMPARE(selected(), QList<int>{6});
+        m_view->selectRow(5);
+        m_view->clearSelection();
+        press(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(selected(), (QList<int>{5, 6}));
+        press(Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(selected(), (QList<int>{5, 6, 7}));
+    }
+
+    void homeAndEndGoToTheFirstAndTheLastRow_data() {
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::newRow("alone") << Qt::KeyboardModifiers(Qt::NoModifier);
+        QTest::newRow("with Ctrl") << Qt::KeyboardModifiers(Qt::ControlModifier);
+    }
+    void homeAndEndGoToTheFirstAndTheLastRow() {
+        QFETCH(const Qt::KeyboardModifiers, modifiers);
+        addRows(100);
+        m_view->setColumnWidth(0, 800);
+        show();
+        m_view->setFocus();
+        press(Qt::Key_End, modifiers);
+        QCOMPARE(selected(), QList<int>{99});
+        QVERIFY(isInSight(99));
+        press(Qt::Key_Home, modifiers);
+        QCOMPARE(selected(), QList<int>{0});
+        QVERIFY(isInSight(0));
+        // Nothing moves sideways.
+        QCOMPARE(m_view->horizontalScrollBar()->value(), 0);
+        press(Qt::Key_End, modifiers);
+        QCOMPARE(m_view->horizontalScrollBar()->value(), 0);
+        // Shift takes what lies in between along.
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, cell(95, 0).center());
+        press(Qt::Key_End, modifiers | Qt::ShiftModifier);
+        QCOMPARE(selected(), (QList<int>{95, 96, 97, 98, 99}));
+        press(Qt::Key_Home, modifiers | Qt::ShiftModifier);
+        QCOMPARE(selected().size(), 96);
+        QCOMPARE(selected().first(), 0);
+    }
+
+    void homeAndEndDoNothingInAnEmptyTable() {
+        show();
+        m_view->setFocus();
+        press(Qt::Key_End);
+        press(Qt::Key_Home);
+        QVERIFY(selected().isEmpty());
+        QVERIFY(!m_view->currentIndex().isValid());
+    }
+
+    void keysHeldDownDoNotChangeWhatTheProgramSelects() {
+        addRows(5);
+        show();
+        m_view->selectRow(1);
+        QTest::keyPress(m_view->windowHandle(), Qt::Key_Shift, Qt::ShiftModifier);
+        m_view->selectRow(3);
+        QTest::keyRelease(m_view->windowHandle(), Qt::Key_Shift);
+        QCOMPARE(selected(), QList<int>{3});
     }
 
     void theHintShowsOnlyWhileTheTableIsEmpty() {

@@ -15,6 +15,15 @@ constexpr qsizetype kLongestToolTip = 2000;
 
 constexpr int kNarrowestColumn = 60;
 
+bool isArrow(int key) {
+    return key == Qt::Key_Up || key == Qt::Key_Down;
+}
+
+bool isMove(int key) {
+    return isArrow(key) || key == Qt::Key_PageUp || key == Qt::Key_PageDown ||
+           key == Qt::Key_Home || key == Qt::Key_End;
+}
+
 }  // namespace
 
 bool RowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
@@ -36,15 +45,6 @@ bool RowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
 void RowDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     option->state.setFlag(QStyle::State_HasFocus, false);
-}
-
-RowTableView::RowTableView(QWidget *parent) : QTableView(parent) {
-    setItemDelegate(new RowDelegate(this));
-    setSelectionBehavior(SelectRows);
-    setEditTriggers(NoEditTriggers);
-    setTabKeyNavigation(false);
-    setHorizontalScrollMode(ScrollPerPixel);
-    setWordWrap(false);
     if (!option->icon.isNull()) {
         option->icon = drawn(*option);
     }
@@ -61,6 +61,15 @@ QIcon RowDelegate::drawn(const QStyleOptionViewItem &option) const {
         result.addPixmap(picture, QIcon::Selected);
     }
     return result;
+}
+
+RowTableView::RowTableView(QWidget *parent) : QTableView(parent) {
+    setItemDelegate(new RowDelegate(this));
+    setSelectionBehavior(SelectRows);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setWordWrap(false);
     setShowGrid(false);
     setCornerButtonEnabled(false);
     horizontalHeader()->setHighlightSections(false);
@@ -76,15 +85,68 @@ void RowTableView::setHint(const QString &hint) {
     viewport()->update();
 }
 
+void RowTableView::focusInEvent(QFocusEvent *event) {
+    const bool hadCurrent = currentIndex().isValid();
+    QTableView::focusInEvent(event);
+    // The view makes the first row the current one. Nobody sees that, and the arrow keys would go
+    // on from it.
+    if (!hadCurrent && selectionModel() != nullptr) {
+        selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+    }
+}
+
 void RowTableView::keyPressEvent(QKeyEvent *event) {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     // A key held down would open and close what it opens over and over.
     if (enter && !event->isAutoRepeat()) {
         event->ignore();  // in a sheet, it also presses the default button
         Q_EMIT enterPressed();
+    } else if (isMove(event->key()) && selectionModel() != nullptr) {
+        moveBy(event);
+    } else if (event->key() == Qt::Key_Space && selectionModel() != nullptr &&
+               !currentIndex().isValid() && !selectionModel()->hasSelection()) {
+        setCurrentIndex(moveCursor(MoveHome, Qt::NoModifier));
     } else {
         QTableView::keyPressEvent(event);
     }
+}
+
+void RowTableView::moveBy(QKeyEvent *event) {
+    Qt::KeyboardModifiers modifiers = event->modifiers();
+    if (event->key() == Qt::Key_Home || event->key() == Qt::Key_End) {
+        modifiers.setFlag(Qt::ControlModifier, false);  // there is but one first row
+    }
+    if (!currentIndex().isValid() && selectionModel()->hasSelection()) {
+        selectionModel()->setCurrentIndex(selectionModel()->selection().first().topLeft(),
+                                          QItemSelectionModel::NoUpdate);
+    }
+    const bool selects = !modifiers.testFlag(Qt::ControlModifier);
+    if (selects && currentIndex().isValid() && !selectionModel()->hasSelection()) {
+        setCurrentIndex(currentIndex());
+        if (isArrow(event->key()) && !modifiers.testFlag(Qt::ShiftModifier)) {
+            return;
+        }
+    }
+    QKeyEvent move(event->type(), event->key(), modifiers);
+    QTableView::keyPressEvent(&move);
+    event->setAccepted(move.isAccepted());
+}
+
+QModelIndex RowTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if ((action != MoveHome && action != MoveEnd) || model() == nullptr) {
+        return QTableView::moveCursor(action, modifiers);
+    }
+    // In the same column, so that nothing moves sideways.
+    const int column = currentIndex().isValid() ? currentIndex().column() : 0;
+    return model()->index(action == MoveHome ? 0 : model()->rowCount() - 1, column);
+}
+
+QItemSelectionModel::SelectionFlags RowTableView::selectionCommand(const QModelIndex &index,
+                                                                   const QEvent *event) const {
+    // Without an event it is the program that selects. The view would look which keys the user
+    // happens to hold down.
+    return event != nullptr ? QTableView::selectionCommand(index, event)
+                            : QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
 }
 
 void RowTableView::paintEvent(QPaintEvent *event) {

@@ -32,6 +32,9 @@ private:
 
 /// A table as all pages have it: whole rows of one height, nothing to be edited in it, and the Tab
 /// key leads on from it. While it is empty, a hint can stand in its middle.
+///
+/// Home and End go to the first and the last row. While no row is selected, the arrow keys begin at
+/// the row that was the last to be selected, or else at the first.
 class RowTableView : public QTableView {
     Q_OBJECT
 
@@ -48,10 +51,16 @@ Q_SIGNALS:
     void enterPressed();
 
 protected:
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    [[nodiscard]] QItemSelectionModel::SelectionFlags selectionCommand(
+        const QModelIndex &index, const QEvent *event) const override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void moveBy(QKeyEvent *event);
+
     QString m_hint;
 };
 
