@@ -243,6 +243,18 @@ private Q_SLOTS:
         QVERIFY(!m_view->currentIndex().isValid());
     }
 
+    void typingFindsARowUnlessThereAreTooMany() {
+        addRows(RowTableView::kMostSearchedRows + 1);
+        show();
+        m_view->setFocus();
+        m_view->selectRow(0);
+        QTest::keyClicks(m_view.get(), QStringLiteral("row 19"));
+        QCOMPARE(selected(), QList<int>{0});
+        m_model->removeRow(RowTableView::kMostSearchedRows);
+        QTest::keyClicks(m_view.get(), QStringLiteral("row 19"));
+        QCOMPARE(selected(), QList<int>{19});
+    }
+
     void keysHeldDownDoNotChangeWhatTheProgramSelects() {
         addRows(5);
         show();

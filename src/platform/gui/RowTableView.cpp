@@ -85,6 +85,13 @@ void RowTableView::setHint(const QString &hint) {
     viewport()->update();
 }
 
+void RowTableView::keyboardSearch(const QString &search) {
+    // The text of each row may have to be made first, and this happens between two key presses.
+    if (model() != nullptr && model()->rowCount() <= kMostSearchedRows) {
+        QTableView::keyboardSearch(search);
+    }
+}
+
 void RowTableView::focusInEvent(QFocusEvent *event) {
     const bool hadCurrent = currentIndex().isValid();
     QTableView::focusInEvent(event);

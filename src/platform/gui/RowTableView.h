@@ -34,17 +34,20 @@ private:
 /// key leads on from it. While it is empty, a hint can stand in its middle.
 ///
 /// Home and End go to the first and the last row. While no row is selected, the arrow keys begin at
-/// the row that was the last to be selected, or else at the first.
+/// the row that was the last to be selected, or else at the first. Typing looks for a row that
+/// begins so, unless there are too many rows to look at.
 class RowTableView : public QTableView {
     Q_OBJECT
 
 public:
     static constexpr int kRowHeight = 28;
+    static constexpr int kMostSearchedRows = 2000;
 
     explicit RowTableView(QWidget *parent = nullptr);
 
     void setHint(const QString &hint);
     [[nodiscard]] QString hint() const { return m_hint; }
+    void keyboardSearch(const QString &search) override;
 
 Q_SIGNALS:
     /// Return or Enter. Unlike activated(), never for a click, whatever the desktop's style.
