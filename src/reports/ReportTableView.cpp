@@ -75,6 +75,10 @@ int ReportTableView::widthForColumns() const {
     return contentsRect().width() - verticalScrollBar()->sizeHint().width();
 }
 
+void ReportTableView::mouseDoubleClickEvent(QMouseEvent *event) {
+    mousePressEvent(event);  // of two quick clicks, each is one
+}
+
 void ReportTableView::keyPressEvent(QKeyEvent *event) {
     // A key held down would expand and collapse a group over and over.
     const bool isRepeated = event->isAutoRepeat();

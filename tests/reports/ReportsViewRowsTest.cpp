@@ -6,6 +6,7 @@
 #include <QAbstractItemModelTester>
 #include <QHash>
 #include <QImage>
+#include <QMouseEvent>
 #include <QPushButton>
 
 #include <random>
@@ -85,6 +86,24 @@ private Q_SLOTS:
         QCOMPARE(rowCount(), 4);
         m_page->tableClicked();
         QCOMPARE(rowCount(), 4);
+    }
+
+    void eachOfSeveralQuickClicksCounts() {
+        log("x.log", kLog);
+        display(0);
+        const QPoint place = table()->visualRect(table()->model()->index(0, 0)).center();
+        // As a window system tells of quick clicks: each second one is a double click.
+        for (const int expected : {4, 2, 4, 2}) {
+            const bool isSecond = expected == 2;
+            const auto type = isSecond ? QEvent::MouseButtonDblClick : QEvent::MouseButtonPress;
+            for (const auto event : {type, QEvent::MouseButtonRelease}) {
+                const bool isRelease = event == QEvent::MouseButtonRelease;
+                QMouseEvent mouse(event, place, table()->viewport()->mapToGlobal(place),
+                                  Qt::LeftButton, isRelease ? Qt::NoButton : Qt::LeftButton, {});
+                QApplication::sendEvent(table()->viewport(), &mouse);
+            }
+            QCOMPARE(rowCount(), expected);
+        }
     }
 
     void theKeyboardExpandsAndCollapses() {
