@@ -2,15 +2,20 @@
 
 #include "reports/ReportTableModel.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+
+#include <algorithm>
 
 namespace quorbel {
 
 namespace {
 
 using Marker = ReportTableModel::Marker;
+
+constexpr int kRevealedRows = 5;
 
 constexpr QColor kExpandedGroup(0xf1, 0xf5, 0xfa);
 
@@ -73,6 +78,14 @@ ReportTableView::ReportTableView(QWidget *parent) : RowTableView(parent) {
 
 int ReportTableView::widthForColumns() const {
     return contentsRect().width() - verticalScrollBar()->sizeHint().width();
+}
+
+void ReportTableView::revealBelow(int row, int count) {
+    executeDelayedItemsLayout();  // the scroll bar knows only then of new rows
+    const int inSight = std::max(1, viewport()->height() / verticalHeader()->defaultSectionSize());
+    const int last = row + std::min({count, kRevealedRows, inSight - 1});
+    QScrollBar *bar = verticalScrollBar();  // it counts rows
+    bar->setValue(std::max(bar->value(), last + 1 - inSight));
 }
 
 void ReportTableView::mouseDoubleClickEvent(QMouseEvent *event) {

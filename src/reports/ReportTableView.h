@@ -14,6 +14,9 @@ public:
     /// The width that all columns together may have so that none is hidden, with or without a
     /// vertical scroll bar.
     [[nodiscard]] int widthForColumns() const;
+    /// Scrolls down until the first of the `count` rows below `row` are in sight, and `row` with
+    /// them; not at all when they are.
+    void revealBelow(int row, int count);
 
 Q_SIGNALS:
     /// Space, Return or Enter.

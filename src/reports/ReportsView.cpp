@@ -203,8 +203,10 @@ int ReportsView::selectedRow() const {
 
 void ReportsView::tableClicked() {
     if (const int row = selectedRow(); row >= 0) {
+        const int before = m_model->rowCount();
         m_model->toggle(row);
         ui->tableView->selectRow(row);
+        ui->tableView->revealBelow(row, m_model->rowCount() - before);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScrollBar>
 
 #include <random>
 
@@ -104,6 +105,72 @@ private Q_SLOTS:
             }
             QCOMPARE(rowCount(), expected);
         }
+    }
+
+    void anOpenedGroupShowsItsFirstRows_data() {
+        QTest::addColumn<bool>("byKeyboard");
+        QTest::newRow("clicked") << false;
+        QTest::newRow("by keyboard") << true;
+    }
+    void anOpenedGroupShowsItsFirstRows() {
+        QFETCH(const bool, byKeyboard);
+        std::string lines;
+        for (int i = 0; i < 50 * 20; ++i) {
+            lines += "1,P,host" + std::to_string(i % 50) + "," + std::to_string(i) + "\n";
+        }
+        log("x.log", lines);
+        display(0);
+        const auto isInSight = [this](int row) {
+            return table()->viewport()->rect().contains(
+                table()->visualRect(table()->model()->index(row, 0)));
+        };
+        int last = 0;
+        while (isInSight(last + 1)) {
+            ++last;
+        }
+        QVERIFY(last > 5 && last < 40);
+        const auto toggle = [&](int row) {
+            if (byKeyboard) {
+                table()->selectRow(row);
+                QTest::keyClick(table(), Qt::Key_Space);
+            } else {
+                clickRow(row);
+            }
+        };
+        toggle(1);
+        QCOMPARE(rowCount(), 70);
+        QCOMPARE(table()->verticalScrollBar()->value(), 0);  // enough of it is in sight
+        toggle(1);
+        toggle(last);
+        QCOMPARE(rowCount(), 70);
+        QVERIFY(isInSight(last));
+        QVERIFY(isInSight(last + 5));
+        QCOMPARE(selected(), QList<int>{last});
+        // Closing moves nothing, neither does a click on a detail.
+        const int place = table()->verticalScrollBar()->value();
+        toggle(last + 3);
+        QCOMPARE(table()->verticalScrollBar()->value(), place);
+        toggle(last);
+        QCOMPARE(rowCount(), 50);
+        QCOMPARE(table()->verticalScrollBar()->value(), place);
+        // The last group of all: there is nothing below it yet.
+        toggle(49);
+        QCOMPARE(rowCount(), 70);
+        QVERIFY(isInSight(49) && isInSight(54));
+    }
+
+    void aGroupStaysInSightInALowWindow() {
+        std::string lines;
+        for (int i = 0; i < 30; ++i) {
+            lines += "1,P,h," + std::to_string(i) + "\n";
+        }
+        log("x.log", lines);
+        display(0);
+        m_page->resize(600, 250);
+        QTRY_VERIFY(table()->viewport()->height() < 5 * table()->rowHeight(0));
+        clickRow(0);
+        QCOMPARE(rowCount(), 31);
+        QCOMPARE(table()->verticalScrollBar()->value(), 0);
     }
 
     void theKeyboardExpandsAndCollapses() {
