@@ -7,6 +7,8 @@
 #include <QEvent>
 #include <QItemSelectionModel>
 
+#include <algorithm>
+
 namespace quorbel {
 
 RecordList::RecordList(const Setup &setup, QObject *parent) : QObject(parent), m(setup) {
@@ -44,8 +46,14 @@ void RecordList::deselect() {
 }
 
 void RecordList::enableButtons(bool enabled) {
-    m.edit->setEnabled(enabled);
-    m.remove->setEnabled(enabled);
+    for (QAbstractButton *button : {m.edit, m.remove}) {
+        // A disabled button's focus would go to whatever comes next, and the page would scroll
+        // there.
+        if (!enabled && button->window()->focusWidget() == button) {
+            m.table->setFocus();
+        }
+        button->setEnabled(enabled);
+    }
 }
 
 std::optional<Dictionary> RecordList::selectedRecord() const {
@@ -82,6 +90,10 @@ bool RecordList::removeSelected() {
     m.controller->remove(row);
     std::erase_if(*m.working, [&](const Value &other) { return m.areEqual(removed, other); });
     deselect();
+    // The arrow keys go on from the row that took its place.
+    const int next = std::min(row, m.controller->rowCount() - 1);
+    m.table->selectionModel()->setCurrentIndex(m.controller->index(next, 0),
+                                               QItemSelectionModel::NoUpdate);
     return true;
 }
 

@@ -37,6 +37,7 @@ public:
     void load();
     /// Takes the selection away, and with it what acts on it.
     void deselect();
+    /// The focus of a button that is disabled goes to the table.
     void enableButtons(bool enabled);
     /// Enables the buttons exactly when a row is selected.
     void followSelection();
@@ -48,7 +49,7 @@ public:
     /// than out of the displayed one. What has no such place there is added at its end.
     void store(const Dictionary &record);
     /// Takes the selected record out of the displayed list, and all that are equal to it out of the
-    /// working list. False when none is selected.
+    /// working list. False when none is selected. None is selected afterwards.
     bool removeSelected();
 
 Q_SIGNALS:

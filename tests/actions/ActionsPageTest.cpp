@@ -124,6 +124,30 @@ private Q_SLOTS:
         QCOMPARE(m_page->savedActions(), asText(Array{first, second}));
     }
 
+    void removingKeepsTheFocusAtTheList() {
+        m_page->writeActions({m_page->action("a"), m_page->action("b"), m_page->action("c")});
+        m_page->show();
+        m_page->page().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&m_page->page()));
+        m_page->clickRow("actionsTable", 1);
+        m_page->control("actionsRemove").setFocus();
+        for (int press = 0; press < 2; ++press) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+            QCOMPARE(m_page->rows("actionsTable"), u"a|c"_s);
+            QVERIFY(m_page->control("actionsTable").hasFocus());
+        }
+        QVERIFY(m_page->mainWindow.selected.empty());
+        QVERIFY(m_page->isEnabled("saveButton"));
+        // By mouse alike. The second press selected what came after the removed one.
+        QCOMPARE(m_page->selectedRow("actionsTable"), 1);
+        m_page->click("actionsRemove");
+        m_page->click("actionsRemove");
+        QCOMPARE(m_page->rows("actionsTable"), u"a"_s);
+        QVERIFY(m_page->control("actionsTable").hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        QCOMPARE(m_page->selectedRow("actionsTable"), 0);
+    }
+
     void removeWithoutASelectionDoesNothing() {
         m_page->writeActions({m_page->action("one")});
         m_page->show();

@@ -16,6 +16,28 @@ private:
         QVERIFY(QTest::qWaitForWindowActive(&m->page()));
     }
 
+    static void addLists() {
+        QTest::addColumn<QByteArray>("list");
+        QTest::newRow("include") << QByteArray("includeFilters");
+        QTest::newRow("exclude") << QByteArray("excludeFilters");
+    }
+    QScrollBar *bar() { return m->control<QScrollArea>("scrollView").verticalScrollBar(); }
+    // The page with three filters in each list, in a window that shows one of the lists.
+    void showSmall(const QByteArray &list) {
+        const Array array{filter("a"), filter("b"), filter("c")};
+        Dictionary document = fullDocument();
+        document.set("includeFiltersArray", array);
+        document.set("excludeFiltersArray", array);
+        m->show(document);
+        m->page().resize(900, 500);
+        activate();
+        QTRY_VERIFY(bar()->maximum() > 100);
+        auto *area = &m->control<QScrollArea>("scrollView");
+        area->ensureWidgetVisible(&m->control(list + "Table"));
+        area->ensureWidgetVisible(&m->control(list + "Remove"), 0, 0);
+        QVERIFY(!m->control(list + "Remove").visibleRegion().isEmpty());
+    }
+
     std::unique_ptr<OptionsPage> m;
 
 private Q_SLOTS:
@@ -91,6 +113,56 @@ private Q_SLOTS:
         bar->setValue(0);
         last.setFocus(Qt::MouseFocusReason);
         QCOMPARE(bar->value(), 0);
+    }
+
+    void removingKeepsTheFocusAtTheList_data() { addLists(); }
+    void removingKeepsTheFocusAtTheList() {
+        QFETCH(const QByteArray, list);
+        showSmall(list);
+        const int place = bar()->value();
+        m->clickRow(list + "Table", 1);
+        m->control(list + "Remove").setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QCOMPARE(m->rows(list + "Table"), QStringLiteral("a|c"));
+        QVERIFY(m->control(list + "Table").hasFocus());
+        QCOMPARE(bar()->value(), place);
+        // Pressed once more, it removes nothing, leaves no page and drops no edit.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+        QVERIFY(m->mainWindow.selected.empty());
+        QCOMPARE(m->rows(list + "Table"), QStringLiteral("a|c"));
+        QCOMPARE(m->selectedRow(list + "Table"), 1);
+        QVERIFY(m->canSave());
+        QCOMPARE(bar()->value(), place);
+        // The last one can be removed, too, and the focus stays.
+        for (const char *left : {"c", ""}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
+            m->control(list + "Remove").setFocus();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+            QCOMPARE(m->rows(list + "Table"), QString::fromLatin1(left));
+            QVERIFY(m->control(list + "Table").hasFocus());
+        }
+        QCOMPARE(bar()->value(), place);
+        QCOMPARE(at(m->save(), (list + "Array").toStdString()), QStringLiteral("[]"));
+    }
+
+    void nothingMovesUnderTheMouseThatRemoves_data() { addLists(); }
+    void nothingMovesUnderTheMouseThatRemoves() {
+        QFETCH(const QByteArray, list);
+        showSmall(list);
+        const int place = bar()->value();
+        auto &remove = m->control(list + "Remove");
+        const QPoint pointer = remove.mapTo(&m->page(), remove.rect().center());
+        m->clickRow(list + "Table", 1);
+        for (int click = 0; click < 2; ++click) {
+            QWidget *under = m->page().childAt(pointer);
+            QCOMPARE(under, &remove);
+            QTest::mouseClick(under, Qt::LeftButton);
+            QCOMPARE(bar()->value(), place);
+            QVERIFY(m->control(list + "Table").hasFocus() || remove.hasFocus());
+        }
+        QCOMPARE(
+            m->rows("includeFiltersTable") + u'/' + m->rows("excludeFiltersTable"),
+            list == "includeFilters" ? QStringLiteral("a|c/a|b|c") : QStringLiteral("a|b|c/a|c"));
     }
 
     void theKeyboardSaves() {
