@@ -43,15 +43,17 @@ private:
 
 NumberStepper::NumberStepper(QLineEdit *field, QSpinBox *stepper, int least, int most,
                              QObject *parent)
-    : QObject(parent), m_field(field), m_stepper(stepper) {
+    : QObject(parent), m_field(field), m_stepper(stepper), m_least(least) {
     Q_ASSERT(least == 0 || least == 1);
     m_field->setValidator(new WholeNumberValidator(least, most, this));
     m_field->installEventFilter(this);
-    m_stepper->setRange(least, most);
+    m_stepper->setMaximum(most);
+    setStepper(0);
     m_stepper->setFocusPolicy(Qt::ClickFocus);  // the field itself takes the arrow keys
     connect(m_field, &QLineEdit::textEdited, this, &NumberStepper::fieldEdited);
     connect(m_stepper, &QSpinBox::valueChanged, this, [this](int value) {
         m_field->setText(QString::number(value));
+        m_stepper->setMinimum(m_least);
         Q_EMIT edited(value);
     });
 }
@@ -73,12 +75,13 @@ void NumberStepper::setEnabled(bool enabled) {
 
 void NumberStepper::setStepper(std::int64_t value) {
     const QSignalBlocker notAnEdit(m_stepper);
-    m_stepper->setValue(withinLimits(value));
+    const bool isEmpty = m_field->text().isEmpty();
+    m_stepper->setMinimum(isEmpty ? 0 : m_least);  // an empty field stands one step below 1
+    m_stepper->setValue(isEmpty ? 0 : withinLimits(value));
 }
 
 int NumberStepper::withinLimits(std::int64_t value) const {
-    return static_cast<int>(
-        std::clamp<std::int64_t>(value, m_stepper->minimum(), m_stepper->maximum()));
+    return static_cast<int>(std::clamp<std::int64_t>(value, m_least, m_stepper->maximum()));
 }
 
 void NumberStepper::fieldEdited(const QString &text) {

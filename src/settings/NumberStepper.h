@@ -12,8 +12,9 @@ namespace quorbel {
 /// Ties a number field and the stepper beside it to one value.
 ///
 /// The field takes whole numbers within the limits; what is typed moves the stepper and the stepper
-/// fills the field, whose up and down keys step too. A value from elsewhere may lie outside the
-/// limits: it is shown as it is, and stays until the user changes it.
+/// fills the field, whose up and down keys step too. From an empty field the first step is to 1. A
+/// value from elsewhere may lie outside the limits: it is shown as it is, and stays until the user
+/// changes it.
 class NumberStepper : public QObject {
     Q_OBJECT
 
@@ -41,6 +42,7 @@ private:
 
     QLineEdit *m_field;
     QSpinBox *m_stepper;
+    int m_least;
 };
 
 }  // namespace quorbel

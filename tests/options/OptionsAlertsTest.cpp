@@ -61,7 +61,7 @@ private Q_SLOTS:
         m->show(expected);
         m->click("popupEventsDisplay");
         QVERIFY(m->canSave());
-        QCOMPARE(m->number("popupEvents"), QStringLiteral("(1)"));
+        QCOMPARE(m->number("popupEvents"), QStringLiteral("(0)"));
         QVERIFY(!m->isEnabled("popupEventsTime") && !m->isEnabled("popupEventsStepper"));
         QCOMPARE(m->boxes("Display"), QStringLiteral("ooooooooo"));
         expected.set("popupEvents", 0);
@@ -93,6 +93,8 @@ private Q_SLOTS:
         QVERIFY(savedAs(1));
         m->type("popupEventsTime", {});
         QVERIFY(savedAs(0));
+        QTest::keyClick(&m->control("popupEventsTime"), Qt::Key_Up);
+        QCOMPARE(m->text("popupEventsTime"), QStringLiteral("1"));
         m->show();
         QTest::keyClick(&m->control("popupEventsTime"), Qt::Key_Up);
         QVERIFY(m->canSave());

@@ -273,7 +273,7 @@ private Q_SLOTS:
         m->options().popupSound();
         QVERIFY(!m->canSave());
         QCOMPARE(removal("Critical"), QStringLiteral("off (0) ---"));
-        QCOMPARE(m->number("popupEvents"), QStringLiteral("(1)"));
+        QCOMPARE(m->number("popupEvents"), QStringLiteral("(0)"));
         QCOMPARE(m->text("popupSoundFile"), QString());
         QCOMPARE(m->boxes("Display") + m->boxes("Play"), QString(18, u'o'));
     }

@@ -76,6 +76,32 @@ private Q_SLOTS:
         QVERIFY((form.edits == Edits{99, 98, 99}));
     }
 
+    void theFirstStepFromAnEmptyFieldIsToOne_data() {
+        QTest::addColumn<int>("least");
+        QTest::newRow("from 0") << 0;
+        QTest::newRow("from 1") << 1;
+    }
+    void theFirstStepFromAnEmptyFieldIsToOne() {
+        QFETCH(const int, least);
+        Form form(least, 99);
+        form.press(Qt::Key_Down);  // it was never filled
+        QCOMPARE(form.shown(), QStringLiteral("(0)"));
+        form.press(Qt::Key_Up);
+        QCOMPARE(form.shown(), QStringLiteral("1(1)"));
+        form.number.setValue(42);
+        form.press(Qt::Key_Backspace);
+        form.press(Qt::Key_Backspace);
+        form.step(Qt::Key_Up);
+        QCOMPARE(form.shown(), QStringLiteral("1(1)"));
+        form.number.clear();
+        form.press(Qt::Key_Up);
+        QCOMPARE(form.shown(), QStringLiteral("1(1)"));
+        // From there it is down to the least.
+        form.press(Qt::Key_Down);
+        QCOMPARE(form.field.text(), QString::number(least));
+        QVERIFY((form.edits == (least == 0 ? Edits{1, 4, 0, 1, 1, 0} : Edits{1, 4, 0, 1, 1})));
+    }
+
     void onlyWholeNumbersWithinTheLimitsAreTaken_data() {
         QTest::addColumn<int>("least");
         QTest::addColumn<QString>("typed");
@@ -89,7 +115,7 @@ private Q_SLOTS:
         QTest::newRow("zero") << 0 << "0"
                               << "0(0)";
         QTest::newRow("below the least") << 1 << "0"
-                                         << "(1)";
+                                         << "(0)";
         QTest::newRow("the least") << 1 << "01"
                                    << "1(1)";
         QTest::newRow("very long") << 0 << "00000000000000001"
