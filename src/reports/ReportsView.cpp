@@ -25,7 +25,6 @@ constexpr QMarginsF kPaperMargins(15, 15, 15, 15);
 constexpr int kColumnWidth = 120;
 constexpr int kDateWidth = 140;
 constexpr int kDateGroupWidth = 165;
-constexpr double kTextScale = 0.9;  // so that dates and priorities fit these widths
 constexpr int kOtherColumns = 380;  // beside a column of messages
 
 const QString &allLogs() {
@@ -59,9 +58,6 @@ void ReportsView::viewDidLoad() {
     ui->exportResults->setIcon(lineIcon(QStringLiteral("export")));
     ui->printResults->setIcon(lineIcon(QStringLiteral("print")));
     ui->tableView->setModel(m_model.get());
-    QFont smaller = ui->tableView->font();
-    smaller.setPointSizeF(smaller.pointSizeF() * kTextScale);
-    ui->tableView->setFont(smaller);
     connectControls();
 }
 

@@ -1,4 +1,5 @@
 #include "platform/gui/Appearance.h"
+#include "platform/gui/RowTableView.h"
 #include "reports/ReportsViewFixture.h"
 
 #include <QApplication>
@@ -314,6 +315,14 @@ private Q_SLOTS:
         pick(reportName(), 3);
         click("reportDisplay");
         QCOMPARE(rows(), (QStringList{name("2023-11-14|||"), name("1970-01-01|||")}));
+    }
+
+    void itsTextsAreAsLargeAsThoseOfAllTables() {
+        RowTableView other;
+        other.ensurePolished();
+        show();
+        QCOMPARE(table()->font().pointSizeF(), other.font().pointSizeF());
+        QVERIFY(table()->font().pointSizeF() < QApplication::font().pointSizeF());
     }
 
     void everyControlHasANameForAssistiveTools() {
