@@ -1,11 +1,99 @@
 #include "events/EventTableView.h"
 
+#include "events/EventTableModel.h"
+
+#include <QHeaderView>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <array>
+
 namespace quorbel {
+
+namespace {
+
+// The longest texts that columns other than the message's usually have.
+constexpr std::array kUsualTexts = {"Moderate", "30.12.2026 10:30:30 PM", "Authpriv.Informational",
+                                    "255.255.255.255"};
+constexpr int kLongestAddress = 39;  // of IPv6, written out
+constexpr int kMessageShare = 30;    // average characters
+constexpr int kTextMargins = 10;
+
+}  // namespace
 
 EventTableView::EventTableView(QWidget *parent) : RowTableView(parent) {
     setHint(
         tr("No events yet.\nPoint the syslog output of your devices at this machine, and they "
            "appear here within a second."));
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column) {
+        // The last one follows from the others.
+        if (!m_isFitting && column != EventTableModel::kMessage) {
+            m_isSetByUser = true;
+            fitColumns();
+        }
+    });
+}
+
+void EventTableView::setModel(QAbstractItemModel *model) {
+    RowTableView::setModel(model);
+    ensurePolished();  // for the font of the style sheet
+    const QScopedValueRollback fitting(m_isFitting, true);
+    for (std::size_t column = 0; column < kUsualTexts.size(); ++column) {
+        setColumnWidth(static_cast<int>(column),
+                       widthFor(QString::fromLatin1(kUsualTexts[column])));
+    }
+    const int image = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this) + kTextMargins;
+    setColumnWidth(EventTableModel::kRating, columnWidth(EventTableModel::kRating) + image);
+    m_narrowHost = m_widestHost = columnWidth(EventTableModel::kHost);
+    m_isSetByUser = false;
+}
+
+int EventTableView::widthFor(const QString &text) const {
+    return fontMetrics().horizontalAdvance(text) + kTextMargins;
+}
+
+int EventTableView::widestHostInSight() const {
+    int widest = 0;
+    const int bottom = rowAt(viewport()->height() - 1);
+    const int last = bottom < 0 && model() != nullptr ? model()->rowCount() - 1 : bottom;
+    for (int row = rowAt(0); row >= 0 && row <= last; ++row) {
+        const QString host = model()->index(row, EventTableModel::kHost).data().toString();
+        widest = std::max(widest, widthFor(host.left(kLongestAddress)));
+    }
+    return widest;
+}
+
+void EventTableView::paintEvent(QPaintEvent *event) {
+    RowTableView::paintEvent(event);
+    if (const int widest = widestHostInSight(); !m_isSetByUser && widest > m_widestHost) {
+        m_widestHost = widest;
+        QMetaObject::invokeMethod(this, &EventTableView::fitColumns, Qt::QueuedConnection);
+    }
+}
+
+void EventTableView::resizeEvent(QResizeEvent *event) {
+    RowTableView::resizeEvent(event);
+    fitColumns();
+}
+
+void EventTableView::fitColumns() {
+    if (model() == nullptr) {
+        return;
+    }
+    const QScopedValueRollback fitting(m_isFitting, true);
+    QHeaderView *header = horizontalHeader();
+    const int share = kMessageShare * fontMetrics().averageCharWidth();
+    const int width = viewport()->width() - share;
+    if (!m_isSetByUser) {
+        const int room = width - header->sectionPosition(EventTableModel::kHost);
+        setColumnWidth(EventTableModel::kHost, std::clamp(room, m_narrowHost, m_widestHost));
+    }
+    // In a narrow window the table scrolls sideways, rather than show a message of a few letters.
+    const bool hasRoom = header->sectionPosition(EventTableModel::kMessage) <= width;
+    if (hasRoom != header->stretchLastSection()) {
+        header->setStretchLastSection(hasRoom);
+        setColumnWidth(EventTableModel::kMessage, share);
+    }
 }
 
 }  // namespace quorbel

@@ -11,20 +11,16 @@
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
-#include <QHeaderView>
 #include <QItemSelection>
 #include <QLocale>
 #include <QScrollBar>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace quorbel {
 
 namespace {
-
-constexpr std::array kColumnWidths = {104, 150, 156, 130};  // the message takes the rest
 
 RowRange rangeOf(const QItemSelectionRange &range) {
     return {static_cast<std::size_t>(range.top()), static_cast<std::size_t>(range.height())};
@@ -53,10 +49,6 @@ void ScanView::viewDidLoad() {
     ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
-    for (std::size_t column = 0; column < kColumnWidths.size(); ++column) {
-        ui->tableView->setColumnWidth(static_cast<int>(column), kColumnWidths[column]);
-    }
-
     connect(ui->tableView, &QAbstractItemView::doubleClicked, this, &ScanView::doubleClickTable);
     connect(ui->tableView, &EventTableView::enterPressed, this, &ScanView::doubleClickTable);
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);

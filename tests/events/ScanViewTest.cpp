@@ -106,25 +106,6 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 0), name("Severe"));
     }
 
-    void theKeyboardBeginsAtTheTopEachTimeThePageIsShown() {
-        for (int i = 0; i < 100; ++i) {
-            list().insertRaw(fields("1700000000"));
-        }
-        show();
-        table()->setFocus();
-        QTest::keyClick(table(), Qt::Key_End);
-        QCOMPARE(selected(), QList<int>{99});
-        QTest::keyClick(table(), Qt::Key_Home);
-        QTest::keyClick(table(), Qt::Key_Down);
-        QCOMPARE(selected(), QList<int>{1});
-        m_page->hide();
-        show();
-        table()->setFocus();
-        QVERIFY(selected().isEmpty());
-        QTest::keyClick(table(), Qt::Key_Down);
-        QCOMPARE(selected(), QList<int>{0});
-    }
-
     void aNewEventStandsOnTopAndClearsTheSelection() {
         list().insertRaw(fields("1700000000", "first"));
         show();
