@@ -19,8 +19,13 @@ public:
         m_signalled.wait(lock, [this] { return m_closed; });
     }
 
+    [[nodiscard]] bool isSignalled() const {
+        const std::lock_guard lock(m_mutex);
+        return m_closed;
+    }
+
 private:
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     std::condition_variable m_signalled;
     bool m_closed = false;
 };

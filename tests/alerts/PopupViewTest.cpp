@@ -27,12 +27,12 @@ namespace {
 
 constexpr int kPatienceMs = kPatience.count();
 
-/// Whether it is, as far as a thread can tell that waits for at most `limit`.
-bool isSignalled(PopupCondition &condition, std::chrono::milliseconds limit = kPatience) {
+/// Whether a thread that waits for it goes on.
+bool isSignalled(PopupCondition &condition) {
     std::packaged_task<void()> wait([&condition] { condition.wait(); });
     auto result = wait.get_future();
     std::thread waiter(std::move(wait));
-    const bool signalled = result.wait_for(limit) == std::future_status::ready;
+    const bool signalled = result.wait_for(kPatience) == std::future_status::ready;
     condition.signal();
     waiter.join();
     return signalled;
@@ -261,9 +261,11 @@ private Q_SLOTS:
         const auto condition = window->contentView().condition();
         const auto othersCondition = other->contentView().condition();
         QVERIFY(condition != othersCondition);
+        QVERIFY(!othersCondition->isSignalled());
         other->close();
+        QVERIFY(othersCondition->isSignalled());
         QVERIFY(isSignalled(*othersCondition));
-        QVERIFY(!isSignalled(*condition, std::chrono::milliseconds(100)));
+        QVERIFY(!condition->isSignalled());
     }
 
     void signalsItsConditionWhenItIsDestroyed() {

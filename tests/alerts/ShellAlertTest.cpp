@@ -9,7 +9,6 @@
 #include "support/WaitUntil.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTest>
@@ -78,11 +77,9 @@ private Q_SLOTS:
         QVERIFY(!sheet->findChild<QWidget *>(u"eventUp"_s)->isVisible());
         QVERIFY(!sheet->findChild<QWidget *>(u"eventDown"_s)->isVisible());
 
-        // Ended with a popup, a sheet and further events, long before the popup's time is up.
-        QElapsedTimer time;
-        time.start();
+        // Ended with a popup, a sheet and further events. The popup's time cannot run out
+        // meanwhile: this is the thread that counts it.
         window.reset();
-        QVERIFY2(time.elapsed() < kPatienceMs, qPrintable(QString::number(time.elapsed())));
         QVERIFY(shownWindow("popupWindow") == nullptr);
         QVERIFY(shownWindow("eventView") == nullptr);
     }

@@ -106,10 +106,7 @@ private Q_SLOTS:
     }
     void isSilentAboutWhatCannotBePlayed() {
         QFETCH(const QString, path);
-        QElapsedTimer time;
-        time.start();
         m_player.play(path);
-        QVERIFY(time.elapsed() < kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(m_finished.size(), 1, kPatienceMs);
         QCOMPARE(m_finished.first().at(1).toBool(), false);
         QTRY_COMPARE_WITH_TIMEOUT(m_player.playing(), 0, kPatienceMs);
