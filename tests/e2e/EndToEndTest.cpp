@@ -202,9 +202,8 @@ private Q_SLOTS:
         m_bus->start();
         // Both come back to the bus by themselves; what is sent until then is in the files.
         int sent = 2;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (log(QStringLiteral("again %1").arg(++sent)), QTest::qWait(200), frontEnd.rows() > 2),
-            kPatienceMs);
+        QTRY_VERIFY_WITH_TIMEOUT((log(QStringLiteral("again %1").arg(++sent)), frontEnd.rows() > 2),
+                                 kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), sent, kPatienceMs);
     }
 
