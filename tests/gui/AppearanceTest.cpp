@@ -1,12 +1,14 @@
 #include "platform/gui/Appearance.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/Page.h"
+#include "platform/gui/RowTableView.h"
 #include "platform/gui/ViewBar.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTest>
@@ -61,6 +63,25 @@ private Q_SLOTS:
         QPalette dark(Qt::black);
         QApplication::setPalette(dark);
         applyAppearance(*qApp);
+    }
+
+    void aTableShowsWhereTheFocusIs() {
+        QWidget window;
+        RowTableView table(&window);
+        QLineEdit field(&window);
+        table.setGeometry(0, 0, 300, 200);
+        field.setGeometry(0, 210, 300, 40);
+        window.resize(300, 250);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        const auto edge = [&table] { return table.grab().toImage().pixelColor(0, 100); };
+        field.setFocus();
+        const QColor without = edge();
+        table.setFocus();
+        QVERIFY(table.hasFocus());
+        QVERIFY2(isClose(edge(), QColor(0x00, 0x66, 0xcc)), qPrintable(edge().name()));
+        field.setFocus();
+        QCOMPARE(edge(), without);
     }
 
     void theLookIsLightOnADarkDesktop() {
