@@ -2,12 +2,23 @@
 
 #include <QAudioDevice>
 #include <QAudioOutput>
+#include <QFile>
 #include <QFileInfo>
 #include <QMediaDevices>
 #include <QMediaPlayer>
-#include <QUrl>
+#include <QTimer>
+
+#include <chrono>
 
 namespace quorbel {
+
+namespace {
+
+/// A file ends when its last samples have been handed to the device, which goes with the player:
+/// so long it has to play them.
+constexpr std::chrono::milliseconds kDrainTime{2000};
+
+}  // namespace
 
 SoundPlayer::SoundPlayer(QObject *parent) : QObject(parent) {
     // Qt's other backend crashes where GStreamer's own plugins are not all installed (Qt 6.4).
@@ -28,15 +39,25 @@ void SoundPlayer::play(const QString &path) {
         delete players.first();
     }
     auto *player = new QMediaPlayer(this);
+    // Handed over open: the backend takes a path's characters for Latin-1 (Qt 6.4).
+    auto *file = new QFile(path, player);
+    if (!file->open(QIODevice::ReadOnly)) {
+        finish(player, path, false);
+        return;
+    }
     player->setAudioOutput(new QAudioOutput(player));
     connect(player, &QMediaPlayer::mediaStatusChanged, this,
-            [this, player](QMediaPlayer::MediaStatus status) {
-                if (status == QMediaPlayer::EndOfMedia || status == QMediaPlayer::InvalidMedia) {
-                    finish(player, status == QMediaPlayer::EndOfMedia);
+            [this, player, path](QMediaPlayer::MediaStatus status) {
+                if (status == QMediaPlayer::EndOfMedia) {
+                    QTimer::singleShot(kDrainTime, player,
+                                       [this, player, path] { finish(player, path, true); });
+                } else if (status == QMediaPlayer::InvalidMedia) {
+                    finish(player, path, false);
                 }
             });
-    connect(player, &QMediaPlayer::errorOccurred, this, [this, player] { finish(player, false); });
-    player->setSource(QUrl::fromLocalFile(path));
+    connect(player, &QMediaPlayer::errorOccurred, this,
+            [this, player, path] { finish(player, path, false); });
+    player->setSourceDevice(file);
     player->play();
 }
 
@@ -44,8 +65,7 @@ qsizetype SoundPlayer::playing() const {
     return findChildren<QMediaPlayer *>(QString(), Qt::FindDirectChildrenOnly).size();
 }
 
-void SoundPlayer::finish(QMediaPlayer *player, bool played) {
-    const QString path = player->source().toLocalFile();
+void SoundPlayer::finish(QMediaPlayer *player, const QString &path, bool played) {
     player->disconnect(this);
     player->deleteLater();
     Q_EMIT finished(path, played);

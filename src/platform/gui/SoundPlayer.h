@@ -23,11 +23,12 @@ public:
     [[nodiscard]] qsizetype playing() const;
 
 Q_SIGNALS:
-    /// A file came to its end (`played`), or is not played.
+    /// A file was heard to its end (`played`), or is not played. Told a moment late: the device is
+    /// given time to play what it has been handed.
     void finished(const QString &path, bool played);
 
 private:
-    void finish(QMediaPlayer *player, bool played);
+    void finish(QMediaPlayer *player, const QString &path, bool played);
 };
 
 }  // namespace quorbel
