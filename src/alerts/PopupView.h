@@ -71,7 +71,7 @@ private:
     QRect m_open;  ///< the window's place when it stands fully open
     bool m_closing = false;
     QVariantAnimation m_slide;
-    QTimer m_timeout;
+    QTimer m_timeout{this};
     QPointer<QWidget> m_eventSheet;
 };
 

@@ -13,10 +13,12 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
 #include <future>
+#include <limits>
 #include <thread>
 
 using namespace quorbel;
@@ -250,6 +252,28 @@ private Q_SLOTS:
         QVERIFY2(total >= 2900, qPrintable(QString::number(total)));
         QCOMPARE(window->height(), 1);
         QVERIFY(isSignalled(*condition));
+    }
+
+    void staysForAsLongAsATimerCanWait_data() {
+        QTest::addColumn<qint64>("seconds");
+        QTest::addColumn<int>("milliseconds");
+        constexpr int kLongest = std::numeric_limits<int>::max() / 1000 * 1000;
+        QTest::newRow("a minute") << qint64{60} << 60'000;
+        QTest::newRow("24 days") << qint64{kLongest / 1000} << kLongest;
+        // In 32 bits: less than nothing, and less than a second.
+        QTest::newRow("35 days") << qint64{3'000'000} << kLongest;
+        QTest::newRow("50 days") << qint64{4'294'968} << kLongest;
+        QTest::newRow("for ever") << std::numeric_limits<qint64>::max() << kLongest;
+    }
+    void staysForAsLongAsATimerCanWait() {
+        QFETCH(const qint64, seconds);
+        QFETCH(const int, milliseconds);
+        AlertFixture it;
+        const auto window = it.popup(it.event("Local7.Warning"), seconds);
+        window->show();
+        const auto *timer = window->contentView().findChild<QTimer *>();
+        QTRY_VERIFY_WITH_TIMEOUT(timer->isActive(), kPatienceMs);
+        QCOMPARE(timer->interval(), milliseconds);
     }
 
     void signalsItsConditionOnlyOnceItCloses() {
