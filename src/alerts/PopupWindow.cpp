@@ -13,8 +13,6 @@ PopupWindow::PopupWindow(const Storyboard &storyboard)
     setAccessibleName(windowTitle());
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_DeleteOnClose);
-    // Some desktops hide the tool windows of a program that is not the active one.
-    setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
 }
 
 void PopupWindow::viewDidLoad() {
@@ -24,6 +22,10 @@ void PopupWindow::viewDidLoad() {
     const QSize size = m_view->size().expandedTo(m_view->minimumSizeHint());
     m_view->setFixedSize(size);
     resize(size);
+    // Some desktops hide the tool windows of a program that is not the active one. Only a window
+    // that the desktop knows already takes this type (Qt 6.4).
+    winId();
+    setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
 }
 
 }  // namespace quorbel

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
@@ -325,6 +326,24 @@ private Q_SLOTS:
         for (const QWidget *control : window->findChildren<QWidget *>()) {
             QVERIFY2(!control->hasFocus(), qPrintable(control->objectName()));
         }
+    }
+
+    void isANotificationToTheDesktop() {
+        if (QGuiApplication::platformName() != "xcb"_L1) {
+            QSKIP("This platform has no types of windows.");
+        }
+        AlertFixture it;
+        const auto window = it.popup(it.event("Local7.Warning"));
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        QProcess xprop;
+        xprop.start(u"xprop"_s,
+                    {u"-id"_s, QString::number(window->winId()), u"_NET_WM_WINDOW_TYPE"_s});
+        QVERIFY(xprop.waitForFinished(kPatienceMs));
+        // The first is the one that counts.
+        const QByteArray types = xprop.readAllStandardOutput().simplified();
+        QVERIFY2(types.startsWith("_NET_WM_WINDOW_TYPE(ATOM) = _NET_WM_WINDOW_TYPE_NOTIFICATION"),
+                 types.constData());
     }
 
     void opensTheEventAndStillCloses() {

@@ -4,7 +4,7 @@
 export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}strict_string_checks=0
 
 set -u
-for tool in xvfb-run openbox xdotool; do
+for tool in xvfb-run openbox xdotool xprop; do
     command -v "$tool" >/dev/null || exit 77
 done
 folder=$(mktemp -d)
@@ -36,6 +36,6 @@ on_desktop() {
 
 program=$1
 on_desktop "$folder/plain.xml" "0 0 1280 900" \
-    takesNoFocus growsStaysShrinksAndCloses opensTheEventAndStillCloses \
+    takesNoFocus isANotificationToTheDesktop growsStaysShrinksAndCloses opensTheEventAndStillCloses \
     theEventsSheetStandsAboveThePopup theEventsSheetIsModalToAllWindows || exit
 on_desktop "$folder/panels.xml" "70 0 1210 860" growsStaysShrinksAndCloses
