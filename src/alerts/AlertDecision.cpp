@@ -1,7 +1,5 @@
 #include "alerts/AlertDecision.h"
 
-#include "core/Severity.h"
-
 #include <algorithm>
 #include <cstddef>
 
@@ -14,22 +12,21 @@ std::int64_t findArray(const std::vector<std::string> &array, std::string_view k
     return found == array.end() ? kNotFound : found - array.begin();
 }
 
-bool isSelected(std::string_view priority, const std::vector<std::string> &labels) {
-    const auto counted = classifyPriority(priority).counted;
+bool isSelected(const CountedClasses &classes, const std::vector<std::string> &labels) {
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        if (counted[i] && findArray(labels, kSeverityClasses[i].label) != kNotFound) {
+        if (classes[i] && findArray(labels, kSeverityClasses[i].label) != kNotFound) {
             return true;
         }
     }
     return false;
 }
 
-bool isSoundWanted(std::string_view priority, const AlertSettings &settings) {
-    return !settings.popupSound.empty() && isSelected(priority, settings.popupPlayArray);
+bool isSoundWanted(const CountedClasses &classes, const AlertSettings &settings) {
+    return !settings.popupSound.empty() && isSelected(classes, settings.popupPlayArray);
 }
 
-bool isPopupWanted(std::string_view priority, const AlertSettings &settings) {
-    return settings.iPopupEvents >= 1 && isSelected(priority, settings.popupDisplayArray);
+bool isPopupWanted(const CountedClasses &classes, const AlertSettings &settings) {
+    return settings.iPopupEvents >= 1 && isSelected(classes, settings.popupDisplayArray);
 }
 
 }  // namespace quorbel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppState.h"
+#include "core/Severity.h"
 
 #include <cstdint>
 #include <limits>
@@ -16,11 +17,14 @@ inline constexpr std::int64_t kNotFound = std::numeric_limits<std::int64_t>::max
 /// is no match.
 std::int64_t findArray(const std::vector<std::string> &array, std::string_view key);
 
-/// Whether any class that the priority counts under is among the labels: every severity whose name
-/// it contains, Unknown when it contains none.
-bool isSelected(std::string_view priority, const std::vector<std::string> &labels);
+/// The classes that a priority counts under: every severity whose name it contains, Unknown when it
+/// contains none.
+using CountedClasses = decltype(PriorityClasses::counted);
 
-bool isSoundWanted(std::string_view priority, const AlertSettings &settings);
-bool isPopupWanted(std::string_view priority, const AlertSettings &settings);
+/// Whether any of the classes is among the labels.
+bool isSelected(const CountedClasses &classes, const std::vector<std::string> &labels);
+
+bool isSoundWanted(const CountedClasses &classes, const AlertSettings &settings);
+bool isPopupWanted(const CountedClasses &classes, const AlertSettings &settings);
 
 }  // namespace quorbel

@@ -1,6 +1,5 @@
 #include "alerts/PopupThread.h"
 
-#include "alerts/AlertDecision.h"
 #include "alerts/PopupView.h"
 #include "alerts/PopupWindow.h"
 #include "core/AppDelegate.h"
@@ -48,15 +47,11 @@ bool PopupThread::takesEvents() const {
 }
 
 void PopupThread::append(Event event) {
-    Entry entry{event.value("Priority").value_or(""), std::make_unique<Event>(std::move(event))};
+    const CountedClasses classes = classifyPriority(event.value("Priority").value_or("")).counted;
     const std::lock_guard lock(m_delegate.alertLock());
-    if (!popupArray) {
-        return;
+    if (popupArray) {
+        popupArray->push_back({classes, std::move(event)});
     }
-    if (popupArray->size() == kMostWaiting) {
-        popupArray->pop_front();
-    }
-    popupArray->push_back(std::move(entry));
 }
 
 void PopupThread::run() {
@@ -75,28 +70,30 @@ bool PopupThread::pause() {
 }
 
 void PopupThread::handleNextEvent() {
-    Entry entry;
+    std::optional<Entry> next;
     AlertSettings settings;
     {
         const std::lock_guard lock(m_delegate.alertLock());
         if (popupArray->empty()) {
             return;
         }
-        entry = std::move(popupArray->front());
+        next.emplace(std::move(popupArray->front()));
         popupArray->pop_front();
         settings = static_cast<const AlertSettings &>(m_delegate.state);
     }
-    if (isSoundWanted(entry.priority, settings)) {
+    // By pointer: nothing on the way to the main thread can copy it.
+    auto event = std::make_unique<Event>(std::move(next->event));
+    if (isSoundWanted(next->classes, settings)) {
         QMetaObject::invokeMethod(
             &m_mainThread, [this, path = settings.popupSound] { m_playSound(path); },
             Qt::QueuedConnection);
     }
-    if (isPopupWanted(entry.priority, settings)) {
-        showAndWait(settings.iPopupEvents, std::move(entry.event));
+    if (isPopupWanted(next->classes, settings)) {
+        showAndWait(settings.iPopupEvents, std::move(event));
     } else {
         // Its end belongs to the main thread.
         QMetaObject::invokeMethod(
-            &m_mainThread, [event = std::move(entry.event)] {}, Qt::QueuedConnection);
+            &m_mainThread, [event = std::move(event)] {}, Qt::QueuedConnection);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alerts/AlertDecision.h"
 #include "alerts/PopupCondition.h"
 #include "core/AlertQueueLink.h"
 #include "core/AppState.h"
@@ -10,7 +11,6 @@
 #include <QWidget>
 
 #include <condition_variable>
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -33,10 +33,6 @@ class Storyboard;
 /// arguments, which outlive it; the event list that its events belong to must outlive it as well.
 class PopupThread final : public AlertQueueLink {
 public:
-    /// So many events wait at most; the oldest make way. Popups at their shortest would show them
-    /// for days.
-    static constexpr std::size_t kMostWaiting = 100'000;
-
     /// Starts a sound file and returns at once; called on the main thread.
     using PlaySound = std::function<void(const std::string &path)>;
 
@@ -51,17 +47,18 @@ public:
     void start();
     /// Whether run() has made popupArray. Of any thread.
     [[nodiscard]] bool takesEvents() const;
-    /// Adds an event to popupArray; dropped while run() has not made that yet.
+    /// Adds an event to popupArray, which grows as it must; dropped while run() has not made that
+    /// yet.
     void append(Event event) override;
     /// The thread's body; returns when the object is being destroyed.
     void run();
 
 private:
     /// What the worker needs of an event, beside the event, which only the main thread may touch:
-    /// the worker holds the pointer and hands it back.
+    /// the worker only moves it, and hands it back. Small, because a million may wait.
     struct Entry {
-        std::string priority;
-        std::unique_ptr<Event> event;
+        CountedClasses classes;
+        Event event;
     };
 
     // On the worker.

@@ -120,8 +120,8 @@ private:
     };
     using Fields = std::map<std::string, std::string, std::less<>>;
     struct Held {
-        std::size_t handles = 0;
-        std::optional<Fields> left;  // the fields, once the event has left the list
+        std::uint32_t handles = 0;
+        std::unique_ptr<Fields> left;  // the fields, once the event has left the list
     };
 
     Place add(const EventFields &fields);

@@ -186,7 +186,7 @@ void EventList::letGo(const Place &place) {
     const EventRecord &record = place.record();
     if (!m_held.empty()) {
         if (const auto held = m_held.find(place.id()); held != m_held.end()) {
-            held->second.left = fieldsOf(place);
+            held->second.left = std::make_unique<Fields>(fieldsOf(place));
         }
     }
     m_priorities.release(record.priority);
@@ -254,7 +254,7 @@ std::optional<std::string> EventList::value(EventId id, std::string_view key) {
         inList = fieldsOf(*place);
         fields = &inList;
     } else if (const auto held = m_held.find(id); held != m_held.end() && held->second.left) {
-        fields = &*held->second.left;
+        fields = held->second.left.get();
     }
     if (fields == nullptr) {
         return std::nullopt;

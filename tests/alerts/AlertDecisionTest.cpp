@@ -7,6 +7,7 @@
 #include <limits>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorbel {
@@ -35,6 +36,10 @@ TEST(FindArray, FindsTheFirstElementThatContainsTheKey) {
     for (const Case &c : cases) {
         EXPECT_EQ(findArray(c.array, c.key), c.index) << c.key;
     }
+}
+
+CountedClasses classesOf(std::string_view priority) {
+    return classifyPriority(priority).counted;
 }
 
 struct Selection {
@@ -76,27 +81,27 @@ const std::vector<Selection> kSelections{
 
 TEST(IsSelected, LooksUpEverySeverityNamed) {
     for (const Selection &c : kSelections) {
-        EXPECT_EQ(isSelected(c.priority, c.labels), c.selected)
+        EXPECT_EQ(isSelected(classesOf(c.priority), c.labels), c.selected)
             << c.priority << " of " << c.labels.size();
     }
 }
 
 TEST(IsPopupWanted, AsksForATimeAndALabelOfItsOwnList) {
     const AlertSettings on{5, "", {"Alert"}, {}};
-    EXPECT_TRUE(isPopupWanted("Kern.Alert", on));
-    EXPECT_FALSE(isPopupWanted("Kern.Debug", on));
-    EXPECT_FALSE(isPopupWanted("Kern.Alert", {0, "", {"Alert"}, {}}));
-    EXPECT_FALSE(isPopupWanted("Kern.Alert", {-1, "", {"Alert"}, {}}));
-    EXPECT_TRUE(isPopupWanted("Kern.Alert", {1, "", {"Alert"}, {}}));
-    EXPECT_FALSE(isPopupWanted("Kern.Alert", {5, "/bell.wav", {}, {"Alert"}}));
+    EXPECT_TRUE(isPopupWanted(classesOf("Kern.Alert"), on));
+    EXPECT_FALSE(isPopupWanted(classesOf("Kern.Debug"), on));
+    EXPECT_FALSE(isPopupWanted(classesOf("Kern.Alert"), {0, "", {"Alert"}, {}}));
+    EXPECT_FALSE(isPopupWanted(classesOf("Kern.Alert"), {-1, "", {"Alert"}, {}}));
+    EXPECT_TRUE(isPopupWanted(classesOf("Kern.Alert"), {1, "", {"Alert"}, {}}));
+    EXPECT_FALSE(isPopupWanted(classesOf("Kern.Alert"), {5, "/bell.wav", {}, {"Alert"}}));
 }
 
 TEST(IsSoundWanted, AsksForAFileAndALabelOfItsOwnList) {
     const AlertSettings on{0, "/bell.wav", {}, {"Alert"}};
-    EXPECT_TRUE(isSoundWanted("Kern.Alert", on));
-    EXPECT_FALSE(isSoundWanted("Kern.Debug", on));
-    EXPECT_FALSE(isSoundWanted("Kern.Alert", {5, "", {}, {"Alert"}}));
-    EXPECT_FALSE(isSoundWanted("Kern.Alert", {5, "/bell.wav", {"Alert"}, {}}));
+    EXPECT_TRUE(isSoundWanted(classesOf("Kern.Alert"), on));
+    EXPECT_FALSE(isSoundWanted(classesOf("Kern.Debug"), on));
+    EXPECT_FALSE(isSoundWanted(classesOf("Kern.Alert"), {5, "", {}, {"Alert"}}));
+    EXPECT_FALSE(isSoundWanted(classesOf("Kern.Alert"), {5, "/bell.wav", {"Alert"}, {}}));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "alerts/AlertFixture.h"
 #include "alerts/PopupThread.h"
+#include "platform/AllocationMeter.h"
 #include "support/WaitUntil.h"
 
 #include <QElapsedTimer>
@@ -238,17 +239,28 @@ private Q_SLOTS:
         QVERIFY(shown<EventSheetStandIn>().isNull());
     }
 
-    void letsTheOldestGoWhenTooManyWait() {
+    void aMillionWaitInTheirOrderAndTakeLittleMemory() {
+        constexpr std::size_t kMany = 1'000'000;
         Worker it(popupsFor({"Alert"}));
         QVERIFY(it.start());
         it.append("Local7.Alert", "up");
         QCOMPARE(nextPopup(), u"up"_s);
-        for (std::size_t i = 0; i < PopupThread::kMostWaiting + 5; ++i) {
-            it.append("Local7.Alert", std::to_string(i));
+        std::vector<EventId> ids;
+        ids.reserve(kMany);
+        for (std::size_t i = 0; i < kMany; ++i) {
+            ids.push_back(it.event("Local7.Informational.Alert", std::to_string(i)).id());
         }
-        closePopup();
-        QTRY_COMPARE_WITH_TIMEOUT(popups(), 0, kPatienceMs);
-        QCOMPARE(nextPopup(), u"5"_s);
+        const AllocationMeter meter;
+        for (const EventId id : ids) {
+            it.thread->append({it.list, id});
+        }
+        const std::size_t bytesEach = meter.peak() / kMany;
+        QVERIFY2(bytesEach <= 100, qPrintable(QString::number(bytesEach)));
+        for (const QString &message : {u"0"_s, u"1"_s}) {
+            closePopup();
+            QTRY_COMPARE_WITH_TIMEOUT(popups(), 0, kPatienceMs);
+            QCOMPARE(nextPopup(), message);
+        }
     }
 
     void endsAmidAPause() {
