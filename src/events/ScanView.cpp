@@ -274,13 +274,14 @@ void ScanView::updateEvents(Dictionary deleted) {
 void ScanView::exportEvents() {
     removeAnnounced();
     if (const Rows selection = selectedRows(); !selection.empty()) {
-        openExportPanel(this, [this, chosen = idsOf(selection)](const QString &path) {
+        openExportPanel(this, "events", [this, chosen = idsOf(selection)](const QString &path) {
             writeEvents(path, chosen);
         });
         return;
     }
     offerAll(QStringLiteral("Export all events"), [this] {
-        openExportPanel(this, [this](const QString &path) { writeEvents(path, idsOf(allRows())); });
+        openExportPanel(this, "events",
+                        [this](const QString &path) { writeEvents(path, idsOf(allRows())); });
     });
 }
 

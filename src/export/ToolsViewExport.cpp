@@ -156,6 +156,9 @@ void ToolsViewExport::openPanel(Export &entry) {
                   {.message = QString::fromLatin1(entry.kind->panelMessage),
                    .extensions = entry.kind->extensions,
                    .folder = location.isEmpty() ? QString() : QFileInfo(location).path(),
+                   .name = location.isEmpty()
+                               ? QStringLiteral("Quorbel events.") + entry.kind->extensions.first()
+                               : QFileInfo(location).fileName(),
                    .save = true},
                   [this, &entry](const QString &path) {
                       entry.workingLocation = path.toStdString();

@@ -207,7 +207,7 @@ void ReportsView::tableClicked() {
 }
 
 void ReportsView::exportResults() {
-    openExportPanel(this, [this](const QString &path) { writeRows(path); });
+    openExportPanel(this, "report", [this](const QString &path) { writeRows(path); });
 }
 
 void ReportsView::writeRows(const QString &path) {

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
 
@@ -96,6 +97,9 @@ private Q_SLOTS:
         QVERIFY(panel()->nameFilters().at(0).contains(name("*.txt")));
         QVERIFY(panel()->nameFilters().at(1).contains(name("*.csv")));
         QCOMPARE(panel()->acceptMode(), QFileDialog::AcceptSave);
+        QVERIFY(QRegularExpression(name("^Quorbel events \\d{4}-\\d{2}-\\d{2}\\.txt$"))
+                    .match(panel()->findChild<QLineEdit *>(name("fileNameEdit"))->text())
+                    .hasMatch());
     }
 
     void commasBreakTheColumnsOfACsvFile() {

@@ -292,13 +292,16 @@ private Q_SLOTS:
         for (qsizetype i = 0; i < extensions.size(); ++i) {
             QVERIFY(panel()->nameFilters().at(i).contains(u"(*.%1)"_s.arg(extensions.at(i))));
         }
+        QCOMPARE(panel()->findChild<QLineEdit *>(u"fileNameEdit"_s)->text(),
+                 u"old."_s + extensions.last());
+        QVERIFY(panel()->selectedNameFilter().contains(extensions.last()));
         press(QDialogButtonBox::Cancel);
         QCOMPARE(m_page->text(kind + "Location"), old);
         QVERIFY(!m_page->isEnabled("saveButton"));
         openPanel(kind + "Browse");
         panel()->findChild<QLineEdit *>(u"fileNameEdit"_s)->setText(u"new"_s);
         press(QDialogButtonBox::Save);
-        const QString chosen = toQString(folder) + u"/new."_s + extensions.first();
+        const QString chosen = toQString(folder) + u"/new."_s + extensions.last();
         QCOMPARE(m_page->text(kind + "Location"), chosen);
         QVERIFY(m_page->isEnabled("saveButton"));
         m_page->click("saveButton");

@@ -1,8 +1,11 @@
 #include "platform/gui/FilePanel.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
@@ -12,12 +15,25 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
 
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <array>
 #include <memory>
 
 namespace quorbel {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kPatienceMs = testing::kPatience.count();
+
+}  // namespace
 
 class FilePanelTest : public QObject {
     Q_OBJECT
@@ -146,6 +162,167 @@ private Q_SLOTS:
         QVERIFY(m_chosen.isEmpty());
     }
 
+    void aNameIsTakenAsItWasTyped_data() {
+        QTest::addColumn<QString>("typed");
+        QTest::newRow("quotation marks") << "the \"old\" events.csv";
+        QTest::newRow("one") << "5\" disk.txt";
+        QTest::newRow("in between") << "\"a.txt\" \"b.txt\".txt";
+        QTest::newRow("escapes") << "a%20b\\n #1?.txt";
+        QTest::newRow("colon first") << ":x.txt";
+        QTest::newRow("tilde") << "~x.txt";
+    }
+    void aNameIsTakenAsItWasTyped() {
+        QFETCH(QString, typed);
+        enter(open(saveRequest()), typed);
+        QCOMPARE(m_chosen, QStringList{path(typed)});
+        m_chosen.clear();
+        m_folder->write(typed.toStdString(), "text");
+        FilePanelRequest request = openRequest();
+        request.extensions.clear();
+        enter(open(request), typed);
+        QCOMPARE(m_chosen, QStringList{path(typed)});
+    }
+
+    void aFolderThatDoesNotExistIsRefused_data() {
+        QTest::addColumn<bool>("save");
+        QTest::addColumn<QString>("typed");
+        for (const bool save : {true, false}) {
+            QTest::addRow("relative %d", save) << save << "nowhere/events.txt";
+            QTest::addRow("full path %d", save) << save << "/nowhere/events.txt";
+            QTest::addRow("folder alone %d", save) << save << "nowhere/";
+            QTest::addRow("a file %d", save) << save << "file.txt/events.txt";
+        }
+    }
+    void aFolderThatDoesNotExistIsRefused() {
+        QFETCH(bool, save);
+        QFETCH(QString, typed);
+        m_folder->write("file.txt", "text");
+        QFileDialog *panel = open(save ? saveRequest() : openRequest());
+        enter(panel, typed);
+        const auto *box = panel->findChild<QMessageBox *>("alertBox"_L1);
+        QVERIFY(box != nullptr);
+        QVERIFY2(box->text().startsWith(u"The folder “"_s), qPrintable(box->text()));
+        answerAlert(panel, 0);
+        QVERIFY(panel->isVisible());
+        QVERIFY(m_chosen.isEmpty());
+    }
+
+    void homeIsATilde() {
+        QFileDialog *panel = open(openRequest());
+        enter(panel, "~/"_L1);
+        QVERIFY(m_chosen.isEmpty());
+        QCOMPARE(panel->directory().canonicalPath(), QDir::home().canonicalPath());
+    }
+
+    void offersANameAndItsType_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("stem");
+        QTest::newRow("first type") << "Quorbel events.txt" << 0 << "Quorbel events";
+        QTest::newRow("second type") << "old.csv" << 1 << "old";
+        QTest::newRow("capitals") << "OLD.CSV" << 1 << "OLD";
+        QTest::newRow("a foreign type") << "old.log" << 0 << "old";
+    }
+    void offersANameAndItsType() {
+        QFETCH(QString, name);
+        QFETCH(int, type);
+        QFETCH(QString, stem);
+        FilePanelRequest request = saveRequest();
+        request.name = name;
+        QFileDialog *panel = open(request);
+        const auto *field = panel->findChild<QLineEdit *>("fileNameEdit"_L1);
+        QCOMPARE(field->text(), name);
+        QCOMPARE(field->selectedText(), stem);
+        QCOMPARE(panel->findChild<QComboBox *>("fileTypeCombo"_L1)->currentIndex(), type);
+        pressAccept(panel);
+        QCOMPARE(m_chosen,
+                 QStringList{path(type == 0 && name.endsWith(u"log") ? name + u".txt"_s : name)});
+    }
+
+    void aTypeInCapitalsIsListed() {
+        m_folder->write("OLD.CSV", "text");
+        FilePanelRequest request = openRequest();
+        request.extensions = {"csv"_L1};
+        QFileDialog *panel = open(request);
+        QTRY_COMPARE_WITH_TIMEOUT(listed(panel), QStringList{"OLD.CSV"_L1}, kPatienceMs);
+    }
+
+    /// Whatever a file holds: to look into it can take for ever.
+    void listingOpensNoFile() {
+        const auto name = m_folder->write("without_extension", "#!/bin/sh\n");
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        inotify_add_watch(watch, name.c_str(), IN_OPEN | IN_ACCESS);
+        FilePanelRequest request = openRequest();
+        request.extensions.clear();
+        QFileDialog *panel = open(request);
+        QTRY_COMPARE_WITH_TIMEOUT(listed(panel), QStringList{"without_extension"_L1}, kPatienceMs);
+        auto *field = panel->findChild<QLineEdit *>("fileNameEdit"_L1);
+        QTest::keyClicks(field, path("without"_L1));
+        QTRY_VERIFY_WITH_TIMEOUT(field->completer()->popup()->isVisible(), kPatienceMs);
+        std::array<char, 4096> events{};
+        QCOMPARE(read(watch, events.data(), events.size()), ssize_t{-1});
+        ::close(watch);
+    }
+
+    void nothingCanBeDeletedOrMoved_data() {
+        QTest::addColumn<bool>("save");
+        QTest::newRow("save") << true;
+        QTest::newRow("open") << false;
+    }
+    void nothingCanBeDeletedOrMoved() {
+        QFETCH(bool, save);
+        m_folder->write("inner/kept.txt", "text");
+        QFileDialog *panel = open(save ? saveRequest() : openRequest());
+        auto *files = panel->findChild<QTreeView *>("treeView"_L1);
+        QTRY_COMPARE_WITH_TIMEOUT(listed(panel), QStringList{"inner"_L1}, kPatienceMs);
+        // Where the folder could be deleted, the question would wait for an answer.
+        QTimer agreement;
+        bool asked = false;
+        connect(&agreement, &QTimer::timeout, this, [&asked] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                asked = true;
+                box->reject();
+            }
+        });
+        agreement.start(0);
+        files->setFocus();
+        files->setCurrentIndex(files->model()->index(0, 0, files->rootIndex()));
+        panel->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(panel));
+        QTest::keyClick(files, Qt::Key_Delete);
+        QVERIFY(!asked);
+        QCOMPARE(panel->findChild<QWidget *>("newFolderButton"_L1)->isVisible(), save);
+        for (const auto *view : panel->findChildren<QAbstractItemView *>()) {
+            QCOMPARE(view->dragDropMode(), QAbstractItemView::NoDragDrop);
+            QCOMPARE(view->contextMenuPolicy(), Qt::NoContextMenu);
+        }
+        QVERIFY(QFile::exists(path("inner/kept.txt"_L1)));
+    }
+
+    void foldersCanBeMadeWhereAFileIsToBeSaved() {
+        QFileDialog *panel = open(saveRequest());
+        QTest::mouseClick(panel->findChild<QToolButton *>("newFolderButton"_L1), Qt::LeftButton);
+        QTRY_COMPARE_WITH_TIMEOUT(QDir(folder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                                  QStringList{"New Folder"_L1}, kPatienceMs);
+    }
+
+    void aLongNameHasTheRoomThatThereIs() {
+        const QString name =
+            "a name that is as long as the names of exported reports can be.txt"_L1;
+        m_folder->write(name.toStdString(), "text");
+        QFileDialog *panel = open(saveRequest());
+        QTRY_COMPARE_WITH_TIMEOUT(listed(panel), QStringList{name}, kPatienceMs);
+        panel->resize(1400, 500);
+        const auto *files = panel->findChild<QTreeView *>("treeView"_L1);
+        const int needed =
+            files->fontMetrics().horizontalAdvance(name) + 2 * files->iconSize().width();
+        QTRY_VERIFY_WITH_TIMEOUT(files->columnWidth(0) > needed, kPatienceMs);
+        // Without pushing anything out of sight.
+        const int last = files->model()->columnCount() - 1;
+        QVERIFY(files->columnViewportPosition(last) + files->columnWidth(last) <=
+                files->viewport()->width());
+    }
+
     void aMissingFolderIsReplacedByTheHomeFolder() {
         FilePanelRequest request = openRequest();
         request.folder = path("nowhere"_L1);
@@ -184,6 +361,15 @@ private:
         return m_window->findChildren<QFileDialog *>("filePanel"_L1).last();
     }
 
+    /// The names in the list.
+    static QStringList listed(const QFileDialog *panel) {
+        const auto *files = panel->findChild<QTreeView *>("treeView"_L1);
+        QStringList names;
+        for (int row = 0; row < files->model()->rowCount(files->rootIndex()); ++row) {
+            names += files->model()->index(row, 0, files->rootIndex()).data().toString();
+        }
+        return names;
+    }
     static QDialogButtonBox *buttons(const QFileDialog *panel) {
         return panel->findChild<QDialogButtonBox *>("buttonBox"_L1);
     }

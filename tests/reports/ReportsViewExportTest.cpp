@@ -153,7 +153,9 @@ private Q_SLOTS:
         QTRY_VERIFY(panel() != nullptr && panel()->isVisible());
         QCOMPARE(panel()->findChild<QLabel *>(name("filePanelMessage"))->text(),
                  name("Please select export file name with 'txt' or 'csv' extensions:"));
-        panel()->findChild<QLineEdit *>(name("fileNameEdit"))->setText(path("report.csv"));
+        auto *field = panel()->findChild<QLineEdit *>(name("fileNameEdit"));
+        QVERIFY2(field->text().startsWith(name("Quorbel report 2")), qPrintable(field->text()));
+        field->setText(path("report.csv"));
         press(panel(), QDialogButtonBox::Cancel);
         QTRY_VERIFY(panel() == nullptr);
         QVERIFY(std::filesystem::is_empty(m_folder->path()));

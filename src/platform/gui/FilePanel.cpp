@@ -1,15 +1,21 @@
 #include "platform/gui/FilePanel.h"
 
 #include "platform/gui/AlertBox.h"
-#include "platform/gui/Icons.h"
+#include "platform/gui/FileIcons.h"
 
-#include <QAbstractFileIconProvider>
+#include <QAbstractItemView>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
 #include <QTreeView>
 
 #include <utility>
@@ -20,18 +26,8 @@ namespace {
 
 constexpr QSize kPanelSize(780, 520);
 
-class PanelIcons : public QAbstractFileIconProvider {
-public:
-    [[nodiscard]] QIcon icon(IconType type) const override {
-        return lineIcon(type == File ? QStringLiteral("file") : QStringLiteral("folder"));
-    }
-    [[nodiscard]] QIcon icon(const QFileInfo &info) const override {
-        return icon(info.isDir() ? Folder : File);
-    }
-};
-
-/// Unlike its base, asks its questions without a nested event loop, and completes names by its own
-/// list of extensions.
+/// Unlike its base, asks its questions without a nested event loop, takes a name as it was typed,
+/// and completes it by its own list of extensions.
 class FilePanel : public QFileDialog {
 public:
     FilePanel(QWidget *parent, FilePanelRequest request);
@@ -40,10 +36,19 @@ public:
     [[nodiscard]] const QString &path() const { return m_path; }
 
     void accept() override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void addMessage();
     void setFilters();
+    void setColumns();
+    void removeCommands();
+    void offerName();
+    void enableAcceptButton();
+    [[nodiscard]] QPushButton *acceptButton() const;
+    [[nodiscard]] QLineEdit *nameField() const;
+    [[nodiscard]] QString typedPath() const;
+    void refuse(const QString &message, const QString &advice);
     [[nodiscard]] bool hasAllowedExtension(const QString &path) const;
     [[nodiscard]] QString chosenExtension() const;
     void confirmOpening(const QString &path);
@@ -55,10 +60,13 @@ private:
 };
 
 FilePanel::FilePanel(QWidget *parent, FilePanelRequest request)
-    : QFileDialog(parent), m_request(std::move(request)) {
+    // The base lists a folder before it can be told not to look into files: one that has none.
+    : QFileDialog(parent, {}, QDir::rootPath()), m_request(std::move(request)) {
     setObjectName(QStringLiteral("filePanel"));
     setAttribute(Qt::WA_DeleteOnClose);
     setOptions(DontUseNativeDialog | DontConfirmOverwrite | DontUseCustomDirectoryIcons);
+    setOption(ReadOnly, !m_request.save);
+    setIconProvider(&fileIcons());
     setAcceptMode(m_request.save ? AcceptSave : AcceptOpen);
     setFileMode(m_request.save ? AnyFile : ExistingFile);
     setWindowTitle(m_request.message);
@@ -66,12 +74,11 @@ FilePanel::FilePanel(QWidget *parent, FilePanelRequest request)
     setDirectory(folderExists ? m_request.folder : QDir::homePath());
     setFilters();
     addMessage();
-    // The dialog's file list asks it from a thread of its own until the very end of the dialog.
-    static PanelIcons icons;
-    setIconProvider(&icons);
-    if (auto *files = findChild<QTreeView *>(QStringLiteral("treeView"))) {
-        files->header()->setStretchLastSection(true);
-    }
+    setColumns();
+    removeCommands();
+    offerName();
+    acceptButton()->installEventFilter(this);
+    connect(nameField(), &QLineEdit::textChanged, this, &FilePanel::enableAcceptButton);
     resize(kPanelSize);
 }
 
@@ -102,6 +109,79 @@ void FilePanel::setFilters() {
     setNameFilters(filters);
 }
 
+/// All that is left of the width goes to the names.
+void FilePanel::setColumns() {
+    if (auto *files = findChild<QTreeView *>(QStringLiteral("treeView"))) {
+        files->header()->setStretchLastSection(false);
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
+/// Takes away deleting and moving by key, with the mouse, and from the lists' menus, which would
+/// run an event loop of their own, too.
+void FilePanel::removeCommands() {
+    for (QShortcut *shortcut : findChildren<QShortcut *>()) {
+        if (shortcut->key() == QKeySequence(QKeySequence::Delete)) {
+            delete shortcut;
+        }
+    }
+    for (auto *view : findChildren<QAbstractItemView *>()) {
+        view->setDragDropMode(QAbstractItemView::NoDragDrop);
+        view->setContextMenuPolicy(Qt::NoContextMenu);
+    }
+    if (!m_request.save) {
+        findChild<QWidget *>(QStringLiteral("newFolderButton"))->hide();
+    }
+}
+
+void FilePanel::offerName() {
+    if (!m_request.save || m_request.name.isEmpty()) {
+        return;
+    }
+    const QString suffix = QFileInfo(m_request.name).suffix();
+    for (const QString &filter : nameFilters()) {
+        if (filter.contains(QStringLiteral("(*.%1)").arg(suffix), Qt::CaseInsensitive)) {
+            selectNameFilter(filter);
+        }
+    }
+    nameField()->setText(m_request.name);
+    nameField()->setSelection(
+        0, static_cast<int>(QFileInfo(m_request.name).completeBaseName().size()));
+}
+
+QLineEdit *FilePanel::nameField() const {
+    return findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+}
+
+/// The base would take quotation marks for marks around several names.
+QString FilePanel::typedPath() const {
+    QString typed = nameField()->text();
+    if (typed == u'~' || typed.startsWith(QStringLiteral("~/"))) {
+        typed.replace(0, 1, QDir::homePath());
+    }
+    return typed.startsWith(u'/') ? typed : directory().absolutePath() + u'/' + typed;
+}
+
+QPushButton *FilePanel::acceptButton() const {
+    return findChild<QDialogButtonBox *>()->button(m_request.save ? QDialogButtonBox::Save
+                                                                  : QDialogButtonBox::Open);
+}
+
+/// The base disables its button for what it does not find, and leaves it to the user to guess why.
+void FilePanel::enableAcceptButton() {
+    if (!nameField()->text().isEmpty()) {
+        acceptButton()->setEnabled(true);
+    }
+}
+
+bool FilePanel::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::EnabledChange && watched == acceptButton()) {
+        enableAcceptButton();
+    }
+    return QFileDialog::eventFilter(watched, event);
+}
+
 bool FilePanel::hasAllowedExtension(const QString &path) const {
     return m_request.extensions.isEmpty() ||
            m_request.extensions.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
@@ -117,34 +197,40 @@ QString FilePanel::chosenExtension() const {
 }
 
 void FilePanel::accept() {
-    const QString path = selectedFiles().value(0);
-    if (path.isEmpty() || QFileInfo(path).isDir()) {
-        QFileDialog::accept();  // goes into the folder
-    } else if (m_request.save) {
-        confirmSaving(hasAllowedExtension(path) ? path : path + u'.' + chosenExtension());
-    } else {
-        confirmOpening(path);
+    if (nameField()->text().isEmpty()) {
+        QFileDialog::accept();  // goes into a folder that is selected
+        return;
     }
+    const QString path = typedPath();
+    const QFileInfo file(path);
+    if (file.isDir()) {
+        setDirectory(QDir::cleanPath(path));
+        nameField()->setText(m_request.save ? m_request.name : QString());
+    } else if (const QFileInfo folder(file.path()); !folder.isDir()) {
+        refuse(QStringLiteral("The folder “%1” was not found.").arg(file.path()),
+               QStringLiteral("Please check the name and try again."));
+    } else if (m_request.save) {
+        const QString clean = QDir::cleanPath(path);
+        confirmSaving(hasAllowedExtension(clean) ? clean : clean + u'.' + chosenExtension());
+    } else {
+        confirmOpening(QDir::cleanPath(path));
+    }
+}
+
+void FilePanel::refuse(const QString &message, const QString &advice) {
+    openAlert(this, {.message = message, .informativeText = advice, .checkBox = {}, .buttons = {}},
+              {});
 }
 
 void FilePanel::confirmOpening(const QString &path) {
     const QFileInfo file(path);
     if (!file.exists()) {
-        openAlert(this,
-                  {.message = QStringLiteral("“%1” was not found.").arg(file.fileName()),
-                   .informativeText = QStringLiteral("Please check the name and try again."),
-                   .checkBox = {},
-                   .buttons = {}},
-                  {});
+        refuse(QStringLiteral("“%1” was not found.").arg(file.fileName()),
+               QStringLiteral("Please check the name and try again."));
     } else if (!hasAllowedExtension(path)) {
-        openAlert(this,
-                  {.message = QStringLiteral("“%1” cannot be used here.").arg(file.fileName()),
-                   .informativeText = QStringLiteral("Please choose a file with one of these "
-                                                     "extensions: %1.")
-                                          .arg(m_request.extensions.join(QStringLiteral(", "))),
-                   .checkBox = {},
-                   .buttons = {}},
-                  {});
+        refuse(QStringLiteral("“%1” cannot be used here.").arg(file.fileName()),
+               QStringLiteral("Please choose a file with one of these extensions: %1.")
+                   .arg(m_request.extensions.join(QStringLiteral(", "))));
     } else {
         finishWith(path);
     }

@@ -3,6 +3,7 @@
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/ProgressWindow.h"
 
+#include <QDate>
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QSaveFile>
@@ -28,12 +29,15 @@ QByteArray line(int columns, char separator, const std::function<QVariant(int co
 
 }  // namespace
 
-void openExportPanel(QWidget *parent, std::function<void(const QString &path)> onChosen) {
+void openExportPanel(QWidget *parent, const char *content,
+                     std::function<void(const QString &path)> onChosen) {
+    const QString day = QDate::currentDate().toString(Qt::ISODate);
     openFilePanel(parent,
                   {.message = QStringLiteral("Please select export file name with 'txt' or 'csv' "
                                              "extensions:"),
                    .extensions = {QStringLiteral("txt"), QStringLiteral("csv")},
                    .folder = {},
+                   .name = QStringLiteral("Quorbel %1 %2.txt").arg(QLatin1String(content), day),
                    .save = true},
                   [parent, chosen = std::move(onChosen)](const QString &path) {
                       // Not from within the panel's own signal: writing runs the event loop, which

@@ -23,8 +23,10 @@ struct ExportRows {
 };
 
 /// Asks for the file to export a table to, in a panel over `parent`'s window, and returns at once.
-/// `onChosen` runs with its path after the panel has closed; not at all when it is cancelled.
-void openExportPanel(QWidget *parent, std::function<void(const QString &path)> onChosen);
+/// The panel offers a name made of `content`, what the table holds, and the day. `onChosen` runs
+/// with its path after the panel has closed; not at all when it is cancelled.
+void openExportPanel(QWidget *parent, const char *content,
+                     std::function<void(const QString &path)> onChosen);
 
 /// Writes the column titles and the rows' texts as they are shown, each line ended by a line feed,
 /// in UTF-8: all of the model's columns, with commas between them when the file's extension is
