@@ -183,6 +183,15 @@ private Q_SLOTS:
         QCOMPARE(m_chosen, QStringList{path(typed)});
     }
 
+    void aFullPathIsTakenAsItWasTyped() {
+        m_folder->write("elsewhere/old.txt", "kept");
+        const QString elsewhere = path("elsewhere/old.txt"_L1);
+        QFileDialog *panel = open(saveRequest());
+        enter(panel, elsewhere);
+        answerAlert(panel, 0);
+        QCOMPARE(m_chosen, QStringList{elsewhere});
+    }
+
     void aFolderThatDoesNotExistIsRefused_data() {
         QTest::addColumn<bool>("save");
         QTest::addColumn<QString>("typed");

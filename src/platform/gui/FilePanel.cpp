@@ -9,11 +9,13 @@
 #include <QEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QHeaderView>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTreeView>
@@ -157,6 +159,13 @@ QLineEdit *FilePanel::nameField() const {
 /// The base would take quotation marks for marks around several names.
 QString FilePanel::typedPath() const {
     QString typed = nameField()->text();
+    // A full path that is found is selected in the list, and its name alone may take its place.
+    const auto *selection = findChild<QListView *>(QStringLiteral("listView"))->selectionModel();
+    for (const QModelIndex &row : selection->selectedRows()) {
+        if (row.data(QFileSystemModel::FileNameRole).toString() == typed) {
+            return row.data(QFileSystemModel::FilePathRole).toString();
+        }
+    }
     if (typed == u'~' || typed.startsWith(QStringLiteral("~/"))) {
         typed.replace(0, 1, QDir::homePath());
     }
