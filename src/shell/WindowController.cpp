@@ -3,6 +3,7 @@
 #include "alerts/PopupThread.h"
 #include "help/HelpWindow.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
@@ -11,7 +12,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QCursor>
 #include <QMenu>
 #include <QScreen>
@@ -109,8 +109,7 @@ void WindowController::connectCommands() {
     connect(ui->applicationAbout, &QAction::triggered, this, [this] { m_delegate.About(); });
     connect(ui->applicationHelp, &QAction::triggered, this, &WindowController::Help);
     connect(ui->closeWindow, &QAction::triggered, this, &QWidget::close);
-    // Not QCoreApplication::quit(), which an open sheet would refuse.
-    connect(ui->applicationQuit, &QAction::triggered, this, [] { QCoreApplication::exit(); });
+    connect(ui->applicationQuit, &QAction::triggered, this, [] { endProgram(); });
 }
 
 QList<QAction *> WindowController::applicationCommands() const {
@@ -264,7 +263,7 @@ void WindowController::syslogNotify(const NotificationObserver::UserInfo &userIn
 void WindowController::closeEvent(QCloseEvent *event) {
     event->accept();
     if (!m_isReopenable()) {
-        QCoreApplication::exit();
+        endProgram();
     }
 }
 

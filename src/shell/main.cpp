@@ -1,6 +1,7 @@
 #include "core/AppDelegate.h"
 #include "platform/bus/SingleInstance.h"
 #include "platform/gui/Appearance.h"
+#include "platform/gui/ProgramEnd.h"
 #include "platform/gui/Storyboard.h"
 #include "shell/MainStoryboard.h"
 #include "shell/TerminationSignals.h"
@@ -73,6 +74,6 @@ int main(int argc, char **argv) {
 
     shown = &window;
     const auto laterStarts = watchLaterStarts(instance);
-    const TerminationSignals signals([] { QCoreApplication::exit(); });
+    const TerminationSignals signals([] { endProgram(); });
     return QApplication::exec();
 }

@@ -1,5 +1,7 @@
 #include "platform/gui/ProgressWindow.h"
 
+#include "platform/gui/ProgramEnd.h"
+
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -60,7 +62,7 @@ ProgressWindow::~ProgressWindow() = default;
 bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
     if (m_window ? m_sincePaint.elapsed() < kPaintIntervalMs
                  : m_sinceStart.elapsed() < patienceMs) {
-        return !m_isCancelled;
+        return !m_isCancelled && !isProgramEnding();
     }
     if (!m_window) {
         open();
@@ -70,11 +72,11 @@ bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
     const double part = static_cast<double>(done) / static_cast<double>(total);
     m_bar->setValue(static_cast<int>(part * kSteps));
     m_amount->setText(QStringLiteral("%1 of %2").arg(amount(done), amount(total)));
-    QEventLoop::ProcessEventsFlags events = QEventLoop::ExcludeSocketNotifiers;
+    QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents;
     events.setFlag(QEventLoop::ExcludeUserInputEvents, m_cancel == Cancel::kNotOffered);
     QCoreApplication::processEvents(events);
     m_sincePaint.start();
-    return !m_isCancelled;
+    return !m_isCancelled && !isProgramEnding();
 }
 
 QString ProgressWindow::amount(std::uint64_t number) const {

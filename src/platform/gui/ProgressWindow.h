@@ -15,9 +15,9 @@ namespace quorbel {
 /// work takes longer than a moment and goes with the object.
 ///
 /// update() runs the event loop for a moment now and then, so that the windows are painted. The
-/// user's input waits until the work is done, but timers and queued calls do run: events may be
-/// listed and removed meanwhile, and row numbers may change. Where cancelling is offered, the small
-/// window takes input, and it alone.
+/// user's input waits until the work is done, but timers, queued calls and sockets are served:
+/// events are listed and removed meanwhile, and row numbers change; the program may be told to end.
+/// Where cancelling is offered, the small window takes input, and it alone.
 class ProgressWindow {
 public:
     static constexpr qint64 kPatienceMs = 500;
@@ -43,7 +43,7 @@ public:
     static void setPatienceMs(qint64 patience);
 
     /// False once the user has cancelled the work: by the button, the Escape key, or by closing the
-    /// small window.
+    /// small window; and once the program is to end, offered or not.
     bool update(std::uint64_t done, std::uint64_t inAll);
 
 private:

@@ -72,7 +72,9 @@ bool exportTable(const QString &path, const QAbstractItemModel &model, const Exp
             })) < 0) {
             return false;
         }
-        progress.update(number + 1, rows.count);
+        if (!progress.update(number + 1, rows.count)) {
+            return false;
+        }
     }
     return file.commit();
 }
