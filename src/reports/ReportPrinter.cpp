@@ -22,6 +22,7 @@ constexpr qreal kPointSize = 8;
 constexpr int kMostMeasured = 2000;  // rows whose texts settle the columns' widths
 constexpr qreal kMarkerSide = 0.55;  // of a line's height
 constexpr qreal kMarkerRoom = 1.0;
+constexpr qreal kTabLines = 2;  // lines' heights between tab stops
 constexpr QColor kText(0x1f, 0x27, 0x33);
 constexpr QColor kRule(0xb4, 0xbd, 0xc9);
 
@@ -60,17 +61,14 @@ ReportPrinter::~ReportPrinter() = default;
 
 bool ReportPrinter::print(QPagedPaintDevice &device, const Progress &onProgress) {
     QPainter painter;
-    if (!painter.begin(&device)) {
-        return false;
-    }
     measure(device);
-    m_hasPage = false;
+    m_printedPages = 0;
     for (int copy = 0; copy < m_copies; ++copy) {
         if (!printCopy(device, painter, onProgress)) {
             return false;
         }
     }
-    return painter.end();
+    return !painter.isActive() || painter.end();
 }
 
 bool ReportPrinter::printCopy(QPagedPaintDevice &device, QPainter &painter,
@@ -95,6 +93,7 @@ void ReportPrinter::measure(QPagedPaintDevice &device) {
     m_ascent = metrics.ascent();
     m_gap = m_lineHeight;
     m_pad = m_lineHeight / 8;
+    m_tab = tabDistance(device);
     fitColumns(device);
     m_titles = layOut(device, m_titleFont, [this](int column) {
         return m_model.headerData(column, Qt::Horizontal).toString();
@@ -136,11 +135,26 @@ qreal ReportPrinter::markerRoom(int column) const {
     return column == 0 ? m_lineHeight * kMarkerRoom : 0;
 }
 
+/// Layouts multiply the distance by what the device is finer than the screen.
+qreal ReportPrinter::tabDistance(QPagedPaintDevice &device) const {
+    QTextOption option;
+    option.setTabStopDistance(1);
+    QTextLayout layout(QStringLiteral("\t"), m_font, &device);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    const qreal unit = line.cursorToX(1);
+    return unit > 0 ? kTabLines * m_lineHeight / unit : kTabLines * m_lineHeight;
+}
+
 ReportPrinter::Row ReportPrinter::layOut(QPagedPaintDevice &device, const QFont &font,
                                          const std::function<QString(int column)> &text) const {
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    option.setTabStopDistance(2 * m_lineHeight);
+    // As on the screen, whatever letters a text begins with.
+    option.setTextDirection(QGuiApplication::layoutDirection());
+    option.setTabStopDistance(m_tab);
     Row row;
     for (const Column &column : m_columns) {
         const QString content = text(column.number);
@@ -191,9 +205,12 @@ bool ReportPrinter::beginPage(QPagedPaintDevice &device, QPainter &painter) {
     ++m_pageNumber;
     const QPageRanges chosen = device.pageRanges();
     m_isChosen = chosen.isEmpty() || chosen.contains(m_pageNumber);
-    // A device begins with a page.
-    if (m_isChosen && std::exchange(m_hasPage, true) && !device.newPage()) {
-        return false;
+    if (m_isChosen) {
+        // A device begins with a page.
+        if (painter.isActive() ? !device.newPage() : !painter.begin(&device)) {
+            return false;
+        }
+        ++m_printedPages;
     }
     printTitles(painter);
     return true;
@@ -223,7 +240,9 @@ bool ReportPrinter::printRow(QPagedPaintDevice &device, QPainter &painter, int r
 
 void ReportPrinter::drawLines(QPainter &painter, const Row &row, const Lines &lines,
                               bool leaveMarkerRoom) {
-    painter.setPen(kText);
+    if (m_isChosen) {
+        painter.setPen(kText);
+    }
     m_y += m_pad;
     for (std::size_t i = 0; i < row.size(); ++i) {
         const int end =

@@ -36,8 +36,13 @@ public:
     void setCopies(int copies) { m_copies = copies; }
 
     /// Prints the device's chosen pages on the whole of its paintable area. False when the device
-    /// refuses or `onProgress` ended it.
+    /// refuses or `onProgress` ended it. Where none of the chosen pages exists, nothing is begun on
+    /// the device.
     bool print(QPagedPaintDevice &device, const Progress &onProgress = {});
+    /// How many pages there are, chosen or not; known after print() has returned true.
+    [[nodiscard]] int pageCount() const { return m_pageNumber; }
+    /// How many pages print() has begun on the device, in all copies.
+    [[nodiscard]] int printedPages() const { return m_printedPages; }
 
 private:
     struct Column {
@@ -63,6 +68,7 @@ private:
     [[nodiscard]] int linesThatFit(qreal top) const;
     void printTitles(QPainter &painter);
     bool beginPage(QPagedPaintDevice &device, QPainter &painter);
+    [[nodiscard]] qreal tabDistance(QPagedPaintDevice &device) const;
     bool printRow(QPagedPaintDevice &device, QPainter &painter, int row);
     void drawLines(QPainter &painter, const Row &row, const Lines &lines, bool leaveMarkerRoom);
     void drawMarker(QPainter &painter, int row) const;
@@ -76,13 +82,14 @@ private:
     QRectF m_page;
     qreal m_lineHeight = 0;
     qreal m_ascent = 0;
+    qreal m_tab = 0;  // between tab stops, in the layout's unit
     qreal m_gap = 0;  // between columns
     qreal m_pad = 0;  // above and below a row's text
     qreal m_y = 0;    // how far the page is filled
     qreal m_bodyTop = 0;
     int m_pageNumber = 0;
     bool m_isChosen = true;  // whether this page is printed, or only counted
-    bool m_hasPage = false;  // whether one was printed before
+    int m_printedPages = 0;
 };
 
 }  // namespace quorbel

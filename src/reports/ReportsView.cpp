@@ -2,6 +2,9 @@
 
 #include "core/AppDelegate.h"
 #include "core/LogReader.h"
+#include "platform/gui/AlertBox.h"
+#include "platform/gui/FileIcons.h"
+#include "platform/gui/FilePanel.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
@@ -11,6 +14,8 @@
 #include "ui_ReportsView.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QFileSystemModel>
 #include <QHeaderView>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -26,6 +31,30 @@ constexpr int kColumnWidth = 120;
 constexpr int kDateWidth = 140;
 constexpr int kDateGroupWidth = 165;
 constexpr int kOtherColumns = 380;  // beside a column of messages
+
+/// The dialog would look into files to complete a name, and choose one in a nested event loop, with
+/// a panel that deletes.
+void useOwnFilePanel(QPrintDialog &dialog) {
+    for (auto *files : dialog.findChildren<QFileSystemModel *>()) {
+        files->setIconProvider(&fileIcons());
+    }
+    auto *button = dialog.findChild<QAbstractButton *>(QStringLiteral("fileBrowser"));
+    auto *field = dialog.findChild<QLineEdit *>(QStringLiteral("filename"));
+    if (button == nullptr || field == nullptr) {
+        return;
+    }
+    button->disconnect();
+    QObject::connect(button, &QAbstractButton::clicked, &dialog, [&dialog, field] {
+        const QFileInfo file(field->text());
+        openFilePanel(&dialog,
+                      {.message = QStringLiteral("Please select a file to print to:"),
+                       .extensions = {QStringLiteral("pdf")},
+                       .folder = file.path(),
+                       .name = file.fileName(),
+                       .save = true},
+                      [field](const QString &path) { field->setText(path); });
+    });
+}
 
 const QString &allLogs() {
     static const QString kItem = QStringLiteral("All Logs");
@@ -232,6 +261,7 @@ void ReportsView::printResults() {
     if (auto *reverse = dialog->findChild<QWidget *>(QStringLiteral("reverse"))) {
         reverse->hide();
     }
+    useOwnFilePanel(*dialog);
     connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
     // Not from within the dialog's own signal: printing runs the event loop, which may delete it.
     connect(
@@ -254,15 +284,26 @@ void ReportsView::print() {
                             ProgressWindow::Unit::kRows, this, ProgressWindow::Cancel::kOffered);
     ReportPrinter printer(*m_model, columns);
     printer.setCopies(m_printer->supportsMultipleCopies() ? 1 : m_printer->copyCount());
-    printer.print(*m_printer, [&](int done, int inAll) {
+    const bool isComplete = printer.print(*m_printer, [&](int done, int inAll) {
         isCancelled =
             !progress.update(static_cast<std::uint64_t>(done), static_cast<std::uint64_t>(inAll)) ||
             resets != m_resets;
         return !isCancelled;
     });
     // On paper, the pages so far come out; a file is not left behind half done.
-    if (isCancelled) {
+    if (isCancelled && printer.printedPages() > 0) {
         QFile::remove(m_printer->outputFileName());
+    }
+    if (isComplete && printer.printedPages() == 0) {
+        openAlert(this,
+                  {.message = QStringLiteral("No page was printed"),
+                   .informativeText =
+                       printer.pageCount() == 1
+                           ? QStringLiteral("The report has one page only.")
+                           : QStringLiteral("The report has %1 pages.").arg(printer.pageCount()),
+                   .checkBox = {},
+                   .buttons = {}},
+                  {});
     }
 }
 

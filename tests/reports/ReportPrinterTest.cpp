@@ -3,6 +3,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <QFile>
+#include <QHash>
 #include <QImage>
 #include <QPdfWriter>
 #include <QProcess>
@@ -63,6 +64,19 @@ private:
             if (const QString simple = line.simplified(); !simple.isEmpty()) {
                 result += simple;
             }
+        }
+        return result;
+    }
+    /// Where the words of the first page begin, in points.
+    QHash<QString, double> placesOfWords() const {
+        static const QRegularExpression word(
+            QStringLiteral("<word xMin=\"([0-9.]+)\"[^>]*>([^<]*)</word>"));
+        const QString output = QString::fromUtf8(outputOf(
+            QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), QStringLiteral("-l"),
+                                          QStringLiteral("1"), pdfPath(), QStringLiteral("-")}));
+        QHash<QString, double> result;
+        for (const QRegularExpressionMatch &match : word.globalMatch(output)) {
+            result.insert(match.captured(2), match.captured(1).toDouble());
         }
         return result;
     }
@@ -240,6 +254,39 @@ private Q_SLOTS:
         QVERIFY(print());
         QCOMPARE(lines(pages()[0]).last(),
                  text("1970-01-01 00:00:01 P naïve Ελληνικά кириллица <b>&amp;</b>"));
+    }
+
+    void aTabIsAsWideAsAFewLetters() {
+        makeModel("1,P,h,one\ttwo\n");
+        m_model->toggle(0);
+        QVERIFY(print());
+        const auto places = placesOfWords();
+        const double distance = places[text("two")] - places[text("one")];
+        // The letters have 8 points.
+        QVERIFY2(distance > 12 && distance < 40, qPrintable(QString::number(distance)));
+    }
+
+    void mixedDirectionsStandAsOnTheScreen() {
+        makeModel("1,P,h,שלום left right\n");
+        m_model->toggle(0);
+        QVERIFY(print());
+        const auto places = placesOfWords();
+        QVERIFY(places.contains(text("left")) && places.contains(text("Message")));
+        // The column's text begins at its left, and its first word stands there.
+        QVERIFY(places[text("left")] > places[text("Message")] + 10);
+        QVERIFY(places[text("left")] < places[text("Message")] + 60);
+        QVERIFY(places[text("right")] > places[text("left")]);
+    }
+
+    void pagesThatDoNotExistAreNotBegun() {
+        makeModel("1,P,h,m\n");
+        QPdfWriter writer(pdfPath());
+        writer.setPageRanges(QPageRanges::fromString(QStringLiteral("2-3")));
+        ReportPrinter printer(*m_model, {0, 1, 2, 3});
+        QVERIFY(printer.print(writer));
+        QCOMPARE(printer.pageCount(), 1);
+        QCOMPARE(printer.printedPages(), 0);
+        QVERIFY(!QFile::exists(pdfPath()));
     }
 
     void canBeCancelledAndTellsHowFarItIs() {

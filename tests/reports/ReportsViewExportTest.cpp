@@ -1,9 +1,12 @@
+#include "platform/gui/FileIcons.h"
+#include "platform/gui/ProgramEnd.h"
 #include "reports/ReportsViewFixture.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -11,6 +14,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
 
 namespace quorbel {
@@ -57,6 +61,9 @@ private:
     // Prints to a file through the dialog's own controls.
     void printTo(const QString &file, int copies = 1) {
         openPrintPanel();
+        confirmPrint(file, copies);
+    }
+    void confirmPrint(const QString &file, int copies = 1) {
         auto *printers = printPanel()->findChild<QComboBox *>(name("printers"));
         const int pdf = printers->findText(name("Print to File (PDF)"));
         QVERIFY(pdf >= 0);
@@ -80,6 +87,13 @@ private:
             }
         }
         return result;
+    }
+
+    // Runs the loop that endProgram() has ended to its end.
+    static void letProgramEnd() {
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
+        QCoreApplication::exec();
+        QVERIFY(!isProgramEnding());
     }
 
 private Q_SLOTS:
@@ -207,6 +221,69 @@ private Q_SLOTS:
         printTo(path("report.pdf"));
         QTRY_COMPARE(printedLines(path("report.pdf")),
                      (QStringList{name("Host Date Priority Message"), name("h1"), name("h2")}));
+    }
+
+    void aPrintEndsWithTheProgram() {
+        log("x.log", kLog);
+        display(0);
+        clickRow(0);
+        QVERIFY(
+            duringWork([](QWidget *) { endProgram(); }, [this] { printTo(path("report.pdf")); }));
+        QVERIFY(progressWindow() == nullptr);
+        QVERIFY(!std::filesystem::exists(m_folder->path() / "report.pdf"));
+        letProgramEnd();
+    }
+
+    void anExportEndsWithTheProgram() {
+        log("x.log", kLog);
+        display(0);
+        clickRow(0);
+        QVERIFY(duringWork(
+            [this](QWidget *) {
+                // Only now, so that the panel does not ask about it.
+                m_folder->write("report.txt", "kept");
+                endProgram();
+            },
+            [this] { exportTo(path("report.txt")); }));
+        QCOMPARE(bytesOf(path("report.txt")), QByteArray("kept"));
+        letProgramEnd();
+    }
+
+    void pagesThatTheReportDoesNotHaveAreNotPrinted() {
+        log("x.log", kLog);
+        display(0);
+        openPrintPanel();
+        auto *range = printPanel()->findChild<QRadioButton *>(name("printRange"));
+        QVERIFY(range != nullptr);
+        range->setChecked(true);
+        printPanel()->findChild<QSpinBox *>(name("from"))->setValue(7);
+        printPanel()->findChild<QSpinBox *>(name("to"))->setValue(9);
+        confirmPrint(path("report.pdf"));
+        QTRY_VERIFY(m_page->findChild<QMessageBox *>(name("alertBox")) != nullptr);
+        auto *box = m_page->findChild<QMessageBox *>(name("alertBox"));
+        QCOMPARE(box->text(), name("No page was printed"));
+        QCOMPARE(box->informativeText(), name("The report has one page only."));
+        QCOMPARE(files(), QStringList{name("x.log")});
+    }
+
+    void theFileToPrintToIsChosenInAPanelOfOurs() {
+        show();
+        openPrintPanel();
+        auto *printers = printPanel()->findChild<QComboBox *>(name("printers"));
+        printers->setCurrentIndex(printers->findText(name("Print to File (PDF)")));
+        auto *field = printPanel()->findChild<QLineEdit *>(name("filename"));
+        field->setText(path("old.pdf"));
+        QTest::mouseClick(printPanel()->findChild<QAbstractButton *>(name("fileBrowser")),
+                          Qt::LeftButton);
+        auto *chooser = printPanel()->findChild<QFileDialog *>(name("filePanel"));
+        QVERIFY(chooser != nullptr);
+        QCOMPARE(chooser->findChild<QLineEdit *>(name("fileNameEdit"))->text(), name("old.pdf"));
+        chooser->findChild<QLineEdit *>(name("fileNameEdit"))->setText(name("new"));
+        press(chooser, QDialogButtonBox::Save);
+        QCOMPARE(field->text(), path("new.pdf"));
+        for (const auto *model : printPanel()->findChildren<QFileSystemModel *>()) {
+            QCOMPARE(model->iconProvider(), &fileIcons());
+        }
     }
 
     void aPageShownAnewMeanwhilePrintsNothing() {
