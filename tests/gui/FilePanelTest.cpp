@@ -112,14 +112,6 @@ private Q_SLOTS:
     void aMissingFileCannotBeOpened() {
         QFileDialog *panel = open(openRequest());
         enter(panel, "missing.aiff"_L1);
-        QVERIFY(panel->isVisible());
-        QVERIFY(m_chosen.isEmpty());
-    }
-
-    void aFileThatVanishedIsRefused() {
-        QFileDialog *panel = open(openRequest());
-        panel->findChild<QLineEdit *>("fileNameEdit"_L1)->setText("missing.aiff"_L1);
-        static_cast<QDialog *>(panel)->accept();
         answerAlert(panel, 0);
         QVERIFY(panel->isVisible());
         QVERIFY(m_chosen.isEmpty());
@@ -150,6 +142,8 @@ private Q_SLOTS:
             QVERIFY(panel->isVisible());
             QVERIFY(m_chosen.isEmpty());
             QTRY_COMPARE(panel->directory().dirName(), "inner"_L1);
+            enter(panel, "~/"_L1);
+            QCOMPARE(panel->directory().canonicalPath(), QDir::home().canonicalPath());
             panel->reject();
         }
     }
@@ -216,13 +210,6 @@ private Q_SLOTS:
         QVERIFY(m_chosen.isEmpty());
     }
 
-    void homeIsATilde() {
-        QFileDialog *panel = open(openRequest());
-        enter(panel, "~/"_L1);
-        QVERIFY(m_chosen.isEmpty());
-        QCOMPARE(panel->directory().canonicalPath(), QDir::home().canonicalPath());
-    }
-
     void offersANameAndItsType_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("type");
@@ -246,14 +233,6 @@ private Q_SLOTS:
         pressAccept(panel);
         QCOMPARE(m_chosen,
                  QStringList{path(type == 0 && name.endsWith(u"log") ? name + u".txt"_s : name)});
-    }
-
-    void aTypeInCapitalsIsListed() {
-        m_folder->write("OLD.CSV", "text");
-        FilePanelRequest request = openRequest();
-        request.extensions = {"csv"_L1};
-        QFileDialog *panel = open(request);
-        QTRY_COMPARE_WITH_TIMEOUT(listed(panel), QStringList{"OLD.CSV"_L1}, kPatienceMs);
     }
 
     /// Whatever a file holds: to look into it can take for ever.
