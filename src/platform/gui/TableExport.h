@@ -32,9 +32,9 @@ void openExportPanel(QWidget *parent, const char *content,
 /// in UTF-8: all of the model's columns, with commas between them when the file's extension is
 /// exactly "csv", otherwise tabs. Nothing is quoted.
 ///
-/// The file takes the place of an older one when all of it is written. False when that failed,
-/// the program is to end, or the rows were gone before: the older one, if any, is as it was. Returns when done, with a
-/// progress window over `parent` if it takes longer than a moment.
+/// The file takes the place of an older one when all of it is written. False when that failed, the
+/// program is to end, or the rows were gone before: the older one, if any, is as it was. Returns
+/// when done, with a progress window over `parent` if it takes longer than a moment.
 bool exportTable(const QString &path, const QAbstractItemModel &model, const ExportRows &rows,
                  QWidget *parent);
 
