@@ -11,12 +11,15 @@
 #include <limits>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace quorbel {
 
 namespace {
 
-constexpr std::int64_t kBlockSeconds = 900;
+constexpr std::int64_t kDaySeconds = 86400;
+constexpr std::int64_t kQuarterSeconds = 900;
+constexpr std::int64_t kMinuteSeconds = 60;
 constexpr std::int64_t kMillisPerSecond = 1000;
 // Before 1970 local times are not always whole quarters of an hour from UTC.
 constexpr std::int64_t kFirstBlockMoment = 0;
@@ -52,9 +55,10 @@ double clampedMillis(double seconds) {
 
 // ICU reads a two-digit year as one in the hundred years that begin 80 years before the format was
 // made. Taken once, so that all formats of the program read a text alike.
-UDate centuryStart(const icu::SimpleDateFormat &format) {
-    static const UDate kStart = [&format] {
+UDate centuryStart() {
+    static const UDate kStart = [] {
         UErrorCode status = U_ZERO_ERROR;
+        const icu::SimpleDateFormat format("yy", icu::Locale::getRoot(), status);
         return format.get2DigitYearStart(status);
     }();
     return kStart;
@@ -70,7 +74,7 @@ std::unique_ptr<icu::SimpleDateFormat> makeFormat(const icu::UnicodeString &patt
         return nullptr;
     }
     format->setLenient(false);
-    format->set2DigitYearStart(centuryStart(*format), status);
+    format->set2DigitYearStart(centuryStart(), status);
     // Letters that mean nothing are found out only by using the pattern.
     const std::unique_ptr<icu::Calendar> epoch(format->getCalendar()->clone());
     epoch->setTime(0.0, status);
@@ -79,17 +83,62 @@ std::unique_ptr<icu::SimpleDateFormat> makeFormat(const icu::UnicodeString &patt
     return U_SUCCESS(status) ? std::move(format) : nullptr;
 }
 
+// Each letter run of a pattern, or nothing when it holds more than plain fields kept apart by plain
+// text: quotes, digits, names, or fields that touch.
+std::optional<std::vector<icu::UnicodeString>> plainFields(const icu::UnicodeString &pattern) {
+    constexpr std::u16string_view kLetters = u"yuMLdHkhKams";
+    constexpr std::u16string_view kPlainText = u" /-.:,";
+    constexpr std::int32_t kLongestNumber = 2;
+    std::vector<icu::UnicodeString> fields;
+    bool isInField = false;
+    for (std::int32_t index = 0; index < pattern.length(); ++index) {
+        const char16_t letter = pattern.charAt(index);
+        if (kPlainText.find(letter) != std::u16string_view::npos) {
+            isInField = false;
+            continue;
+        }
+        if (!isInField) {
+            fields.emplace_back();
+        }
+        isInField = true;
+        icu::UnicodeString &field = fields.back();
+        field.append(letter);
+        const bool isYear = letter == u'y' || letter == u'u';
+        if (kLetters.find(letter) == std::u16string_view::npos || field.charAt(0) != letter ||
+            (!isYear && field.length() > kLongestNumber)) {
+            return std::nullopt;
+        }
+    }
+    return fields;
+}
+
+bool tellsMinuteBy(const icu::UnicodeString &pattern) {
+    const auto fields = plainFields(pattern);
+    if (!fields) {
+        return false;
+    }
+    const auto has = [&fields](std::u16string_view letters) {
+        return std::ranges::any_of(*fields, [letters](const icu::UnicodeString &field) {
+            return letters.find(field.charAt(0)) != std::u16string_view::npos;
+        });
+    };
+    return has(u"yu") && has(u"ML") && has(u"d") && has(u"m") &&
+           (has(u"Hk") || (has(u"hK") && has(u"a")));
+}
+
 // What a pattern tells about the place of a moment within its quarter of an hour, where that can be
 // said for sure: all other fields are the same throughout, and each field can be cut out of a text
-// without regard to the others.
+// without regard to the others. When it tells the minute, the same holds for a whole day.
 struct BlockRule {
     bool isKnown = false;
+    bool tellsMinute = false;
     bool keepsMinutes = false;
     bool keepsSeconds = false;
 
     // How far the round trip of a block's offset lies behind that of the block's start.
     [[nodiscard]] std::int64_t kept(std::int64_t offset) const {
-        return (keepsMinutes ? offset / 60 * 60 : 0) + (keepsSeconds ? offset % 60 : 0);
+        return (keepsMinutes ? offset / kMinuteSeconds * kMinuteSeconds : 0) +
+               (keepsSeconds ? offset % kMinuteSeconds : 0);
     }
 };
 
@@ -101,7 +150,7 @@ BlockRule blockRule(const icu::UnicodeString &pattern) {
     const auto at = [&pattern](std::int32_t index) {
         return index >= 0 && index < pattern.length() ? pattern.charAt(index) : u' ';
     };
-    BlockRule rule{.isKnown = true};
+    BlockRule rule{.isKnown = true, .tellsMinute = tellsMinuteBy(pattern)};
     for (std::int32_t index = 0; index < pattern.length(); ++index) {
         const char16_t letter = at(index);
         if (letter != u'm' && letter != u's') {
@@ -146,6 +195,16 @@ struct Block {
     std::optional<std::int64_t> start;
 };
 
+// Blocks of one length, by number.
+struct Blocks {
+    explicit Blocks(std::int64_t seconds) : length(seconds) {}
+
+    const std::int64_t length;
+    std::int64_t lastNumber = std::numeric_limits<std::int64_t>::min();
+    Block last;
+    BoundedMap<std::int64_t, Block> all;
+};
+
 }  // namespace
 
 struct DateFormat::Impl {
@@ -158,15 +217,15 @@ struct DateFormat::Impl {
     [[nodiscard]] std::optional<double> parse(std::string_view text) const;
     [[nodiscard]] std::optional<std::int64_t> convert(std::int64_t seconds) const;
     [[nodiscard]] std::optional<std::int64_t> roundTrip(std::int64_t seconds);
-    [[nodiscard]] Block makeBlock(std::int64_t number) const;
-    [[nodiscard]] bool hasQuarterHourOffset(std::int64_t first, std::int64_t last) const;
+    [[nodiscard]] const Block &blockOf(std::int64_t seconds, Blocks &blocks) const;
+    [[nodiscard]] Block makeBlock(std::int64_t number, std::int64_t length) const;
+    [[nodiscard]] std::int64_t offset(std::int64_t seconds) const;
 
     std::unique_ptr<icu::SimpleDateFormat> format;  // null when the pattern is refused
     BlockRule rule;
     std::unique_ptr<icu::Calendar> calendar;
-    std::int64_t lastNumber = std::numeric_limits<std::int64_t>::min();
-    Block lastBlock;
-    BoundedMap<std::int64_t, Block> blocks;
+    Blocks days{kDaySeconds};
+    Blocks quarters{kQuarterSeconds};
     BoundedMap<std::int64_t, std::optional<std::int64_t>> moments;
 };
 
@@ -205,24 +264,34 @@ std::optional<std::int64_t> DateFormat::Impl::convert(std::int64_t seconds) cons
 
 std::optional<std::int64_t> DateFormat::Impl::roundTrip(std::int64_t seconds) {
     if (rule.isKnown && seconds >= kFirstBlockMoment && seconds <= kLastBlockMoment) {
-        const std::int64_t number = seconds / kBlockSeconds;
-        if (number != lastNumber) {
-            lastBlock = blocks.get(number, [this, number] { return makeBlock(number); });
-            lastNumber = number;
-        }
-        if (lastBlock.isLinear) {
-            return lastBlock.start ? std::optional(*lastBlock.start +
-                                                   rule.kept(seconds - number * kBlockSeconds))
-                                   : std::nullopt;
+        for (Blocks *blocks : {&days, &quarters}) {
+            if (blocks == &days && !rule.tellsMinute) {
+                continue;
+            }
+            if (const Block &block = blockOf(seconds, *blocks); block.isLinear) {
+                return block.start
+                           ? std::optional(*block.start + rule.kept(seconds % blocks->length))
+                           : std::nullopt;
+            }
         }
     }
     return moments.get(seconds, [this, seconds] { return convert(seconds); });
 }
 
-Block DateFormat::Impl::makeBlock(std::int64_t number) const {
-    const std::int64_t first = number * kBlockSeconds;
-    const std::int64_t last = first + kBlockSeconds - 1;
-    if (!hasQuarterHourOffset(first, last)) {
+const Block &DateFormat::Impl::blockOf(std::int64_t seconds, Blocks &blocks) const {
+    const std::int64_t number = seconds / blocks.length;
+    if (number != blocks.lastNumber) {
+        blocks.last = blocks.all.get(
+            number, [this, number, &blocks] { return makeBlock(number, blocks.length); });
+        blocks.lastNumber = number;
+    }
+    return blocks.last;
+}
+
+Block DateFormat::Impl::makeBlock(std::int64_t number, std::int64_t length) const {
+    const std::int64_t first = number * length;
+    const std::int64_t last = first + length - 1;
+    if (offset(first) != offset(last) || offset(first) % kQuarterSeconds != 0) {
         return {};
     }
     // A change of the clocks can begin or end inside the block, on either side of the conversion;
@@ -230,20 +299,18 @@ Block DateFormat::Impl::makeBlock(std::int64_t number) const {
     const std::optional<std::int64_t> start = convert(first);
     const std::optional<std::int64_t> end = convert(last);
     const std::optional<std::int64_t> expected =
-        start ? std::optional(*start + rule.kept(kBlockSeconds - 1)) : std::nullopt;
+        start ? std::optional(*start + rule.kept(length - 1)) : std::nullopt;
     return {.isLinear = end == expected, .start = start};
 }
 
-bool DateFormat::Impl::hasQuarterHourOffset(std::int64_t first, std::int64_t last) const {
-    const auto offset = [this](std::int64_t seconds) {
-        std::int32_t raw = 0;
-        std::int32_t saving = 0;
-        UErrorCode status = U_ZERO_ERROR;
-        format->getTimeZone().getOffset(static_cast<double>(seconds) * kMillisPerSecond, 0, raw,
-                                        saving, status);
-        return raw + saving;
-    };
-    return offset(first) == offset(last) && offset(first) % (kBlockSeconds * kMillisPerSecond) == 0;
+// How far the local time is ahead of UTC.
+std::int64_t DateFormat::Impl::offset(std::int64_t seconds) const {
+    std::int32_t raw = 0;
+    std::int32_t saving = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    calendar->getTimeZone().getOffset(static_cast<double>(seconds) * kMillisPerSecond, 0, raw,
+                                      saving, status);
+    return (raw + saving) / kMillisPerSecond;
 }
 
 DateFormat::DateFormat(std::string_view setting)
@@ -261,6 +328,38 @@ std::optional<double> DateFormat::parse(std::string_view text) const {
 
 std::optional<std::int64_t> DateFormat::roundTrip(std::int64_t seconds) const {
     return m_impl->roundTrip(seconds);
+}
+
+bool DateFormat::rendersAlike(std::int64_t one, std::int64_t other) const {
+    const auto moment = roundTrip(one);
+    if (moment != roundTrip(other)) {
+        return false;  // the same text would read the same
+    }
+    return (moment && tellsMinute() && isPlain(one) && isPlain(other)) ||
+           render(static_cast<double>(one)) == render(static_cast<double>(other));
+}
+
+bool DateFormat::tellsMinute() const {
+    return m_impl->format && m_impl->rule.tellsMinute;
+}
+
+bool DateFormat::isPlain(std::int64_t seconds) {
+    // Until 1972 a clock was put forward by 44 and a half minutes, which left half a minute over.
+    constexpr std::int64_t kFirst = 3 * 365 * kDaySeconds + kDaySeconds;
+    constexpr std::int64_t kNinetyNineYears = 99 * 365 * kDaySeconds;
+    static const std::int64_t kLast =
+        static_cast<std::int64_t>(centuryStart()) / kMillisPerSecond + kNinetyNineYears;
+    return seconds >= kFirst && seconds <= kLast;
+}
+
+DateFormat::Span DateFormat::momentsInMinuteOf(std::int64_t seconds) const {
+    // No clock is put back by more than a day, nor twice in a day.
+    constexpr std::int64_t kMargin = kDaySeconds + 2 * kMinuteSeconds;
+    const auto [least, most] =
+        std::minmax({m_impl->offset(seconds - kMargin), m_impl->offset(seconds),
+                     m_impl->offset(seconds + kMargin)});
+    const std::int64_t around = most - least + kMinuteSeconds;
+    return {seconds - around, seconds + around};
 }
 
 }  // namespace quorbel

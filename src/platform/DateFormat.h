@@ -34,8 +34,28 @@ public:
     [[nodiscard]] std::optional<double> parse(std::string_view text) const;
 
     /// The same as parse(render(seconds)), at a small fraction of the cost: about one conversion
-    /// for each quarter of an hour that is asked for.
+    /// for each day that is asked for, or quarter of an hour where !tellsMinute() or the clocks
+    /// change.
     [[nodiscard]] std::optional<std::int64_t> roundTrip(std::int64_t seconds) const;
+
+    /// Whether render() gives the same text for both, at the cost of roundTrip().
+    [[nodiscard]] bool rendersAlike(std::int64_t one, std::int64_t other) const;
+
+    /// Whether each text shows year, month, day, hour and minute, so that it tells plain moments of
+    /// different minutes of the local clock apart. Reading a text back keeps the minute then.
+    [[nodiscard]] bool tellsMinute() const;
+
+    /// Whether the moment is from 1973 on and in a year that two digits name.
+    static bool isPlain(std::int64_t seconds);
+
+    struct Span {
+        std::int64_t first;
+        std::int64_t last;
+    };
+    /// Holds every moment at which the local clock shows the minute of `seconds`; a clock that is
+    /// put back shows some minutes twice. Preconditions: tellsMinute(),
+    /// isPlain(seconds).
+    [[nodiscard]] Span momentsInMinuteOf(std::int64_t seconds) const;
 
 private:
     struct Impl;

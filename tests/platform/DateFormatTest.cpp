@@ -274,6 +274,59 @@ TEST_P(RoundTripTest, IsTheSameAsRenderingAndParsing) {
     }
 }
 
+TEST_P(RoundTripTest, TextsAreAlikeAsRendered) {
+    const LocalZone zone(GetParam());
+    const std::unique_ptr<icu::TimeZone> local(icu::TimeZone::createDefault());
+    std::mt19937_64 random(20240301);
+    for (const std::string &pattern : patterns()) {
+        const DateFormat format(pattern);
+        const auto text = [&format](std::int64_t moment) {
+            return format.render(static_cast<double>(moment));
+        };
+        for (const std::int64_t moment : moments(*local, random)) {
+            if (random() % 16 != 0) {
+                continue;
+            }
+            for (const std::int64_t away : {0, 1, 59, 3600, -1800, 86400, 43200}) {
+                ASSERT_EQ(format.rendersAlike(moment, moment + away),
+                          text(moment) == text(moment + away))
+                    << pattern << " at " << moment << " and " << away << " later";
+            }
+        }
+    }
+}
+
+TEST_P(RoundTripTest, WhatTellsTheMinuteKeepsIt) {
+    const LocalZone zone(GetParam());
+    const std::unique_ptr<icu::TimeZone> local(icu::TimeZone::createDefault());
+    const DateFormat minutes("yyyy-MM-dd HH:mm");
+    std::mt19937_64 random(20240302);
+    int telling = 0;
+    for (const std::string &pattern : patterns()) {
+        const DateFormat format(pattern);
+        if (!format.tellsMinute()) {
+            continue;
+        }
+        ++telling;
+        for (const std::int64_t moment : moments(*local, random)) {
+            if (!DateFormat::isPlain(moment)) {
+                continue;
+            }
+            const std::int64_t read = format.roundTrip(moment).value_or(-1);
+            ASSERT_EQ(minutes.roundTrip(read), minutes.roundTrip(moment)) << pattern << moment;
+            const auto [first, last] = format.momentsInMinuteOf(moment);
+            ASSERT_TRUE(first <= read && read <= last) << pattern << " at " << moment;
+            // As far as the clock is put back here, a minute comes twice.
+            for (const std::int64_t away : {-3600, -1800, 1800, 3600}) {
+                ASSERT_TRUE(!format.rendersAlike(moment, moment + away) ||
+                            (first <= moment + away && moment + away <= last))
+                    << pattern << " at " << moment;
+            }
+        }
+    }
+    EXPECT_GE(telling, 25);
+}
+
 // Half-hour savings, offsets that are no whole hours, clocks changed a minute past the hour, and
 // an offset that was no whole number of minutes until 1972.
 INSTANTIATE_TEST_SUITE_P(Zones, RoundTripTest,
@@ -297,6 +350,35 @@ TEST(DateFormatTest, RoundTripsOfABlockCostOneConversion) {
     }
     EXPECT_EQ(sum, 0);
     EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 2.0);
+}
+
+TEST(DateFormatTest, TellsWhetherItTellsTheMinute) {
+    for (const char *setting :
+         {"", "yyyy-MM-dd HH:mm", "d/M/yy h:mm:ss AM/PM", "dd.MM.yyyy hh:mm AM/PM", "HH:mm d/M/u",
+          "a K:mm, y-LL-d", "kk:mm:ss yyyyy.M.d"}) {
+        EXPECT_TRUE(DateFormat(setting).tellsMinute()) << setting;
+    }
+    for (const char *setting :
+         {"HH:mm", "dd/MM HH:mm", "yyyy-MM-dd", "yyyy-MM-dd HH", "dd.MM.yyyy hh:mm",
+          "yyyy-dd HH:mm", "YYYY-MM-dd HH:mm", "yyyyMMdd HH:mm", "yyyy-MM-ddHH:mm",
+          "yyyy-MMM-dd HH:mm", "E yyyy-MM-dd HH:mm", "yyyy-MM-dd HH:mm z", "yyyy-MM-dd 'at' HH:mm",
+          "yyyy 'open", "yyyy-MM-dd HH:mm j"}) {
+        EXPECT_FALSE(DateFormat(setting).tellsMinute()) << setting;
+    }
+}
+
+TEST(DateFormatTest, RoundTripsOfADayCostOneConversion) {
+    const LocalZone zone("Europe/Berlin");
+    const DateFormat format("d/M/yy h:mm:ss AM/PM");
+    // One in each quarter of an hour of 30 years; as many conversions would take half a minute.
+    const std::clock_t start = std::clock();
+    std::int64_t moved = 0;
+    for (std::int64_t seconds = 1000000000; seconds < 1946080000; seconds += 900) {
+        moved += format.roundTrip(seconds) == seconds ? 0 : 1;
+    }
+    // Four quarters of each year come twice.
+    EXPECT_EQ(moved, 30 * 4);
+    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 5.0);
 }
 
 }  // namespace
