@@ -4,6 +4,7 @@
 #include "core/HashIndex.h"
 #include "core/StringTable.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -69,7 +70,15 @@ public:
     /// Takes out the records at ascending runs of positions, in one pass.
     void remove(const std::vector<Positions> &ranges);
 
-    // The look-up table of removal notices: rebuilt by the list whenever it is out of date.
+    /// Counts a moment among those of its events, whose first and last it keeps.
+    void addMoment(std::int64_t seconds) {
+        m_earliest = std::min(m_earliest, seconds);
+        m_latest = std::max(m_latest, seconds);
+    }
+    [[nodiscard]] std::int64_t earliest() const { return m_earliest; }
+    [[nodiscard]] std::int64_t latest() const { return m_latest; }
+
+    // The look-up table of removal notices: built and kept up by the list.
     void dropIndex();
     [[nodiscard]] bool hasIndex() const { return m_hasIndex; }
     void startIndex();
@@ -97,6 +106,8 @@ private:
     std::vector<EventRecord> m_records;
     std::vector<char> m_bytes;  // each message after its length, seven bits a byte
     std::size_t m_deadBytes = 0;
+    std::int64_t m_earliest = INT64_MAX;
+    std::int64_t m_latest = INT64_MIN;
     bool m_hasIndex = false;
     HashIndex m_index;  // slots by the hash of their fields
 };

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace quorbel {
 
@@ -18,15 +17,12 @@ std::size_t EventDates::showings() const {
     return m_runs.empty() ? 0 : m_runs.back().end;
 }
 
-bool EventDates::lastShowingReRendered() const {
-    return !m_runs.empty() && m_runs.back().showing.oldFormat != m_runs.back().showing.newFormat;
-}
-
 void EventDates::settle(EventRecord &record, std::uint8_t severityClass,
                         std::optional<std::string> &text) {
     auto run = std::ranges::upper_bound(m_runs, std::size_t{record.showings}, {}, &Run::end);
     for (; run != m_runs.end(); ++run) {
-        apply(run->showing, run->end - record.showings, record, text);
+        // Equal showings one after the other do no more than the first of them.
+        apply(run->showing, record, text);
         pickImage(run->showing, record, severityClass);
         record.showings = static_cast<std::uint16_t>(run->end);
     }
@@ -42,23 +38,53 @@ void EventDates::showAtOnce(EventRecord &record, std::uint8_t severityClass, con
     pickImage(showing, record, severityClass);
 }
 
+std::int64_t EventDates::wholeSeconds(double seconds) {
+    constexpr double kLimit = 9e17;
+    return static_cast<std::int64_t>(std::floor(std::clamp(seconds, -kLimit, kLimit)));
+}
+
 EventDates::FormatId EventDates::formatId(std::string_view setting) {
-    const auto known = std::ranges::find(m_formats, setting, &NamedFormat::setting);
-    const auto index = known - m_formats.begin();
+    const auto isIt = [setting](const NamedFormat &known) {
+        return !known.isFree() && known.setting == setting;
+    };
+    auto known = std::ranges::find_if(m_formats, isIt);
     if (known == m_formats.end()) {
-        m_formats.push_back({std::string(setting), std::make_unique<DateFormat>(setting)});
+        known = std::ranges::find_if(m_formats, &NamedFormat::isFree);
+        if (known == m_formats.end()) {
+            known = m_formats.emplace(known);
+        }
+        *known = {std::string(setting), std::make_unique<DateFormat>(setting)};
+        if (!m_minutes) {
+            m_minutes = std::make_unique<DateFormat>("y-MM-dd HH:mm");
+        }
+        m_tellsMinutes = m_tellsMinutes && known->format->tellsMinute();
     }
-    return static_cast<FormatId>(index + 1);
+    return static_cast<FormatId>(known - m_formats.begin() + 1);
+}
+
+std::optional<std::int64_t> EventDates::minuteOf(const EventRecord &record) const {
+    return record.format == EventRecord::kTextDate ? std::nullopt : minuteOf(record.seconds);
+}
+
+std::optional<std::int64_t> EventDates::minuteOf(std::int64_t seconds) const {
+    return m_tellsMinutes && DateFormat::isPlain(seconds) ? m_minutes->roundTrip(seconds)
+                                                          : std::nullopt;
 }
 
 bool EventDates::isFull() const {
     // One showing names at most two formats.
-    return m_formats.size() + 2 >= EventRecord::kTextDate || showings() >= UINT16_MAX;
+    const auto free = std::ranges::count_if(m_formats, &NamedFormat::isFree);
+    return m_formats.size() - static_cast<std::size_t>(free) + 2 >= EventRecord::kTextDate ||
+           showings() >= UINT16_MAX;
 }
 
-void EventDates::reset() {
-    m_formats.clear();
+void EventDates::startOver(const FormatsInUse &inUse) {
     m_runs.clear();
+    for (std::size_t index = 0; index < m_formats.size(); ++index) {
+        if (!inUse[index + 1]) {
+            m_formats[index] = {};
+        }
+    }
 }
 
 EventDates::Showing EventDates::showingFor(const AppState &state) {
@@ -71,54 +97,34 @@ EventDates::Showing EventDates::showingFor(const AppState &state) {
     return showing;
 }
 
-void EventDates::apply(const Showing &showing, std::size_t times, EventRecord &record,
+void EventDates::apply(const Showing &showing, EventRecord &record,
                        std::optional<std::string> &text) const {
-    const auto date = [&record] { return std::pair(record.format, record.seconds); };
-    auto last = date();
-    for (std::size_t done = 1; done <= times; ++done) {
-        const auto beforeLast = std::exchange(last, date());
-        applyOnce(showing, record, text);
-        if (date() == last) {
-            return;
-        }
-        if (done > 1 && date() == beforeLast) {
-            // Reading a day as a month and back again: from here on it alternates.
-            done += (times - done) / 2 * 2;
-        }
-    }
-}
-
-void EventDates::applyOnce(const Showing &showing, EventRecord &record,
-                           std::optional<std::string> &text) const {
-    if (record.format == EventRecord::kRawDate) {
-        record.format = showing.newFormat;
-        text.reset();
+    if (record.format == showing.newFormat) {
         return;
     }
-    if (showing.oldFormat == showing.newFormat) {
-        return;
-    }
-    std::optional<std::int64_t> moment;
-    if (record.format == showing.oldFormat) {
-        moment = format(showing.oldFormat).roundTrip(record.seconds);
-    } else {
-        const bool isText = record.format == EventRecord::kTextDate;
-        if (!isText || text) {
-            const auto parsed =
-                format(showing.oldFormat)
-                    .parse(isText
-                               ? *text
-                               : format(record.format).render(static_cast<double>(record.seconds)));
-            if (parsed) {
-                moment = static_cast<std::int64_t>(std::floor(*parsed));
-            }
-        }
-    }
-    // A date that the old format cannot read stays as it stands.
-    if (moment) {
+    // A date that cannot be read stays as it stands.
+    if (const auto moment = momentRead(showing, record, text)) {
         record.seconds = *moment;
         record.format = showing.newFormat;
         text.reset();
+    }
+}
+
+std::optional<std::int64_t> EventDates::momentRead(const Showing &showing,
+                                                   const EventRecord &record,
+                                                   const std::optional<std::string> &text) const {
+    switch (record.format) {
+        case EventRecord::kRawDate:
+            return record.seconds;
+        case EventRecord::kTextDate:
+            if (text && showing.oldFormat != showing.newFormat) {
+                if (const auto parsed = format(showing.oldFormat).parse(*text)) {
+                    return static_cast<std::int64_t>(std::floor(*parsed));
+                }
+            }
+            return std::nullopt;
+        default:
+            return format(record.format).roundTrip(record.seconds);
     }
 }
 

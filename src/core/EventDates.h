@@ -6,6 +6,7 @@
 #include "platform/DateFormat.h"
 
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -19,11 +20,12 @@ namespace quorbel {
 /// What showing the event list does to each event's date and image, put off until somebody looks at
 /// the event.
 ///
-/// Each showing renders the dates that are still raw and, when the date format was changed, reads
-/// every other date in the old format and renders it in the new one; then it picks the image. Done
-/// to a million rows at once that is a window frozen for half a minute. So a showing is only noted
-/// here, and an event is brought up to date (settled) when one of its texts is asked for, with the
-/// same result as if each showing had walked all rows.
+/// Each showing renders the dates that are still raw, and reads every date that is rendered in
+/// another format than the one in force in its own format and renders it anew; then it picks the
+/// image. A date that came as text has no format of its own: it is read in the old one, when the
+/// format was changed. Done to a million rows at once that is a window frozen for half a minute. So
+/// a showing is only noted here, and an event is brought up to date (settled) when one of its texts
+/// is asked for, with the same result as if each showing had walked all rows.
 class EventDates {
 public:
     using FormatId = std::uint8_t;
@@ -32,8 +34,6 @@ public:
     void noteShowing(const AppState &state);
     /// How many showings were noted.
     [[nodiscard]] std::size_t showings() const;
-    /// Whether the last showing re-rendered dates that were rendered before.
-    [[nodiscard]] bool lastShowingReRendered() const;
 
     /// Applies the showings that the record has not seen. `text` is the date's text where it is
     /// kept as one; it is taken away when the date becomes a rendered one.
@@ -44,14 +44,32 @@ public:
     void showAtOnce(EventRecord &record, std::uint8_t severityClass, const AppState &state,
                     bool hasDate);
 
+    /// The whole second of a number, within what a date can be rendered from.
+    static std::int64_t wholeSeconds(double seconds);
+
     /// The id of a date format as the settings hold it.
     FormatId formatId(std::string_view setting);
     [[nodiscard]] const DateFormat &format(FormatId id) const { return *m_formats[id - 1].format; }
 
+    /// The minute of the local clock in which a date's moment is, as a number that no showing
+    /// changes. Nothing when that cannot be said: of text, of odd moments, and once there was a
+    /// format that does not tell the minute. Precondition: formatId() was called.
+    [[nodiscard]] std::optional<std::int64_t> minuteOf(const EventRecord &record) const;
+    [[nodiscard]] std::optional<std::int64_t> minuteOf(std::int64_t seconds) const;
+    /// Whether all formats so far tell the minute.
+    [[nodiscard]] bool tellsMinutes() const { return m_tellsMinutes; }
+    /// The moments that minuteOf() may give this one's minute. Precondition: it gives one.
+    [[nodiscard]] DateFormat::Span momentsInMinuteOf(std::int64_t seconds) const {
+        return m_minutes->momentsInMinuteOf(seconds);
+    }
+
     /// Whether noteShowing() or formatId() may run out of numbers. Then every record has to be
-    /// settled, rendered dates turned to text, and reset() called.
+    /// settled, its `showings` set to 0, and startOver() called.
     [[nodiscard]] bool isFull() const;
-    void reset();
+    /// Which values of EventRecord::format occur.
+    using FormatsInUse = std::bitset<EventRecord::kTextDate + 1>;
+    /// Forgets all showings and the formats that are not in use.
+    void startOver(const FormatsInUse &inUse);
 
 private:
     struct Showing {
@@ -66,17 +84,20 @@ private:
     };
     struct NamedFormat {
         std::string setting;
-        std::unique_ptr<DateFormat> format;
+        std::unique_ptr<DateFormat> format;  // null when the place is free
+        [[nodiscard]] bool isFree() const { return !format; }
     };
 
     Showing showingFor(const AppState &state);
-    void apply(const Showing &showing, std::size_t times, EventRecord &record,
-               std::optional<std::string> &text) const;
-    void applyOnce(const Showing &showing, EventRecord &record,
-                   std::optional<std::string> &text) const;
+    void apply(const Showing &showing, EventRecord &record, std::optional<std::string> &text) const;
+    [[nodiscard]] std::optional<std::int64_t> momentRead(
+        const Showing &showing, const EventRecord &record,
+        const std::optional<std::string> &text) const;
     static void pickImage(const Showing &showing, EventRecord &record, std::uint8_t severityClass);
 
     std::vector<NamedFormat> m_formats;
+    bool m_tellsMinutes = true;
+    std::unique_ptr<DateFormat> m_minutes;  // made with the first format
     std::vector<Run> m_runs;
 };
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <limits>
 
 namespace quorbel {
 
@@ -24,12 +23,6 @@ std::optional<std::int64_t> plainSeconds(std::string_view text) {
     const char *const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, seconds);
     return error == std::errc() && rest == end ? std::optional(seconds) : std::nullopt;
-}
-
-/// The whole second of a number, within what a date can be rendered from.
-std::int64_t wholeSeconds(double seconds) {
-    constexpr double kLimit = 9e17;
-    return static_cast<std::int64_t>(std::floor(std::clamp(seconds, -kLimit, kLimit)));
 }
 
 }  // namespace
@@ -77,6 +70,9 @@ EventList::Place EventList::add(const EventFields &fields) {
             others.emplace_back(key, value);
         }
     }
+    if (chunk.hasIndex()) {
+        chunk.addToIndex(indexKey(place), place.position);
+    }
     ++m_nextId;
     ++m_size;
     if (m_countsCurrent) {
@@ -93,12 +89,15 @@ void EventList::setDate(const Place &place, const std::optional<std::string_view
     }
     if (const auto seconds = plainSeconds(*text)) {
         record.seconds = *seconds;
+        place.chunk->addMoment(*seconds);
         return;
     }
     record.format = isAllDecimalDigits(*text) ? EventRecord::kRawDate : EventRecord::kTextDate;
-    record.seconds = wholeSeconds(floatingPointValue(*text));
+    record.seconds = EventDates::wholeSeconds(floatingPointValue(*text));
     record.hasExtras = 1;
     m_extras[m_nextId].date = *text;
+    // What a text reads as is not known yet.
+    place.chunk->addMoment(record.format == EventRecord::kTextDate ? INT64_MIN : record.seconds);
 }
 
 EventId EventList::insertRaw(const EventFields &fields) {
@@ -124,9 +123,6 @@ EventId EventList::insertShown(const EventFields &fields, const AppState &state)
     if (record.hasExtras != 0) {
         m_extras[m_nextId - 1].date.reset();
     }
-    if (place.chunk->hasIndex()) {
-        place.chunk->addToIndex(indexKey(place, m_indexFormat), place.position);
-    }
     if (m_observer != nullptr) {
         m_observer->rowWasInserted();
     }
@@ -136,13 +132,6 @@ EventId EventList::insertShown(const EventFields &fields, const AppState &state)
 void EventList::show(const AppState &state) {
     makeRoomForShowing();
     m_dates.noteShowing(state);
-    for (auto chunk = m_chunks.rbegin(); chunk != m_chunks.rend(); ++chunk) {
-        if (!m_dates.lastShowingReRendered() && chunk->first() + EventChunk::kSlots <= m_firstRaw) {
-            break;
-        }
-        chunk->dropIndex();
-    }
-    m_firstRaw = m_nextId;
 }
 
 void EventList::settle(const Place &place) {
@@ -241,8 +230,8 @@ std::optional<std::int64_t> EventList::momentShown(std::size_t row, std::string_
     const Place place = placeOfRow(row);
     settle(place);
     const EventRecord &record = place.record();
-    if (record.format == format) {
-        return m_dates.format(format).roundTrip(record.seconds);
+    if (record.format != EventRecord::kRawDate && record.format != EventRecord::kTextDate) {
+        return m_dates.format(record.format).roundTrip(record.seconds);
     }
     const auto text = dateText(place);
     const auto moment = text ? m_dates.format(format).parse(*text) : std::nullopt;
@@ -271,26 +260,43 @@ EventDates::FormatId EventList::formatId(std::string_view setting) {
     return m_dates.formatId(setting);
 }
 
+template <typename Visit>
+void EventList::forEachPlace(Visit visit) {
+    for (EventChunk &chunk : m_chunks) {
+        for (std::size_t position = 0; position < chunk.size(); ++position) {
+            visit(Place{&chunk, position});
+        }
+    }
+}
+
 void EventList::makeRoomForShowing() {
     if (!m_dates.isFull()) {
         return;
     }
-    for (EventChunk &chunk : m_chunks) {
-        chunk.dropIndex();
-        for (std::size_t position = 0; position < chunk.size(); ++position) {
-            const Place place{&chunk, position};
-            auto text = dateText(place);
-            EventRecord &record = place.record();
-            if (record.format != EventRecord::kRawDate) {
-                record.format = EventRecord::kTextDate;
-                record.hasExtras = 1;
-                m_extras[place.id()].date = std::move(text);
-            }
-            record.showings = 0;
-        }
+    EventDates::FormatsInUse inUse;
+    forEachPlace([&](const Place &place) {
+        settle(place);
+        place.record().showings = 0;
+        inUse.set(place.record().format);
+    });
+    m_dates.startOver(inUse);
+    if (m_dates.isFull()) {
+        // Hundreds of formats that cannot read their own texts.
+        forEachPlace([this](const Place &place) { turnDateToText(place); });
+        m_dates.startOver({});
     }
-    m_dates.reset();
-    m_indexFormat = 0;
+}
+
+void EventList::turnDateToText(const Place &place) {
+    EventRecord &record = place.record();
+    if (record.format == EventRecord::kRawDate || record.format == EventRecord::kTextDate) {
+        return;
+    }
+    m_extras[place.id()].date = dateText(place);
+    record.hasExtras = 1;
+    record.format = EventRecord::kTextDate;
+    place.chunk->addMoment(INT64_MIN);
+    place.chunk->dropIndex();
 }
 
 }  // namespace quorbel

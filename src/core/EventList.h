@@ -51,8 +51,8 @@ std::vector<RowRange> joinRows(std::vector<std::size_t> rows);
 ///
 /// Hosts and priorities are held once each, messages packed by the thousand, dates as numbers that
 /// are rendered when somebody looks (see EventDates). Adding at the top is O(1); removing any
-/// number of rows is one pass; a removal notice finds its event by a hash look-up in each chunk of
-/// 4,096 events. Main thread only.
+/// number of rows is one pass; a removal notice finds its event by a hash look-up in those chunks
+/// of 4,096 events that hold some of its time. Main thread only.
 class EventList {
 public:
     EventList() = default;
@@ -79,16 +79,17 @@ public:
     [[nodiscard]] std::string_view image(std::size_t row);
     /// How the row's priority is classified.
     [[nodiscard]] const PriorityClasses &classes(std::size_t row);
-    /// The moment that the row's date reads as in a format of the settings; nothing when it does
-    /// not read.
+    /// The moment that the row's date reads as in the format in which it was rendered, or in the
+    /// given format of the settings when it came as text; nothing when it does not read.
     [[nodiscard]] std::optional<std::int64_t> momentShown(std::size_t row,
                                                           std::string_view dateFormat);
 
     [[nodiscard]] EventId idAt(std::size_t row);
     /// Nothing when the event has left the list.
     [[nodiscard]] std::optional<std::size_t> rowOf(EventId id);
-    /// The first row, not marked for removal, whose date, rendered, is the given moment rendered in
-    /// `dateFormat`, and whose other fields equal the given ones. An absent field equals nothing.
+    /// The first row, not marked for removal, whose rendered date is the given moment rendered in
+    /// the same format, or in `dateFormat` when the row's date came as text, and whose other fields
+    /// equal the given ones. An absent field equals nothing.
     [[nodiscard]] std::optional<std::size_t> find(const EventFields &announced,
                                                   std::string_view dateFormat);
 
@@ -134,11 +135,21 @@ private:
     [[nodiscard]] std::optional<std::string> dateText(const Place &place);
     [[nodiscard]] std::uint8_t shownClass(const EventRecord &record) const;
 
-    void buildIndex(EventChunk &chunk, EventDates::FormatId format);
-    [[nodiscard]] std::size_t indexKey(const Place &place, EventDates::FormatId format) const;
+    struct Search;
+    [[nodiscard]] Search searchFor(const EventFields &announced, StringTable::Id priority,
+                                   StringTable::Id host, std::string_view dateFormat);
+    [[nodiscard]] static bool mayHold(const EventChunk &chunk, const Search &search);
+    [[nodiscard]] std::optional<std::size_t> newestMatch(EventChunk &chunk, Search &search);
+    [[nodiscard]] bool matches(const Place &place, const Search &search);
+    void buildIndex(EventChunk &chunk) const;
+    [[nodiscard]] std::size_t indexKey(const Place &place) const;
+
     EventDates::FormatId formatId(std::string_view setting);
     /// Starts the date bookkeeping over when it is about to run out of numbers.
     void makeRoomForShowing();
+    void turnDateToText(const Place &place);
+    template <typename Visit>
+    void forEachPlace(Visit visit);
 
     [[nodiscard]] Fields fieldsOf(const Place &place);
     void removeTogether(const std::vector<RowRange> &ranges);
@@ -162,9 +173,8 @@ private:
     std::vector<PriorityClasses> m_classes;  // by priority id
     PriorityClasses m_absentClasses = classifyPriority({});
     EventDates m_dates;
-    EventDates::FormatId m_indexFormat = 0;  // in which the chunks' look-up tables were built
-    EventId m_firstRaw = 1;                  // no raw date before this event
-    std::vector<EventId> m_leaving;          // marked for removal
+    bool m_indexHasMinutes = true;   // whether the keys of the chunks' look-up tables do
+    std::vector<EventId> m_leaving;  // marked for removal
     std::unordered_map<EventId, Extras> m_extras;
     std::unordered_map<EventId, Held> m_held;
 };

@@ -1,98 +1,11 @@
-// Finding and removing the list's rows, and what stays of an event that left it.
+// Removing the list's rows, and what stays of an event that left it.
 
 #include "core/EventList.h"
-#include "platform/Text.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace quorbel {
-
-namespace {
-
-std::size_t mix(std::size_t hash, std::size_t value) {
-    hash = (hash ^ value) * 0x9E3779B97F4A7C15U;
-    return hash ^ (hash >> 32U);
-}
-
-/// The look-up key of an event's fields. Two events that read alike have the same one.
-std::size_t fieldsKey(StringTable::Id priority, StringTable::Id host, std::string_view message) {
-    return mix(mix(hashBytes(message), priority), host);
-}
-
-/// The key of an event whose date is rendered in the format of the look-up table, by the moment
-/// that the date reads as.
-std::size_t keyByMoment(std::size_t fields, std::optional<std::int64_t> moment) {
-    return mix(mix(fields, 1), static_cast<std::size_t>(moment.value_or(-1)));
-}
-
-}  // namespace
-
-std::size_t EventList::indexKey(const Place &place, EventDates::FormatId format) const {
-    const EventRecord &record = place.record();
-    const std::size_t fields = fieldsKey(record.priority, record.host,
-                                         place.chunk->message(record).value_or(std::string_view()));
-    return record.format == format
-               ? keyByMoment(fields, m_dates.format(format).roundTrip(record.seconds))
-               : fields;
-}
-
-void EventList::buildIndex(EventChunk &chunk, EventDates::FormatId format) {
-    chunk.startIndex();
-    for (std::size_t position = 0; position < chunk.size(); ++position) {
-        const Place place{&chunk, position};
-        settle(place);
-        // A raw date never equals a rendered one.
-        if (place.record().format != EventRecord::kRawDate) {
-            chunk.addToIndex(indexKey(place, format), position);
-        }
-    }
-}
-
-std::optional<std::size_t> EventList::find(const EventFields &announced,
-                                           std::string_view dateFormat) {
-    const EventDates::FormatId format = formatId(dateFormat);
-    if (std::exchange(m_indexFormat, format) != format) {
-        std::ranges::for_each(m_chunks, &EventChunk::dropIndex);
-    }
-    const auto priority =
-        announced.priority ? m_priorities.find(*announced.priority) : std::nullopt;
-    const auto host = announced.host ? m_hosts.find(*announced.host) : std::nullopt;
-    if (!priority || !host || !announced.message) {
-        return std::nullopt;
-    }
-    const std::string dateShown =
-        m_dates.format(format).render(floatingPointValue(announced.date.value_or("")));
-    auto moment = m_dates.format(format).parse(dateShown);
-    const std::size_t fields = fieldsKey(*priority, *host, *announced.message);
-    const std::size_t byMoment =
-        keyByMoment(fields, moment ? std::optional(static_cast<std::int64_t>(std::floor(*moment)))
-                                   : std::nullopt);
-
-    for (auto each = m_chunks.rbegin(); each != m_chunks.rend(); ++each) {
-        EventChunk &chunk = *each;
-        if (!chunk.hasIndex()) {
-            buildIndex(chunk, format);
-        }
-        std::optional<std::size_t> newest;
-        const auto visit = [&](std::size_t position) {
-            const Place place{&chunk, position};
-            const EventRecord &record = place.record();
-            if ((!newest || position > *newest) && record.isLeaving == 0 &&
-                record.priority == *priority && record.host == *host &&
-                chunk.message(record) == announced.message && dateText(place) == dateShown) {
-                newest = position;
-            }
-        };
-        chunk.lookUp(byMoment, visit);
-        chunk.lookUp(fields, visit);
-        if (newest) {
-            return rowOf(chunk.idAt(*newest));
-        }
-    }
-    return std::nullopt;
-}
 
 void EventList::removeRows(const std::vector<RowRange> &ranges) {
     if (ranges.empty()) {

@@ -10,8 +10,8 @@
 namespace quorbel {
 
 /// Names the events of some rows as the "update" command does: each key is an event's line
-/// "seconds,priority,host,message\n" with the moment that its date reads as in the format now in
-/// force ("0" when it does not read), each value how many of the rows have that line.
+/// "seconds,priority,host,message\n" with the moment that its date reads as ("0" when it does not
+/// read; see EventList::momentShown()), each value how many of the rows have that line.
 ///
 /// Lowers the severity counter of each of them by one.
 Dictionary takeForDeletion(EventList &list, const std::vector<RowRange> &rows, AppState &state);
