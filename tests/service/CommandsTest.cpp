@@ -223,6 +223,27 @@ TEST_F(CommandsTest, UpdateTakesTimesInTheFormatBeforeAsWell) {
     EXPECT_EQ(content("2023-11-14.log"), "(no file)");
 }
 
+// A date shown without its seconds has lost them for every format in which it is shown later.
+TEST_F(CommandsTest, UpdateTakesTimesInTheFormatsBeforeThatAsWell) {
+    const auto removesByMinute = [this] {
+        folder.write("2023-11-14.log", "1700000000,User.Notice,h,a\r\n");
+        EXPECT_EQ(update({{"1699999980,User.Notice,h,a\n", "1"}}), "OK");
+        return content("2023-11-14.log") == "(no file)";
+    };
+    ASSERT_EQ(save({{"dateFormat", "yyyy-MM-dd HH:mm"}}), "OK");
+    for (int number = 0; number < 7; ++number) {
+        ASSERT_EQ(save({{"dateFormat", "HH:mm:ss d.M.yyyy" +
+                                           std::string(static_cast<std::size_t>(number), ' ')}}),
+                  "OK");
+        EXPECT_TRUE(removesByMinute()) << number;
+    }
+    // An eighth one after it takes its place; the same ones again do not.
+    ASSERT_EQ(save({{"dateFormat", "HH:mm:ss d.M.yyyy"}}), "OK");
+    EXPECT_TRUE(removesByMinute());
+    ASSERT_EQ(save({{"dateFormat", "yyyy/MM/dd HH:mm:ss"}}), "OK");
+    EXPECT_FALSE(removesByMinute());
+}
+
 TEST_F(CommandsTest, UpdatePrefersTheLineThatMatchesToTheLetter) {
     ASSERT_EQ(save({{"dateFormat", "yyyy-MM-dd HH:mm"}}), "OK");
     folder.write("2023-11-14.log", "1700000000,User.Notice,h,a\r\n");

@@ -5,6 +5,7 @@
 #include "platform/KeyedArchive.h"
 #include "service/Journal.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -17,6 +18,7 @@ namespace quorbel {
 namespace {
 
 constexpr unsigned kMode = 0640;
+constexpr std::size_t kDateFormatsKept = 8;
 
 std::string because(std::string_view what) {
     return std::string(what) + ": " + std::generic_category().message(errno);
@@ -72,23 +74,18 @@ std::shared_ptr<const Dictionary> SettingsFile::current() const {
 
 std::vector<std::string> SettingsFile::dateFormats() const {
     const std::lock_guard lock(m_mutex);
-    std::vector<std::string> formats{dateFormatOf(*m_current)};
-    if (m_previousDateFormat) {
-        formats.push_back(*m_previousDateFormat);
-    }
-    return formats;
+    return m_dateFormats.empty() ? std::vector{dateFormatOf(*m_current)} : m_dateFormats;
 }
 
 void SettingsFile::putInForce(Dictionary settings) {
     auto current = std::make_shared<const Dictionary>(std::move(settings));
     {
         const std::lock_guard lock(m_mutex);
-        const std::string before = dateFormatOf(*m_current);
-        if (m_wasLoaded && dateFormatOf(*current) != before) {
-            m_previousDateFormat = before;
-        }
         m_current = std::move(current);
-        m_wasLoaded = true;
+        const std::string format = dateFormatOf(*m_current);
+        std::erase(m_dateFormats, format);
+        m_dateFormats.insert(m_dateFormats.begin(), format);
+        m_dateFormats.resize(std::min(m_dateFormats.size(), kDateFormatsKept));
     }
     if (m_onChange) {
         m_onChange();

@@ -28,8 +28,8 @@ public:
 
     /// The settings in force; never null.
     [[nodiscard]] std::shared_ptr<const Dictionary> current() const;
-    /// The date format in force, and the one before it if it was changed since the start: the
-    /// front-end may still show dates in that one.
+    /// The date format in force and those before it, up to eight, each once and the latest first:
+    /// what the front-end shows may have gone through any of those since it started.
     [[nodiscard]] std::vector<std::string> dateFormats() const;
 
 private:
@@ -43,8 +43,7 @@ private:
     mutable std::mutex m_mutex;
     // Under m_mutex.
     std::shared_ptr<const Dictionary> m_current;
-    bool m_wasLoaded = false;
-    std::optional<std::string> m_previousDateFormat;
+    std::vector<std::string> m_dateFormats;  ///< as dateFormats(); empty before the first settings
 };
 
 }  // namespace quorbel

@@ -103,11 +103,13 @@ void EventRemoval::matchPiece(std::uint64_t offset, std::string_view piece, bool
         m_files.back().ranges.push_back(range);
         return;
     }
+    std::string_view tried;
     for (ShownIn &shown : m_formats) {
         const std::string_view displayed = displayedTime(shown, line->date);
-        if (displayed == line->date) {
+        if (displayed == line->date || displayed == tried) {
             continue;
         }
+        tried = displayed;
         makeKey(m_key, displayed, *line);
         const auto inexact = m_wanted.find(m_key);
         if (inexact != m_wanted.end() && inexact->second.inexact.size() < inexact->second.count) {
