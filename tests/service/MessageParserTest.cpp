@@ -43,7 +43,7 @@ constexpr Case kCases[] = {
     // The examples of RFC 5424, 6.5.
     {"<34>1 2003-10-11T22:14:15.003Z mymachine.example.com su - ID47 - \xEF\xBB\xBF'su root' "
      "failed for lonvick on /dev/pts/8",
-     "Auth.Critical", "su: 'su root' failed for lonvick on /dev/pts/8"},
+     "Auth.Critical", "ID47 su: 'su root' failed for lonvick on /dev/pts/8"},
     {"<165>1 2003-08-24T05:14:15.000003-07:00 192.0.2.1 myproc 8710 - - %% It's time.",
      "Local4.Notice", "myproc[8710]: %% It's time."},
     {"<165>1 2003-10-11T22:14:15.003Z mymachine.example.com evntslog - ID47 "
@@ -51,10 +51,16 @@ constexpr Case kCases[] = {
      "\xEF\xBB\xBF"
      "An application event",
      "Local4.Notice",
-     R"([exampleSDID@32473 iut="3" eventSource="Application" eventID="1011"] evntslog: An )"
+     R"(ID47 [exampleSDID@32473 iut="3" eventSource="Application" eventID="1011"] evntslog: An )"
      "application event"},
     {R"(<165>1 2003-10-11T22:14:15.003Z host evntslog - ID47 [a@1 b="3"][c@1 d="high"])",
-     "Local4.Notice", R"([a@1 b="3"][c@1 d="high"] evntslog:)"},
+     "Local4.Notice", R"(ID47 [a@1 b="3"][c@1 d="high"] evntslog:)"},
+    // MSGID alone says what has happened.
+    {R"(<14>1 2026-11-21T08:00:00Z fw RT_FLOW - RT_FLOW_SESSION_DENY [j@2636 source-port="53"])",
+     "User.Informational", R"(RT_FLOW_SESSION_DENY [j@2636 source-port="53"] RT_FLOW:)"},
+    {"<14>1 - h - - ID - text", "User.Informational", "ID text"},
+    {"<14>1 - h - - ID -", "User.Informational", "ID"},
+    {R"(<14>1 - h - 7 ID [timeQuality tzKnown="1"] text)", "User.Informational", "ID [7]: text"},
     // RFC 5424, other forms.
     {"<14>1 - host app - - -", "User.Informational", "app:"},
     {"<14>1 - host - 12 - - text", "User.Informational", "[12]: text"},
@@ -70,10 +76,10 @@ constexpr Case kCases[] = {
     {"<14>1 2003-10-11T22:14:15.003Z ", "User.Informational", "", false},
     {"<14>1 - host app 12 ID", "User.Informational", "host app 12 ID", false},
     {"<14>1 - host app 12 ID message without data", "User.Informational",
-     "app[12]: message without data", false},
+     "ID app[12]: message without data", false},
     {R"(<14>1 - host app 12 ID [open b="x" message)", "User.Informational",
-     R"(app[12]: [open b="x" message)", false},
-    {"<14>1 - host app 12 ID -nospace", "User.Informational", "app[12]: -nospace", false},
+     R"(ID app[12]: [open b="x" message)", false},
+    {"<14>1 - host app 12 ID -nospace", "User.Informational", "ID app[12]: -nospace", false},
     {"<14>1 - host  app 12 ID -", "User.Informational", "host  app 12 ID -", false},
     // Not RFC 5424 although a version seems to be there.
     {"<14>1 apples", "User.Informational", "1 apples"},
@@ -115,6 +121,18 @@ constexpr Case kCases[] = {
     {"<14>Oct 11 22:14:15 host  indented", "User.Informational", " indented"},
     {"<14>Oct 11 22:14:15   host tag: x", "User.Informational", "tag: x"},
     {"<46>Oct 11 22:14:15 -- MARK --", "Syslog.Informational", "-- MARK --"},
+    {"<14>Oct 11 22:14:15 Message forwarded from gate: su: x", "User.Informational",
+     "Message forwarded from gate: su: x"},
+    {"<14>Oct 11 22:14:15 Forwarded from gate: su: x", "User.Informational",
+     "Forwarded from gate: su: x"},
+    {"<14>Oct 11 22:14:15 last message repeated 3 times", "User.Informational",
+     "last message repeated 3 times"},
+    {"<14>Oct 11 22:14:15 message repeated 2 times: [ x]", "User.Informational",
+     "message repeated 2 times: [ x]"},
+    {"<14>Oct 11 22:14:15 host Message forwarded from gate: x", "User.Informational",
+     "Message forwarded from gate: x"},
+    {"<14>Oct 11 22:14:15 Message of a host by that name", "User.Informational",
+     "of a host by that name"},
     {"<14>Oct 11 22:14:15 h\xC3\xB6st tag: x", "User.Informational", "h\xC3\xB6st tag: x"},
     {"<14>tag: no time stamp", "User.Informational", "tag: no time stamp"},
     {"<14> text after a blank", "User.Informational", " text after a blank"},
@@ -140,6 +158,17 @@ constexpr Case kCases[] = {
     {"<14>NUL\0"sv, "User.Informational", "NUL"},
     {"<14>in\nthe\0middle"sv, "User.Informational", "in\nthe\0middle"sv},
     {"\xEF\xBB\xBF<14>mark in front", "User.Informational", "mark in front"},
+    {"<14>\xEF\xBB\xBFtext", "User.Informational", "text"},
+    {"<14>\xEF\xBB\xBFOct 11 22:14:15 host tag: x", "User.Informational", "tag: x"},
+    {"<14>Oct 11 22:14:15 host \xEF\xBB\xBFtag: x", "User.Informational", "tag: x"},
+    {"<14>\xEF\xBB\xBF"
+     "1 - host app - - - x",
+     "User.Informational", "app: x"},
+    {"<14>a\xEF\xBB\xBF"
+     "b",
+     "User.Informational",
+     "a\xEF\xBB\xBF"
+     "b"},
     {"<14>\xFF\xFE", "User.Informational", "\xFF\xFE"},
 };
 

@@ -36,7 +36,7 @@ inline constexpr RealMessage kRealMessages[] = {
     {"<30>Nov 21 08:00:00 re0 mib2d[1234]: SNMP_TRAP_LINK_DOWN: ifIndex 510, ifName ge-0/0/1",
      "Daemon.Informational", "mib2d[1234]: SNMP_TRAP_LINK_DOWN: ifIndex 510, ifName ge-0/0/1"},
     {R"(<14>1 2026-11-21T08:00:00.123Z re0 mgd 2468 UI_CFG [j@2636.1.1 user="a" delta=""] set: x)",
-     "User.Informational", R"([j@2636.1.1 user="a" delta=""] mgd[2468]: set: x)"},
+     "User.Informational", R"(UI_CFG [j@2636.1.1 user="a" delta=""] mgd[2468]: set: x)"},
     {"<190>Nov 21 08:00:00 192.0.2.20 00077 ports: port 24 is now off-line", "Local7.Informational",
      "00077 ports: port 24 is now off-line"},
     {"<141>Nov 21 08:00:00 2026 ctl1 authmgr[3456]: <522008> <NOTI> User Authentication",
@@ -123,7 +123,7 @@ inline constexpr RealMessage kRealMessages[] = {
     {"<13>Feb  5 17:32:18 10.0.0.99 Use the BFG!", "User.Notice", "Use the BFG!"},
     {"<34>1 2003-10-11T22:14:15.003Z mymachine.example.com su - ID47 - \xEF\xBB\xBF'su root' "
      "failed",
-     "Auth.Critical", "su: 'su root' failed"},
+     "Auth.Critical", "ID47 su: 'su root' failed"},
     {"<165>1 2003-08-24T05:14:15.000003-07:00 192.0.2.1 myproc 8710 - - %% do-nuts. %%",
      "Local4.Notice", "myproc[8710]: %% do-nuts. %%"},
     // Parts that are missing.

@@ -78,6 +78,14 @@ bool looksLikeHostName(std::string_view word) {
            !word.ends_with(':') && std::ranges::all_of(word, isPart);
 }
 
+/// Words that daemons write where a host name would stand.
+bool hasNoHostName(std::string_view rest) {
+    constexpr std::string_view kBeginnings[] = {"Message forwarded from ", "Forwarded from ",
+                                                "last message repeated ", "message repeated "};
+    return std::ranges::any_of(kBeginnings,
+                               [rest](std::string_view words) { return rest.starts_with(words); });
+}
+
 std::string_view legacyText(std::string_view rest) {
     const std::size_t timestamp = timestampWord(rest);
     if (timestamp == 0) {
@@ -88,9 +96,10 @@ std::string_view legacyText(std::string_view rest) {
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     const std::size_t space = rest.find(' ');
     if (space != std::string_view::npos && space + 1 < rest.size() &&
-        looksLikeHostName(rest.substr(0, space))) {
+        looksLikeHostName(rest.substr(0, space)) && !hasNoHostName(rest)) {
         rest.remove_prefix(space + 1);
     }
+    removePrefix(rest, kByteOrderMark);
     return rest;
 }
 
@@ -147,6 +156,17 @@ std::optional<std::string_view> takeWord(std::string_view &text) {
     return word == kNil ? std::string_view() : word;
 }
 
+/// "application[process]:", either of which may be empty.
+std::string tagOf(std::string_view application, std::string_view process) {
+    std::string tag(application);
+    if (!process.empty()) {
+        tag += '[';
+        tag += process;
+        tag += ']';
+    }
+    return tag += ':';
+}
+
 /// Takes "1 TIMESTAMP ", by which a message is known to follow RFC 5424.
 bool takeVersionAndTimestamp(std::string_view &text) {
     std::string_view rest = text;
@@ -174,6 +194,7 @@ std::optional<ParsedMessage> MessageParser::parse(std::string_view message) {
     if (!priority) {
         return ParsedMessage{kAssumedPriority, message, false};
     }
+    removePrefix(message, kByteOrderMark);
     if (takeVersionAndTimestamp(message)) {
         return parse5424(*priority, message);
     }
@@ -191,25 +212,19 @@ ParsedMessage MessageParser::parse5424(Priority priority, std::string_view rest)
     }
     const auto data = takeStructuredData(rest);
     removePrefix(rest, kByteOrderMark);
-    const bool bare = (!data || data->empty()) && application->empty() && process->empty();
-    if (bare) {
+    m_text = *messageId;
+    const auto add = [this](std::string_view part) {
+        m_text += m_text.empty() || part.empty() ? "" : " ";
+        m_text += part;
+    };
+    add(data.value_or(""));
+    if (!application->empty() || !process->empty()) {
+        add(tagOf(*application, *process));
+    }
+    if (m_text.empty()) {
         return {priority, rest, data.has_value()};
     }
-    m_text = data.value_or("");
-    if (!application->empty() || !process->empty()) {
-        m_text += m_text.empty() ? "" : " ";
-        m_text += *application;
-        if (!process->empty()) {
-            m_text += '[';
-            m_text += *process;
-            m_text += ']';
-        }
-        m_text += ':';
-    }
-    if (!rest.empty()) {
-        m_text += ' ';
-        m_text += rest;
-    }
+    add(rest);
     return {priority, m_text, data.has_value()};
 }
 

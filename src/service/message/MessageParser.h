@@ -23,9 +23,10 @@ struct ParsedMessage {
 /// of its receipt and the address that it came from. The text is in one form for both protocols,
 /// "tag: text" or "tag[pid]: text".
 ///
-/// RFC 5424: STRUCTURED-DATA APP-NAME[PROCID]: MSG. Nil values and the byte order mark in front of
-/// MSG are left out, and so is MSGID; structured data stands as it was sent, but for timeQuality,
-/// which is about the sender's clock. A header that breaks off after its time stamp is malformed,
+/// RFC 5424: MSGID STRUCTURED-DATA APP-NAME[PROCID]: MSG. Nil values and the byte order mark in
+/// front of MSG are left out; structured data stands as it was sent, but for timeQuality, which is
+/// about the sender's clock. MSGID comes first, because it says what has happened where MSG is
+/// empty and the structured data long. A header that breaks off after its time stamp is malformed,
 /// and its rest is taken as MSG.
 ///
 /// RFC 3164: what follows the time stamp and the host name. What is not recognised for certain
@@ -34,10 +35,12 @@ struct ParsedMessage {
 /// - the time stamp may have a year, a fraction of a second, a mark ("*", ".") in front or a colon
 ///   behind, and may be one of RFC 3339;
 /// - the word after the time stamp is the host name only if it looks like one and more follows:
-///   with a colon at its end or brackets in it, it is the tag.
+///   with a colon at its end or brackets in it, it is the tag, and daemons write "Message forwarded
+///   from X:" and "last message repeated" in its place.
 ///
 /// No priority, one with a leading zero or above 191: user.notice, and everything is the text (RFC
-/// 3164, 4.3.3). Line ends and NULs at the end, and a byte order mark in front, do not count.
+/// 3164, 4.3.3). Line ends and NULs at the end, and a byte order mark in front of the priority,
+/// behind it or in front of the text, do not count.
 class MessageParser {
 public:
     /// Nothing when the message is empty. The text is a view of `message` or of the parser, until
