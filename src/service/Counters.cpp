@@ -26,6 +26,7 @@ std::string describe(const Counters &counters) {
         {", commands not run", counters.commandsNotRun},
         {", e-mails sent", counters.mailsSent},
         {", e-mails dropped", counters.mailsDropped},
+        {", journal lines dropped", counters.journalDropped},
     };
     std::string text;
     for (const auto &[what, count] : parts) {

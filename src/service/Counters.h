@@ -26,6 +26,7 @@ struct Counters {
     std::uint64_t commandsNotRun = 0;    ///< those that were not
     std::uint64_t mailsSent = 0;         ///< e-mails that reached the server for somebody
     std::uint64_t mailsDropped = 0;      ///< e-mails that did not reach it for somebody
+    std::uint64_t journalDropped = 0;    ///< lines of the journal that nobody read
 
     bool operator==(const Counters &) const = default;
 };

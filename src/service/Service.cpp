@@ -172,6 +172,7 @@ void Service::updateCounters() {
     m_counters.commandsNotRun = m_commandRunner.notStarted();
     m_counters.mailsSent = m_mail.sent();
     m_counters.mailsDropped = m_mail.dropped();
+    m_counters.journalDropped = journalLinesDropped();
 }
 
 int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,

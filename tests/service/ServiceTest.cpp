@@ -38,6 +38,7 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using testing::isClosed;
+using ::testing::Not;
 using testing::PrivateBus;
 using testing::sendTo;
 using testing::ServiceProcess;
@@ -229,6 +230,29 @@ TEST_F(ServiceTest, CountsWhatIsMalformed) {
     ASSERT_TRUE(isClosed(stream));
     EXPECT_EQ(service->terminate(), 0);
     EXPECT_THAT(service->journal(), HasSubstr("Received 7, malformed 4, "));
+}
+
+TEST_F(ServiceTest, AJournalThatNobodyReadsStopsNothing) {
+    const auto service = start();
+    service->holdJournal(true);
+    const UniqueFd datagrams = connectTo(service->port(), SOCK_DGRAM);
+    // Each says a line of more than twenty bytes; the pipe holds a page and what was read last.
+    constexpr std::size_t kLines = 400;
+    for (std::size_t i = 0; i < kLines; ++i) {
+        ::kill(service->pid(), SIGHUP);
+        sendTo(datagrams, "<13>x");
+        ASSERT_TRUE(waitForStored(i + 1)) << "after " << i << " lines";
+    }
+    service->holdJournal(false);
+    EXPECT_TRUE(waitUntil([&] {
+        ::kill(service->pid(), SIGHUP);
+        return service->journal().find(
+                   "Lines that were dropped because nobody read the journal: ") !=
+               std::string::npos;
+    }));
+    EXPECT_EQ(service->terminate(), 0);
+    EXPECT_THAT(service->journal(), HasSubstr(", journal lines dropped "));
+    EXPECT_THAT(service->journal(), Not(HasSubstr(", journal lines dropped 0")));
 }
 
 TEST_F(ServiceTest, CountsWhatTheKernelDrops) {

@@ -66,6 +66,7 @@ ServiceProcess::ServiceProcess(const Setup &setup) {
 
 ServiceProcess::~ServiceProcess() {
     kill();
+    holdJournal(false);
     m_reader.join();
 }
 
@@ -99,6 +100,7 @@ void ServiceProcess::start(const Setup &setup) {
         close(pipe[0]);
         throw std::runtime_error("the service cannot be started");
     }
+    m_journalPipe = pipe[0];
     m_reader = std::thread([this, fd = pipe[0]] { readJournal(fd); });
 }
 
@@ -106,8 +108,9 @@ void ServiceProcess::readJournal(int fd) {
     std::array<char, 4096> buffer{};
     ssize_t count = 0;
     while ((count = read(fd, buffer.data(), buffer.size())) > 0) {
-        const std::lock_guard lock(m_mutex);
+        std::unique_lock lock(m_mutex);
         m_journal.append(buffer.data(), static_cast<std::size_t>(count));
+        m_journalChanged.wait(lock, [this] { return !m_journalHeld; });
     }
     close(fd);
     const std::lock_guard lock(m_mutex);
@@ -117,6 +120,13 @@ void ServiceProcess::readJournal(int fd) {
 std::string ServiceProcess::journal() const {
     const std::lock_guard lock(m_mutex);
     return m_journal;
+}
+
+void ServiceProcess::holdJournal(bool hold) {
+    const std::lock_guard lock(m_mutex);
+    m_journalHeld = hold;
+    fcntl(m_journalPipe, F_SETPIPE_SZ, hold ? 4096 : 65536);
+    m_journalChanged.notify_all();
 }
 
 bool ServiceProcess::waitForJournal(std::string_view text, std::chrono::milliseconds limit) const {

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
@@ -42,6 +43,8 @@ public:
 
     /// What it has written to its standard error so far.
     [[nodiscard]] std::string journal() const;
+    /// Stops reading that, or goes on. The pipe to it holds no more than a page meanwhile.
+    void holdJournal(bool hold);
     /// Whether that holds `text` within `limit`.
     bool waitForJournal(std::string_view text, std::chrono::milliseconds limit = kPatience) const;
 
@@ -66,6 +69,9 @@ private:
     mutable std::mutex m_mutex;
     std::string m_journal;        ///< under m_mutex
     bool m_journalEnded = false;  ///< under m_mutex
+    bool m_journalHeld = false;   ///< under m_mutex
+    std::condition_variable m_journalChanged;
+    int m_journalPipe = -1;
     std::thread m_reader;
 };
 
