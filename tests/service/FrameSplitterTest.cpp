@@ -16,8 +16,11 @@ using namespace std::string_view_literals;
 struct Frames {
     std::vector<std::string> whole;
     std::vector<std::string> cut;
-    FrameSplitter splitter{
-        [this](std::string_view frame, bool isCut) { (isCut ? cut : whole).emplace_back(frame); }};
+    std::vector<std::string> all;  ///< stray ones with a "~" in front
+    FrameSplitter splitter{[this](std::string_view frame, FrameSplitter::Kind kind) {
+        (kind == FrameSplitter::Kind::kCut ? cut : whole).emplace_back(frame);
+        all.push_back((kind == FrameSplitter::Kind::kStray ? "~" : "") + std::string(frame));
+    }};
 };
 
 struct Case {

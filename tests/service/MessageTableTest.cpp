@@ -60,8 +60,9 @@ TEST(MessageTable, GivesReadersTheSameEvents) {
 TEST(MessageTable, HoldsWhateverCarriesTheMessage) {
     for (const RealMessage &c : kRealMessages) {
         std::vector<std::string> lines;
-        FrameSplitter splitter(
-            [&](std::string_view frame, bool) { lines.push_back(linesOf(frame)); });
+        FrameSplitter splitter([&](std::string_view frame, FrameSplitter::Kind /*kind*/) {
+            lines.push_back(linesOf(frame));
+        });
         std::size_t expected = 0;
         // Whoever counts sends a priority.
         const std::size_t digits = c.sent.find_first_not_of("0123456789", 1);

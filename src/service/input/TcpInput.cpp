@@ -34,9 +34,10 @@ public:
     Connection(TcpInput &input, std::unique_ptr<StreamChannel> channel, std::string host)
         : m_input(input),
           m_channel(std::move(channel)),
-          m_splitter(
-              [&collector = input.m_collector, host = std::move(host)](
-                  std::string_view frame, bool cut) { collector.receive(frame, host, cut); }) {}
+          m_splitter([&collector = input.m_collector, host = std::move(host)](
+                         std::string_view frame, FrameSplitter::Kind kind) {
+              collector.receive(frame, host, kind == FrameSplitter::Kind::kCut);
+          }) {}
 
     [[nodiscard]] TcpInput &input() const { return m_input; }
     StreamChannel &channel() { return *m_channel; }

@@ -1,0 +1,166 @@
+#include "service/input/FrameHeader.h"
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+using Kind = FrameHeader::Kind;
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::size_t kMostCountDigits = 7;
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::size_t countDigits(std::string_view text, std::size_t most) {
+    text = text.substr(0, most);
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
+}
+
+std::size_t numberOf(std::string_view digits) {
+    std::size_t number = 0;
+    for (const char digit : digits) {
+        number = 10 * number + static_cast<std::size_t>(digit - '0');
+    }
+    return number;
+}
+
+/// How much of a byte order mark a text begins with.
+Kind findMark(std::string_view text) {
+    if (text.starts_with(kByteOrderMark)) {
+        return Kind::kComplete;
+    }
+    return kByteOrderMark.starts_with(text) ? Kind::kIncomplete : Kind::kAbsent;
+}
+
+/// The length of a priority, with a mark in front, that is known to be there.
+std::size_t priorityLength(std::string_view text) {
+    return text.find('>') + 1;
+}
+
+/// Whether a text has so many bytes, or so many characters: of Unicode, or of UTF-16.
+bool measures(std::string_view text, std::size_t count) {
+    if (text.size() < count) {
+        return false;
+    }
+    const auto continuing = static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }));
+    const auto pairs = static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char c) { return static_cast<unsigned char>(c) >= 0xF0U; }));
+    const std::size_t characters = text.size() - continuing;
+    return count == text.size() || count == characters || count == characters + pairs;
+}
+
+}  // namespace
+
+FrameHeader readCount(std::string_view text) {
+    const Kind mark = findMark(text);
+    if (mark == Kind::kIncomplete) {
+        return {mark};
+    }
+    const std::size_t begin = mark == Kind::kComplete ? kByteOrderMark.size() : 0;
+    text.remove_prefix(begin);
+    const std::size_t digits = countDigits(text, kMostCountDigits);
+    if (digits == text.size()) {
+        return {text.starts_with('0') ? Kind::kAbsent : Kind::kIncomplete};
+    }
+    const std::size_t length = numberOf(text.substr(0, digits));
+    if (length == 0 || length > FrameHeader::kMostCounted || text.front() == '0' ||
+        text[digits] != ' ') {
+        return {};
+    }
+    return {Kind::kComplete, begin + digits + 1, length};
+}
+
+FrameHeader readHeader(std::string_view text) {
+    FrameHeader header = readCount(text);
+    if (header.kind != Kind::kComplete) {
+        return header;
+    }
+    // A priority that the count does not cover is none.
+    const std::string_view message = text.substr(header.length, header.messageLength);
+    header.kind = findPriority(message);
+    if (header.kind == Kind::kIncomplete && message.size() == header.messageLength) {
+        return {};
+    }
+    return header;
+}
+
+FrameHeader::Kind findPriority(std::string_view text) {
+    constexpr std::size_t kMostDigits = 3;
+    const Kind mark = findMark(text);
+    if (mark == Kind::kIncomplete) {
+        return mark;
+    }
+    text.remove_prefix(mark == Kind::kComplete ? kByteOrderMark.size() : 0);
+    if (text.empty()) {
+        return Kind::kIncomplete;
+    }
+    if (text.front() != '<') {
+        return Kind::kAbsent;
+    }
+    const std::size_t digits = countDigits(text.substr(1), kMostDigits);
+    const std::string_view after = text.substr(1 + digits);
+    if (after.empty()) {
+        return Kind::kIncomplete;
+    }
+    return digits > 0 && after.front() == '>' ? Kind::kComplete : Kind::kAbsent;
+}
+
+HeadersBefore headersBefore(std::string_view text, std::size_t from, std::size_t at) {
+    HeadersBefore found;
+    std::string_view before = text.substr(0, at);
+    if (before.ends_with(kByteOrderMark)) {
+        before.remove_suffix(kByteOrderMark.size());
+    }
+    found.messageBegin = before.size();
+    if (!before.ends_with(' ')) {
+        return found;
+    }
+    before.remove_suffix(1);
+    const std::size_t least = priorityLength(text.substr(found.messageBegin));
+    const std::size_t end = before.size();
+    std::size_t begin = end;
+    while (begin > from && end - begin < kMostCountDigits && isDigit(before[begin - 1])) {
+        --begin;
+    }
+    for (std::size_t i = begin; i < end; ++i) {
+        const std::size_t length = numberOf(before.substr(i));
+        if (before[i] != '0' && length >= least && length <= FrameHeader::kMostCounted) {
+            found.places[found.count++] = {i, length};
+        }
+    }
+    return found;
+}
+
+HeadersBefore firstHeaderWithin(std::string_view text, std::size_t from) {
+    for (std::size_t at = text.find('<', from + 1); at != std::string_view::npos;
+         at = text.find('<', at + 1)) {
+        if (text[at - 1] != ' ' && text[at - 1] != kByteOrderMark.back()) {
+            continue;
+        }
+        if (findPriority(text.substr(at)) == Kind::kComplete) {
+            const HeadersBefore found = headersBefore(text, 0, at);
+            if (found.count > 0) {
+                return found;
+            }
+        }
+    }
+    return {};
+}
+
+bool leadsOn(std::string_view text, std::size_t length, int times) {
+    const HeadersBefore next = firstHeaderWithin(text);
+    for (std::size_t i = 0; i < next.count; ++i) {
+        if (measures(text.substr(0, next.places[i].at), length)) {
+            return times == 1 ||
+                   leadsOn(text.substr(next.messageBegin), next.places[i].messageLength, times - 1);
+        }
+    }
+    return false;
+}
+
+}  // namespace quorbel
