@@ -14,9 +14,12 @@ struct Counters {
     std::uint64_t dropped = 0;    ///< datagrams that the kernel dropped before they were read
     std::uint64_t notificationsDropped = 0;  ///< stored events that the front-end was not told of
     std::uint64_t connectionsClosed = 0;     ///< idle connections closed in favour of new ones
-    std::uint64_t tlsRefused = 0;            ///< TLS connections that were never established
-    std::uint64_t filtered = 0;              ///< messages that the filters of the settings kept out
-    std::uint64_t removed = 0;  ///< events that were kept for as long as the settings want
+    std::uint64_t closedUnread = 0;  ///< connections closed before all that had arrived was read
+    std::uint64_t strayTexts = 0;    ///< messages that stood between the frames of a stream
+    std::uint64_t bytesSkipped = 0;  ///< of messages that were too long, the rest
+    std::uint64_t tlsRefused = 0;    ///< TLS connections that were never established
+    std::uint64_t filtered = 0;      ///< messages that the filters of the settings kept out
+    std::uint64_t removed = 0;       ///< events that were kept for as long as the settings want
     std::uint64_t namesLookedUp = 0;
     std::uint64_t namesFound = 0;
     std::uint64_t namesNotLookedUp = 0;  ///< how often too many look-ups waited for one more

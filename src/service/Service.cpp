@@ -47,8 +47,8 @@ Service::Service(const std::filesystem::path &folder, ListenSockets sockets, std
           [this](MailMessage mail) { m_mail.submit(std::move(mail)); }, m_counters),
       m_collector(m_store, m_notifications, m_names, m_actions, m_counters),
       m_udp(m_loop.get(), std::move(sockets.udp), m_collector),
-      m_tcp(m_loop.get(), std::move(sockets.tcp), m_collector, m_counters),
-      m_tls(m_loop.get(), folder / "tls", tlsPort, m_collector, m_counters) {
+      m_tcp(m_loop.get(), std::move(sockets.tcp), m_collector, m_counters, m_shares),
+      m_tls(m_loop.get(), folder / "tls", tlsPort, m_collector, m_counters, m_shares) {
     m_store.prepare();
     m_settings.load();
     configure();

@@ -80,6 +80,7 @@ private:
     Actions m_actions;
     Collector m_collector;
     UdpInput m_udp;
+    ConnectionShares m_shares;
     TcpInput m_tcp;
     TlsInput m_tls;
 

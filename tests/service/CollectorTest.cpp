@@ -1,6 +1,7 @@
 #include "core/LogReader.h"
 #include "service/Collector.h"
 #include "service/ServiceFixture.h"
+#include "service/input/ConnectionShares.h"
 #include "service/input/ListenSockets.h"
 #include "service/input/TcpInput.h"
 #include "service/input/UdpInput.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,28 @@ Dictionary everyReaction(int number) {
             {"sendEmail", Dictionary{{"Recipients", Array{"a@example.org"}}}},
             {"setEvent", Dictionary{{"Type", "Error"}, {"Format", "set: $message"}}}};
 }
+
+/// Descriptors for this process, while it lasts.
+struct DescriptorLimit {
+    explicit DescriptorLimit(rlim_t most) {
+        getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit limit{most, before.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    }
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before); }
+    rlimit before{};
+};
+
+/// No more descriptors for this process, while it lasts.
+struct NoDescriptors {
+    NoDescriptors() {
+        for (UniqueFd taken(dup(0)); taken.isOpen(); taken = UniqueFd(dup(0))) {
+            all.push_back(std::move(taken));
+        }
+    }
+    DescriptorLimit limit{200};
+    std::vector<UniqueFd> all;
+};
 
 struct CollectorTest : ::testing::Test {
     void configure(const Dictionary &settings) {
@@ -55,6 +79,7 @@ struct CollectorTest : ::testing::Test {
     Actions actions{[this](const CommandRunner::Command & /*command*/) { ++commands; },
                     [this](const MailMessage & /*mail*/) { ++mails; }, counters};
     Collector collector{store, notifications, names, actions, counters};
+    ConnectionShares shares;
 };
 
 TEST_F(CollectorTest, AMessageThatBecomesSeveralEventsSetsActionsOffOnce) {
@@ -149,18 +174,13 @@ TEST_F(CollectorTest, CountsTheDatagramsForWhichThereIsNoTimeAtTheEnd) {
 }
 
 TEST_F(CollectorTest, AConnectionThatMakesRoomIsReadFirst) {
-    // Both ends are in this process.
-    rlimit files{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
-    files.rlim_cur = files.rlim_max;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
     sd_event *made = nullptr;
     ASSERT_GE(sd_event_new(&made), 0);
     const EventLoopPointer loop(made);
     auto sockets = std::get<ListenSockets>(openListenSockets(0));
-    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters, shares);
     std::vector<UniqueFd> connections;
-    for (std::size_t i = 0; i < TcpInput::kMostConnections; ++i) {
+    for (int i = 0; i < 100; ++i) {
         connections.push_back(testing::connectTo(sockets.port, SOCK_STREAM));
         while (sd_event_run(loop.get(), 0) > 0) {
         }
@@ -177,8 +197,13 @@ TEST_F(CollectorTest, AConnectionThatMakesRoomIsReadFirst) {
         return ioctl(connections.front().get(), TIOCOUTQ, &underway) == 0 && underway == 0;
     }));
     const UniqueFd another = testing::connectTo(sockets.port, SOCK_STREAM);
-    input.drain(std::chrono::steady_clock::now() + testing::kPatience);
+    {
+        // Both ends are in this process: there is room for the one that comes, and no reserve.
+        const DescriptorLimit limit(static_cast<rlim_t>(another.get() + 2));
+        input.drain(std::chrono::steady_clock::now() + testing::kPatience);
+    }
     EXPECT_EQ(counters.connectionsClosed, 1U);
+    EXPECT_EQ(counters.closedUnread, 0U);
     const auto stored = messages();
     ASSERT_EQ(stored.size(), kMany + 1);
     EXPECT_EQ(stored[kMany - 1], "frame " + std::to_string(kMany - 1));
@@ -190,7 +215,7 @@ TEST_F(CollectorTest, SaysForWhichConnectionsThereWasNoTimeAtTheEnd) {
     ASSERT_GE(sd_event_new(&made), 0);
     const EventLoopPointer loop(made);
     auto sockets = std::get<ListenSockets>(openListenSockets(0));
-    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters, shares);
     const UniqueFd quiet = testing::connectTo(sockets.port, SOCK_STREAM);
     const UniqueFd loud = testing::connectTo(sockets.port, SOCK_STREAM);
     while (sd_event_run(loop.get(), 0) > 0) {
@@ -203,7 +228,80 @@ TEST_F(CollectorTest, SaysForWhichConnectionsThereWasNoTimeAtTheEnd) {
     input.drain(std::chrono::steady_clock::now());
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "<4>Connections that were closed before all that had arrived was read: 2\n");
+    EXPECT_EQ(counters.closedUnread, 2U);
     EXPECT_THAT(messages(), IsEmpty());
+}
+
+/// Reads a byte at a time, however many are there.
+class SlowChannel final : public StreamChannel {
+public:
+    explicit SlowChannel(UniqueFd socket) : m_socket(std::move(socket)) {}
+    [[nodiscard]] int fd() const override { return m_socket.get(); }
+    [[nodiscard]] bool isEstablished() const override { return true; }
+    Read read(char *buffer, std::size_t /*room*/) override {
+        return {::read(m_socket.get(), buffer, 1) == 1 ? 1U : 0U, Next::kReadable};
+    }
+
+private:
+    UniqueFd m_socket;
+};
+
+TEST_F(CollectorTest, CountsConnectionsThatAreClosedUnread) {
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters, shares,
+                   [](UniqueFd socket, const std::string & /*host*/) {
+                       return std::make_unique<SlowChannel>(std::move(socket));
+                   });
+    const UniqueFd loud = testing::connectTo(sockets.port, SOCK_STREAM);
+    sd_event_run(loop.get(), 0);
+    const UniqueFd another = testing::connectTo(sockets.port, SOCK_STREAM);
+    testing::sendTo(loud, "<13>more than is read\n");
+    const DescriptorLimit limit(static_cast<rlim_t>(another.get() + 2));
+    while (counters.connectionsClosed == 0) {
+        sd_event_run(loop.get(), 0);
+    }
+    EXPECT_EQ(counters.closedUnread, 1U);
+}
+
+// The one that comes stays, even when it takes the last descriptor; and nothing spins when it
+// cannot even do that.
+TEST_F(CollectorTest, AConnectionMakesRoomWithTheLastDescriptor) {
+    sd_event *made = nullptr;
+    ASSERT_GE(sd_event_new(&made), 0);
+    const EventLoopPointer loop(made);
+    auto sockets = std::get<ListenSockets>(openListenSockets(0));
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters, shares);
+    // The loop's timers have one descriptor, which the service has from its start on.
+    sd_event_source *timer = nullptr;
+    sd_event_add_time_relative(loop.get(), &timer, CLOCK_MONOTONIC, UINT64_MAX / 4, 0, nullptr,
+                               nullptr);
+    const EventSourcePointer owner(timer);
+    const UniqueFd first = testing::connectTo(sockets.port, SOCK_STREAM);
+    {
+        const NoDescriptors none;
+        EXPECT_GT(sd_event_run(loop.get(), 0), 0);
+        EXPECT_EQ(sd_event_run(loop.get(), 0), 0);
+    }
+    // It was not forgotten.
+    testing::sendTo(first, "<13>first\n");
+    const auto received = [&](std::uint64_t count) {
+        return testing::waitUntil([&] {
+            sd_event_run(loop.get(), 0);
+            return counters.received == count;
+        });
+    };
+    ASSERT_TRUE(received(1));
+    const UniqueFd second = testing::connectTo(sockets.port, SOCK_STREAM);
+    testing::sendTo(second, "<13>second\n");
+    {
+        const NoDescriptors none;
+        ASSERT_TRUE(received(2));
+    }
+    EXPECT_EQ(counters.connectionsClosed, 1U);
+    EXPECT_TRUE(testing::isClosed(first));
 }
 
 TEST_F(CollectorTest, NobodyIsTakenOnByAnInputThatHasEnded) {
@@ -211,7 +309,7 @@ TEST_F(CollectorTest, NobodyIsTakenOnByAnInputThatHasEnded) {
     ASSERT_GE(sd_event_new(&made), 0);
     const EventLoopPointer loop(made);
     auto sockets = std::get<ListenSockets>(openListenSockets(0));
-    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters);
+    TcpInput input(loop.get(), std::move(sockets.tcp), collector, counters, shares);
     const UniqueFd waiting = testing::connectTo(sockets.port, SOCK_STREAM);
     testing::sendTo(waiting, "<13>whole\n<13>unfinished");
     ::testing::internal::CaptureStderr();

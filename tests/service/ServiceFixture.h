@@ -31,6 +31,20 @@ inline UniqueFd connectTo(std::uint16_t port, int type) {
     return fd;
 }
 
+/// The same for a stream that comes from another address of this machine: 127.0.0.`host`.
+inline UniqueFd connectFrom(unsigned host, std::uint16_t port) {
+    UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK - 1 + host);
+    auto *generic = reinterpret_cast<sockaddr *>(&address);
+    EXPECT_EQ(bind(fd.get(), generic, sizeof address), 0);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    EXPECT_EQ(connect(fd.get(), generic, sizeof address), 0);
+    return fd;
+}
+
 inline void sendTo(const UniqueFd &fd, std::string_view bytes) {
     EXPECT_EQ(send(fd.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL),
               static_cast<ssize_t>(bytes.size()));

@@ -3,7 +3,6 @@
 #include "platform/bus/CommandSender.h"
 #include "platform/bus/NotificationObserver.h"
 #include "service/ServiceFixture.h"
-#include "service/input/TcpInput.h"
 #include "service/store/LogFiles.h"
 #include "support/PrivateBus.h"
 
@@ -166,32 +165,6 @@ TEST_F(ServiceTest, LetsNoConnectionKeepOthersWaiting) {
         const auto events = stored();
         return std::ranges::find(events, "User.Notice,127.0.0.1,hello") != events.end();
     }));
-}
-
-TEST_F(ServiceTest, ClosesTheIdlestConnectionWhenThereAreTooMany) {
-    const auto service = start();
-    std::vector<UniqueFd> connections;
-    for (std::size_t i = 0; i < TcpInput::kMostConnections; ++i) {
-        connections.push_back(connectTo(service->port(), SOCK_STREAM));
-    }
-    // The second one is the first to speak, and has something unfinished to say.
-    sendTo(connections[1], "<13>first\n<13>unfinished");
-    ASSERT_TRUE(waitForStored(1));
-    for (std::size_t i = 0; i < connections.size(); ++i) {
-        if (i != 1) {
-            sendTo(connections[i], "<13>later\n");
-        }
-    }
-    ASSERT_TRUE(waitForStored(TcpInput::kMostConnections));
-    const UniqueFd another = connectTo(service->port(), SOCK_STREAM);
-    EXPECT_TRUE(isClosed(connections[1]));
-    sendTo(connections[0], "<13>still open\n");
-    ASSERT_TRUE(waitForStored(TcpInput::kMostConnections + 2));
-    const auto events = stored();
-    EXPECT_NE(std::ranges::find(events, "User.Notice,127.0.0.1,unfinished"), events.end());
-    EXPECT_NE(std::ranges::find(events, "User.Notice,127.0.0.1,still open"), events.end());
-    service->terminate();
-    EXPECT_THAT(service->journal(), HasSubstr("connections closed 1"));
 }
 
 TEST_F(ServiceTest, StoresWhatTheKernelHoldsWhenAskedToEnd) {

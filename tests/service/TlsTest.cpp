@@ -1,8 +1,8 @@
 #include "core/LogReader.h"
 #include "platform/Files.h"
+#include "service/ServiceFixture.h"
 #include "service/TlsClient.h"
 #include "service/UniqueFd.h"
-#include "service/input/TcpInput.h"
 #include "service/input/TlsContext.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
@@ -41,6 +41,8 @@ using testing::TemporaryFolder;
 using testing::TestAuthority;
 using testing::waitUntil;
 
+constexpr std::uint64_t kFewDescriptors = 128;
+
 struct TlsTest : ::testing::Test {
     TlsTest() { std::signal(SIGPIPE, SIG_IGN); }
 
@@ -48,9 +50,12 @@ struct TlsTest : ::testing::Test {
         folder.write("tls/cert.pem", issued.certificate);
         folder.write("tls/key.pem", issued.key);
     }
-    void start(const std::string &port = "0") {
+    void start(const std::string &port = "0", std::uint64_t descriptors = 0) {
         service = std::make_unique<ServiceProcess>(
-            ServiceProcess::Setup{folder.path(), "", {"--port", "0", "--tls-port", port}});
+            ServiceProcess::Setup{.library = folder.path(),
+                                  .busAddress = {},
+                                  .arguments = {"--port", "0", "--tls-port", port},
+                                  .descriptors = descriptors});
         ASSERT_TRUE(service->isListening()) << service->journal();
     }
     /// The port that it listened on last; 0 when there was none.
@@ -237,17 +242,75 @@ TEST_F(TlsTest, NobodyKeepsOthersWaiting) {
 
 TEST_F(TlsTest, ANewConnectionTakesTheIdlestOnesPlace) {
     install(authority.issue());
-    start();
+    start("0", kFewDescriptors);
     Client first(tlsPort(), authority);
     ASSERT_TRUE(first.send("<13>first\n"));
     ASSERT_TRUE(waitForMessages(1));
-    std::vector<UniqueFd> others;
-    for (std::size_t i = 0; i < TcpInput::kMostConnections; ++i) {
-        others.push_back(connectTo(tlsPort()));
+    std::vector<std::unique_ptr<Client>> others;
+    for (std::uint64_t i = 0; i < kFewDescriptors; ++i) {
+        others.push_back(std::make_unique<Client>(tlsPort(), authority));
     }
     EXPECT_TRUE(first.isRefused());
+    EXPECT_TRUE(others.back()->send("<13>last\n"));
+    EXPECT_TRUE(waitForMessages(2));
     service->terminate();
-    EXPECT_THAT(service->journal(), HasSubstr("connections closed 1"));
+    EXPECT_THAT(service->journal(), Not(HasSubstr(", connections closed 0")));
+    EXPECT_THAT(service->journal(), HasSubstr(", closed unread 0"));
+}
+
+// Whoever begins handshakes and does not end them takes nobody's place but its own.
+TEST_F(TlsTest, SlowHandshakesTakeNobodyElsesPlace) {
+    install(authority.issue());
+    start("0", kFewDescriptors);
+    Client quiet(testing::connectFrom(2, tlsPort()), authority);
+    ASSERT_TRUE(quiet.isConnected());
+    const UniqueFd plain = testing::connectFrom(3, service->port());
+    std::vector<UniqueFd> slow;
+    for (std::uint64_t i = 0; i < 3 * kFewDescriptors; ++i) {
+        slow.push_back(connectTo(tlsPort()));
+        EXPECT_EQ(send(slow.back().get(), "\x16\x03\x01\x02\x00\x01", 6, MSG_NOSIGNAL), 6);
+    }
+    // Room was made for each of them before this one is taken on.
+    Client late(testing::connectFrom(4, tlsPort()), authority);
+    ASSERT_TRUE(late.send("<13>late\n"));
+    ASSERT_TRUE(waitForMessages(1));
+    ASSERT_TRUE(quiet.send("<13>quiet\n"));
+    ASSERT_TRUE(waitForMessages(2));
+    ASSERT_EQ(send(plain.get(), "<13>plain\n", 10, MSG_NOSIGNAL), 10);
+    ASSERT_TRUE(waitForMessages(3));
+    EXPECT_THAT(messages(), ElementsAre("late", "quiet", "plain"));
+    service->terminate();
+    EXPECT_THAT(service->journal(), Not(HasSubstr(", connections closed 0")));
+}
+
+TEST_F(TlsTest, LosesNoMessageBehindAnOddFrame) {
+    constexpr std::size_t kMessages = 5'000;
+    install(authority.issue());
+    start();
+    std::size_t count = 0;
+    for (const std::string odd :
+         {"12 no priority.", "\xEF\xBB\xBF", "13 <13>Z\xC3\xBCrich 80", "8 <13>abcdjunk"}) {
+        std::string bytes = "9 <13>begin" + odd;
+        for (std::size_t i = 0; i < kMessages; ++i) {
+            const std::string message = "<13>number " + std::to_string(i);
+            bytes += std::to_string(message.size()) + ' ' + message;
+        }
+        Client client(tlsPort(), authority);
+        for (std::size_t at = 0; at < bytes.size(); at += 777) {
+            ASSERT_TRUE(client.send(std::string_view(bytes).substr(at, 777)));
+        }
+        client.close();
+        ASSERT_TRUE(waitUntil([&] {
+            const auto stored = messages();
+            return stored.size() > count + kMessages &&
+                   stored.back() == "number " + std::to_string(kMessages - 1);
+        }));
+        const auto stored = messages();
+        count = stored.size();
+        for (std::size_t i = 0; i < kMessages; ++i) {
+            ASSERT_EQ(stored[count - kMessages + i], "number " + std::to_string(i));
+        }
+    }
 }
 
 TEST_F(TlsTest, ListensOnlyWithACertificate) {

@@ -90,6 +90,10 @@ void ServiceProcess::start(const Setup &setup) {
             const rlimit limit{setup.largestFile, setup.largestFile};
             setrlimit(RLIMIT_FSIZE, &limit);
         }
+        if (setup.descriptors != 0) {
+            const rlimit limit{setup.descriptors, setup.descriptors};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        }
         if (getppid() == parent) {
             execve(argumentPointers[0], argumentPointers.data(), environmentPointers.data());
         }
@@ -145,6 +149,13 @@ std::optional<int> ServiceProcess::waitForEnd() {
         kill();
         return std::nullopt;
     }
+    // What it said last is there; unless a child of it still could say more.
+    waitUntil(
+        [this] {
+            const std::lock_guard lock(m_mutex);
+            return m_journalEnded || m_journalHeld;
+        },
+        std::chrono::seconds(2));
     return m_status;
 }
 

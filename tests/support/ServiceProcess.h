@@ -26,6 +26,7 @@ public:
         std::string busAddress;         ///< its system bus; empty: one that does not exist
         std::vector<std::string> arguments{"--port", "0"};
         std::uint64_t largestFile = 0;  ///< no file may grow beyond that many bytes; 0: any size
+        std::uint64_t descriptors = 0;  ///< that it may open; 0: as many as the test
         std::vector<std::string> environment{};  ///< "NAME=value", in place of the test's own
     };
 

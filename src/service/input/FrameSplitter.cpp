@@ -10,10 +10,6 @@ bool isLineEnd(char c) {
     return c == '\n' || c == '\0';
 }
 
-bool isBlank(std::string_view text) {
-    return text.find_first_not_of(" \t\r") == std::string_view::npos;
-}
-
 bool hasPriority(std::string_view text) {
     return findPriority(text) == FrameHeader::Kind::kComplete;
 }
@@ -143,8 +139,7 @@ FrameSplitter::Answer FrameSplitter::findTail(std::string_view rest, const Frame
         headersBefore(rest, rest.find_first_of("123456789") + 1, header.length);
     const std::string_view message =
         rest.substr(header.length, std::min(header.messageLength, kMaxFrame));
-    // Nobody holds a megabyte to see what follows it; so many frames are no chance.
-    constexpr int kEnough = 8;
+    constexpr int kEnough = 8;  // Nobody holds a megabyte to see what follows it.
     const bool tooLong = header.messageLength > kMaxFrame;
     const auto *const end = shorter.places.begin() + shorter.count;
     const auto *const found =
@@ -383,7 +378,8 @@ void FrameSplitter::consumeAlongCounts(std::string_view &rest, std::size_t count
 }
 
 void FrameSplitter::handOnStray(std::string_view text) {
-    if (isBlank(text)) {
+    const bool isBlank = text.find_first_not_of(" \t\r") == std::string_view::npos;
+    if (isBlank) {
         m_skipped += text.size();
     } else {
         handOn(text, Kind::kStray);

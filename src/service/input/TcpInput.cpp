@@ -3,9 +3,12 @@
 #include "service/Journal.h"
 #include "service/input/SenderAddress.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 #include <memory>
@@ -17,6 +20,7 @@ namespace {
 
 constexpr std::size_t kSlice = std::size_t{64} * 1024;
 constexpr int kAcceptsPerTurn = 32;
+constexpr std::chrono::milliseconds kAcceptPause{100};
 // EPOLLIN and EPOLLOUT, without the header's untyped macros of the same names.
 constexpr std::uint32_t kReadable = 1;
 constexpr std::uint32_t kWritable = 4;
@@ -27,21 +31,50 @@ std::size_t heldByKernel(int socket) {
     return ::ioctl(socket, FIONREAD, &count) < 0 ? 0 : static_cast<std::size_t>(count);
 }
 
+/// Whether messages have arrived that were not read.
+bool isUnread(const StreamChannel &channel) {
+    return channel.isEstablished() && heldByKernel(channel.fd()) > 0;
+}
+
+/// A part of what a stranger sent, for the journal.
+std::string sampleOf(std::string_view text) {
+    constexpr std::size_t kLongest = 40;
+    std::string sample(text.substr(0, kLongest));
+    std::ranges::replace_if(
+        sample, [](char c) { return c < ' ' || c > '~'; }, '.');
+    return '"' + sample + (text.size() > kLongest ? "..." : "") + '"';
+}
+
 }  // namespace
 
-class TcpInput::Connection {
+class TcpInput::Connection final : public ConnectionShares::Member {
 public:
     Connection(TcpInput &input, std::unique_ptr<StreamChannel> channel, std::string host)
         : m_input(input),
           m_channel(std::move(channel)),
-          m_splitter([&collector = input.m_collector, host = std::move(host)](
-                         std::string_view frame, FrameSplitter::Kind kind) {
-              collector.receive(frame, host, kind == FrameSplitter::Kind::kCut);
-          }) {}
+          m_host(std::move(host)),
+          m_splitter(
+              [this](std::string_view frame, FrameSplitter::Kind kind) { receive(frame, kind); }) {}
+    ~Connection() override {
+        if (m_isShared) {
+            m_input.m_shares.remove(m_share);
+        }
+    }
 
     [[nodiscard]] TcpInput &input() const { return m_input; }
     StreamChannel &channel() { return *m_channel; }
-    FrameSplitter &splitter() { return m_splitter; }
+
+    void feed(std::string_view bytes) {
+        m_splitter.feed(bytes);
+        noteSkipped();
+    }
+    void finish() {
+        m_splitter.finish();
+        noteSkipped();
+    }
+    /// Something came.
+    void touch() { m_input.m_shares.touch(m_share); }
+    void makeRoom() override { m_input.makeRoom(m_place); }
 
     /// Where the connection stands in its list, and what wakes it.
     void attach(Connections::iterator place, EventSourcePointer source,
@@ -49,6 +82,12 @@ public:
         m_place = place;
         m_source = std::move(source);
         m_handshakeEnd = std::move(handshakeEnd);
+        m_share = m_input.m_shares.add(ConnectionShares::hostOf(m_host), *this,
+                                       ConnectionShares::Clock::now());
+        m_isShared = true;
+        if (m_channel->isEstablished()) {
+            touch();
+        }
     }
     [[nodiscard]] Connections::iterator place() const { return m_place; }
 
@@ -61,13 +100,45 @@ public:
         }
         if (m_handshakeEnd && m_channel->isEstablished()) {
             m_handshakeEnd.reset();
+            touch();
         }
     }
 
 private:
+    void receive(std::string_view frame, FrameSplitter::Kind kind) {
+        if (kind == FrameSplitter::Kind::kStray) {
+            ++m_input.m_counters.strayTexts;
+            if (!std::exchange(m_saidStray, true)) {
+                m_input.sayOdd("The stream of " + m_host +
+                               " is out of step. What stands between its frames is stored as "
+                               "messages: " +
+                               sampleOf(frame));
+            }
+        }
+        m_input.m_collector.receive(frame, m_host, kind == FrameSplitter::Kind::kCut);
+    }
+    void noteSkipped() {
+        const std::uint64_t skipped = m_splitter.skipped() - m_skipped;
+        if (skipped > 0) {
+            m_skipped += skipped;
+            m_input.m_counters.bytesSkipped += skipped;
+            if (!std::exchange(m_saidSkipped, true)) {
+                m_input.sayOdd("A message of " + m_host + " has no end within " +
+                               std::to_string(FrameSplitter::kMaxFrame) +
+                               " bytes. What is more of it is not stored");
+            }
+        }
+    }
+
     TcpInput &m_input;
     std::unique_ptr<StreamChannel> m_channel;
+    std::string m_host;
     FrameSplitter m_splitter;
+    std::uint64_t m_skipped = 0;
+    bool m_saidStray = false;
+    bool m_saidSkipped = false;
+    bool m_isShared = false;
+    ConnectionShares::Place m_share;
     Connections::iterator m_place;
     StreamChannel::Next m_next = StreamChannel::Next::kReadable;
     EventSourcePointer m_source;
@@ -75,11 +146,12 @@ private:
 };
 
 TcpInput::TcpInput(sd_event *loop, UniqueFd listener, Collector &collector, Counters &counters,
-                   ChannelMaker makeChannel)
+                   ConnectionShares &shares, ChannelMaker makeChannel)
     : m_loop(loop),
       m_listener(std::move(listener)),
       m_collector(collector),
       m_counters(counters),
+      m_shares(shares),
       m_makeChannel(std::move(makeChannel)),
       m_slice(kSlice, '\0'),
       m_source(required(watchInput(loop, m_listener.get(), onConnect, this))) {}
@@ -101,20 +173,64 @@ bool TcpInput::acceptOne() {
     UniqueFd socket(::accept4(m_listener.get(), reinterpret_cast<sockaddr *>(&address), &length,
                               SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!socket.isOpen()) {
-        if ((errno == EMFILE || errno == ENFILE) && !m_connections.empty()) {
-            closeIdlest();
-            return true;
-        }
-        return errno == ECONNABORTED || errno == EINTR;
+        return errno == ECONNABORTED || errno == EINTR || recoverFrom(errno);
     }
-    if (m_connections.size() >= kMostConnections) {
-        closeIdlest();
-    }
+    std::string host = addressText(address);
+    leaveReserve(socket, host);
     // Connections whose other end is gone without a word are noticed in the end.
     const int on = 1;
     ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    add(std::move(socket), addressText(address));
+    add(std::move(socket), std::move(host));
     return true;
+}
+
+/// Whether it is worth to try again at once after a connection could not be accepted.
+bool TcpInput::recoverFrom(int error) {
+    // Without a descriptor left the kernel does not even look whether somebody waits.
+    pollfd waiting{m_listener.get(), POLLIN, 0};
+    if (error == EAGAIN || ::poll(&waiting, 1, 0) != 1) {
+        return false;
+    }
+    if (error == EMFILE) {
+        if (auto *member = m_shares.toClose({}, ConnectionShares::Clock::now())) {
+            member->makeRoom();
+            return true;
+        }
+    }
+    if (m_source) {
+        // The connection goes on waiting, and would wake the loop all the time.
+        sd_event_source *timer = nullptr;
+        sd_event_add_time_relative(m_loop, &timer, CLOCK_MONOTONIC,
+                                   std::chrono::microseconds(kAcceptPause).count(), 0, onPauseEnd,
+                                   this);
+        m_pauseEnd.reset(timer);
+        sd_event_source_set_enabled(m_source.get(), m_pauseEnd ? SD_EVENT_OFF : SD_EVENT_ON);
+    }
+    return false;
+}
+
+int TcpInput::onPauseEnd(sd_event_source * /*source*/, std::uint64_t /*time*/, void *self) {
+    sd_event_source_set_enabled(static_cast<TcpInput *>(self)->m_source.get(), SD_EVENT_ON);
+    return 0;
+}
+
+/// Keeps the descriptors free that are not for connections: the kernel always gives the lowest one,
+/// so a new one that is too high says that all below are taken.
+void TcpInput::leaveReserve(UniqueFd &socket, const std::string &host) {
+    // When there have become fewer, each new one brings that nearer.
+    constexpr int kMostClosed = 4;
+    for (int i = 0; i < kMostClosed && socket.get() >= ConnectionShares::descriptorLimit(); ++i) {
+        auto *member =
+            m_shares.toClose(ConnectionShares::hostOf(host), ConnectionShares::Clock::now());
+        if (member == nullptr) {
+            return;
+        }
+        member->makeRoom();
+        UniqueFd lower(::fcntl(socket.get(), F_DUPFD_CLOEXEC, 0));
+        if (lower.isOpen() && lower.get() < socket.get()) {
+            socket = std::move(lower);
+        }
+    }
 }
 
 void TcpInput::add(UniqueFd socket, std::string host) {
@@ -160,8 +276,9 @@ TcpInput::Slice TcpInput::readSlice(Connections::iterator connection) {
     const auto [count, next] = connection->channel().read(m_slice.data(), m_slice.size());
     if (count > 0) {
         m_collector.beginTurn();
-        connection->splitter().feed({m_slice.data(), count});
+        connection->feed({m_slice.data(), count});
         m_collector.endTurn();
+        connection->touch();
         m_connections.splice(m_connections.end(), m_connections, connection);
     }
     if (next == StreamChannel::Next::kNothing) {
@@ -174,14 +291,13 @@ TcpInput::Slice TcpInput::readSlice(Connections::iterator connection) {
 
 void TcpInput::close(Connections::iterator connection) {
     m_collector.beginTurn();
-    connection->splitter().finish();
+    connection->finish();
     m_collector.endTurn();
     m_connections.erase(connection);
 }
 
 /// Reads what the kernel holds by now, and no more than that: the sender may be quicker.
-void TcpInput::closeIdlest() {
-    const auto connection = m_connections.begin();
+void TcpInput::makeRoom(Connections::iterator connection) {
     // Unless there is less to read, a slice leaves no more room than for one TLS record.
     constexpr std::size_t kLeastSlice = kSlice - StreamChannel::kLeastRoom;
     std::size_t slices = heldByKernel(connection->channel().fd()) / kLeastSlice + 1;
@@ -190,8 +306,23 @@ void TcpInput::closeIdlest() {
         last = readSlice(connection);
     }
     if (last != Slice::kClosed) {
-        close(connection);
         ++m_counters.connectionsClosed;
+        m_counters.closedUnread += isUnread(connection->channel()) ? 1U : 0U;
+        close(connection);
+    }
+}
+
+/// Whoever sets up a sender wants to know what it does wrong, but nobody shall flood the journal.
+void TcpInput::sayOdd(const std::string &text) {
+    constexpr int kMost = 20;
+    const auto now = std::chrono::steady_clock::now();
+    if (now - m_oddMinute >= std::chrono::minutes(1)) {
+        m_oddMinute = now;
+        m_oddSaid = 0;
+    }
+    if (m_oddSaid < kMost) {
+        ++m_oddSaid;
+        say(JournalLevel::kWarning, text);
     }
 }
 
@@ -219,15 +350,13 @@ void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
     while (!m_connections.empty()) {
         const auto connection = m_connections.begin();
         const bool late = isTime();
-        if (late && connection->channel().isEstablished() &&
-            heldByKernel(connection->channel().fd()) > 0) {
-            ++unread;
-        }
+        unread += late && isUnread(connection->channel()) ? 1U : 0U;
         if (late || readSlice(connection) == Slice::kQuiet) {
             close(connection);
         }
     }
     if (unread > 0) {
+        m_counters.closedUnread += unread;
         say(JournalLevel::kWarning,
             "Connections that were closed before all that had arrived was read: " +
                 std::to_string(unread));

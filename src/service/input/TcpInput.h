@@ -3,6 +3,7 @@
 #include "service/Collector.h"
 #include "service/SdEvent.h"
 #include "service/UniqueFd.h"
+#include "service/input/ConnectionShares.h"
 #include "service/input/FrameSplitter.h"
 #include "service/input/StreamChannel.h"
 
@@ -16,18 +17,18 @@ namespace quorbel {
 
 /// Receives messages over stream connections (RFC 6587) and hands them to the collector.
 ///
-/// Each connection is read one slice per turn of the loop, so that none keeps others waiting. At
-/// most kMostConnections are open: a new one takes the place of the one that was idle longest, once
-/// what has arrived over that is read. A connection that is not established after kLongestHandshake
-/// is closed.
+/// Each connection is read one slice per turn of the loop, so that none keeps others waiting. As
+/// many are open as there are descriptors for; then a new one takes the place of one that
+/// ConnectionShares finds, once what has arrived over that is read. A connection that is not
+/// established after kLongestHandshake is closed. What is odd about a stream is said in the journal
+/// once for a connection, and for twenty a minute.
 class TcpInput {
 public:
-    static constexpr std::size_t kMostConnections = 512;
     static constexpr std::chrono::seconds kLongestHandshake{10};
 
-    /// `collector` and `counters` must outlive the object. `makeChannel` may give null.
+    /// All must outlive the object. `makeChannel` may give null.
     TcpInput(sd_event *loop, UniqueFd listener, Collector &collector, Counters &counters,
-             ChannelMaker makeChannel = makePlainChannel);
+             ConnectionShares &shares, ChannelMaker makeChannel = makePlainChannel);
     ~TcpInput();
     TcpInput(const TcpInput &) = delete;
     TcpInput &operator=(const TcpInput &) = delete;
@@ -42,13 +43,17 @@ private:
     using Connections = std::list<Connection>;
 
     bool acceptOne();
+    bool recoverFrom(int error);
+    void leaveReserve(UniqueFd &socket, const std::string &host);
     void add(UniqueFd socket, std::string host);
     enum class Slice { kRead, kQuiet, kClosed };
     Slice readSlice(Connections::iterator connection);
     void close(Connections::iterator connection);
-    void closeIdlest();
+    void makeRoom(Connections::iterator connection);
+    void sayOdd(const std::string &text);
     [[nodiscard]] std::size_t countUnreadInBacklog() const;
     static int onConnect(sd_event_source *source, int fd, std::uint32_t events, void *self);
+    static int onPauseEnd(sd_event_source *source, std::uint64_t time, void *self);
     static int onReady(sd_event_source *source, int fd, std::uint32_t events, void *connection);
     static int onHandshakeTime(sd_event_source *source, std::uint64_t time, void *connection);
 
@@ -56,10 +61,14 @@ private:
     UniqueFd m_listener;
     Collector &m_collector;
     Counters &m_counters;
+    ConnectionShares &m_shares;
     ChannelMaker m_makeChannel;
     std::string m_slice;
-    Connections m_connections;  ///< the one that was idle longest in front
+    std::chrono::steady_clock::time_point m_oddMinute{};
+    int m_oddSaid = 0;          ///< since then
+    Connections m_connections;  ///< in which something came last at the end
     EventSourcePointer m_source;
+    EventSourcePointer m_pauseEnd;  ///< until which nothing is accepted
 };
 
 }  // namespace quorbel

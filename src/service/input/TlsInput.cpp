@@ -18,12 +18,13 @@ constexpr std::chrono::seconds kLongestDrain{1};
 }  // namespace
 
 TlsInput::TlsInput(sd_event *loop, std::filesystem::path folder, std::uint16_t port,
-                   Collector &collector, Counters &counters)
+                   Collector &collector, Counters &counters, ConnectionShares &shares)
     : m_loop(loop),
       m_folder(std::move(folder)),
       m_port(port),
       m_collector(collector),
       m_counters(counters),
+      m_shares(shares),
       m_refusalSaid(Clock::now() - kRefusalPause) {}
 
 TlsInput::~TlsInput() = default;
@@ -69,7 +70,7 @@ std::string TlsInput::listen() {
     auto &listener = std::get<StreamListener>(opened);
     m_input =
         std::make_unique<TcpInput>(m_loop, std::move(listener.socket), m_collector, m_counters,
-                                   [this](UniqueFd socket, const std::string &host) {
+                                   m_shares, [this](UniqueFd socket, const std::string &host) {
                                        return makeChannel(std::move(socket), host);
                                    });
     say(JournalLevel::kInformation, "Listening for TLS on port " + std::to_string(listener.port));

@@ -22,9 +22,9 @@ class TlsInput {
 public:
     static constexpr std::uint16_t kDefaultPort = 6514;
 
-    /// `collector` and `counters` must outlive the object. Port 0 takes any that is free.
+    /// All must outlive the object. Port 0 takes any that is free.
     TlsInput(sd_event *loop, std::filesystem::path folder, std::uint16_t port, Collector &collector,
-             Counters &counters);
+             Counters &counters, ConnectionShares &shares);
     ~TlsInput();
     TlsInput(const TlsInput &) = delete;
     TlsInput &operator=(const TlsInput &) = delete;
@@ -48,6 +48,7 @@ private:
     const std::uint16_t m_port;
     Collector &m_collector;
     Counters &m_counters;
+    ConnectionShares &m_shares;
     std::string m_lastProblem;
     std::chrono::steady_clock::time_point m_refusalSaid;
     std::optional<TlsContext> m_context;

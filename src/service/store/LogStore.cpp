@@ -143,9 +143,11 @@ bool LogStore::openFor(const std::string &name) {
         return true;
     }
     retireFile();
-    m_file = openForAppending(file, O_CREAT);
+    m_spareForFile.refill();
+    const auto open = [&file] { return openForAppending(file, O_CREAT); };
+    m_file = m_spareForFile.useFor(open);
     if (!m_file.isOpen() && errno == ENOENT && ::mkdir(m_folder.c_str(), kFolderMode) == 0) {
-        m_file = openForAppending(file, O_CREAT);
+        m_file = m_spareForFile.useFor(open);
     }
     if (!m_file.isOpen()) {
         return false;
@@ -348,7 +350,9 @@ void LogStore::syncWhenDirty() {
 std::vector<UniqueFd> LogStore::takeDirtyFiles() {
     std::vector<UniqueFd> files = std::exchange(m_retired, {});
     if (m_file.isOpen()) {
-        files.emplace_back(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0));
+        m_spareForSync.refill();
+        files.push_back(m_spareForSync.useFor(
+            [this] { return UniqueFd(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0)); }));
     }
     m_dirty = false;
     m_urgent = false;

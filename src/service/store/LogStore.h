@@ -2,6 +2,7 @@
 
 #include "service/UniqueFd.h"
 #include "service/store/LogFiles.h"
+#include "service/store/SpareDescriptor.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -96,6 +97,9 @@ private:
     // All of this under m_mutex.
     UniqueFd m_file;  ///< open for appending
     std::string m_fileName;
+    // Connections can take all others.
+    SpareDescriptor m_spareForFile;
+    SpareDescriptor m_spareForSync;
     bool m_folderChanged = false;
     std::vector<UniqueFd> m_retired;  ///< no longer appended to, not yet synced
     bool m_dirty = false;
