@@ -15,11 +15,6 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-std::size_t countDigits(std::string_view text, std::size_t most) {
-    text = text.substr(0, most);
-    return static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
-}
-
 std::size_t numberOf(std::string_view digits) {
     std::size_t number = 0;
     for (const char digit : digits) {
@@ -30,6 +25,9 @@ std::size_t numberOf(std::string_view digits) {
 
 /// How much of a byte order mark a text begins with.
 Kind findMark(std::string_view text) {
+    if (!text.empty() && text.front() != kByteOrderMark.front()) {
+        return Kind::kAbsent;
+    }
     if (text.starts_with(kByteOrderMark)) {
         return Kind::kComplete;
     }
@@ -62,17 +60,22 @@ FrameHeader readCount(std::string_view text) {
         return {mark};
     }
     const std::size_t begin = mark == Kind::kComplete ? kByteOrderMark.size() : 0;
-    text.remove_prefix(begin);
-    const std::size_t digits = countDigits(text, kMostCountDigits);
-    if (digits == text.size()) {
-        return {text.starts_with('0') ? Kind::kAbsent : Kind::kIncomplete};
+    std::size_t at = begin;
+    std::size_t length = 0;
+    const std::size_t most = std::min(text.size(), begin + kMostCountDigits);
+    for (; at < most && isDigit(text[at]); ++at) {
+        length = 10 * length + static_cast<std::size_t>(text[at] - '0');
+        if (length == 0) {
+            return {};
+        }
     }
-    const std::size_t length = numberOf(text.substr(0, digits));
-    if (length == 0 || length > FrameHeader::kMostCounted || text.front() == '0' ||
-        text[digits] != ' ') {
+    if (at == text.size()) {
+        return {Kind::kIncomplete};
+    }
+    if (length == 0 || length > FrameHeader::kMostCounted || text[at] != ' ') {
         return {};
     }
-    return {Kind::kComplete, begin + digits + 1, length};
+    return {Kind::kComplete, at + 1, length};
 }
 
 FrameHeader readHeader(std::string_view text) {
@@ -95,19 +98,18 @@ FrameHeader::Kind findPriority(std::string_view text) {
     if (mark == Kind::kIncomplete) {
         return mark;
     }
-    text.remove_prefix(mark == Kind::kComplete ? kByteOrderMark.size() : 0);
-    if (text.empty()) {
-        return Kind::kIncomplete;
-    }
-    if (text.front() != '<') {
+    std::size_t at = mark == Kind::kComplete ? kByteOrderMark.size() : 0;
+    if (at < text.size() && text[at] != '<') {
         return Kind::kAbsent;
     }
-    const std::size_t digits = countDigits(text.substr(1), kMostDigits);
-    const std::string_view after = text.substr(1 + digits);
-    if (after.empty()) {
+    const std::size_t digits = ++at;
+    while (at < text.size() && at < digits + kMostDigits && isDigit(text[at])) {
+        ++at;
+    }
+    if (at >= text.size()) {
         return Kind::kIncomplete;
     }
-    return digits > 0 && after.front() == '>' ? Kind::kComplete : Kind::kAbsent;
+    return at > digits && text[at] == '>' ? Kind::kComplete : Kind::kAbsent;
 }
 
 HeadersBefore headersBefore(std::string_view text, std::size_t from, std::size_t at) {

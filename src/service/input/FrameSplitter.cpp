@@ -34,14 +34,27 @@ std::size_t findEndOf(std::string_view text, std::size_t from, bool orPriority) 
 
 }  // namespace
 
+/// What is left of earlier bytes is joined with no more of the new ones than it needs; these are
+/// then taken where they stand.
 void FrameSplitter::feed(std::string_view bytes) {
-    std::string_view rest = bytes;
-    if (!m_buffer.empty()) {
-        m_buffer += bytes;
-        rest = m_buffer;
+    constexpr std::size_t kPiece = 2048;
+    while (!m_buffer.empty() && !bytes.empty()) {
+        const std::string_view piece = bytes.substr(0, kPiece);
+        m_buffer += piece;
+        std::string_view rest = m_buffer;
+        takeFrames(rest);
+        const bool isJoined = rest.size() <= piece.size();
+        bytes.remove_prefix(piece.size() - (isJoined ? rest.size() : 0));
+        m_buffer.erase(0, m_buffer.size() - (isJoined ? 0 : rest.size()));
     }
-    takeFrames(rest);
-    keep(rest);
+    if (m_buffer.empty()) {
+        takeFrames(bytes);
+        m_buffer = bytes;
+    }
+    // Connections are many and idle for long: none sits on what its largest message took.
+    if (m_buffer.capacity() > 2 * m_buffer.size() + 2 * kPiece) {
+        m_buffer.shrink_to_fit();
+    }
 }
 
 void FrameSplitter::finish() {
@@ -53,20 +66,6 @@ void FrameSplitter::finish() {
 
 void FrameSplitter::takeFrames(std::string_view &rest) {
     while (!rest.empty() && takeFrame(rest)) {
-    }
-}
-
-/// Keeps what is left of the buffer, or of what was fed while that was empty. Connections are many
-/// and idle for long: none sits on the memory that its busiest moment took.
-void FrameSplitter::keep(std::string_view rest) {
-    if (m_buffer.empty()) {
-        m_buffer = rest;
-    } else {
-        m_buffer.erase(0, m_buffer.size() - rest.size());
-    }
-    constexpr std::size_t kRoom = 4096;
-    if (m_buffer.capacity() > 2 * m_buffer.size() + kRoom) {
-        m_buffer.shrink_to_fit();
     }
 }
 
@@ -132,13 +131,14 @@ bool FrameSplitter::takeCounted(std::string_view &rest, const FrameHeader &heade
 /// the next header, while all of them lead to nothing.
 FrameSplitter::Answer FrameSplitter::findTail(std::string_view rest, const FrameHeader &header,
                                               std::size_t &length) const {
-    if (m_framing != Framing::kCounted) {
+    const std::string_view message =
+        rest.substr(header.length, std::min(header.messageLength, kMaxFrame));
+    // Nearly always there is nothing more to look at.
+    if (m_framing != Framing::kCounted || message.find('<', 1) == std::string_view::npos) {
         return Answer::kNo;
     }
     const HeadersBefore shorter =
         headersBefore(rest, rest.find_first_of("123456789") + 1, header.length);
-    const std::string_view message =
-        rest.substr(header.length, std::min(header.messageLength, kMaxFrame));
     constexpr int kEnough = 8;  // Nobody holds a megabyte to see what follows it.
     const bool tooLong = header.messageLength > kMaxFrame;
     const auto *const end = shorter.places.begin() + shorter.count;

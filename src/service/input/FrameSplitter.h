@@ -26,7 +26,7 @@ namespace quorbel {
 /// has neither a priority nor, for kMaxFrame bytes, a line end is it searched for a header.)
 ///
 /// What is handed on depends on the bytes alone, not on the pieces in which they come. Holds less
-/// than twice kMaxFrame and what one call of feed() brought, and next to nothing between frames.
+/// than twice kMaxFrame, and next to nothing between frames.
 class FrameSplitter {
 public:
     static constexpr std::size_t kMaxFrame = std::size_t{64} * 1024;
@@ -76,7 +76,6 @@ private:
     void consumeAlongCounts(std::string_view &rest, std::size_t count);
     void handOn(std::string_view frame, Kind kind);
     void handOnStray(std::string_view text);
-    void keep(std::string_view rest);
 
     FrameHandler m_onFrame;
     std::string m_buffer;
