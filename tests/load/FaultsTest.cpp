@@ -302,8 +302,8 @@ TEST_F(FaultsTest, LetsStalledConnectionsDelayNobody) {
 }
 
 TEST_F(FaultsTest, StoresAMessageOfEachOfManyConnections) {
-    const auto service = start();
     // More than the service keeps open at a time.
+    const auto service = start({.library = {}, .busAddress = {}, .descriptors = 512});
     const auto count = load::soakOr<std::uint64_t>(10'000, 1'500);
     std::vector<UniqueFd> open;
     for (std::uint64_t i = 0; i < count; ++i) {
