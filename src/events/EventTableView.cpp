@@ -2,11 +2,14 @@
 
 #include "events/EventTableModel.h"
 
+#include <QFocusEvent>
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace quorbel {
 
@@ -94,6 +97,25 @@ void EventTableView::fitColumns() {
         header->setStretchLastSection(hasRoom);
         setColumnWidth(EventTableModel::kMessage, share);
     }
+}
+
+void EventTableView::mousePressEvent(QMouseEvent *event) {
+    RowTableView::mousePressEvent(event);
+    m_wasPressed = indexAt(event->pos()).isValid();
+    Q_EMIT firstPress();
+}
+
+void EventTableView::mouseDoubleClickEvent(QMouseEvent *event) {
+    if (std::exchange(m_wasPressed, false)) {
+        Q_EMIT secondPress();
+    } else {
+        mousePressEvent(event);  // the first press fell on something else, such as a closed sheet
+    }
+}
+
+void EventTableView::focusOutEvent(QFocusEvent *event) {
+    m_wasPressed = false;
+    RowTableView::focusOutEvent(event);
 }
 
 }  // namespace quorbel

@@ -18,9 +18,19 @@ public:
     /// `model` has the columns of an EventTableModel.
     void setModel(QAbstractItemModel *model) override;
 
+Q_SIGNALS:
+    /// A mouse button was pressed, and the selection follows it already.
+    void firstPress();
+    /// It was pressed again, for a double click, whatever stands under the pointer now. Unlike
+    /// doubleClicked(), which needs the same row there.
+    void secondPress();
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     [[nodiscard]] int widthFor(const QString &text) const;
@@ -31,6 +41,7 @@ private:
     int m_widestHost = 0;  // at least the narrow one
     bool m_isFitting = false;
     bool m_isSetByUser = false;
+    bool m_wasPressed = false;
 };
 
 }  // namespace quorbel

@@ -2,6 +2,7 @@
 
 #include "core/AppDelegate.h"
 #include "events/EventDeletion.h"
+#include "events/EventSelection.h"
 #include "events/EventTableModel.h"
 #include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
@@ -11,7 +12,6 @@
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
-#include <QItemSelection>
 #include <QLocale>
 #include <QScrollBar>
 
@@ -19,14 +19,6 @@
 #include <utility>
 
 namespace quorbel {
-
-namespace {
-
-RowRange rangeOf(const QItemSelectionRange &range) {
-    return {static_cast<std::size_t>(range.top()), static_cast<std::size_t>(range.height())};
-}
-
-}  // namespace
 
 ScanView::ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget *parent)
     : Page(parent),
@@ -49,8 +41,8 @@ void ScanView::viewDidLoad() {
     ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
-    connect(ui->tableView, &QAbstractItemView::doubleClicked, this, &ScanView::doubleClickTable);
-    connect(ui->tableView, &EventTableView::enterPressed, this, &ScanView::doubleClickTable);
+    m_selection = std::make_unique<EventSelection>(m_arrController, *ui->tableView);
+    connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
     connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);
     connect(ui->testSyslog, &QAbstractButton::clicked, this, &ScanView::testSyslog);
@@ -61,8 +53,6 @@ void ScanView::viewDidLoad() {
         connect(m_model.get(), signal, this, &ScanView::countChanged);
     }
     connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::countChanged);
-    connect(m_model.get(), &QAbstractItemModel::modelAboutToBeReset, this, &ScanView::rememberView);
-    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::restoreView);
     showCount();
 }
 
@@ -72,6 +62,7 @@ void ScanView::viewWillAppear() {
     m_model->refreshAll();
     ui->tableView->scrollToTop();
     ui->tableView->selectionModel()->clear();
+    m_selection->clear();
 }
 
 void ScanView::viewDidAppear() {
@@ -86,7 +77,7 @@ EventId ScanView::insertEvent(const EventFields &event) {
         bar->setMaximum(bar->maximum() + 1);
         bar->setValue(bar->value() + 1);
     }
-    ui->tableView->clearSelection();
+    m_selection->clearForArrival();
     return id;
 }
 
@@ -111,12 +102,7 @@ int ScanView::numberOfRows() {
 }
 
 int ScanView::selectedRow() {
-    const QItemSelectionModel *selection = ui->tableView->selectionModel();
-    const QModelIndex current = selection->currentIndex();
-    if (selection->isSelected(current)) {
-        return current.row();
-    }
-    return selection->hasSelection() ? static_cast<int>(selectedRows().front().first) : -1;
+    return m_selection->row();
 }
 
 int ScanView::rowOf(const Event &event) {
@@ -144,14 +130,12 @@ Event ScanView::eventAt(int row) {
 }
 
 Event ScanView::selectRow(int row) {
-    const QModelIndex index = m_model->index(row, EventTableModel::kRating);
-    ui->tableView->selectionModel()->setCurrentIndex(
-        index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    ui->tableView->scrollTo(index);
+    m_selection->select(row);
     return eventAt(row);
 }
 
 void ScanView::doubleClickTable() {
+    removeAnnounced();
     const int row = selectedRow();
     if (row < 0) {
         return;
@@ -167,66 +151,17 @@ void ScanView::doubleClickTable() {
     sheet->presentOver(this);
 }
 
-ScanView::Rows ScanView::selectedRows() const {
-    Rows rows;
-    for (const QItemSelectionRange &range : ui->tableView->selectionModel()->selection()) {
-        rows.push_back(rangeOf(range));
-    }
-    std::ranges::sort(rows, {}, &RowRange::first);
-    return rows;
-}
-
 ScanView::Rows ScanView::allRows() const {
     return m_arrController.size() == 0 ? Rows{} : Rows{{0, m_arrController.size()}};
 }
 
-void ScanView::rememberView() {
-    m_rememberedSelection = idsOf(selectedRows());
-    const int top = ui->tableView->rowAt(0);
-    m_rememberedTop = top > 0 ? m_arrController.idAt(static_cast<std::size_t>(top)) : 0;
-}
-
-void ScanView::restoreView() {
-    QItemSelection selection;
-    for (const RowRange &range : joinRows(rowsOf(std::exchange(m_rememberedSelection, {})))) {
-        const auto first = static_cast<int>(range.first);
-        const auto last = static_cast<int>(range.first + range.count - 1);
-        selection.select(m_model->index(first, 0),
-                         m_model->index(last, EventTableModel::kColumnCount - 1));
-    }
-    ui->tableView->selectionModel()->select(selection, QItemSelectionModel::Select);
-    if (const auto top = m_arrController.rowOf(m_rememberedTop)) {
-        ui->tableView->scrollTo(m_model->index(static_cast<int>(*top), 0),
-                                QAbstractItemView::PositionAtTop);
-    }
-}
-
-std::vector<EventId> ScanView::idsOf(const Rows &rows) {
-    std::vector<EventId> ids;
-    for (const RowRange &range : rows) {
-        for (std::size_t row = range.first; row < range.first + range.count; ++row) {
-            ids.push_back(m_arrController.idAt(row));
-        }
-    }
-    return ids;
-}
-
-std::vector<std::size_t> ScanView::rowsOf(const std::vector<EventId> &ids) {
-    std::vector<std::size_t> rows;
-    for (const EventId id : ids) {
-        if (const auto row = m_arrController.rowOf(id)) {
-            rows.push_back(*row);
-        }
-    }
-    return rows;
-}
-
 void ScanView::deleteEvents() {
     removeAnnounced();
-    const Rows selection = selectedRows();
+    const Rows selection = m_selection->rows();
     if (!selection.empty()) {
-        confirmDeletion(QStringLiteral("selected"),
-                        [this, chosen = idsOf(selection)] { return joinRows(rowsOf(chosen)); });
+        confirmDeletion(QStringLiteral("selected"), [this, chosen = m_selection->idsOf(selection)] {
+            return joinRows(m_selection->rowsOf(chosen));
+        });
         return;
     }
     offerAll(QStringLiteral("Delete all events"),
@@ -264,7 +199,7 @@ void ScanView::deleteRows(const Rows &rows) {
     Dictionary deleted = takeForDeletion(m_arrController, rows, m_delegate.state);
     m_arrController.removeRows(rows);
     updateEvents(std::move(deleted));
-    ui->tableView->clearSelection();
+    m_selection->clear();
 }
 
 void ScanView::updateEvents(Dictionary deleted) {
@@ -273,15 +208,17 @@ void ScanView::updateEvents(Dictionary deleted) {
 
 void ScanView::exportEvents() {
     removeAnnounced();
-    if (const Rows selection = selectedRows(); !selection.empty()) {
-        openExportPanel(this, "events", [this, chosen = idsOf(selection)](const QString &path) {
-            writeEvents(path, chosen);
-        });
+    if (const Rows selection = m_selection->rows(); !selection.empty()) {
+        openExportPanel(this, "events",
+                        [this, chosen = m_selection->idsOf(selection)](const QString &path) {
+                            writeEvents(path, chosen);
+                        });
         return;
     }
     offerAll(QStringLiteral("Export all events"), [this] {
-        openExportPanel(this, "events",
-                        [this](const QString &path) { writeEvents(path, idsOf(allRows())); });
+        openExportPanel(this, "events", [this](const QString &path) {
+            writeEvents(path, m_selection->idsOf(allRows()));
+        });
     });
 }
 

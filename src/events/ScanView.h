@@ -17,6 +17,7 @@ class ScanView;
 namespace quorbel {
 
 class AppDelegate;
+class EventSelection;
 class EventTableModel;
 class Storyboard;
 
@@ -55,16 +56,9 @@ public:
 private:
     using Rows = std::vector<RowRange>;
 
-    [[nodiscard]] Rows selectedRows() const;
     [[nodiscard]] Rows allRows() const;
-    [[nodiscard]] std::vector<EventId> idsOf(const Rows &rows);
-    /// Those of the events that the list still holds.
-    [[nodiscard]] std::vector<std::size_t> rowsOf(const std::vector<EventId> &ids);
     [[nodiscard]] Event eventAt(int row);
     void removeAnnounced();
-    // A large change of the list keeps the selection and the place where one reads.
-    void rememberView();
-    void restoreView();
     /// Says that no events are selected; `onTicked` runs when the check box was ticked.
     void offerAll(const QString &checkBox, std::function<void()> onTicked);
     /// Asks first. `rows` tells which events are meant once "Yes" was pressed: the list goes on
@@ -81,10 +75,9 @@ private:
     EventList m_arrController;
     std::unique_ptr<EventTableModel> m_model;
     std::unique_ptr<Ui::ScanView> ui;
+    std::unique_ptr<EventSelection> m_selection;
     bool m_removalIsDue = false;
     bool m_countIsDue = false;
-    std::vector<EventId> m_rememberedSelection;
-    EventId m_rememberedTop = 0;
 };
 
 }  // namespace quorbel

@@ -6,7 +6,9 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <functional>
 #include <optional>
+#include <string>
 
 namespace quorbel {
 
@@ -30,6 +32,32 @@ private:
         QTest::mouseDClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier, placeOf(row));
         QCOMPARE(sheets().size(), 1);
         QVERIFY(QTest::qWaitForWindowExposed(sheet()));
+    }
+    void mouse(QEvent::Type type, const QPoint &place) {
+        const auto buttons =
+            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::LeftButton);
+        QWidget *target = table()->viewport();
+        QMouseEvent event(type, place, target->mapToGlobal(place), Qt::LeftButton, buttons,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+    }
+    // A double click as it comes from the window system, with something happening between its two
+    // presses.
+    void doubleClickRow(int row, const std::function<void()> &meanwhile) {
+        const QPoint place = placeOf(row);
+        mouse(QEvent::MouseButtonPress, place);
+        mouse(QEvent::MouseButtonRelease, place);
+        meanwhile();
+        mouse(QEvent::MouseButtonDblClick, place);
+        mouse(QEvent::MouseButtonRelease, place);
+    }
+    void arrive(int count) {
+        for (int i = 0; i < count; ++i) {
+            m_page->insertEvent(fields(std::to_string(1700001000 + i), "new"));
+        }
+    }
+    void remove(int number) {
+        m_page->removeEvent(fields(std::to_string(1700000000 + number), std::to_string(number)));
     }
     QString line(const char *edit) { return sheet()->findChild<QLineEdit *>(name(edit))->text(); }
     QString message() {
@@ -81,6 +109,115 @@ private Q_SLOTS:
         QVERIFY(!button("eventUp")->icon().isNull());
         QVERIFY(!button("eventDown")->icon().isNull());
         QCOMPARE(sheet()->minimumSize(), sheet()->maximumSize());
+    }
+
+    void aDoubleClickMeansTheEventUnderItsFirstPress_data() {
+        QTest::addColumn<int>("arrivals");
+        for (const int arrivals : {0, 1, 4, 100}) {
+            QTest::addRow("%d", arrivals) << arrivals;
+        }
+    }
+    void aDoubleClickMeansTheEventUnderItsFirstPress() {
+        QFETCH(int, arrivals);
+        showRows(5);
+        doubleClickRow(2, [&] { arrive(arrivals); });
+        QCOMPARE(sheets().size(), 1);
+        QCOMPARE(message(), name("2"));
+        QCOMPARE(selected(), QList<int>{2 + arrivals});
+        const QRect place = table()->visualRect(table()->model()->index(2 + arrivals, 0));
+        QVERIFY(table()->viewport()->rect().contains(place.center()));
+    }
+
+    void aDoubleClickMeansItWhateverElseGoes() {
+        showRows(60);
+        doubleClickRow(5, [&] {
+            arrive(3);
+            for (const int gone : {59, 57, 50, 1}) {
+                remove(gone);
+            }
+            QTRY_COMPARE(list().size(), std::size_t{59});
+        });
+        QCOMPARE(sheets().size(), 1);
+        QCOMPARE(message(), name("54"));
+    }
+
+    void aDoubleClickOnAnEventThatGoesMeanwhileOpensNothing_data() {
+        QTest::addColumn<bool>("atOnce");
+        QTest::newRow("has left the list") << true;
+        QTest::newRow("is about to") << false;
+    }
+    void aDoubleClickOnAnEventThatGoesMeanwhileOpensNothing() {
+        QFETCH(bool, atOnce);
+        showRows(5);
+        doubleClickRow(2, [&] {
+            arrive(1);
+            remove(2);
+            if (atOnce) {
+                QTRY_COMPARE(list().size(), std::size_t{5});
+            }
+        });
+        QCOMPARE(sheets().size(), 0);
+        QCOMPARE(list().size(), std::size_t{5});
+        QCOMPARE(selected(), QList<int>());
+    }
+
+    void theSecondPressAloneIsNoDoubleClick() {
+        showRows(3);
+        doubleClickRow(1, [] {});
+        QTest::keyClick(sheet(), Qt::Key_Escape);
+        QTRY_COMPARE(sheets().size(), 0);
+        // As after a press on the sheet's button.
+        mouse(QEvent::MouseButtonDblClick, placeOf(0));
+        mouse(QEvent::MouseButtonRelease, placeOf(0));
+        QCOMPARE(sheets().size(), 0);
+        QCOMPARE(selected(), QList<int>{0});
+    }
+
+    void enterOpensWhatWasChosenBeforeEventsArrived() {
+        showRows(5);
+        clickRow(1);
+        QTest::keyClick(table(), Qt::Key_Down);
+        arrive(3);
+        QCOMPARE(selected(), QList<int>());
+        QTest::keyClick(table(), Qt::Key_Return);
+        QCOMPARE(sheets().size(), 1);
+        QCOMPARE(message(), name("2"));
+        QCOMPARE(selected(), QList<int>{5});
+        // What was stepped to is chosen, too.
+        press("eventDown");
+        press("onOK");
+        QTRY_COMPARE(sheets().size(), 0);
+        arrive(1);
+        QTest::keyClick(table(), Qt::Key_Return);
+        QCOMPARE(message(), name("1"));
+    }
+
+    void enterOpensNothingThatWasGivenUp_data() {
+        QTest::addColumn<int>("way");
+        QTest::newRow("removed") << 0;
+        QTest::newRow("clicked beside the rows") << 1;
+        QTest::newRow("deselected") << 2;
+        QTest::newRow("page shown again") << 3;
+    }
+    void enterOpensNothingThatWasGivenUp() {
+        QFETCH(int, way);
+        showRows(5);
+        clickRow(1);
+        if (way == 2) {
+            clickRow(1, Qt::ControlModifier);
+        }
+        arrive(1);
+        if (way == 0) {
+            remove(3);
+            QTRY_COMPARE(list().size(), std::size_t{5});
+        } else if (way == 1) {
+            QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, placeOf(5) + QPoint(0, 100));
+        } else if (way == 3) {
+            m_page->hide();
+            show();
+        }
+        QTest::keyClick(table(), Qt::Key_Return);
+        QCOMPARE(sheets().size(), 0);
     }
 
     void enterOpensItAndAHeldKeyDoesNot() {
