@@ -97,6 +97,10 @@ void ScanView::removeAnnounced() {
     m_arrController.removeMarked();
 }
 
+const QAbstractItemModel &ScanView::rowModel() {
+    return *m_model;
+}
+
 int ScanView::numberOfRows() {
     return m_model->rowCount();
 }

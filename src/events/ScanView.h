@@ -39,6 +39,7 @@ public:
     EventId insertEvent(const EventFields &event) override;
     void removeEvent(const EventFields &announced) override;
 
+    [[nodiscard]] const QAbstractItemModel &rowModel() override;
     [[nodiscard]] int numberOfRows() override;
     /// Of several selected rows the one that was selected last.
     [[nodiscard]] int selectedRow() override;

@@ -4,6 +4,7 @@
 #include "platform/gui/QtText.h"
 #include "ui_ScanViewEvent.h"
 
+#include <QAbstractItemModel>
 #include <QKeySequence>
 #include <QLineEdit>
 
@@ -44,6 +45,12 @@ void ScanViewEvent::viewDidLoad() {
 void ScanViewEvent::viewWillAppear() {
     // Not when it was loaded: it knows its event and its list only now.
     setDetails();
+    if (SteppableList *events = list()) {
+        const QAbstractItemModel *rows = &events->rowModel();
+        connect(rows, &QAbstractItemModel::rowsInserted, this, &ScanViewEvent::setStepping);
+        connect(rows, &QAbstractItemModel::rowsRemoved, this, &ScanViewEvent::setStepping);
+        connect(rows, &QAbstractItemModel::modelReset, this, &ScanViewEvent::setStepping);
+    }
 }
 
 void ScanViewEvent::setDetails() {
@@ -58,6 +65,10 @@ void ScanViewEvent::setDetails() {
         ui->eventUp->hide();
         return;
     }
+    setStepping();
+}
+
+void ScanViewEvent::setStepping() {
     ui->eventDown->setEnabled(rowBeside(1).has_value());
     ui->eventUp->setEnabled(rowBeside(-1).has_value());
 }

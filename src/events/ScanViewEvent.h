@@ -38,6 +38,7 @@ private:
     /// The row that a step of `distance` rows leads to; nothing when the list ends before.
     [[nodiscard]] std::optional<int> rowBeside(int distance) const;
     void step(int distance);
+    void setStepping();
 
     std::unique_ptr<Ui::ScanViewEvent> ui;
     std::optional<Event> m_dict;

@@ -2,6 +2,8 @@
 
 #include "core/Event.h"
 
+class QAbstractItemModel;
+
 namespace quorbel {
 
 /// The list that a details sheet was opened from, as the sheet steps through it.
@@ -9,6 +11,8 @@ class SteppableList {
 public:
     virtual ~SteppableList() = default;
 
+    /// Whose signals tell that rows have come or gone.
+    [[nodiscard]] virtual const QAbstractItemModel &rowModel() = 0;
     [[nodiscard]] virtual int numberOfRows() = 0;
     /// -1 when there is none.
     [[nodiscard]] virtual int selectedRow() = 0;

@@ -323,6 +323,32 @@ private Q_SLOTS:
         }
     }
 
+    void theButtonsFollowWhatComesAndGoes() {
+        showRows(3);
+        doubleClickRow(0);
+        QCOMPARE(enabled(), (QList<bool>{false, true}));
+        arrive(1);
+        QCOMPARE(enabled(), (QList<bool>{true, true}));
+        remove(0);
+        remove(1);
+        QTRY_COMPARE(list().size(), std::size_t{2});
+        QCOMPARE(enabled(), (QList<bool>{true, false}));
+        press("eventUp");
+        QCOMPARE(message(), name("new"));
+        QCOMPARE(enabled(), (QList<bool>{false, true}));
+        list().removeRows({{1, 1}});
+        QCOMPARE(enabled(), (QList<bool>{false, false}));
+    }
+
+    void theButtonsFollowAListThatChangesAtLarge() {
+        showRows(5);
+        doubleClickRow(2);
+        QCOMPARE(enabled(), (QList<bool>{true, true}));
+        list().removeRows({{0, 2}, {3, 2}});
+        QCOMPARE(enabled(), (QList<bool>{false, false}));
+        QCOMPARE(message(), name("2"));
+    }
+
     void newEventsMeanwhileAreSteppedOverFromTheEventShown() {
         showRows(3);
         doubleClickRow(1);
