@@ -16,7 +16,7 @@ const Dictionary kServer{{"actionsEmailPort", 465},
                          {"actionsEmailServer", "mail.example.com"},
                          {"actionsEmailSender", "quorbel@example.com"},
                          {"actionsEmailUsername", "user"},
-                         {"actionsEmailPassword", " pass wörd "},
+                         {"actionsEmailPassword", "\uFEFF pass wörd "},
                          {"actionsEmailSecurity", "SSL/TLS"}};
 
 const Dictionary kEmptyServer{{"actionsEmailPort", 25},        {"actionsEmailTimeout", 1},
@@ -60,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(m_page->text("serverPort"), u"465"_s);
         QCOMPARE(m_page->text("serverSender"), u"quorbel@example.com"_s);
         QCOMPARE(m_page->text("serverUsername"), u"user"_s);
-        QCOMPARE(m_page->text("serverPassword"), u" pass wörd "_s);
+        QCOMPARE(m_page->text("serverPassword"), u"\uFEFF pass wörd "_s);
         QCOMPARE(m_page->chosen("serverSecurity"), u"SSL/TLS"_s);
         QCOMPARE(m_page->text("serverTimeout"), u"4"_s);
         QCOMPARE(slider().value(), 4);
@@ -190,7 +190,7 @@ private Q_SLOTS:
         auto &password = m_page->control<QLineEdit>("serverPassword");
         QCOMPARE(password.echoMode(), QLineEdit::Password);
         m_page->click("showPassword");
-        QCOMPARE(password.displayText(), u" pass wörd "_s);
+        QCOMPARE(password.displayText(), u"\uFEFF pass wörd "_s);
         m_page->click("showPassword");
         QCOMPARE(password.echoMode(), QLineEdit::Password);
     }

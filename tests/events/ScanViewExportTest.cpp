@@ -178,6 +178,9 @@ private Q_SLOTS:
         QTest::newRow("emoji") << QByteArray("disk 💾 is 🔥 👩‍👩‍👧");
         QTest::newRow("a tab and a return") << QByteArray("a\tb\rc");
         QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("U+FEFF in front") << QByteArray("\uFEFFhost");
+        QTest::newRow("unseen characters") << QByteArray("user \u202Etoor\u202C\u2028\u200B\uFFFE");
+        QTest::newRow("1 MB") << QByteArray(1'000'000, 'x');
     }
     void textsAreWrittenAsTheyStand() {
         QFETCH(QByteArray, text);

@@ -8,9 +8,16 @@
 
 namespace quorbel {
 
-/// UTF-8 text of the libraries as the widgets take it.
+/// UTF-8 text of the libraries as the widgets take it, to the letter.
 inline QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    // QString takes U+FEFF in front for a mark of the encoding and drops it.
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    QString marks;
+    for (; text.starts_with(kByteOrderMark); text.remove_prefix(kByteOrderMark.size())) {
+        marks += QChar(QChar::ByteOrderMark);
+    }
+    const QString rest = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    return marks.isEmpty() ? rest : marks + rest;
 }
 
 /// Shows a text in a field; one that is too long for it is seen from its beginning.
