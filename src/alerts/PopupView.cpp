@@ -4,6 +4,7 @@
 #include "core/Severity.h"
 #include "platform/Preferences.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
 #include "platform/gui/Storyboard.h"
@@ -103,10 +104,10 @@ void PopupView::setDetails() {
         setLabelIcon(*ui->popupImage, image, kImageSize);
     }
     const std::string priority = field("Priority");
-    const QString header = toQString(headerOf(priority));
+    const QString header = paintedRow(toQString(headerOf(priority)));
     ui->popupHeader->setText(header);
     ui->popupHeader->setAccessibleName(QStringLiteral("Severity: ") + header);
-    ui->popupDetails->setPlainText(toQString("Date: " + field("Date") + "\nPriority: " + priority +
+    ui->popupDetails->setWholeText(toQString("Date: " + field("Date") + "\nPriority: " + priority +
                                              "\nHost: " + field("Host") + "\n\nMessage:\n" +
                                              field("Message")));
 }

@@ -1,6 +1,7 @@
 #include "events/EventTableModel.h"
 
 #include "platform/gui/Icons.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
 #include <algorithm>
@@ -75,6 +76,9 @@ QVariant EventTableModel::data(const QModelIndex &index, int role) const {
     const auto row = static_cast<std::size_t>(index.row());
     if (role == Qt::DisplayRole) {
         return text(row, index.column());
+    }
+    if (role == Qt::AccessibleTextRole) {
+        return paintedRow(text(row, index.column()));
     }
     if (role == Qt::DecorationRole && index.column() == kRating) {
         const std::string_view image = m_list.image(row);

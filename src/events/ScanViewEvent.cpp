@@ -6,7 +6,6 @@
 
 #include <QAbstractItemModel>
 #include <QKeySequence>
-#include <QLineEdit>
 
 namespace quorbel {
 
@@ -14,11 +13,6 @@ namespace {
 
 QString field(const Event &event, std::string_view key) {
     return toQString(event.value(key).value_or(std::string()));
-}
-
-void setLine(QLineEdit *edit, const QString &text) {
-    edit->setText(text);
-    edit->setCursorPosition(0);  // a long text is seen from its beginning
 }
 
 }  // namespace
@@ -55,10 +49,10 @@ void ScanViewEvent::viewWillAppear() {
 
 void ScanViewEvent::setDetails() {
     if (m_dict) {
-        setLine(ui->eventDate, field(*m_dict, "Date"));
-        setLine(ui->eventPriority, field(*m_dict, "Priority"));
-        setLine(ui->eventHost, field(*m_dict, "Host"));
-        ui->eventMessage->setPlainText(field(*m_dict, "Message"));
+        ui->eventDate->setWholeText(field(*m_dict, "Date"));
+        ui->eventPriority->setWholeText(field(*m_dict, "Priority"));
+        ui->eventHost->setWholeText(field(*m_dict, "Host"));
+        ui->eventMessage->setWholeText(field(*m_dict, "Message"));
     }
     if (m_hideButtons) {
         ui->eventDown->hide();

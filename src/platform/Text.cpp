@@ -27,6 +27,11 @@ std::string_view withoutLeadingSpace(std::string_view text) {
     return text;
 }
 
+/// What an emoji's flag is spelled with, behind the black flag.
+bool isTag(char32_t code) {
+    return code >= 0xE0020 && code <= 0xE007F;
+}
+
 // std::from_chars does not say whether a number was too large or too small.
 double outOfRangeValue(const std::string &number) {
     static const locale_t kPlainLocale = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -112,6 +117,28 @@ std::string_view trimmed(std::string_view text) {
     constexpr std::string_view kBlanks = " \t\r\n";
     const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+bool isUnseen(char32_t code, char32_t before, char32_t after) {
+    // The scripts and emoji beyond this one need them; in Latin, Greek or Cyrillic they only hide.
+    constexpr char32_t kFirstJoinedScript = 0x0590;
+    constexpr char32_t kKeycap = 0x20E3;
+    const auto character = static_cast<UChar32>(code);
+    if (code >= ' ' && code < 0x7F) {
+        return false;
+    }
+    if (u_hasBinaryProperty(character, UCHAR_JOIN_CONTROL) != 0) {
+        return before < kFirstJoinedScript || after < kFirstJoinedScript;
+    }
+    if (u_hasBinaryProperty(character, UCHAR_VARIATION_SELECTOR) != 0 || isTag(code)) {
+        return before < kFirstJoinedScript && after != kKeycap;
+    }
+    constexpr std::uint32_t kUnseen =
+        U_GC_CC_MASK | U_GC_CF_MASK | U_GC_CS_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK;
+    return ((U_GET_GC_MASK(character) & kUnseen) != 0 &&
+            u_hasBinaryProperty(character, UCHAR_PREPENDED_CONCATENATION_MARK) == 0) ||
+           u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0 ||
+           U_IS_UNICODE_NONCHAR(character);
 }
 
 bool isUtf8(std::string_view bytes) {

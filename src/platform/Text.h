@@ -22,6 +22,12 @@ std::int64_t integerValue(std::string_view text);
 /// A text without the blanks (space, tab, carriage return, line feed) around it.
 std::string_view trimmed(std::string_view text);
 
+/// Whether a character is not seen where a text is painted, or makes the text around it look other
+/// than it is: controls, what turns the direction of reading, what has no width, separators of
+/// lines and what is no character. `before` and `after` are its neighbours, 0 at an end: what joins
+/// or varies the characters of a script, or of an emoji, does so visibly and is none of these.
+bool isUnseen(char32_t code, char32_t before, char32_t after);
+
 /// Whether the bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing above
 /// U+10FFFF).
 bool isUtf8(std::string_view bytes);

@@ -1,5 +1,6 @@
 #include "reports/ReportPrinter.h"
 
+#include "platform/gui/PaintedText.h"
 #include "reports/ReportTableModel.h"
 
 #include <QFontMetricsF>
@@ -43,6 +44,11 @@ void fitWidths(std::vector<qreal> &wanted, qreal room) {
     if (!wanted.empty()) {
         wanted.back() += room;
     }
+}
+
+QString printed(const QModelIndex &cell) {
+    const QString text = cell.data().toString();
+    return PaintedText(text).paintLines(text.size());
 }
 
 }  // namespace
@@ -124,8 +130,7 @@ qreal ReportPrinter::wantedWidth(QPagedPaintDevice &device, int column) const {
     for (int i = 0; i < measured; ++i) {
         const auto row = static_cast<int>(static_cast<qint64>(i) * rows / measured);
         const QModelIndex cell = m_model.index(row, column);
-        width =
-            std::max(width, metrics.horizontalAdvance(cell.data().toString()) + markerRoom(column));
+        width = std::max(width, metrics.horizontalAdvance(printed(cell)) + markerRoom(column));
     }
     // Lines that are a hair too long would wrap.
     return width + metrics.averageCharWidth() / 2;
@@ -217,9 +222,8 @@ bool ReportPrinter::beginPage(QPagedPaintDevice &device, QPainter &painter) {
 }
 
 bool ReportPrinter::printRow(QPagedPaintDevice &device, QPainter &painter, int row) {
-    const Row cells = layOut(device, m_font, [this, row](int column) {
-        return m_model.index(row, column).data().toString();
-    });
+    const Row cells = layOut(
+        device, m_font, [this, row](int column) { return printed(m_model.index(row, column)); });
     const int lines = lineCount(cells);
     // Only a row that is taller than a page begins wherever there is room.
     const bool fitsAPage = lines <= linesThatFit(m_bodyTop);

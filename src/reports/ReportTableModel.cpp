@@ -1,6 +1,7 @@
 #include "reports/ReportTableModel.h"
 
 #include "platform/gui/Icons.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
 #include <utility>
@@ -137,10 +138,10 @@ QVariant ReportTableModel::data(const QModelIndex &index, int role) const {
                    : m_rows.isExpanded(place.group) ? m_expandedMarker
                                                     : m_collapsedMarker;
         case Qt::AccessibleTextRole:
-            return !isGroupCell ? text(place, index.column())
-                   : m_rows.isExpanded(place.group)
-                       ? text(place, 0) + QStringLiteral(", expanded")
-                       : text(place, 0) + QStringLiteral(", collapsed");
+            return paintedRow(text(place, index.column())) + (!isGroupCell ? QString()
+                                                              : m_rows.isExpanded(place.group)
+                                                                  ? QStringLiteral(", expanded")
+                                                                  : QStringLiteral(", collapsed"));
         default:
             return {};
     }

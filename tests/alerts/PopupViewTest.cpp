@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
+#include <QTextBlock>
 #include <QTimer>
 
 #include <algorithm>
@@ -163,6 +164,7 @@ private Q_SLOTS:
         QTest::newRow("no point") << u"Warning"_s << u"Warning"_s;
         QTest::newRow("empty") << QString() << QString();
         QTest::newRow("markup") << u"a.<b>x</b>"_s << u"<b>x</b>"_s;
+        QTest::newRow("unseen") << u"a.\u202Egninraw"_s << u"<U+202E>gninraw"_s;
     }
     void showsHeader() {
         QFETCH(const QString, priority);
@@ -187,6 +189,15 @@ private Q_SLOTS:
                     .contains("Learn more about this event..."_L1));
     }
 
+    void marksWhatASenderHides() {
+        AlertFixture it;
+        const auto window = it.popup(it.event("Local7.Warning", "user \u202Etoor\u2028in"));
+        window->show();
+        QVERIFY(child<QPlainTextEdit>(*window, "popupDetails")
+                    .toPlainText()
+                    .endsWith(u"\n\nMessage:\nuser <U+202E>toor<U+2028>in"_s));
+    }
+
     void showsAnEventWithoutFields() {
         AlertFixture it;
         const auto window = it.popup({it.list, it.list.insertRaw({})});
@@ -196,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(child<QLabel>(*window, "popupHeader").text(), QString());
     }
 
-    void keepsItsSizeWhateverTheEvent() {
+    void keepsItsSizeAndLaysOutLittleWhateverTheEvent() {
         AlertFixture it;
         const auto usual = it.popup(it.event("Local7.Warning"));
         const auto large = it.popup(it.event("Local7." + std::string(3000, 'W'),
@@ -204,6 +215,8 @@ private Q_SLOTS:
         large->contentView().setDetails();
         QCOMPARE(large->size(), usual->size());
         QCOMPARE(large->contentView().minimumSizeHint().expandedTo(usual->size()), usual->size());
+        const QTextDocument &details = *child<QPlainTextEdit>(*large, "popupDetails").document();
+        QVERIFY(details.characterCount() < 100'000 && details.begin().length() < 10'000);
     }
 
     /// One popup's whole life: where it stands, how it grows and shrinks, and how long it takes.

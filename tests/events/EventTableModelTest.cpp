@@ -50,6 +50,25 @@ private Q_SLOTS:
         QVERIFY(!model.index(0, EventTableModel::kRating).data(Qt::DecorationRole).isValid());
     }
 
+    void assistiveToolsAreToldWhatIsPainted() {
+        EventList list;
+        const EventTableModel model(list);
+        const std::string spoofed = "\uFEFFuser \u202Etoor\u202C";
+        list.insertRaw(fields(spoofed));
+        list.insertRaw(fields(std::string(1'000'000, 'x')));
+        const auto accessible = [&model](int row) {
+            return model.index(row, EventTableModel::kMessage)
+                .data(Qt::AccessibleTextRole)
+                .toString();
+        };
+        QCOMPARE(textAt(model, 1, EventTableModel::kMessage).toStdString(), spoofed);
+        QCOMPARE(accessible(1), QStringLiteral("<U+FEFF>user <U+202E>toor<U+202C>"));
+        QCOMPARE(textAt(model, 0, EventTableModel::kMessage).size(), 1'000'000);
+        QVERIFY(accessible(0).startsWith(u'x') && accessible(0).size() < 1100);
+        QCOMPARE(model.index(0, EventTableModel::kHost).data(Qt::AccessibleTextRole).toString(),
+                 QStringLiteral("10.0.0.5"));
+    }
+
     void announcesEveryKindOfChange() {
         EventList list;
         EventTableModel model(list);

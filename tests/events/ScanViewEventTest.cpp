@@ -1,5 +1,7 @@
 #include "events/ScanViewFixture.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -62,6 +64,14 @@ private:
     QString line(const char *edit) { return sheet()->findChild<QLineEdit *>(name(edit))->text(); }
     QString message() {
         return sheet()->findChild<QPlainTextEdit *>(name("eventMessage"))->toPlainText();
+    }
+    // All of a field, as Select All and Copy give it.
+    QString copied(const char *field) {
+        auto *widget = sheet()->findChild<QWidget *>(name(field));
+        QGuiApplication::clipboard()->clear();
+        QTest::keySequence(widget, QKeySequence::SelectAll);
+        QTest::keySequence(widget, QKeySequence::Copy);
+        return QGuiApplication::clipboard()->text();
     }
     QAbstractButton *button(const char *which) {
         return sheet()->findChild<QAbstractButton *>(name(which));
@@ -484,13 +494,54 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 2), priority);
         QCOMPARE(cell(0, 4), text);
         doubleClickRow(0);
-        QCOMPARE(message(), text);
+        QCOMPARE(message().remove(u'\n'), QString(text).remove(u'\n'));
+        QCOMPARE(copied("eventMessage"), text);
         QCOMPARE(line("eventPriority"), priority);
         if (!text.contains(u'\n')) {
             QCOMPARE(line("eventHost"), text);
         }
-        QCOMPARE(sheet()->findChild<QLineEdit *>(name("eventHost"))->cursorPosition(), 0);
+        QCOMPARE(copied("eventHost"), text);
         QVERIFY(sheet()->width() < 800);
+    }
+
+    void aLongFieldIsSeenFromItsBeginning() {
+        const std::string host(5000, 'h');
+        list().insertRaw({"1700000000", "Kern.Alert", host, "m", {}});
+        show();
+        doubleClickRow(0);
+        QCOMPARE(sheet()->findChild<QLineEdit *>(name("eventHost"))->cursorPosition(), 0);
+    }
+
+    void whatASenderHidesIsMarkedAndCopiedToTheLetter() {
+        const std::string host = "\uFEFF10.0.0.5";
+        const std::string text = "user \u202Etoor\u202C\u2028logged\u200B in";
+        list().insertRaw({"1700000000", "Kern.Alert", host, text, {}});
+        show();
+        QCOMPARE(cell(0, 3).toStdString(), host);
+        QCOMPARE(cell(0, 4).toStdString(), text);
+        doubleClickRow(0);
+        QCOMPARE(line("eventHost"), name("<U+FEFF>10.0.0.5"));
+        QCOMPARE(message(), name("user <U+202E>toor<U+202C><U+2028>logged<U+200B> in"));
+        QCOMPARE(copied("eventHost").toStdString(), host);
+        QCOMPARE(copied("eventMessage").toStdString(), text);
+    }
+
+    void aHugeMessageIsCopiedAsAWhole_data() {
+        QTest::addColumn<QString>("piece");
+        QTest::newRow("unbroken") << "x";
+        QTest::newRow("words") << "lorem ipsum ";
+        QTest::newRow("lines") << "\n";
+    }
+    void aHugeMessageIsCopiedAsAWhole() {
+        QFETCH(QString, piece);
+        const QString text = piece.repeated(1'000'000 / piece.size());
+        const std::string bytes = text.toStdString();
+        list().insertRaw({"1700000000", bytes, bytes, bytes, {}});
+        show();
+        doubleClickRow(0);
+        for (const char *field : {"eventPriority", "eventHost", "eventMessage"}) {
+            QVERIFY2(copied(field) == text, field);
+        }
     }
 
     void missingFieldsAreEmpty() {

@@ -109,6 +109,22 @@ private Q_SLOTS:
         QCOMPARE(toolTipAt(0, 0).count(u'x'), 2000);
     }
 
+    void aTextIsPaintedInOneRowOfLimitedLength() {
+        const QString spoofed = QString::fromUtf8("user \u202Etoor\u202C\u2028\nlogged in");
+        addRow(spoofed, QString(1'000'000, u'x'));
+        QStyleOptionViewItem option;
+        SeenDelegate().initStyleOption(&option, m_model->index(0, 0));
+        QCOMPARE(option.text, QStringLiteral("user <U+202E>toor<U+202C><U+2028><U+000A>logged in"));
+        SeenDelegate().initStyleOption(&option, m_model->index(0, 1));
+        QVERIFY(option.text.size() < 1100);
+        // In a tool tip, lines stay lines.
+        m_view->setColumnWidth(0, 60);
+        show();
+        QVERIFY(toolTipAt(0, 0).contains(
+            QStringLiteral("user &lt;U+202E&gt;toor&lt;U+202C&gt;&lt;U+2028&gt;\nlogged in")));
+        QCOMPARE(m_model->index(0, 0).data().toString(), spoofed);
+    }
+
     void noSingleCellIsFramed() {
         addRow(QStringLiteral("one"), QStringLiteral("two"));
         QStyleOptionViewItem option;

@@ -89,6 +89,18 @@ private Q_SLOTS:
         m_folder.reset();
     }
 
+    void marksWhatASenderHides() {
+        makeModel("1700000000,Local7.Error,\u200Bh1,user \u202Etoor\r\n");
+        m_model->toggle(0);
+        QVERIFY(print());
+        const QString page = pages().value(0);
+        QVERIFY2(page.contains(QStringLiteral("<U+200B>h1")), qPrintable(page));
+        QVERIFY2(page.contains(QStringLiteral("user <U+202E>toor")), qPrintable(page));
+        QCOMPARE(m_model->index(0, 0).data().toString().toStdString(), "\u200Bh1");
+        QCOMPARE(m_model->index(0, 0).data(Qt::AccessibleTextRole).toString(),
+                 QStringLiteral("<U+200B>h1, expanded"));
+    }
+
     void printsTheTableAsItStands() {
         makeModel(
             "1700000000,Local7.Error,h1,one\n1700000001,Kern.Alert,h2,two\n"

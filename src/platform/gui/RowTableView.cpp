@@ -1,5 +1,7 @@
 #include "platform/gui/RowTableView.h"
 
+#include "platform/gui/PaintedText.h"
+
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -37,9 +39,14 @@ bool RowDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
     // As plain text: a message may look like markup.
     QToolTip::showText(event->globalPos(),
                        QStringLiteral("<p style='white-space:pre-wrap'>%1</p>")
-                           .arg(text.left(kLongestToolTip).toHtmlEscaped()),
+                           .arg(PaintedText(text).paintLines(kLongestToolTip).toHtmlEscaped()),
                        view);
     return true;
+}
+
+QString RowDelegate::displayText(const QVariant &value, const QLocale &locale) const {
+    return value.typeId() == QMetaType::QString ? paintedRow(value.toString())
+                                                : QStyledItemDelegate::displayText(value, locale);
 }
 
 void RowDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const {

@@ -11,13 +11,15 @@
 namespace quorbel {
 
 /// Paints the cells of a table whose rows are selected as a whole: no single cell is framed, images
-/// keep their colours in selected rows, and a text that does not fit its cell shows as a tool tip.
+/// keep their colours in selected rows, a text that does not fit its cell shows as a tool tip, and
+/// all texts are shown as paintedRow() says.
 class RowDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
+    [[nodiscard]] QString displayText(const QVariant &value, const QLocale &locale) const override;
 
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;

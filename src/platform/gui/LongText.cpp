@@ -1,0 +1,110 @@
+#include "platform/gui/LongText.h"
+
+#include "platform/gui/QtText.h"
+
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMetaObject>
+#include <QMimeData>
+#include <QTextCursor>
+
+#include <memory>
+
+namespace quorbel {
+
+namespace {
+
+/// Many screens full, laid out in no time.
+constexpr qsizetype kPortion = 65'536;
+
+/// As wide as a hundred screens.
+constexpr qsizetype kLongestField = 65'536;
+
+QString titled(const QString &command, QKeySequence::StandardKey key) {
+    return command + u'\t' + QKeySequence(key).toString(QKeySequence::NativeText);
+}
+
+}  // namespace
+
+LongTextView::LongTextView(QWidget *parent) : QPlainTextEdit(parent) {
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
+    setUndoRedoEnabled(false);
+}
+
+void LongTextView::setWholeText(const QString &text) {
+    m_painted = PaintedText(text);
+    setPlainText(m_painted.paintLines(kPortion));
+}
+
+void LongTextView::paintEvent(QPaintEvent *event) {
+    QPlainTextEdit::paintEvent(event);
+    if (m_painted.isComplete()) {
+        return;
+    }
+    const int lastSeen = cursorForPosition(viewport()->rect().bottomRight()).position();
+    if (lastSeen > document()->characterCount() - kPortion / 2) {
+        QMetaObject::invokeMethod(this, &LongTextView::paintMore, Qt::QueuedConnection);
+    }
+}
+
+void LongTextView::paintMore() {
+    QTextCursor end(document());
+    end.movePosition(QTextCursor::End);
+    end.insertText(m_painted.paintLines(kPortion));
+}
+
+QMimeData *LongTextView::createMimeDataFromSelection() const {
+    const QTextCursor selection = textCursor();
+    auto copied = std::make_unique<QMimeData>();
+    copied->setText(m_painted.original(selection.selectionStart(), selection.selectionEnd()));
+    return copied.release();
+}
+
+LongTextField::LongTextField(QWidget *parent) : QLineEdit(parent) {
+    setReadOnly(true);
+    setMaxLength(2 * kLongestField);
+}
+
+void LongTextField::setWholeText(const QString &text) {
+    m_painted = PaintedText(text);
+    showText(*this, m_painted.paintRow(kLongestField));
+}
+
+void LongTextField::copySelection(QClipboard::Mode mode) const {
+    if (hasSelectedText()) {
+        QGuiApplication::clipboard()->setText(m_painted.original(selectionStart(), selectionEnd()),
+                                              mode);
+    }
+}
+
+void LongTextField::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Copy)) {
+        copySelection(QClipboard::Clipboard);
+    } else {
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+void LongTextField::mouseReleaseEvent(QMouseEvent *event) {
+    QLineEdit::mouseReleaseEvent(event);
+    if (QGuiApplication::clipboard()->supportsSelection()) {
+        copySelection(QClipboard::Selection);
+    }
+}
+
+void LongTextField::contextMenuEvent(QContextMenuEvent *event) {
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(titled(tr("&Copy"), QKeySequence::Copy), this,
+                    [this] { copySelection(QClipboard::Clipboard); })
+        ->setEnabled(hasSelectedText());
+    menu->addAction(titled(tr("Select All"), QKeySequence::SelectAll), this,
+                    &LongTextField::selectAll);
+    menu->popup(event->globalPos());
+}
+
+}  // namespace quorbel
