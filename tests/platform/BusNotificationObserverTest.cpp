@@ -115,6 +115,59 @@ TEST_F(BusNotificationObserverTest, OddUserInfoIsHandedOverAsItIs) {
     EXPECT_EQ(m_received, cases);
 }
 
+// A text as the bus takes it, also one that sd-bus itself would neither send nor read.
+void appendAnyText(sd_bus_message *message, std::string_view text) {
+    char *space = nullptr;
+    ASSERT_GE(sd_bus_message_append_string_space(message, text.size(), &space), 0);
+    text.copy(space, text.size());
+}
+
+void postAnyTexts(sd_bus *connection, const UserInfo &userInfo, bool asVariants) {
+    sd_bus_message *message = nullptr;
+    ASSERT_GE(sd_bus_message_new_signal(connection, &message, bus::kServicePath,
+                                        bus::kNotificationInterface, bus::kNotification),
+              0);
+    const bus::MessagePointer owner(message);
+    sd_bus_message_open_container(message, 'a', asVariants ? "{sv}" : "{ss}");
+    for (const auto &[key, value] : userInfo) {
+        sd_bus_message_open_container(message, 'e', asVariants ? "sv" : "ss");
+        appendAnyText(message, key);
+        if (asVariants) {
+            sd_bus_message_open_container(message, 'v', "s");
+        }
+        appendAnyText(message, value);
+        if (asVariants) {
+            sd_bus_message_close_container(message);
+        }
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+    ASSERT_GE(sd_bus_send(connection, message, nullptr), 0);
+}
+
+TEST_F(BusNotificationObserverTest, AnUnreadableTextCostsNoneOfThoseInFrontOfIt) {
+    observe();
+    ASSERT_TRUE(loopUntilConnected());
+    ServiceStandIn service;
+    for (const std::string noncharacter : {"\uFFFE", "\uFDD0", "\U0010FFFF"}) {
+        m_received.clear();
+        UserInfo sent = event("Set", 1);
+        sent.back().second = "disk " + noncharacter + " full";
+        service.run([&](sd_bus *connection) {
+            postAnyTexts(connection, sent, false);
+            postAnyTexts(connection, sent, true);
+            postAnyTexts(connection, {{"Type", "Set"}, {noncharacter, "key"}, {"Host", "h"}},
+                         false);
+            postAnyTexts(connection, event("Set", 2), true);
+        });
+        ASSERT_TRUE(loopUntilReceived(4));
+        UserInfo received = event("Set", 1);
+        received.back().second = "\uFFFD";
+        EXPECT_THAT(m_received,
+                    ElementsAre(received, received, UserInfo{{"Type", "Set"}}, event("Set", 2)));
+    }
+}
+
 TEST_F(BusNotificationObserverTest, OtherTypesThanTextsAreLeftOut) {
     observe();
     ASSERT_TRUE(loopUntilConnected());

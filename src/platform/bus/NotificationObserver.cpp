@@ -23,6 +23,10 @@ constexpr std::chrono::seconds kConnectLimit{10};
 constexpr const char *kBusName = "org.freedesktop.DBus";
 constexpr const char *kBusPath = "/org/freedesktop/DBus";
 
+// sd-bus refuses texts that the bus passes on: those with a code point that Unicode keeps from
+// being a character. Nothing leads past such a text.
+constexpr std::string_view kUnreadable = "\xEF\xBF\xBD";
+
 std::string notificationRule() {
     return std::string("type='signal',sender='") + bus::kServiceName + "',path='" +
            bus::kServicePath + "',interface='" + bus::kNotificationInterface + "',member='" +
@@ -40,26 +44,49 @@ bool isFrom(sd_bus_message *message, std::string_view sender) {
     return actual != nullptr && actual == sender;
 }
 
-bool readText(sd_bus_message *message, std::string_view &text) {
+enum class Read { kText, kOther, kRefused };
+
+Read readText(sd_bus_message *message, std::string_view &text) {
     const char *start = nullptr;
     if (sd_bus_message_read_basic(message, SD_BUS_TYPE_STRING, &start) <= 0) {
-        return false;
+        return Read::kRefused;
     }
     text = start;
+    return Read::kText;
+}
+
+// A variant of another type is skipped.
+Read readVariantText(sd_bus_message *message, std::string_view &text) {
+    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, "s") <= 0) {
+        return sd_bus_message_skip(message, "v") < 0 ? Read::kRefused : Read::kOther;
+    }
+    const Read read = readText(message, text);
+    return sd_bus_message_exit_container(message) < 0 ? Read::kRefused : read;
+}
+
+// Reads entries up to the end; false at one that sd-bus refuses to read or to pass over, with
+// kUnreadable for its value.
+bool readEntries(sd_bus_message *message, bool variants, NotificationObserver::UserInfo &userInfo) {
+    const char *members = variants ? "sv" : "ss";
+    while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, members) > 0) {
+        std::string_view key;
+        std::string_view value;
+        if (readText(message, key) == Read::kRefused) {
+            return false;
+        }
+        const Read read = variants ? readVariantText(message, value) : readText(message, value);
+        if (read != Read::kOther) {
+            userInfo.emplace_back(key, read == Read::kText ? value : kUnreadable);
+        }
+        if (read == Read::kRefused || sd_bus_message_exit_container(message) < 0) {
+            return false;
+        }
+    }
     return true;
 }
 
-// Whether the variant held a text; one of another type is skipped.
-bool readVariantText(sd_bus_message *message, std::string_view &text) {
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, "s") > 0) {
-        return readText(message, text) && sd_bus_message_exit_container(message) >= 0;
-    }
-    sd_bus_message_skip(message, "v");
-    return false;
-}
-
-// Fills `userInfo` from an a{ss}, or from the texts of an a{sv}; false when the message holds
-// neither.
+// Fills `userInfo` from an a{ss}, or from the texts of an a{sv}, as far as sd-bus reads them; false
+// when the message holds neither.
 bool readUserInfo(sd_bus_message *message, NotificationObserver::UserInfo &userInfo) {
     userInfo.clear();
     char type = '\0';
@@ -72,21 +99,7 @@ bool readUserInfo(sd_bus_message *message, NotificationObserver::UserInfo &userI
         sd_bus_message_enter_container(message, type, variants ? "{sv}" : "{ss}") <= 0) {
         return false;
     }
-    const char *members = variants ? "sv" : "ss";
-    while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, members) > 0) {
-        std::string_view key;
-        std::string_view value;
-        if (!readText(message, key)) {
-            return false;
-        }
-        if (variants ? readVariantText(message, value) : readText(message, value)) {
-            userInfo.emplace_back(key, value);
-        }
-        if (sd_bus_message_exit_container(message) < 0) {
-            return false;
-        }
-    }
-    return sd_bus_message_exit_container(message) >= 0;
+    return !readEntries(message, variants, userInfo) || sd_bus_message_exit_container(message) >= 0;
 }
 
 }  // namespace

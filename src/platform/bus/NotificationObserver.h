@@ -19,7 +19,8 @@ namespace quorbel {
 class NotificationObserver {
 public:
     /// Keys and values of one notification's user information, in the order sent. Entries that are
-    /// no strings are left out. The views live as long as the call.
+    /// no strings are left out. A text with a noncharacter, such as U+FFFE, is handed over as
+    /// U+FFFD, and the entries behind it are missing. The views live as long as the call.
     using UserInfo = std::vector<std::pair<std::string_view, std::string_view>>;
     using Handler = std::function<void(const UserInfo &userInfo)>;
 
