@@ -1,85 +1,19 @@
-#include "events/ScanViewFixture.h"
+#include "events/EventSheetFixture.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
-#include <QToolButton>
 
-#include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 
 namespace quorbel {
 
 using namespace testing;
 
-class ScanViewEventTest : public QObject, private ScanViewFixture {
+class ScanViewEventTest : public QObject, private EventSheetFixture {
     Q_OBJECT
-
-private:
-    void showRows(int count) {
-        for (int i = 0; i < count; ++i) {
-            list().insertRaw(fields(std::to_string(1700000000 + i), std::to_string(i)));
-        }
-        show();
-    }
-    QList<ScanViewEvent *> sheets() { return m_page->findChildren<ScanViewEvent *>(); }
-    ScanViewEvent *sheet() { return sheets().value(0); }
-    // A press and a release more than a double click is made of, as a hand does.
-    void doubleClickRow(int row) {
-        clickRow(row);
-        QTest::mouseDClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier, placeOf(row));
-        QCOMPARE(sheets().size(), 1);
-        QVERIFY(QTest::qWaitForWindowExposed(sheet()));
-    }
-    void mouse(QEvent::Type type, const QPoint &place) {
-        const auto buttons =
-            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::LeftButton);
-        QWidget *target = table()->viewport();
-        QMouseEvent event(type, place, target->mapToGlobal(place), Qt::LeftButton, buttons,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &event);
-    }
-    // A double click as it comes from the window system, with something happening between its two
-    // presses.
-    void doubleClickRow(int row, const std::function<void()> &meanwhile) {
-        const QPoint place = placeOf(row);
-        mouse(QEvent::MouseButtonPress, place);
-        mouse(QEvent::MouseButtonRelease, place);
-        meanwhile();
-        mouse(QEvent::MouseButtonDblClick, place);
-        mouse(QEvent::MouseButtonRelease, place);
-    }
-    void arrive(int count) {
-        for (int i = 0; i < count; ++i) {
-            m_page->insertEvent(fields(std::to_string(1700001000 + i), "new"));
-        }
-    }
-    void remove(int number) {
-        m_page->removeEvent(fields(std::to_string(1700000000 + number), std::to_string(number)));
-    }
-    QString line(const char *edit) { return sheet()->findChild<QLineEdit *>(name(edit))->text(); }
-    QString message() {
-        return sheet()->findChild<QPlainTextEdit *>(name("eventMessage"))->toPlainText();
-    }
-    // All of a field, as Select All and Copy give it.
-    QString copied(const char *field) {
-        auto *widget = sheet()->findChild<QWidget *>(name(field));
-        QGuiApplication::clipboard()->clear();
-        QTest::keySequence(widget, QKeySequence::SelectAll);
-        QTest::keySequence(widget, QKeySequence::Copy);
-        return QGuiApplication::clipboard()->text();
-    }
-    QAbstractButton *button(const char *which) {
-        return sheet()->findChild<QAbstractButton *>(name(which));
-    }
-    void press(const char *which) { QTest::mouseClick(button(which), Qt::LeftButton); }
-    QList<bool> enabled() {
-        return {button("eventUp")->isEnabled(), button("eventDown")->isEnabled()};
-    }
 
 private Q_SLOTS:
     void init() { makePage(); }
@@ -119,151 +53,6 @@ private Q_SLOTS:
         QVERIFY(!button("eventUp")->icon().isNull());
         QVERIFY(!button("eventDown")->icon().isNull());
         QCOMPARE(sheet()->minimumSize(), sheet()->maximumSize());
-    }
-
-    void aDoubleClickMeansTheEventUnderItsFirstPress_data() {
-        QTest::addColumn<int>("arrivals");
-        for (const int arrivals : {0, 1, 4, 100}) {
-            QTest::addRow("%d", arrivals) << arrivals;
-        }
-    }
-    void aDoubleClickMeansTheEventUnderItsFirstPress() {
-        QFETCH(int, arrivals);
-        showRows(5);
-        doubleClickRow(2, [&] { arrive(arrivals); });
-        QCOMPARE(sheets().size(), 1);
-        QCOMPARE(message(), name("2"));
-        QCOMPARE(selected(), QList<int>{2 + arrivals});
-        const QRect place = table()->visualRect(table()->model()->index(2 + arrivals, 0));
-        QVERIFY(table()->viewport()->rect().contains(place.center()));
-    }
-
-    void aDoubleClickMeansItWhateverElseGoes() {
-        showRows(60);
-        doubleClickRow(5, [&] {
-            arrive(3);
-            for (const int gone : {59, 57, 50, 1}) {
-                remove(gone);
-            }
-            QTRY_COMPARE(list().size(), std::size_t{59});
-        });
-        QCOMPARE(sheets().size(), 1);
-        QCOMPARE(message(), name("54"));
-    }
-
-    void aDoubleClickOnAnEventThatGoesMeanwhileOpensNothing_data() {
-        QTest::addColumn<bool>("atOnce");
-        QTest::newRow("has left the list") << true;
-        QTest::newRow("is about to") << false;
-    }
-    void aDoubleClickOnAnEventThatGoesMeanwhileOpensNothing() {
-        QFETCH(bool, atOnce);
-        showRows(5);
-        doubleClickRow(2, [&] {
-            arrive(1);
-            remove(2);
-            if (atOnce) {
-                QTRY_COMPARE(list().size(), std::size_t{5});
-            }
-        });
-        QCOMPARE(sheets().size(), 0);
-        QCOMPARE(list().size(), std::size_t{5});
-        QCOMPARE(selected(), QList<int>());
-    }
-
-    void theSecondPressAloneIsNoDoubleClick() {
-        showRows(3);
-        doubleClickRow(1, [] {});
-        QTest::keyClick(sheet(), Qt::Key_Escape);
-        QTRY_COMPARE(sheets().size(), 0);
-        // As after a press on the sheet's button.
-        mouse(QEvent::MouseButtonDblClick, placeOf(0));
-        mouse(QEvent::MouseButtonRelease, placeOf(0));
-        QCOMPARE(sheets().size(), 0);
-        QCOMPARE(selected(), QList<int>{0});
-    }
-
-    void enterOpensWhatWasChosenBeforeEventsArrived() {
-        showRows(5);
-        clickRow(1);
-        QTest::keyClick(table(), Qt::Key_Down);
-        arrive(3);
-        QCOMPARE(selected(), QList<int>());
-        QTest::keyClick(table(), Qt::Key_Return);
-        QCOMPARE(sheets().size(), 1);
-        QCOMPARE(message(), name("2"));
-        QCOMPARE(selected(), QList<int>{5});
-        // What was stepped to is chosen, too.
-        press("eventDown");
-        press("onOK");
-        QTRY_COMPARE(sheets().size(), 0);
-        arrive(1);
-        QTest::keyClick(table(), Qt::Key_Return);
-        QCOMPARE(message(), name("1"));
-    }
-
-    void enterOpensNothingThatWasGivenUp_data() {
-        QTest::addColumn<int>("way");
-        QTest::newRow("removed") << 0;
-        QTest::newRow("clicked beside the rows") << 1;
-        QTest::newRow("deselected") << 2;
-        QTest::newRow("page shown again") << 3;
-    }
-    void enterOpensNothingThatWasGivenUp() {
-        QFETCH(int, way);
-        showRows(5);
-        clickRow(1);
-        if (way == 2) {
-            clickRow(1, Qt::ControlModifier);
-        }
-        arrive(1);
-        if (way == 0) {
-            remove(3);
-            QTRY_COMPARE(list().size(), std::size_t{5});
-        } else if (way == 1) {
-            QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, placeOf(5) + QPoint(0, 100));
-        } else if (way == 3) {
-            m_page->hide();
-            show();
-        }
-        QTest::keyClick(table(), Qt::Key_Return);
-        QCOMPARE(sheets().size(), 0);
-    }
-
-    void enterOpensItAndAHeldKeyDoesNot() {
-        showRows(2);
-        clickRow(1);
-        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-            QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, {}, true);
-            QCoreApplication::sendEvent(table(), &repeated);
-            QCOMPARE(sheets().size(), 0);
-            QTest::keyClick(table(), key);
-            QCOMPARE(sheets().size(), 1);
-            QCOMPARE(message(), name("0"));
-            press("onOK");
-            QTRY_COMPARE(sheets().size(), 0);
-        }
-    }
-
-    void nothingOpensWithoutASelection() {
-        showRows(2);
-        m_page->doubleClickTable();
-        QTest::keyClick(table(), Qt::Key_Return);
-        QTest::mouseDClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier,
-                           placeOf(1) + QPoint(0, 100));
-        QCOMPARE(sheets().size(), 0);
-    }
-
-    void ofSeveralSelectedRowsTheLastOneOpens() {
-        showRows(5);
-        clickRow(3);
-        clickRow(1, Qt::ControlModifier);
-        m_page->doubleClickTable();
-        QCOMPARE(message(), name("3"));
-        // Stepping replaces the selection.
-        press("eventDown");
-        QCOMPARE(message(), name("2"));
-        QCOMPARE(selected(), QList<int>{2});
     }
 
     void aSingleEntryHasNoNeighbours() {
@@ -553,14 +342,6 @@ private Q_SLOTS:
         QCOMPARE(line("eventPriority"), name("Kern.Alert"));
         QCOMPARE(line("eventHost"), QString());
         QCOMPARE(message(), QString());
-    }
-
-    void anUnknownSheetOpensNothing() {
-        showRows(1);
-        m_storyboard = Storyboard();
-        clickRow(0);
-        m_page->doubleClickTable();
-        QCOMPARE(sheets().size(), 0);
     }
 };
 
