@@ -37,6 +37,10 @@ bool RecordList::eventFilter(QObject *watched, QEvent *event) {
 
 void RecordList::load() {
     m.controller->setRecords(*m.working);
+    m_places.resize(m.working->size());
+    for (std::size_t place = 0; place < m_places.size(); ++place) {
+        m_places[place] = place;
+    }
     deselect();
 }
 
@@ -66,19 +70,38 @@ std::optional<Dictionary> RecordList::selectedRecord() const {
 }
 
 void RecordList::store(const Dictionary &record) {
-    const int row = selectedRow();
-    const auto place = static_cast<std::size_t>(row);
-    if (row >= 0 && place < m.working->size()) {
-        (*m.working)[place] = record;
-    } else {
-        m.working->emplace_back(record);
+    const int selected = selectedRow();
+    if (selected < 0) {
+        append(record);
+        return;
     }
-    if (row >= 0) {
-        m.controller->replace(row, record);
-    } else {
-        m.controller->append(record);
-        m.table->scrollToBottom();
+    const auto row = static_cast<std::size_t>(selected);
+    const std::size_t place = m_places.at(row) ? *m_places[row] : makePlaceFor(row);
+    m.working->at(place) = record;
+    m.controller->replace(selected, record);
+}
+
+void RecordList::append(const Dictionary &record) {
+    m_places.emplace_back(m.working->size());
+    m.working->emplace_back(record);
+    m.controller->append(record);
+    m.table->scrollToBottom();
+}
+
+/// Makes room in the working list behind the records that are displayed before this one.
+std::size_t RecordList::makePlaceFor(std::size_t row) {
+    std::size_t place = 0;
+    for (std::size_t before = 0; before < row; ++before) {
+        place = m_places[before] ? *m_places[before] + 1 : place;
     }
+    for (std::size_t after = row + 1; after < m_places.size(); ++after) {
+        if (m_places[after]) {
+            ++*m_places[after];
+        }
+    }
+    m.working->insert(m.working->begin() + static_cast<std::ptrdiff_t>(place), Value());
+    m_places[row] = place;
+    return place;
 }
 
 bool RecordList::removeSelected() {
@@ -88,13 +111,29 @@ bool RecordList::removeSelected() {
     }
     const Value removed = m.controller->record(row);
     m.controller->remove(row);
-    std::erase_if(*m.working, [&](const Value &other) { return m.areEqual(removed, other); });
+    m_places.erase(m_places.begin() + row);
+    for (std::size_t place = m.working->size(); place-- > 0;) {
+        if (m.areEqual(removed, (*m.working)[place])) {
+            removeFromWorking(place);
+        }
+    }
     deselect();
     // The arrow keys go on from the row that took its place.
     const int next = std::min(row, m.controller->rowCount() - 1);
     m.table->selectionModel()->setCurrentIndex(m.controller->index(next, 0),
                                                QItemSelectionModel::NoUpdate);
     return true;
+}
+
+void RecordList::removeFromWorking(std::size_t place) {
+    m.working->erase(m.working->begin() + static_cast<std::ptrdiff_t>(place));
+    for (auto &other : m_places) {
+        if (other == place) {
+            other.reset();
+        } else if (other > place) {
+            --*other;
+        }
+    }
 }
 
 int RecordList::selectedRow() const {

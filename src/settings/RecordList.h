@@ -4,8 +4,10 @@
 
 #include <QObject>
 
+#include <cstddef>
 #include <optional>
 #include <span>
+#include <vector>
 
 class QAbstractButton;
 
@@ -43,10 +45,9 @@ public:
     void followSelection();
     /// The selected record, if there is one; an empty one for what is no record.
     [[nodiscard]] std::optional<Dictionary> selectedRecord() const;
-    /// Puts a record in the place of the selected one, or at the end when none is selected.
-    ///
-    /// The row is the place in both lists, also after a removal took more out of the working list
-    /// than out of the displayed one. What has no such place there is added at its end.
+    /// Puts a record in the place of the selected one in both lists, or at their ends when none is
+    /// selected. One that an earlier removal of an equal one took out of the working list comes
+    /// back into it where it is displayed.
     void store(const Dictionary &record);
     /// Takes the selected record out of the displayed list, and all that are equal to it out of the
     /// working list. False when none is selected. None is selected afterwards.
@@ -63,8 +64,14 @@ protected:
 
 private:
     [[nodiscard]] int selectedRow() const;
+    void append(const Dictionary &record);
+    void removeFromWorking(std::size_t place);
+    [[nodiscard]] std::size_t makePlaceFor(std::size_t row);
 
     Setup m;
+    /// Where each displayed record is in the working list. The two lists have the same order, but
+    /// a removal takes more out of the working one: then what it took has no place there.
+    std::vector<std::optional<std::size_t>> m_places;
 };
 
 }  // namespace quorbel

@@ -13,6 +13,19 @@ class ActionsPageTest : public QObject {
 private:
     std::unique_ptr<ActionsPage> m_page;
 
+    static Dictionary masked(const char *name, const char *mask) {
+        Dictionary action = ActionsPage::action(name);
+        action.set("Mask", mask);
+        return action;
+    }
+    void saveRowWithMask(int row, const char *name, const QString &mask) {
+        m_page->clickRow("actionsTable", row);
+        m_page->click("actionsEdit");
+        QCOMPARE(m_page->text("actionName"), QLatin1StringView(name));
+        m_page->type("actionMask", mask);
+        m_page->click("onSave");
+    }
+
 private Q_SLOTS:
     void init() { m_page = std::make_unique<ActionsPage>(); }
     void cleanup() { m_page.reset(); }
@@ -101,27 +114,49 @@ private Q_SLOTS:
                  asText(Array{m_page->action("twin"), m_page->action("other")}));
     }
 
-    void theEditorReplacesBySelectedRowInBothLists() {
+    void anEditReplacesTheActionThatWasShown() {
         // After equal records were removed the rows are no longer those of the working list.
-        m_page->writeActions({m_page->action("a"), m_page->action("a"), m_page->action("b")});
+        const Dictionary twin = m_page->action("a");
+        m_page->writeActions({twin, twin, m_page->action("b"), m_page->action("c")});
         m_page->show();
         m_page->clickRow("actionsTable", 0);
         m_page->click("actionsRemove");
-        QCOMPARE(m_page->rows("actionsTable"), u"a|b"_s);
-        const auto saveRowWithMask = [this](int row, const QString &mask) {
-            m_page->clickRow("actionsTable", row);
-            m_page->click("actionsEdit");
-            m_page->type("actionMask", mask);
-            m_page->click("onSave");
-        };
-        saveRowWithMask(1, u"8"_s);  // beyond the working list: added to it, rather than lost
-        saveRowWithMask(0, u"4"_s);
-        QCOMPARE(m_page->rows("actionsTable", 1), u"0.0.0.0/4|0.0.0.0/8"_s);
-        Dictionary first = m_page->action("a");
-        first.set("Mask", "4");
-        Dictionary second = m_page->action("b");
-        second.set("Mask", "8");
-        QCOMPARE(m_page->savedActions(), asText(Array{first, second}));
+        QCOMPARE(m_page->rows("actionsTable"), u"a|b|c"_s);
+        saveRowWithMask(1, "b", u"8"_s);
+        QCOMPARE(m_page->rows("actionsTable", 1), u"Any|0.0.0.0/8|Any"_s);
+        QCOMPARE(m_page->savedActions(), asText(Array{masked("b", "8"), m_page->action("c")}));
+    }
+
+    void anEditedTwinOfARemovedActionComesBackInItsPlace() {
+        const Dictionary twin = m_page->action("a");
+        m_page->writeActions({m_page->action("x"), twin, twin, m_page->action("b"), twin});
+        m_page->show();
+        m_page->clickRow("actionsTable", 4);
+        m_page->click("actionsRemove");
+        QCOMPARE(m_page->rows("actionsTable"), u"x|a|a|b"_s);
+        saveRowWithMask(2, "a", u"4"_s);
+        QCOMPARE(m_page->rows("actionsTable", 1), u"Any|Any|0.0.0.0/4|Any"_s);
+        saveRowWithMask(3, "b", u"8"_s);
+        QCOMPARE(m_page->savedActions(),
+                 asText(Array{m_page->action("x"), masked("a", "4"), masked("b", "8")}));
+    }
+
+    void removalsGoOnAfterEditsAndAdditions() {
+        const Dictionary twin = m_page->action("a");
+        m_page->writeActions({twin, m_page->action("b"), twin, m_page->action("c")});
+        m_page->show();
+        m_page->clickRow("actionsTable", 0);
+        m_page->click("actionsRemove");
+        m_page->click("automaticActionsAdd");
+        m_page->click("onSave");
+        m_page->clickRow("actionsTable", 0);
+        m_page->click("actionsRemove");
+        QCOMPARE(m_page->rows("actionsTable"), u"a|c|New Action"_s);
+        saveRowWithMask(2, "New Action", u"3"_s);
+        m_page->clickRow("actionsTable", 0);
+        m_page->click("actionsRemove");
+        QCOMPARE(m_page->savedActions(),
+                 asText(Array{m_page->action("c"), masked("New Action", "3")}));
     }
 
     void removingKeepsTheFocusAtTheList() {
