@@ -1,6 +1,7 @@
 #include "actions/ActionCommandEvent.h"
 
 #include "actions/ActionView.h"
+#include "actions/StoredChoice.h"
 #include "core/SettingsDocument.h"
 #include "core/Severity.h"
 #include "platform/gui/QtText.h"
@@ -31,9 +32,7 @@ void ActionCommandEvent::viewDidLoad() {
 
 void ActionCommandEvent::viewWillAppear() {
     if (const Dictionary *setEvent = reaction()) {
-        const auto type = settingText(*setEvent, "Type");
-        // No item is selected when none is the stored one.
-        ui->eventType->setCurrentIndex(type ? ui->eventType->findText(toQString(*type)) : 0);
+        chooseStored(*ui->eventType, settingText(*setEvent, "Type"));
         if (const auto format = settingText(*setEvent, "Format")) {
             ui->eventFormat->setStoredText(*format);
         }

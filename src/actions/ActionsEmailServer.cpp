@@ -1,5 +1,6 @@
 #include "actions/ActionsEmailServer.h"
 
+#include "actions/StoredChoice.h"
 #include "core/AppDelegate.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"
@@ -76,10 +77,7 @@ void ActionsEmailServer::viewWillAppear() {
             showText(*((*ui).*field.control), toQString(*text));
         }
     }
-    // No item is selected when none is the stored one.
-    const auto security = settingText(settings, kSecurityKey);
-    ui->serverSecurity->setCurrentIndex(
-        security ? ui->serverSecurity->findText(toQString(*security)) : 0);
+    chooseStored(*ui->serverSecurity, settingText(settings, kSecurityKey));
     ui->serverBlank->setFocus();
 }
 

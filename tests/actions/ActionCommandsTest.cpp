@@ -281,9 +281,15 @@ private Q_SLOTS:
         QCOMPARE(after("onSave", &ActionView::setEvent), asText(stored));
     }
 
-    void anUnknownTypeIsNotChosen() {
-        openEvent(Dictionary{{"Type", "Unheard of"}, {"Format", "x"}});
-        QCOMPARE(m_page->control<QComboBox>("eventType").currentIndex(), -1);
+    void anUnknownTypeIsShownAndStays() {
+        for (const char *type : {"Unheard of", "warning", ""}) {
+            openEvent(Dictionary{{"Type", type}, {"Format", "x"}});
+            QCOMPARE(m_page->chosen("eventType"), QLatin1StringView(type));
+            m_page->type("eventFormat", u"y"_s);
+            const Dictionary expected{{"Type", type}, {"Format", "y"}};
+            QCOMPARE(after("onSave", &ActionView::setEvent), asText(expected));
+            m_page->click("onCancel");
+        }
     }
 
     void otherTypesReadAsEmpty() {

@@ -175,14 +175,37 @@ private Q_SLOTS:
         QCOMPARE(m_page->savedText(), asText(expected));
     }
 
-    void anUnknownSecurityIsNotChosen() {
+    void anUnknownSecurityIsShownAndStays_data() {
+        QTest::addColumn<QString>("security");
+        for (const char *text : {"Unheard of", "none", "TLS ", "", "a\nb"}) {
+            QTest::newRow(text) << QString::fromUtf8(text);
+        }
+        QTest::newRow("long") << QString(5000, u'x');
+    }
+    void anUnknownSecurityIsShownAndStays() {
+        QFETCH(QString, security);
+        m_page->open("emailServer", kServer);
+        const QSize usual = m_page->openSheet()->size();
+        m_page->click("onCancel");
         Dictionary stored = kServer;
-        stored.set("actionsEmailSecurity", "Unheard of");
+        stored.set("actionsEmailSecurity", security.toStdString());
         m_page->open("emailServer", stored);
-        QCOMPARE(m_page->control<QComboBox>("serverSecurity").currentIndex(), -1);
+        QCOMPARE(m_page->chosen("serverSecurity"), security);
+        QCOMPARE(m_page->openSheet()->size(), usual);
+        m_page->type("serverPort", u"466"_s);
         m_page->click("onSave");
-        stored.set("actionsEmailSecurity", "");  // the text that was shown
+        stored.set("actionsEmailPort", 466);
         QCOMPARE(m_page->savedText(), asText(stored));
+    }
+
+    void anUnknownSecurityCanBeChanged() {
+        m_page->open("emailServer", {{"actionsEmailSecurity", "Unheard of"}});
+        m_page->choose("serverSecurity", "STARTTLS");
+        m_page->click("onSave");
+        QCOMPARE(settingText(m_page->saved(), "actionsEmailSecurity"), "STARTTLS");
+        // It is an item of this showing only.
+        m_page->open("emailServer", kServer);
+        QCOMPARE(m_page->control<QComboBox>("serverSecurity").count(), 3);
     }
 
     void thePasswordIsShownOnRequest() {

@@ -212,6 +212,7 @@ TEST(MailServerTest, ReadsTheSettings) {
     using Security = MailServer::Security;
     const MailServer nothing = mailServerFrom({});
     EXPECT_EQ(nothing, MailServer());
+    EXPECT_EQ(nothing.security, Security::kNotChosen);
     EXPECT_EQ(nothing.port, 25);
     EXPECT_EQ(nothing.timeoutMinutes, 1);
 
@@ -223,7 +224,7 @@ TEST(MailServerTest, ReadsTheSettings) {
                                            {"actionsEmailSecurity", "STARTTLS"},
                                            {"actionsEmailTimeout", 7}});
     EXPECT_EQ(all, (MailServer{"mail.example.org", 587, Security::kStartTls, 7, "q@example.org",
-                               " user ", " pass word "}));
+                               " user ", " pass word ", ""}));
 
     struct Case {
         Dictionary settings;
@@ -235,13 +236,14 @@ TEST(MailServerTest, ReadsTheSettings) {
         {{{"actionsEmailPort", 65536}}, {}},
         {{{"actionsEmailPort", "587"}}, {}},
         {{{"actionsEmailServer", 5}}, {}},
-        {{{"actionsEmailSecurity", "None"}}, {}},
+        {{{"actionsEmailSecurity", "None"}}, {"", 25, Security::kNone, 1, "", "", "", ""}},
         {{{"actionsEmailSecurity", ""}}, {}},
-        {{{"actionsEmailSecurity", "SSL/TLS"}}, {"", 25, Security::kTls, 1, "", "", ""}},
-        {{{"actionsEmailSecurity", "ssl/tls"}}, {"", 25, Security::kUnknown, 1, "", "", ""}},
+        {{{"actionsEmailSecurity", "SSL/TLS"}}, {"", 25, Security::kTls, 1, "", "", "", ""}},
+        {{{"actionsEmailSecurity", "ssl/tls"}},
+         {"", 25, Security::kUnknown, 1, "", "", "", "ssl/tls"}},
         {{{"actionsEmailTimeout", 0}}, {}},
         {{{"actionsEmailTimeout", -3}}, {}},
-        {{{"actionsEmailTimeout", 100000}}, {"", 25, Security::kNone, 60, "", "", ""}},
+        {{{"actionsEmailTimeout", 100000}}, {"", 25, Security::kNotChosen, 60, "", "", "", ""}},
     };
     for (const Case &c : cases) {
         EXPECT_EQ(mailServerFrom(c.settings), c.server);

@@ -110,6 +110,43 @@ TEST_F(MailSenderTest, LogsInWhenAUserIsSet) {
     EXPECT_THAT(server.mails(), SizeIs(1));
 }
 
+TEST_F(MailSenderTest, SendsAPasswordInTheClearOnlyWhereNoneIsChosen) {
+    auto needsUser = setup(Security::kNone);
+    needsUser.user = "user";
+    needsUser.password = "pass word";
+    SmtpStandIn server(needsUser);
+    Dictionary settings = with(settingsFor(server), "actionsEmailUsername", "user");
+    settings.set("actionsEmailPassword", "pass word");
+    const std::string notChosen =
+        "No connection security is chosen for the mail server; the password is sent without "
+        "encryption only with \"None\"";
+    for (const Value &text : {Value(""), Value(5), Value(Null{})}) {
+        EXPECT_EQ(sender.send(message, with(settings, "actionsEmailSecurity", text)), notChosen);
+    }
+    Dictionary absent = settings;
+    absent.remove("actionsEmailSecurity");
+    EXPECT_EQ(sender.send(message, absent), notChosen);
+    for (const char *text : {"none", "None ", "NONE", "\xFF\n"}) {
+        EXPECT_THAT(sender.send(message, with(settings, "actionsEmailSecurity", text)),
+                    ::testing::StartsWith("The mail server's connection security \""));
+    }
+    EXPECT_EQ(server.connections(), 0U);
+    EXPECT_EQ(sender.send(message, settings), "OK");
+    EXPECT_TRUE(server.mails().at(0).wasLoggedIn);
+}
+
+TEST_F(MailSenderTest, SendsWithoutALoginWhereNoSecurityIsChosen) {
+    SmtpStandIn server;
+    Dictionary settings = settingsFor(server, "");
+    EXPECT_EQ(sender.send(message, settings), "OK");
+    settings.remove("actionsEmailSecurity");
+    settings.set("actionsEmailPassword", "left over");
+    EXPECT_EQ(sender.send(message, settings), "OK");
+    for (const auto &mail : server.mails()) {
+        EXPECT_FALSE(mail.wasLoggedIn);
+    }
+}
+
 TEST_F(MailSenderTest, SaysWhatIsWrong) {
     SmtpStandIn plain;
     SmtpStandIn tls(setup(Security::kTls));
@@ -136,7 +173,8 @@ TEST_F(MailSenderTest, SaysWhatIsWrong) {
         {message, with(settings, "actionsEmailSender", "me\r\nDATA"),
          "The sender \"me??DATA\" is no e-mail address"},
         {message, with(settings, "actionsEmailSecurity", "TLS"),
-         "The mail server's connection security is none that is known"},
+         "The mail server's connection security \"TLS\" is none of \"None\", \"STARTTLS\" and "
+         "\"SSL/TLS\""},
         {message, with(settings, "actionsEmailServer", "a host/path\nx"),
          "The mail server's name is none: a host/path?x"},
         {message, with(settings, "actionsEmailServer", noHost),

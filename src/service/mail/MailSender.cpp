@@ -38,8 +38,27 @@ std::string oneLine(std::string text) {
     return text;
 }
 
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
 std::string noAddress(std::string_view text) {
-    return '"' + oneLine(std::string(text)) + "\" is no e-mail address";
+    return quoted(oneLine(std::string(text))) + " is no e-mail address";
+}
+
+std::string securityProblem(const MailServer &server) {
+    using Security = MailServer::Security;
+    if (server.security == Security::kUnknown) {
+        return "The mail server's connection security " + quoted(server.unknownSecurity) +
+               " is none of " + quoted(MailServer::kNoneText) + ", " +
+               quoted(MailServer::kStartTlsText) + " and " + quoted(MailServer::kTlsText);
+    }
+    if (server.security == Security::kNotChosen && !server.user.empty()) {
+        return "No connection security is chosen for the mail server; the password is sent "
+               "without encryption only with " +
+               quoted(MailServer::kNoneText);
+    }
+    return "";
 }
 
 /// What keeps these settings from sending anything; empty when nothing does.
@@ -47,8 +66,8 @@ std::string settingsProblem(const MailServer &server) {
     if (server.host.empty()) {
         return "No mail server is set";
     }
-    if (server.security == MailServer::Security::kUnknown) {
-        return "The mail server's connection security is none that is known";
+    if (const std::string problem = securityProblem(server); !problem.empty()) {
+        return problem;
     }
     return readMailAddress(server.sender) ? "" : "The sender " + noAddress(server.sender);
 }

@@ -4,7 +4,6 @@
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace quorbel {
 
@@ -12,13 +11,16 @@ namespace {
 
 MailServer::Security securityNamed(std::string_view text) {
     using Security = MailServer::Security;
-    if (text.empty() || text == "None") {
+    if (text.empty()) {
+        return Security::kNotChosen;
+    }
+    if (text == MailServer::kNoneText) {
         return Security::kNone;
     }
-    if (text == "STARTTLS") {
+    if (text == MailServer::kStartTlsText) {
         return Security::kStartTls;
     }
-    return text == "SSL/TLS" ? Security::kTls : Security::kUnknown;
+    return text == MailServer::kTlsText ? Security::kTls : Security::kUnknown;
 }
 
 }  // namespace
@@ -33,7 +35,11 @@ MailServer mailServerFrom(const Dictionary &settings) {
     if (port > 0 && port <= UINT16_MAX) {
         server.port = static_cast<std::uint16_t>(port);
     }
-    server.security = securityNamed(text("actionsEmailSecurity"));
+    const std::string security = text("actionsEmailSecurity");
+    server.security = securityNamed(security);
+    if (server.security == MailServer::Security::kUnknown) {
+        server.unknownSecurity = security;
+    }
     server.timeoutMinutes = static_cast<int>(std::clamp<std::int64_t>(
         settingInteger(settings, "actionsEmailTimeout"), 1, MailServer::kLongestTimeout));
     server.sender = text("actionsEmailSender");
