@@ -68,6 +68,8 @@ TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
         {{{"command", "email"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", "a@b"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", Array{"a@b", "c d@e"}}},
+         "No mail server is set; \"c d@e\" is no e-mail address"},
+        {{{"command", "email"}, {"Recipients", Array{"c d@e"}}},
          "\"c d@e\" is no e-mail address"},
         {{{"command", "email"}, {"Recipients", Array{"a@b"}}}, "No mail server is set"},
     };

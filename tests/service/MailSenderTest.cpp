@@ -159,7 +159,7 @@ TEST_F(MailSenderTest, SaysWhatIsWrong) {
     // Longer than a part of a name may be, so that no name server is asked.
     const std::string noHost(70, 'a');
     const MailMessage noRecipients{{}, "s", "b", false};
-    const MailMessage noAddress{{"a@b", "nobody"}, "s", "b", false};
+    const MailMessage noAddress{{"nobody", ""}, "s", "b", false};
     struct Case {
         MailMessage message;
         Dictionary settings;
@@ -167,7 +167,7 @@ TEST_F(MailSenderTest, SaysWhatIsWrong) {
     };
     const Case cases[] = {
         {noRecipients, settings, "There are no recipients"},
-        {noAddress, settings, "\"nobody\" is no e-mail address"},
+        {noAddress, settings, "\"nobody\" is no e-mail address; \"\" is no e-mail address"},
         {message, {}, "No mail server is set"},
         {message, with(settings, "actionsEmailSender", ""), "The sender \"\" is no e-mail address"},
         {message, with(settings, "actionsEmailSender", "me\r\nDATA"),
@@ -228,6 +228,24 @@ TEST_F(MailSenderTest, NamesTheRecipientsThatWereRefused) {
               "The mail server localhost refused the mail: 554 " + std::string(296, 'x'));
     EXPECT_EQ(sender.sent(), 1U);
     EXPECT_EQ(sender.dropped(), 4U);
+}
+
+TEST_F(MailSenderTest, OneMalformedRecipientDoesNotStopTheOthers) {
+    SmtpStandIn server;
+    const MailMessage mixed{{"a@example.org", "no\nbody", "b@example.org", "x"}, "s", "b", false};
+    const std::string malformed = "\"no?body\" is no e-mail address; \"x\" is no e-mail address";
+    EXPECT_EQ(sender.send(mixed, settingsFor(server)), malformed);
+    auto mails = server.mails();
+    ASSERT_THAT(mails, SizeIs(1));
+    EXPECT_THAT(mails[0].recipients, ElementsAre("a@example.org", "b@example.org"));
+    EXPECT_EQ(sender.sent(), 1U);
+    EXPECT_EQ(sender.dropped(), 1U);
+
+    server.answerRecipient("b@example.org", "550 Gone");
+    EXPECT_EQ(sender.send(mixed, settingsFor(server)),
+              "The mail server refused b@example.org (550 Gone); " + malformed);
+    EXPECT_EQ(sender.send(mixed, {}), "No mail server is set; " + malformed);
+    EXPECT_THAT(server.mails(), SizeIs(2));
 }
 
 TEST_F(MailSenderTest, NothingInATextBecomesACommand) {
@@ -312,7 +330,9 @@ TEST_F(MailSenderTest, TriesAgainOnlyForThoseForWhomThereIsHope) {
         EXPECT_EQ(quick.sent(), 1U);
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>An e-mail to gone@b is not sent: 550 No such user\n");
+              "<4>An e-mail to gone@b is not sent: 550 No such user\n"
+              "<4>An e-mail to busy@b is not sent yet and will be tried again: 451 Come back "
+              "later\n");
 }
 
 TEST_F(MailSenderTest, GivesUpAfterFourTries) {
@@ -322,13 +342,17 @@ TEST_F(MailSenderTest, GivesUpAfterFourTries) {
     {
         MailSender quick(20ms);
         quick.configure(settingsFor(server));
-        EXPECT_TRUE(quick.submit({{"a@b"}, "s", "", false}));
+        EXPECT_TRUE(quick.submit({{"a@b", "c@d"}, "s", "", false}));
         EXPECT_TRUE(waitUntil([&] { return quick.dropped() == 1; }));
         EXPECT_EQ(server.connections(), 4U);
         EXPECT_EQ(quick.sent(), 0U);
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<4>An e-mail to a@b, c@d is not sent yet and will be tried again: The mail server "
+              "localhost refused the mail: 451 Not now\n"
               "<4>An e-mail to a@b is not sent: The mail server localhost refused the mail: "
+              "451 Not now\n"
+              "<4>An e-mail to c@d is not sent: The mail server localhost refused the mail: "
               "451 Not now\n");
 }
 
@@ -339,6 +363,21 @@ TEST_F(MailSenderTest, OtherSettingsAreTriedAtOnce) {
     // Without a server there is nothing to wait for but the pause of half a minute.
     patient.configure(settingsFor(server));
     EXPECT_THAT(server.waitForMails(1), SizeIs(1));
+}
+
+TEST_F(MailSenderTest, SaysAtOnceThatThereIsNoServer) {
+    ::testing::internal::CaptureStderr();
+    MailSender patient;
+    EXPECT_TRUE(patient.submit({{"a@b"}, "s", "", false}));
+    // The first try, of which the next one is half a minute away.
+    patient.drain(std::chrono::steady_clock::now() + 1h);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<4>An e-mail to a@b is not sent yet and will be tried again: No mail server is "
+              "set\n");
+    EXPECT_EQ(patient.dropped(), 0U);
+    ::testing::internal::CaptureStderr();
+    patient.end();
+    ::testing::internal::GetCapturedStderr();
 }
 
 TEST_F(MailSenderTest, DrainsItsQueue) {
@@ -364,8 +403,8 @@ TEST_F(MailSenderTest, DrainsItsQueue) {
         EXPECT_EQ(patient.dropped(), 21U);
         EXPECT_FALSE(patient.submit({{"a@b"}, "s", "", false}));
     }
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>The service is ending; e-mails that are not sent: 21\n");
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+                ::testing::EndsWith("<4>The service is ending; e-mails that are not sent: 21\n"));
 }
 
 TEST_F(MailSenderTest, TheQueueIsBounded) {

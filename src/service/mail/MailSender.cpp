@@ -6,6 +6,7 @@
 #include <array>
 #include <ctime>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <random>
 #include <utility>
@@ -89,6 +90,32 @@ Recipients readRecipients(const MailMessage &message) {
     return recipients;
 }
 
+/// Two problems as one line; either may be empty.
+std::string withNext(const std::string &problem, const std::string &next) {
+    return problem + (problem.empty() || next.empty() ? "" : "; ") + next;
+}
+
+std::string noAddresses(const std::vector<std::string> &texts) {
+    std::string problems;
+    for (const std::string &text : texts) {
+        problems = withNext(problems, noAddress(text));
+    }
+    return problems;
+}
+
+/// Why not all of the recipients got a mail; empty when they did.
+std::string problemOf(const SmtpResult &result, const std::vector<MailAddress> &recipients) {
+    if (!result.isSent()) {
+        return result.problem;
+    }
+    std::string refused;
+    for (const SmtpResult::Refusal &refusal : result.refused) {
+        refused += refused.empty() ? "The mail server refused " : ", ";
+        refused += recipients[refusal.recipient].address + " (" + refusal.answer + ')';
+    }
+    return refused;
+}
+
 struct Addressees {
     const std::vector<MailAddress> &named;  ///< in the mail itself
     const std::vector<MailAddress> &meant;  ///< to whom it goes now
@@ -106,6 +133,13 @@ SmtpResult deliver(const MailMessage &message, Addressees addressees, const Mail
     }
     result.problem = oneLine(std::move(result.problem));
     return result;
+}
+
+void sayPostponed(const std::map<std::string, std::string> &addressesByReason) {
+    for (const auto &[reason, addresses] : addressesByReason) {
+        say(JournalLevel::kWarning,
+            "An e-mail to " + addresses + " is not sent yet and will be tried again: " + reason);
+    }
 }
 
 struct SmtpOutcome {
@@ -147,25 +181,16 @@ void MailSender::configure(const Dictionary &settings) {
 
 std::string MailSender::send(const MailMessage &message, const Dictionary &settings) {
     const auto [addresses, others] = readRecipients(message);
-    if (!others.empty()) {
-        return noAddress(others.front());
-    }
     if (addresses.empty()) {
-        return "There are no recipients";
+        m_dropped += others.empty() ? 0 : 1;
+        return others.empty() ? "There are no recipients" : noAddresses(others);
     }
     const SmtpResult result =
         deliver(message, {addresses, addresses}, mailServerFrom(settings), m_minute, m_stop);
+    const std::string problem = withNext(problemOf(result, addresses), noAddresses(others));
     m_sent += result.isSent() ? 1 : 0;
-    m_dropped += result.isSent() && result.refused.empty() ? 0 : 1;
-    if (!result.isSent()) {
-        return result.problem;
-    }
-    std::string refused;
-    for (const SmtpResult::Refusal &refusal : result.refused) {
-        refused += refused.empty() ? "The mail server refused " : ", ";
-        refused += addresses[refusal.recipient].address + " (" + refusal.answer + ')';
-    }
-    return refused.empty() ? kSent : refused;
+    m_dropped += problem.empty() ? 0 : 1;
+    return problem.empty() ? kSent : problem;
 }
 
 bool MailSender::submit(MailMessage message) {
@@ -259,6 +284,7 @@ std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const Mai
     job.reached = job.reached || result.isSent();
     const bool isLastTry = job.tries == kPauses.size();
     std::vector<MailAddress> pending;
+    std::map<std::string, std::string> postponed;  // for whom, by the reason
     for (std::size_t i = 0; i < job.pending.size(); ++i) {
         const SmtpOutcome outcome = outcomeFor(result, i);
         if (outcome.reason.empty()) {
@@ -269,8 +295,13 @@ std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const Mai
                 "An e-mail to " + job.pending[i].address + " is not sent: " + outcome.reason);
             job.lost = true;
         } else {
+            std::string &others = postponed[outcome.reason];
+            others += (others.empty() ? "" : ", ") + job.pending[i].address;
             pending.push_back(std::move(job.pending[i]));
         }
+    }
+    if (job.tries == 0) {
+        sayPostponed(postponed);
     }
     job.pending = std::move(pending);
     if (!job.pending.empty()) {

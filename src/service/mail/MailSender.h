@@ -23,8 +23,8 @@ namespace quorbel {
 ///
 /// Queued mail is sent on a thread of its own, one after the other. One that could not be sent is
 /// tried again three times, after half a minute, two and eight minutes, for those recipients for
-/// whom there is hope; what the server refuses for good is not tried again. Mail that is given up
-/// is counted and said in the journal.
+/// whom there is hope; what the server refuses for good is not tried again. The first failure is
+/// said in the journal, and mail that is given up is counted and said there, too.
 class MailSender {
 public:
     static constexpr std::size_t kMostQueued = 256;
@@ -44,7 +44,8 @@ public:
     bool submit(MailMessage message);
 
     /// Sends a message now, through the server of these settings, once. Returns "OK", or one line
-    /// that says what is wrong. Returns early, with the latter, when stop() is called.
+    /// that says what is wrong; it names the recipients that are no addresses or were refused,
+    /// while the others get the message. Returns early, with the latter, when stop() is called.
     std::string send(const MailMessage &message, const Dictionary &settings);
 
     /// Ends every send() within about a second, and every later one at once. Queued mail waits.
