@@ -15,19 +15,13 @@ MultiLineField::MultiLineField(QWidget *parent) : QPlainTextEdit(parent) {
 void MultiLineField::setStoredText(std::string_view text) {
     setPlainText(toQString(text));
     m_stored = text;
-    m_shown = plainText();
-    m_endsLinesWithCrLf = text.find("\r\n") != std::string_view::npos;
+    m_shown = lines();
+    m_lines = StoredLines(text, m_shown);
 }
 
 std::string MultiLineField::storedText() const {
-    QString text = plainText();
-    if (text == m_shown) {
-        return m_stored;
-    }
-    if (m_endsLinesWithCrLf) {
-        text.replace(u'\n', QStringLiteral("\r\n"));
-    }
-    return text.toStdString();
+    const QStringList edited = lines();
+    return edited == m_shown ? m_stored : m_lines.restored(edited);
 }
 
 void MultiLineField::scrollToBeginning() {
@@ -54,11 +48,9 @@ void MultiLineField::changeEvent(QEvent *event) {
     }
 }
 
-QString MultiLineField::plainText() const {
+QStringList MultiLineField::lines() const {
     // Not toPlainText(), which makes plain spaces of those that do not break.
-    QString text = document()->toRawText();
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    return text;
+    return document()->toRawText().split(QChar::ParagraphSeparator);
 }
 
 }  // namespace quorbel

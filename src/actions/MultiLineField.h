@@ -1,6 +1,9 @@
 #pragma once
 
+#include "actions/StoredLines.h"
+
 #include <QPlainTextEdit>
+#include <QStringList>
 
 #include <string>
 #include <string_view>
@@ -8,7 +11,7 @@
 namespace quorbel {
 
 /// A field for a stored text of several lines. What the user does not change comes back exactly as
-/// it was; when the text came with CR LF line ends, changed texts get them too.
+/// it was, line by line; what changed has the line ends that it had, or those around it.
 class MultiLineField : public QPlainTextEdit {
     Q_OBJECT
 
@@ -25,11 +28,11 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    [[nodiscard]] QString plainText() const;
+    [[nodiscard]] QStringList lines() const;
 
     std::string m_stored;
-    QString m_shown;  ///< what the field made of it
-    bool m_endsLinesWithCrLf = false;
+    QStringList m_shown;  ///< what the field made of it
+    StoredLines m_lines;
 };
 
 }  // namespace quorbel

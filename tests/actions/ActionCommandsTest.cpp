@@ -133,6 +133,20 @@ private Q_SLOTS:
                  "A=b\u00A0c\r\nD=e\r\nF=g\r\nH=i");
     }
 
+    void linesThatWereNotTouchedKeepTheirEnds() {
+        openRun(Dictionary{{"Command", "a"}, {"Environment", "A=b\r\nC=d\nE=f\r\n"}});
+        auto &area = m_page->control<QPlainTextEdit>("taskEnvironment");
+        area.moveCursor(QTextCursor::EndOfLine);
+        QTest::keyClicks(&area, u"x"_s);
+        m_page->click("onSave");
+        QCOMPARE(settingText(m_editor->runCommand, "Environment"), "A=bx\r\nC=d\nE=f\r\n");
+        m_page->click("onCancel");
+        openEvent(Dictionary{{"Type", "Alert"}, {"Format", "a\nb\r\nc"}});
+        QTest::keyClicks(&m_page->control("eventFormat"), u"x"_s);
+        m_page->click("onSave");
+        QCOMPARE(settingText(m_editor->setEvent, "Format"), "xa\nb\r\nc");
+    }
+
     void runScrollsToTheBeginning() {
         std::string lines;
         for (int i = 0; i < 200; ++i) {
