@@ -5,7 +5,7 @@
 #include "service/actions/Actions.h"
 #include "service/bus/NotificationQueue.h"
 #include "service/input/HostNames.h"
-#include "service/input/IpAddress.h"
+#include "core/IpAddress.h"
 #include "service/message/EventFilter.h"
 #include "service/message/MessageParser.h"
 #include "service/message/RecordWriter.h"

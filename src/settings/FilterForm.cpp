@@ -1,13 +1,14 @@
 #include "settings/FilterForm.h"
 
 #include "core/Facility.h"
+#include "core/SenderRange.h"
 #include "core/SettingsDocument.h"
 #include "core/Severity.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"
 #include "ui_FilterForm.h"
 
-#include <QRegularExpressionValidator>
+#include <QLocale>
 
 #include <utility>
 
@@ -17,13 +18,31 @@ namespace {
 
 constexpr std::string_view kAny = "Any";
 
-/// A stored mask as its field shows it: as the number that the service takes it for, so text that
-/// is none shows as 0.
-QString maskText(const Dictionary &record) {
-    if (const auto text = settingText(record, "Mask")) {
-        return QString::number(integerValue(*text));
+QString addressCount(unsigned freeBits) {
+    constexpr unsigned kMostWrittenOut = 32;
+    const QString count = freeBits <= kMostWrittenOut
+                              ? QLocale().toString(qulonglong{1} << freeBits)
+                              : QStringLiteral("2^") + QString::number(freeBits);
+    return count + (freeBits == 0 ? QStringLiteral(" address") : QStringLiteral(" addresses"));
+}
+
+/// What is said below the fields of the host. No text is longer than the one in the form, for which
+/// the sheets have room.
+QString meaningOf(const SenderRange &senders) {
+    if (senders.ignoresAddress()) {
+        return QStringLiteral("Any host: the mask is 0, so the address does not count");
     }
-    return QString::number(settingInteger(record, "Mask"));
+    if (senders.isAnybody()) {
+        return QStringLiteral("Any host; 192.168.1.0 / 24 is a whole network");
+    }
+    if (senders.isNobody()) {
+        return QStringLiteral("No valid address: matches nobody");
+    }
+    const QString count = addressCount(senders.freeBits());
+    return senders.isMaskTooLong()
+               ? count + QStringLiteral("; the longest mask of this address is ") +
+                     QString::number(senders.addressBits())
+               : count;
 }
 
 QString fieldText(const Dictionary &record, std::string_view key) {
@@ -40,8 +59,6 @@ void select(QComboBox &chooser, const Dictionary &record, std::string_view key) 
 
 FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::FilterForm>()) {
     ui->setupUi(this);
-    static const QRegularExpression wholeNumber(QStringLiteral("[0-9]*"));
-    ui->recordMask->setValidator(new QRegularExpressionValidator(wholeNumber, this));
     ui->recordFacility->addItem(toQString(kAny));
     for (const std::string_view facility : kFacilityNames) {
         ui->recordFacility->addItem(toQString(facility));
@@ -50,6 +67,8 @@ FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<U
     for (std::size_t i = 0; i < kUnknownClass; ++i) {
         ui->recordSeverity->addItem(toQString(kSeverityClasses[i].name));
     }
+    connect(ui->recordIP, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
+    connect(ui->recordMask, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
     connect(ui->anyHost, &QAbstractButton::clicked, this, &FilterForm::anyHost);
     connect(ui->anyFacility, &QAbstractButton::clicked, this, &FilterForm::anyFacility);
     connect(ui->anySeverity, &QAbstractButton::clicked, this, &FilterForm::anySeverity);
@@ -81,7 +100,7 @@ void FilterForm::showRecord(const Dictionary &record) {
     showText(*ui->recordName, fieldText(record, "Name"));
     showText(*ui->recordIP, fieldText(record, "IP"));
     showText(*ui->recordMessage, fieldText(record, "Message"));
-    ui->recordMask->setText(maskText(record));
+    ui->recordMask->setText(QString::number(SenderRange::maskOf(record)));
     select(*ui->recordFacility, record, "Facility");
     select(*ui->recordSeverity, record, "Severity");
 }
@@ -106,6 +125,14 @@ FilterForm::Record FilterForm::record() const {
         record.fields.remove("Facility");
     }
     return record;
+}
+
+void FilterForm::sayWhichHosts() {
+    const std::int64_t mask = integerValue(ui->recordMask->text().toStdString());
+    const QString meaning = meaningOf(SenderRange(ui->recordIP->text().toStdString(), mask));
+    ui->hostMeaning->setText(meaning);
+    ui->recordIP->setAccessibleDescription(meaning);
+    ui->recordMask->setAccessibleDescription(meaning);
 }
 
 void FilterForm::anyHost() {

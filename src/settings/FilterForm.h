@@ -16,7 +16,8 @@ class FilterForm;
 namespace quorbel {
 
 /// The form of a filter record: name, host address with mask, facility, severity and message, each
-/// but the name with a button that stands for "any". Filters and actions are edited with it.
+/// but the name with a button that stands for "any". Filters and actions are edited with it. Any
+/// text is taken in every field; "hostMeaning" says which hosts address and mask stand for.
 class FilterForm : public QWidget {
     Q_OBJECT
 
@@ -50,6 +51,8 @@ public:
     void anyMessage();
 
 private:
+    void sayWhichHosts();
+
     std::unique_ptr<Ui::FilterForm> ui;
 };
 

@@ -4,7 +4,9 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QTest>
 
 #include <memory>
@@ -29,6 +31,7 @@ private:
     std::unique_ptr<FilterForm> m_form;
 
 private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::English)); }
     void init() {
         m_form = std::make_unique<FilterForm>();
         m_form->setPrefix(QStringLiteral("filter"));
@@ -165,13 +168,72 @@ private Q_SLOTS:
         QVERIFY(m_form->record().complete);
     }
 
-    void theMaskTakesDigitsOnly() {
+    void theMaskTakesAnyText() {
         m_form->showNew(QStringLiteral("n"));
         QLineEdit &mask = control("filterMask");
         QTest::keyClick(&mask, Qt::Key_Backspace);
         QVERIFY(*m_form->record().fields.find("Mask") == Value(""));
-        QTest::keyClicks(&mask, QStringLiteral("a2-4."));
-        QVERIFY(*m_form->record().fields.find("Mask") == Value("24"));
+        QTest::keyClicks(&mask, QStringLiteral("a2-4. "));
+        QVERIFY(*m_form->record().fields.find("Mask") == Value("a2-4. "));
+    }
+
+    void saysWhichHostsAddressAndMaskStandFor_data() {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("mask");
+        QTest::addColumn<QString>("meaning");
+        const auto row = [](const char *address, const char *mask, const char *meaning) {
+            QTest::addRow("%s / %s", address, mask)
+                << QString::fromLatin1(address) << QString::fromLatin1(mask)
+                << QString::fromLatin1(meaning);
+        };
+        const char *ignored = "Any host: the mask is 0, so the address does not count";
+        const char *nobody = "No valid address: matches nobody";
+        row("0.0.0.0", "0", "Any host; 192.168.1.0 / 24 is a whole network");
+        row("", "", "Any host; 192.168.1.0 / 24 is a whole network");
+        row("10.0.0.5", "0", ignored);
+        row("10.0.0.5", "", ignored);
+        row("10.0.0.5", "all", ignored);
+        row("router.example.org", "0", ignored);
+        row("router.example.org", "32", nobody);
+        row("10.0.0.", "32", nobody);
+        row("", "8", nobody);
+        row("10.0.0.5", "32", "1 address");
+        row("10.0.0.5", "31", "2 addresses");
+        row("10.0.0.5", "24", "256 addresses");
+        row("10.0.0.5", "24x", "256 addresses");
+        row("10.0.0.5", "1", "2,147,483,648 addresses");
+        row("10.0.0.5", "33", "1 address; the longest mask of this address is 32");
+        row("10.0.0.5", "255.255.255.0", "1 address; the longest mask of this address is 32");
+        row("2001:db8::1", "128", "1 address");
+        row("2001:db8::1", "64", "2^64 addresses");
+        row("2001:db8::1", "200", "1 address; the longest mask of this address is 128");
+    }
+    void saysWhichHostsAddressAndMaskStandFor() {
+        QFETCH(QString, address);
+        QFETCH(QString, mask);
+        QFETCH(QString, meaning);
+        const auto &label = control<QLabel>("hostMeaning");
+        const int room = label.sizeHint().width();
+        m_form->showNew(QStringLiteral("n"));
+        const auto type = [this](const char *name, const QString &text) {
+            control(name).selectAll();
+            QTest::keyClick(&control(name), Qt::Key_Delete);
+            QTest::keyClicks(&control(name), text);
+        };
+        type("filterIP", address);
+        type("filterMask", mask);
+        QCOMPARE(label.text(), meaning);
+        QVERIFY(label.sizeHint().width() <= room);
+        for (const char *field : {"filterIP", "filterMask"}) {
+            QCOMPARE(control(field).accessibleDescription(), meaning);
+        }
+        // The same when it is stored, and shown again.
+        const Dictionary record = m_form->record().fields;
+        init();
+        m_form->showRecord(record);
+        QCOMPARE(control<QLabel>("hostMeaning").text(), meaning);
+        click("anyHost");
+        QVERIFY(control<QLabel>("hostMeaning").text().startsWith(QStringLiteral("Any host;")));
     }
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Value.h"
-#include "service/input/IpAddress.h"
+#include "core/IpAddress.h"
 
 #include <chrono>
 #include <cstddef>

@@ -3,7 +3,6 @@
 #include "core/LogReader.h"
 #include "core/SettingsDocument.h"
 #include "core/Severity.h"
-#include "platform/Text.h"
 
 #include <algorithm>
 
@@ -12,12 +11,6 @@ namespace quorbel {
 namespace {
 
 constexpr std::string_view kAny = "Any";
-
-/// The editor stores the field's text; a number is taken as well.
-std::int64_t readMask(const Dictionary &record) {
-    const auto text = settingText(record, "Mask");
-    return text ? integerValue(*text) : settingInteger(record, "Mask");
-}
 
 /// One bit for each of `count` names that is the wanted one, by `isName(index, text)`.
 template <typename IsName>
@@ -75,10 +68,7 @@ const std::string &FilterSubject::foldedMessage() const {
     return m_folded;
 }
 
-EventFilter::EventFilter(const Dictionary &record) {
-    const std::int64_t mask = readMask(record);
-    m_anySender = mask <= 0;
-    m_network = readNetwork(record, mask);
+EventFilter::EventFilter(const Dictionary &record) : m_senders(record) {
     m_facilities = bitsFor(record, "Facility", kFacilityCount,
                            [](unsigned i, auto &text) { return kFacilityNames[i] == text; });
     m_severities = bitsFor(record, "Severity", kSeverityCount, [](unsigned i, auto &text) {
@@ -93,31 +83,13 @@ EventFilter::EventFilter(const Dictionary &record) {
     }
 }
 
-std::optional<EventFilter::Network> EventFilter::readNetwork(const Dictionary &record,
-                                                             std::int64_t mask) {
-    const std::string text = settingText(record, "IP").value_or("");
-    const auto address = IpAddress::parse(trimmed(text));
-    if (!address) {
-        return std::nullopt;
-    }
-    const bool isV4Text = text.find(':') == std::string::npos;
-    const unsigned before = isV4Text ? IpAddress::kV4Begin : 0;
-    const auto longest = std::int64_t{IpAddress::kBits - before};
-    return Network{*address,
-                   before + static_cast<unsigned>(std::clamp<std::int64_t>(mask, 0, longest))};
-}
-
 bool EventFilter::matches(const FilterSubject &subject) const {
     if (!has(m_facilities, subject.priority().facility) ||
         !has(m_severities, subject.priority().severity)) {
         return false;
     }
-    if (!m_anySender) {
-        const IpAddress &sender = subject.address();
-        if (!m_network || m_network->address.isV4() != sender.isV4() ||
-            !m_network->address.sharesPrefix(sender, m_network->bits)) {
-            return false;
-        }
+    if (!m_senders.contains(subject.address())) {
+        return false;
     }
     return !m_message || m_message->matches(subject.foldedMessage());
 }

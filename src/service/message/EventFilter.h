@@ -1,7 +1,8 @@
 #pragma once
 
+#include "core/IpAddress.h"
+#include "core/SenderRange.h"
 #include "platform/Value.h"
-#include "service/input/IpAddress.h"
 #include "service/message/Priority.h"
 #include "service/message/WildcardPattern.h"
 
@@ -39,14 +40,9 @@ private:
 
 /// One filter record of the settings, made ready for matching. All four conditions must hold:
 ///
-/// - "IP" with "Mask": the first so many bits of the sender's address. A mask of 0, also one that
-/// is
-///   no number, stands for any sender, and any mask above the address's length for all of it. A
-///   text that is no address (with another mask) holds for none. An IPv4 address holds for senders
-///   over IPv4 only, an IPv6 address for those over IPv6.
+/// - "IP" with "Mask": a SenderRange.
 /// - "Facility", "Severity": "Any" or an empty text stands for all. A name that does not exist
-/// holds
-///   for none.
+///   holds for none.
 /// - "Message": a wildcard pattern for the whole text. An empty one stands for any.
 ///
 /// What a record lacks, or holds in another form, counts as empty.
@@ -56,18 +52,14 @@ public:
 
     [[nodiscard]] bool matches(const FilterSubject &subject) const;
 
+    [[nodiscard]] const SenderRange &senders() const { return m_senders; }
+    /// Whether a facility and a severity are such that messages have them.
+    [[nodiscard]] bool hasFacility() const { return m_facilities != 0; }
+    [[nodiscard]] bool hasSeverity() const { return m_severities != 0; }
+
 private:
-    /// An address of which the first bits count.
-    struct Network {
-        IpAddress address;
-        unsigned bits = 0;
-    };
-
-    static std::optional<Network> readNetwork(const Dictionary &record, std::int64_t mask);
-
-    bool m_anySender = true;
-    std::optional<Network> m_network;  ///< nothing, when not any sender: no sender
-    std::uint32_t m_facilities = 0;    ///< one bit for each that holds
+    SenderRange m_senders;
+    std::uint32_t m_facilities = 0;  ///< one bit for each that holds
     std::uint32_t m_severities = 0;
     std::optional<WildcardPattern> m_message;  ///< nothing: any message
 };

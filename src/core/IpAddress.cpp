@@ -1,4 +1,4 @@
-#include "service/input/IpAddress.h"
+#include "core/IpAddress.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
