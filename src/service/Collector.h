@@ -1,11 +1,11 @@
 #pragma once
 
+#include "core/IpAddress.h"
 #include "platform/Value.h"
 #include "service/Counters.h"
 #include "service/actions/Actions.h"
 #include "service/bus/NotificationQueue.h"
 #include "service/input/HostNames.h"
-#include "core/IpAddress.h"
 #include "service/message/EventFilter.h"
 #include "service/message/MessageParser.h"
 #include "service/message/RecordWriter.h"

@@ -2,6 +2,7 @@
 
 #include "core/SettingsDocument.h"
 #include "service/Journal.h"
+#include "service/message/FilterProblems.h"
 
 #include <sys/eventfd.h>
 #include <systemd/sd-daemon.h>
@@ -86,6 +87,19 @@ void Service::configure() {
     m_mail.configure(*settings);
     m_exporter.configure(*settings);
     m_tls.configure();
+    sayFilterProblems(*settings);
+}
+
+/// Once, and again when they are others.
+void Service::sayFilterProblems(const Dictionary &settings) {
+    std::vector<std::string> problems = filterProblems(settings);
+    if (problems == m_filterProblems) {
+        return;
+    }
+    for (const std::string &problem : problems) {
+        say(JournalLevel::kWarning, problem);
+    }
+    m_filterProblems = std::move(problems);
 }
 
 void Service::run() {

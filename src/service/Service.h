@@ -24,6 +24,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quorbel {
 
@@ -43,6 +44,7 @@ public:
 private:
     EventSourcePointer watchSignal(int number, sd_event_signal_handler_t handler);
     void configure();
+    void sayFilterProblems(const Dictionary &settings);
     [[nodiscard]] std::uint64_t idleMicroseconds() const;
     [[nodiscard]] bool hasToTell() const;
     void turn(std::uint64_t timeoutMicroseconds);
@@ -60,7 +62,8 @@ private:
     EventLoopPointer m_loop;
     bool m_stopping = false;
     Counters m_counters;
-    Counters m_reported;  ///< as they were said last
+    Counters m_reported;                        ///< as they were said last
+    std::vector<std::string> m_filterProblems;  ///< the same
 
     // In the order of an event's way back from the front-end to the network.
     LogStore m_store;

@@ -40,6 +40,19 @@ struct CommandsTest : ::testing::Test {
     Commands commands{store, settings, mail};
 };
 
+TEST_F(CommandsTest, StoreOddFiltersAndNameThem) {
+    const Dictionary name{{"Name", "lab"}, {"IP", "lab-sw1"}, {"Mask", "32"}};
+    const Dictionary mask{{"Name", "all"}, {"IP", "10.0.0.5"}, {"Mask", "0"}};
+    const Dictionary odd{{"includeFiltersArray", Array{name}},
+                         {"excludeFiltersArray", Array{mask}}};
+    EXPECT_EQ(save(odd),
+              "The settings are stored. The include filter \"lab\" can match nothing: \"lab-sw1\" "
+              "is no address; The exclude filter \"all\" is for any host: beside \"10.0.0.5\" its "
+              "mask is 0");
+    EXPECT_EQ(*settings.current(), odd);
+    EXPECT_EQ(save({{"includeFiltersArray", Array{Dictionary{{"IP", "0.0.0.0"}}}}}), "OK");
+}
+
 TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
     struct Case {
         Dictionary command;
@@ -69,8 +82,7 @@ TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
         {{{"command", "email"}, {"Recipients", "a@b"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", Array{"a@b", "c d@e"}}},
          "No mail server is set; \"c d@e\" is no e-mail address"},
-        {{{"command", "email"}, {"Recipients", Array{"c d@e"}}},
-         "\"c d@e\" is no e-mail address"},
+        {{{"command", "email"}, {"Recipients", Array{"c d@e"}}}, "\"c d@e\" is no e-mail address"},
         {{{"command", "email"}, {"Recipients", Array{"a@b"}}}, "No mail server is set"},
     };
     for (const Case &c : cases) {

@@ -71,6 +71,36 @@ Dictionary exclude(const std::string &pattern) {
     return {{"excludeFiltersArray", Array{Dictionary{{"Message", pattern}}}}};
 }
 
+TEST_F(ServiceSettingsTest, TheJournalNamesOddFiltersOnce) {
+    startService();
+    Dictionary settings{{"excludeFiltersArray",
+                         Array{Dictionary{{"Name", "lab"}, {"IP", "lab-sw1"}, {"Mask", "32"}}}}};
+    const std::string said =
+        "The exclude filter \"lab\" can match nothing: \"lab-sw1\" is no address";
+    const auto count = [&](const std::string &text) {
+        const std::string journal = service->journal();
+        std::size_t found = 0;
+        for (std::size_t at = journal.find(text); at != std::string::npos;
+             at = journal.find(text, at + 1)) {
+            ++found;
+        }
+        return found;
+    };
+    const auto saveOdd = [&] {
+        sender.send({{"command", "save"}, {"Settings", settings}});
+        ASSERT_TRUE(sender.waitUntilIdle(testing::kPatience));
+        ASSERT_EQ(reply, "The settings are stored. " + said);
+    };
+    saveOdd();
+    settings.set("hostsDisplay", true);
+    saveOdd();
+    save({});
+    saveOdd();
+    EXPECT_EQ(service->terminate(), 0);
+    ASSERT_TRUE(service->waitForJournal("Received 0"));  // the last line
+    EXPECT_EQ(count("<4>" + said + "\n"), 2U) << service->journal();
+}
+
 TEST_F(ServiceSettingsTest, FiltersHoldAsSoonAsTheyAreSaved) {
     startService();
     constexpr int kRounds = 30;

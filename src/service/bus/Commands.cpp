@@ -2,6 +2,7 @@
 
 #include "core/SettingsDocument.h"
 #include "service/bus/CommandFile.h"
+#include "service/message/FilterProblems.h"
 #include "service/store/EventRemoval.h"
 
 #include <optional>
@@ -61,7 +62,14 @@ std::string Commands::save(const Dictionary &command) {
     if (settings == nullptr) {
         return "The settings to save are no dictionary";
     }
-    return m_settings.save(*settings).value_or(kDone);
+    if (const auto failure = m_settings.save(*settings)) {
+        return *failure;
+    }
+    std::string reply;
+    for (const std::string &problem : filterProblems(*settings)) {
+        reply += (reply.empty() ? "The settings are stored. " : "; ") + problem;
+    }
+    return reply.empty() ? kDone : reply;
 }
 
 std::string Commands::update(const Dictionary &command) {

@@ -1,6 +1,7 @@
 #include "service/mail/MailSender.h"
 
 #include "service/Journal.h"
+#include "service/QuotedText.h"
 
 #include <algorithm>
 #include <array>
@@ -39,12 +40,8 @@ std::string oneLine(std::string text) {
     return text;
 }
 
-std::string quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
-}
-
 std::string noAddress(std::string_view text) {
-    return quoted(oneLine(std::string(text))) + " is no e-mail address";
+    return quoted(text) + " is no e-mail address";
 }
 
 std::string securityProblem(const MailServer &server) {

@@ -1,0 +1,98 @@
+#include "service/message/FilterProblems.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+Dictionary filter(const char *name, const char *ip, Value mask, const char *facility = "Any",
+                  const char *severity = "Any") {
+    return {{"Name", name},         {"IP", ip},
+            {"Message", "*"},       {"Mask", std::move(mask)},
+            {"Facility", facility}, {"Severity", severity}};
+}
+
+std::vector<std::string> problemsOf(const Dictionary &record) {
+    return filterProblems({{"excludeFiltersArray", Array{record}}});
+}
+
+TEST(FilterProblems, AreSaidOfWhatCanMatchNothing) {
+    struct Case {
+        Dictionary filter;
+        const char *problem;
+    };
+    const Case cases[] = {
+        {filter("a", "router", "32"),
+         "The exclude filter \"a\" can match nothing: \"router\" is no address"},
+        {filter("", "", "8"), "The exclude filter \"\" can match nothing: \"\" is no address"},
+        {filter("a", "10.0.0.0", "8", "Kernel"),
+         "The exclude filter \"a\" can match nothing: there is no facility \"Kernel\""},
+        {filter("a", "10.0.0.0", "8", "Any", "Alerting!"),
+         "The exclude filter \"a\" can match nothing: there is no severity \"Alerting!\""},
+        {filter("a", "10.0.0.1", "33"),
+         "The exclude filter \"a\" has the mask 33, which counts as 32"},
+        {filter("a", "2001:db8::", 129),
+         "The exclude filter \"a\" has the mask 129, which counts as 128"},
+        {filter("a", "10.0.0.1", "0"),
+         "The exclude filter \"a\" is for any host: beside \"10.0.0.1\" its mask is 0"},
+        {filter("a", "router", "all"),
+         "The exclude filter \"a\" is for any host: beside \"router\" its mask is 0"},
+    };
+    for (const Case &c : cases) {
+        EXPECT_THAT(problemsOf(c.filter), ElementsAre(c.problem));
+    }
+}
+
+TEST(FilterProblems, AreNoneOfUsualFilters) {
+    for (const Dictionary &usual :
+         {filter("a", "0.0.0.0", "0"), filter("a", "::", "0"), filter("a", "", ""),
+          filter("a", "10.0.0.1", "32"), filter("a", "2001:db8::", "128", "Local7", "Error"),
+          filter("a", " 10.0.0.0 ", 1, "", ""), Dictionary{}}) {
+        EXPECT_THAT(problemsOf(usual), IsEmpty());
+    }
+    EXPECT_THAT(filterProblems({}), IsEmpty());
+    EXPECT_THAT(filterProblems({{"actionsArray", Array{5, "text"}}, {"includeFiltersArray", 5}}),
+                IsEmpty());
+}
+
+TEST(FilterProblems, AreNamedByTheirListsAndLimited) {
+    Array many;
+    for (int i = 0; i < 11; ++i) {
+        many.emplace_back(filter("a", "x", "8"));
+    }
+    const auto problems = filterProblems({{"includeFiltersArray", Array{filter("i", "x", "8")}},
+                                          {"excludeFiltersArray", many},
+                                          {"actionsArray", Array{filter("c", "x", "8")}}});
+    ASSERT_THAT(problems, SizeIs(kMostFilterProblems + 1));
+    EXPECT_EQ(problems[0], "The include filter \"i\" can match nothing: \"x\" is no address");
+    EXPECT_EQ(problems[1], "The exclude filter \"a\" can match nothing: \"x\" is no address");
+    EXPECT_EQ(problems.back(), "Filters besides these: 3");
+    EXPECT_THAT(
+        filterProblems({{"actionsArray", Array{filter("c", "x", "8")}}}),
+        ElementsAre("The filter of the action \"c\" can match nothing: \"x\" is no address"));
+}
+
+TEST(FilterProblems, AreOneLineEachHoweverTheFieldsAre) {
+    const auto nameOf = [](const std::string &name) {
+        const std::string line = problemsOf(filter(name.c_str(), "x", "8")).at(0);
+        const std::string before = "The exclude filter \"";
+        return line.substr(before.size(), line.find("\" can") - before.size());
+    };
+    EXPECT_EQ(nameOf("a\nb\x7F"), "a?b?");
+    EXPECT_EQ(nameOf("\u00E4\u4E2D"), "\u00E4\u4E2D");
+    EXPECT_EQ(nameOf("\xE4"), "?");
+    EXPECT_EQ(nameOf(std::string(80, 'x')), std::string(80, 'x'));
+    EXPECT_EQ(nameOf(std::string(81, 'x')), std::string(80, 'x') + "...");
+    EXPECT_EQ(nameOf(std::string(79, 'x') + "\u4E2D"), std::string(79, 'x') + "...");
+}
+
+}  // namespace
+}  // namespace quorbel
