@@ -9,6 +9,7 @@
 #include "ui_FilterForm.h"
 
 #include <QLocale>
+#include <QStyle>
 
 #include <utility>
 
@@ -53,6 +54,16 @@ QString fieldText(const Dictionary &record, std::string_view key) {
 void select(QComboBox &chooser, const Dictionary &record, std::string_view key) {
     const auto value = settingText(record, key);
     chooser.setCurrentIndex(value ? chooser.findText(toQString(*value)) : -1);
+}
+
+/// Gives a label the look of a role of the style sheet.
+void setRole(QLabel &label, const QString &role) {
+    if (label.property("role").toString() != role) {
+        label.setProperty("role", role);
+        // The style sheet's rules look at a property, and properties are not watched.
+        label.style()->unpolish(&label);
+        label.style()->polish(&label);
+    }
 }
 
 }  // namespace
@@ -129,8 +140,11 @@ FilterForm::Record FilterForm::record() const {
 
 void FilterForm::sayWhichHosts() {
     const std::int64_t mask = integerValue(ui->recordMask->text().toStdString());
-    const QString meaning = meaningOf(SenderRange(ui->recordIP->text().toStdString(), mask));
+    const SenderRange senders(ui->recordIP->text().toStdString(), mask);
+    const QString meaning = meaningOf(senders);
     ui->hostMeaning->setText(meaning);
+    const bool isOdd = senders.isNobody() || senders.ignoresAddress() || senders.isMaskTooLong();
+    setRole(*ui->hostMeaning, isOdd ? QStringLiteral("warning") : QStringLiteral("caption"));
     ui->recordIP->setAccessibleDescription(meaning);
     ui->recordMask->setAccessibleDescription(meaning);
 }

@@ -224,6 +224,11 @@ private Q_SLOTS:
         type("filterMask", mask);
         QCOMPARE(label.text(), meaning);
         QVERIFY(label.sizeHint().width() <= room);
+        // What hardly was meant is in another colour.
+        const bool isOdd = !meaning.endsWith(u"address") && !meaning.endsWith(u"addresses") &&
+                           !meaning.startsWith(u"Any host;");
+        QCOMPARE(label.property("role").toString(),
+                 isOdd ? QStringLiteral("warning") : QStringLiteral("caption"));
         for (const char *field : {"filterIP", "filterMask"}) {
             QCOMPARE(control(field).accessibleDescription(), meaning);
         }
