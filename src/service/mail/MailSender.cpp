@@ -64,7 +64,7 @@ std::string settingsProblem(const MailServer &server) {
     if (server.host.empty()) {
         return "No mail server is set";
     }
-    if (const std::string problem = securityProblem(server); !problem.empty()) {
+    if (std::string problem = securityProblem(server); !problem.empty()) {
         return problem;
     }
     return readMailAddress(server.sender) ? "" : "The sender " + noAddress(server.sender);
@@ -134,8 +134,9 @@ SmtpResult deliver(const MailMessage &message, Addressees addressees, const Mail
 
 void sayPostponed(const std::map<std::string, std::string> &addressesByReason) {
     for (const auto &[reason, addresses] : addressesByReason) {
-        say(JournalLevel::kWarning,
-            "An e-mail to " + addresses + " is not sent yet and will be tried again: " + reason);
+        std::string text = "An e-mail to ";
+        text.append(addresses).append(" is not sent yet and will be tried again: ").append(reason);
+        say(JournalLevel::kWarning, text);
     }
 }
 
