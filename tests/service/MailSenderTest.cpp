@@ -167,14 +167,14 @@ TEST_F(MailSenderTest, SaysWhatIsWrong) {
     };
     const Case cases[] = {
         {noRecipients, settings, "There are no recipients"},
-        {noAddress, settings, "\"nobody\" is no e-mail address; \"\" is no e-mail address"},
+        {noAddress, settings, R"("nobody" is no e-mail address; "" is no e-mail address)"},
         {message, {}, "No mail server is set"},
         {message, with(settings, "actionsEmailSender", ""), "The sender \"\" is no e-mail address"},
         {message, with(settings, "actionsEmailSender", "me\r\nDATA"),
          "The sender \"me??DATA\" is no e-mail address"},
         {message, with(settings, "actionsEmailSecurity", "TLS"),
-         "The mail server's connection security \"TLS\" is none of \"None\", \"STARTTLS\" and "
-         "\"SSL/TLS\""},
+         R"(The mail server's connection security "TLS" is none of "None", "STARTTLS" and )"
+         R"("SSL/TLS")"},
         {message, with(settings, "actionsEmailServer", "a host/path\nx"),
          "The mail server's name is none: a host/path?x"},
         {message, with(settings, "actionsEmailServer", noHost),
@@ -233,7 +233,7 @@ TEST_F(MailSenderTest, NamesTheRecipientsThatWereRefused) {
 TEST_F(MailSenderTest, OneMalformedRecipientDoesNotStopTheOthers) {
     SmtpStandIn server;
     const MailMessage mixed{{"a@example.org", "no\nbody", "b@example.org", "x"}, "s", "b", false};
-    const std::string malformed = "\"no?body\" is no e-mail address; \"x\" is no e-mail address";
+    const std::string malformed = R"("no?body" is no e-mail address; "x" is no e-mail address)";
     EXPECT_EQ(sender.send(mixed, settingsFor(server)), malformed);
     auto mails = server.mails();
     ASSERT_THAT(mails, SizeIs(1));

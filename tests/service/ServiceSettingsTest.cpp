@@ -76,7 +76,7 @@ TEST_F(ServiceSettingsTest, TheJournalNamesOddFiltersOnce) {
     Dictionary settings{{"excludeFiltersArray",
                          Array{Dictionary{{"Name", "lab"}, {"IP", "lab-sw1"}, {"Mask", "32"}}}}};
     const std::string said =
-        "The exclude filter \"lab\" can match nothing: \"lab-sw1\" is no address";
+        R"(The exclude filter "lab" can match nothing: "lab-sw1" is no address)";
     const auto count = [&](const std::string &text) {
         const std::string journal = service->journal();
         std::size_t found = 0;
