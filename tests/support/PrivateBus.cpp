@@ -11,6 +11,7 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 
 namespace quorbel::testing {
@@ -19,13 +20,17 @@ namespace {
 
 constexpr int kStartLimitMs = 20000;
 
-std::string configuration(const std::string &address) {
+constexpr const char *kServiceFolder = "services";
+
+std::string configuration(const std::string &address, const std::filesystem::path &services) {
     return R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>system</type>
   <listen>)" +
            address + R"(</listen>
+  <servicedir>)" +
+           services.string() + R"(</servicedir>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow user="*"/>
@@ -82,7 +87,8 @@ PrivateBus::Variable::~Variable() {
 }
 
 PrivateBus::PrivateBus(Serve serve) : m_address("unix:path=" + (m_folder.path() / "bus").string()) {
-    m_folder.write("bus.conf", configuration(m_address));
+    std::filesystem::create_directory(m_folder.path() / kServiceFolder);
+    m_folder.write("bus.conf", configuration(m_address, m_folder.path() / kServiceFolder));
     start();
     if (serve != Serve::kSession) {
         m_system.emplace("DBUS_SYSTEM_BUS_ADDRESS", m_address);
@@ -127,6 +133,17 @@ void PrivateBus::stop() {
         waitpid(m_daemon, nullptr, 0);
     }
     m_daemon = -1;
+}
+
+void PrivateBus::startOnDemand(const std::string &name) {
+    const std::string mark = (m_folder.path() / (name + ".started")).string();
+    const std::string wait = "/bin/sh -c ': > " + mark + "; exec sleep 30'";
+    m_folder.write(std::string(kServiceFolder) + "/" + name + ".service",
+                   "[D-BUS Service]\nName=" + name + "\nExec=" + wait + "\nUser=root\n");
+}
+
+bool PrivateBus::hasStarted(const std::string &name) const {
+    return std::filesystem::exists(m_folder.path() / (name + ".started"));
 }
 
 void PrivateBus::freeze() {

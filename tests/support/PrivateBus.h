@@ -31,6 +31,11 @@ public:
     void stop();
     /// Starts it again at the same address; does nothing while it runs.
     void start();
+    /// From now on, a call to `name` starts what never takes the name; the call waits for somebody
+    /// else to take it.
+    void startOnDemand(const std::string &name);
+    /// Whether a call has done so.
+    [[nodiscard]] bool hasStarted(const std::string &name) const;
     /// Stops its execution: it neither reads nor answers, although its socket accepts.
     void freeze();
     void thaw();

@@ -111,24 +111,42 @@ void CommandDelivery::process() {
     do {
         result = isFinished() ? 0 : sd_bus_process(m_bus.get(), nullptr);
     } while (result > 0);
+    if (result < 0) {
+        finish();
+    } else {
+        advance();
+    }
+}
+
+void CommandDelivery::advance() {
     if (m_state == State::kConnecting && sd_bus_is_ready(m_bus.get()) > 0) {
-        result = call() ? 0 : -1;
-        m_state = State::kSending;
-        m_deadline = Clock::now() + kSendLimit;
+        if (!call() || !askWhetherRouted()) {
+            finish();
+            return;
+        }
+        enter(State::kSending, kSendLimit);
     }
-    if (m_state == State::kSending && result >= 0 &&
-        (sd_bus_get_events(m_bus.get()) & POLLOUT) == 0) {
+    if (m_state == State::kSending && (sd_bus_get_events(m_bus.get()) & POLLOUT) == 0) {
+        enter(State::kRouting, kOrderLimit);
+    }
+    if (!holdsUpNext() || Clock::now() < m_deadline) {
+        return;
+    }
+    if (m_state == State::kRouting) {
+        // The bus has it all; it may only be slow.
         m_state = State::kAwaitingReply;
-        m_deadline = Clock::now() + kOrderLimit;
-    }
-    const bool late = m_state != State::kAwaitingReply && Clock::now() >= m_deadline;
-    if (result < 0 || late) {
+    } else {
         finish();
     }
 }
 
+void CommandDelivery::enter(State state, std::chrono::seconds limit) {
+    m_state = state;
+    m_deadline = Clock::now() + limit;
+}
+
 bool CommandDelivery::holdsUpNext() const {
-    return !isFinished() && (m_state != State::kAwaitingReply || Clock::now() < m_deadline);
+    return m_state != State::kAwaitingReply && !isFinished();
 }
 
 pollfd CommandDelivery::input() const {
@@ -149,6 +167,25 @@ int CommandDelivery::onMessage(sd_bus_message *reply, void *self, sd_bus_error *
         delivery->m_onReply(text);
     }
     return 1;
+}
+
+// The bus takes the messages of a connection one after the other, so whatever it answers to one
+// that came behind the command, it has routed the command.
+int CommandDelivery::onRouted(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
+    auto *delivery = static_cast<CommandDelivery *>(self);
+    int isOwned = 1;
+    sd_bus_message_read_basic(reply, SD_BUS_TYPE_BOOLEAN, &isOwned);
+    delivery->m_awaitsStart = isOwned == 0;
+    if (delivery->holdsUpNext()) {
+        delivery->m_state = State::kAwaitingReply;
+    }
+    return 1;
+}
+
+bool CommandDelivery::askWhetherRouted() {
+    return sd_bus_call_method_async(m_bus.get(), nullptr, "org.freedesktop.DBus",
+                                    "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                                    &onRouted, this, "s", kServiceName) >= 0;
 }
 
 bool CommandDelivery::call() {

@@ -16,10 +16,10 @@ namespace quorbel::bus {
 /// polls input() until nextTime() and then calls process(). For use on one thread.
 class CommandDelivery {
 public:
-    /// How long connecting and sending may take, how long the next command waits for this one's
-    /// reply, and how long the reply is awaited at all.
+    /// How long connecting and sending may take each, how long the next command waits for the bus
+    /// to have routed this one, and how long the reply is awaited.
     static constexpr std::chrono::seconds kSendLimit{5};
-    static constexpr std::chrono::seconds kOrderLimit{1};
+    static constexpr std::chrono::seconds kOrderLimit{5};
     static constexpr std::chrono::minutes kReplyLimit{5};
 
     /// Begins to connect. `onReply` outlives the delivery and is called from within process().
@@ -32,23 +32,32 @@ public:
 
     /// Answered, failed or given up.
     [[nodiscard]] bool isFinished() const { return m_state == State::kFinished; }
-    /// Whether a command sent now could overtake this one.
+    /// Whether a command sent now could overtake this one: until the bus has handed it on to the
+    /// service's queue, however long the service then takes.
     [[nodiscard]] bool holdsUpNext() const;
+    /// Whether the bus keeps the command until the service has started; it then forgets those of
+    /// connections that were closed.
+    [[nodiscard]] bool awaitsStart() const { return m_awaitsStart && !isFinished(); }
 
     [[nodiscard]] pollfd input() const;
     [[nodiscard]] Clock::time_point nextTime() const;
 
 private:
-    enum class State { kConnecting, kSending, kAwaitingReply, kFinished };
+    enum class State { kConnecting, kSending, kRouting, kAwaitingReply, kFinished };
 
     static int onMessage(sd_bus_message *reply, void *self, sd_bus_error *error);
+    static int onRouted(sd_bus_message *reply, void *self, sd_bus_error *error);
+    void advance();
     bool call();
+    bool askWhetherRouted();
+    void enter(State state, std::chrono::seconds limit);
     void finish();
 
     Value m_command;
     const CommandSender::ReplyHandler &m_onReply;
     State m_state = State::kConnecting;
-    Clock::time_point m_deadline;  // of connecting and sending, then of holding up the next command
+    bool m_awaitsStart = false;
+    Clock::time_point m_deadline;  // of every state up to kRouting
     BusPointer m_bus;
 };
 

@@ -26,6 +26,7 @@ using bus::CommandDelivery;
 
 namespace {
 
+// How long the end waits for a bus that takes no command at all.
 constexpr std::chrono::seconds kEndLimit{5};
 
 // A service that never answers must not use up the connections that a bus allows one user.
@@ -44,6 +45,7 @@ struct CommandSender::Impl {
     bool ending = false;
 
     std::deque<std::unique_ptr<CommandDelivery>> deliveries;  // the thread's own, oldest first
+    std::size_t started = 0;                                  // the thread's own, too
     std::thread thread;
 
     explicit Impl(ReplyHandler handler)
@@ -81,10 +83,13 @@ struct CommandSender::Impl {
         while (true) {
             // Asked first: what was handed over before the end began is then in the queue.
             const bool last = isEnding();
+            const std::size_t startedBefore = started;
             const bool allSent = startDeliveries();
             if (last) {
-                end = end.value_or(Clock::now() + kEndLimit);
-                if (allSent || Clock::now() >= *end) {
+                // Each command that the bus has taken shows that the next one is not waited for in
+                // vain.
+                end = end && started == startedBefore ? *end : Clock::now() + kEndLimit;
+                if ((allSent && !awaitsStart()) || Clock::now() >= *end) {
                     break;
                 }
             }
@@ -125,6 +130,7 @@ struct CommandSender::Impl {
                 return true;
             }
             deliveries.push_back(std::make_unique<CommandDelivery>(std::move(*command), onReply));
+            ++started;
             dropFinished();
             if (deliveries.size() > kConnectionLimit) {
                 deliveries.pop_front();
@@ -132,6 +138,11 @@ struct CommandSender::Impl {
             }
         }
         return false;
+    }
+
+    [[nodiscard]] bool awaitsStart() const {
+        return std::ranges::any_of(deliveries,
+                                   [](const auto &delivery) { return delivery->awaitsStart(); });
     }
 
     void dropFinished() {

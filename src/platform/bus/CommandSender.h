@@ -19,7 +19,8 @@ public:
     using ReplyHandler = std::function<void(const std::string &reply)>;
 
     explicit CommandSender(ReplyHandler onReply);
-    /// Waits until what was handed over has been sent, for at most a few seconds.
+    /// Waits until the service's queue on the bus holds what was handed over. It gives up when
+    /// nothing gets there for some seconds; replies are waited for only while the service starts.
     ~CommandSender();
     CommandSender(const CommandSender &) = delete;
     CommandSender &operator=(const CommandSender &) = delete;
