@@ -1,8 +1,4 @@
-#include "platform/Files.h"
-#include "service/store/LogFiles.h"
-#include "service/store/Retention.h"
-#include "support/TemporaryFolder.h"
-#include "support/WaitUntil.h"
+#include "RetentionFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,60 +16,14 @@ namespace quorbel {
 namespace {
 
 using ::testing::HasSubstr;
-using testing::TemporaryFolder;
 using testing::waitUntil;
 
-constexpr std::int64_t kNow = 1'700'000'000;  // 2023-11-14 22:13:20 UTC
-constexpr std::int64_t kMinute = 60;
-constexpr std::int64_t kDay = 86400;
-
-std::string line(std::int64_t seconds, const std::string &severity, const std::string &message) {
-    return std::to_string(seconds) + ",Local7." + severity + ",h," + message + "\r\n";
-}
-
-/// Keeps errors for so many of a unit, and everything else for ever.
-Dictionary keepErrors(int amount, int unit) {
-    return {{"removalError", amount}, {"removalErrorUnits", unit}};
-}
-
-struct RetentionTest : ::testing::Test {
-    void start(const Dictionary &settings) {
-        retention.emplace(
-            store, feed,
-            [this] {
-                ++passes;
-                return now.load();
-            },
-            std::chrono::milliseconds(5));
-        retention->configure(settings);
-    }
-    /// Waits until all files were gone through by the rules and the time of now, and takes what is
-    /// told meanwhile. The next pass may have its rules already, if not yet its time; the one after
-    /// it has both, and is over when one more begins.
-    void pass() {
-        const int before = passes;
-        ASSERT_TRUE(waitUntil([&] {
-            told += feed.take().value_or("");
-            return passes >= before + 3;
-        }));
-    }
-    [[nodiscard]] std::string content(const std::string &name) const {
-        return readFile(folder.path() / name).value_or("(no file)");
-    }
-    [[nodiscard]] ino_t inode(const std::string &name) const {
-        struct stat status {};
-        EXPECT_EQ(stat((folder.path() / name).c_str(), &status), 0);
-        return status.st_ino;
-    }
-
-    TemporaryFolder folder;
-    LogStore store{folder.path()};
-    RemovalFeed feed;
-    std::atomic<std::int64_t> now = kNow;
-    std::atomic<int> passes = 0;
-    std::string told;
-    std::optional<Retention> retention;
-};
+using testing::kDay;
+using testing::keepErrors;
+using testing::kMinute;
+using testing::kNow;
+using testing::line;
+using RetentionTest = testing::RetentionFixture;
 
 TEST_F(RetentionTest, RemovesAndTellsWhatWasKeptForLongEnough) {
     const std::string old = line(kNow - 11 * kMinute, "Error", "old, with a comma");
@@ -139,21 +89,6 @@ TEST_F(RetentionTest, TellsNothingThatABusRefuses) {
     EXPECT_EQ(told, line(3, "Error", "fine \xC3\xA4"));
     EXPECT_EQ(retention->removed(), 4U);
     EXPECT_EQ(retention->untold(), 3U);
-}
-
-// Otherwise, nothing would be due until the time that the clock had shown.
-TEST_F(RetentionTest, FollowsAClockThatIsSetBack) {
-    const std::string name = logFileName(kNow);
-    now = kNow + 1000 * kDay;
-    folder.write(name, line(kNow, "Debug", "kept for ever"));
-    start(keepErrors(10, 0));
-    pass();
-    now = kNow;
-    pass();
-    store.append(line(kNow, "Error", "goes"), kNow, false);
-    now = kNow + 11 * kMinute;
-    pass();
-    EXPECT_EQ(content(name), line(kNow, "Debug", "kept for ever"));
 }
 
 TEST_F(RetentionTest, LeavesTheFileInWorkAsItWasWhenItEnds) {
@@ -351,7 +286,11 @@ TEST_F(RetentionTest, GoesOnWithoutAListenerAfterAWhile) {
     RemovalFeed impatient(std::chrono::milliseconds(20));
     folder.write("2023-11-13.log", line(kNow - kDay, "Error", "a"));
     Retention other(
-        store, impatient, [] { return kNow; }, std::chrono::milliseconds(5));
+        store, impatient,
+        [] {
+            return ClockReading{kNow, 0, true};
+        },
+        std::chrono::milliseconds(5));
     other.configure(keepErrors(1, 1));
     EXPECT_TRUE(waitUntil([&] { return other.untold() == 1; }));
     EXPECT_FALSE(impatient.isOffered());

@@ -275,7 +275,7 @@ TEST_F(SettingsPropertyTest, ThreadsFollowAndEnd) {
         store, feed,
         [&] {
             ++passes;
-            return today;
+            return ClockReading{today, 0, true};
         },
         std::chrono::milliseconds(1));
     MailSender mail;

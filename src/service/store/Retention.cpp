@@ -21,6 +21,7 @@ namespace quorbel {
 
 namespace {
 
+constexpr const char *kClockFile = "Quorbel.clock";
 constexpr std::chrono::minutes kInterval{1};
 constexpr std::int64_t kIntervalSeconds = 60;
 // The end of the year 9999; what claims to be later never was.
@@ -36,6 +37,18 @@ std::optional<std::int64_t> dayOf(const std::string &name) {
     }
     day.tm_isdst = -1;
     return std::mktime(&day);
+}
+
+/// A moment that nothing in the daily files is newer than, by their names.
+std::optional<std::int64_t> newestIn(const std::vector<std::string> &names) {
+    constexpr std::int64_t kDay = 24 * 3600;
+    std::optional<std::int64_t> newest;
+    for (const std::string &name : names) {
+        if (const auto day = dayOf(name)) {
+            newest = std::max(newest.value_or(*day), *day);
+        }
+    }
+    return newest ? std::optional(*newest + kDay) : std::nullopt;
 }
 
 /// Whether the bus takes a line; it would close the connection over one that it does not take. Ours
@@ -63,14 +76,16 @@ bool canBeTold(std::string_view line) {
 }  // namespace
 
 Retention::Retention(LogStore &store, RemovalFeed &feed)
-    : Retention(
-          store, feed, [] { return std::int64_t{std::time(nullptr)}; }, kInterval) {}
+    : Retention(store, feed, readClocks, kInterval) {}
 
 Retention::Retention(LogStore &store, RemovalFeed &feed, Now now,
                      std::chrono::milliseconds interval)
-    : m_store(store), m_feed(feed), m_now(std::move(now)), m_interval(interval), m_thread([this] {
-          work();
-      }) {}
+    : m_store(store),
+      m_feed(feed),
+      m_now(std::move(now)),
+      m_interval(interval),
+      m_clock(store.path(kClockFile)),
+      m_thread([this] { work(); }) {}
 
 Retention::~Retention() {
     stop();
@@ -108,18 +123,25 @@ void Retention::work() {
     }
 }
 
-void Retention::tendFiles(std::int64_t now) {
+void Retention::tendFiles(const ClockReading &clock) {
+    const auto names = m_store.fileNames();
+    // Asked for whatever the rules are: those of later need to know how the clock went on.
+    const bool isBelieved = names && m_clock.believes(clock, newestIn(*names));
     if (m_rules.keepsAll()) {
         return;
     }
-    // The clock was set back: what was found to be due, and when, was by the wrong time.
-    if (now < std::exchange(m_lastPass, now)) {
-        m_known.clear();
-    }
-    const auto names = m_store.fileNames();
     if (!names) {
         note("The folder of the log files", "listed");
         return;
+    }
+    noteBelief(isBelieved);
+    if (!isBelieved) {
+        return;
+    }
+    const std::int64_t now = clock.time;
+    // The clock was set back: what was found to be due, and when, was by the wrong time.
+    if (now < std::exchange(m_lastPass, now)) {
+        m_known.clear();
     }
     std::erase_if(m_known, [&names](const auto &known) {
         return !std::ranges::binary_search(*names, known.first);
@@ -131,6 +153,24 @@ void Retention::tendFiles(std::int64_t now) {
         m_busy = true;
         tend(name, now);
         m_busy = false;
+    }
+}
+
+/// Says it once, as long as it lasts.
+void Retention::noteBelief(bool isBelieved) {
+    constexpr std::int64_t kHour = 3600;
+    if (m_waits != isBelieved) {
+        return;
+    }
+    m_waits = !isBelieved;
+    if (isBelieved) {
+        say(JournalLevel::kNotice, "Old events are removed again: the clock can be right");
+    } else {
+        say(JournalLevel::kWarning,
+            "Old events are kept: the clock is " + std::to_string(m_clock.ahead() / kHour) +
+                " hours ahead of what was to be expected, and the system does not call it "
+                "synchronised. They are removed once it is synchronised, set right, or has been "
+                "running on for a week");
     }
 }
 

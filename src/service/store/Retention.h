@@ -2,6 +2,7 @@
 
 #include "platform/Value.h"
 #include "service/UniqueFd.h"
+#include "service/store/ClockTrust.h"
 #include "service/store/LogStore.h"
 #include "service/store/RemovalFeed.h"
 #include "service/store/RetentionRules.h"
@@ -26,11 +27,11 @@ namespace quorbel {
 /// Removes events from the log files once they were kept for as long as the settings want, and
 /// offers each of them to be told. On a thread of its own: at once when the settings change, and
 /// then every minute, reading only the files in which something can be due. A file that has not
-/// grown since it was read is not read again before something that was found in it is due.
+/// grown since it was read is not read again before something that was found in it is due. While
+/// the clock is not to be believed, nothing is removed, which the journal says once.
 class Retention {
 public:
-    /// Seconds since 1970.
-    using Now = std::function<std::int64_t()>;
+    using Now = std::function<ClockReading()>;
 
     /// Both must outlive the object.
     Retention(LogStore &store, RemovalFeed &feed);
@@ -74,7 +75,8 @@ private:
     };
 
     void work();
-    void tendFiles(std::int64_t now);
+    void tendFiles(const ClockReading &clock);
+    void noteBelief(bool isBelieved);
     void tend(const std::string &name, std::int64_t now);
     bool tendOpened(const std::string &name, std::int64_t now, Known &known);
     [[nodiscard]] std::int64_t oldestIn(const std::string &name) const;
@@ -94,6 +96,8 @@ private:
 
     // Of the thread alone.
     RetentionRules m_rules;
+    ClockTrust m_clock;
+    bool m_waits = false;  ///< for a clock that can be believed; it was said
     std::int64_t m_lastPass = 0;
     std::map<std::string, Known> m_known;
     std::unordered_map<std::string, std::size_t> m_classes;
