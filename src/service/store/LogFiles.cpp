@@ -14,6 +14,7 @@
 #include <cstring>
 #include <ctime>
 #include <optional>
+#include <system_error>
 
 namespace quorbel {
 
@@ -91,6 +92,18 @@ std::size_t takeOut(std::string &block, std::size_t size, std::uint64_t offset,
     return kept;
 }
 
+/// A FIFO or a device would keep whoever opens, reads or writes it waiting, or do what it likes.
+UniqueFd openRegular(const std::filesystem::path &path, int flags) {
+    constexpr mode_t kMode = 0640;
+    UniqueFd file(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kMode));
+    struct stat status {};
+    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        file.reset();
+        errno = EINVAL;
+    }
+    return file;
+}
+
 }  // namespace
 
 std::string logFileName(std::int64_t seconds) {
@@ -142,14 +155,19 @@ TailState repairTail(int fd) {
     return writeFully(fd, kLineEnd) == kLineEnd.size() ? TailState::kCompleted : TailState::kFailed;
 }
 
+bool makeLogFolder(const std::filesystem::path &folder) {
+    constexpr mode_t kMode = 0750;
+    std::error_code error;
+    std::filesystem::create_directories(folder.parent_path(), error);
+    return ::mkdir(folder.c_str(), kMode) == 0 || errno == EEXIST;
+}
+
 UniqueFd openLogFile(const std::filesystem::path &path) {
-    UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        file.reset();
-        errno = EINVAL;
-    }
-    return file;
+    return openRegular(path, O_RDONLY);
+}
+
+UniqueFd openForAppending(const std::filesystem::path &path, int flags) {
+    return openRegular(path, O_RDWR | O_APPEND | flags);
 }
 
 ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLineBegin) {

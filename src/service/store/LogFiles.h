@@ -39,8 +39,14 @@ enum class TailState {
 /// thrown away because its last words are missing. Otherwise it is cut off.
 TailState repairTail(int fd);
 
+/// Makes the folder of the log files if it is not there; false with errno.
+bool makeLogFolder(const std::filesystem::path &folder);
+
 /// Opens a log file for reading; it is not open when it is no regular file.
 UniqueFd openLogFile(const std::filesystem::path &path);
+/// The same for reading and appending, with further flags of open(2). Neither waits, whatever
+/// stands under that name.
+UniqueFd openForAppending(const std::filesystem::path &path, int flags);
 
 /// What to take out of a log file with a piece of it. Behind the first piece of an over-long line,
 /// its line end stays: without it, the piece before would be joined to the next line.

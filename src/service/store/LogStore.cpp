@@ -18,7 +18,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr mode_t kFileMode = 0640;
 constexpr mode_t kFolderMode = 0750;
 constexpr std::string_view kTemporaryExtension = "new";
 
@@ -36,10 +35,6 @@ bool isDailyName(std::string_view name) {
     return std::ranges::equal(name, kShape, [](char c, char shape) {
         return shape == '0' ? c >= '0' && c <= '9' : c == shape;
     });
-}
-
-UniqueFd openForAppending(const std::filesystem::path &path, int flags) {
-    return UniqueFd(::open(path.c_str(), O_RDWR | O_APPEND | O_CLOEXEC | flags, kFileMode));
 }
 
 /// Whether `path` still names the open file.
@@ -75,9 +70,7 @@ LogStore::~LogStore() {
 }
 
 void LogStore::prepare() {
-    std::error_code error;
-    std::filesystem::create_directories(m_folder.parent_path(), error);
-    if (::mkdir(m_folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
+    if (!makeLogFolder(m_folder)) {
         say(JournalLevel::kError,
             "The folder " + m_folder.string() + " cannot be made: " + errorText(errno));
         return;
