@@ -2,6 +2,7 @@
 #include "service/Journal.h"
 #include "service/Number.h"
 #include "service/Service.h"
+#include "service/store/FolderLock.h"
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -64,6 +65,7 @@ void prepareProcess() {
 }
 
 int serve(Ports ports) {
+    const FolderLock lock(libraryFolder());
     auto sockets = openListenSockets(ports.plain);
     if (const auto *problem = std::get_if<std::string>(&sockets)) {
         say(JournalLevel::kError, *problem);

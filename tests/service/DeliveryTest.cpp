@@ -252,7 +252,10 @@ TEST_F(DeliveryTest, EndsAlthoughAMailServerDoesNotAnswer) {
 
 TEST_F(DeliveryTest, ExportsWhatIsStored) {
     sendMessage("<187>disk full, retrying");
-    ASSERT_TRUE(waitUntil([&] { return !listFolder(library.path()).empty(); }));
+    ASSERT_TRUE(waitUntil([&] {
+        return std::ranges::any_of(listFolder(library.path()),
+                                   [](const auto &name) { return hasExtension(name, "log"); });
+    }));
     const auto text = library.path() / "events.csv";
     const auto database = library.path() / "events.db";
     ASSERT_EQ(save({{"textInterval", 1},
