@@ -4,10 +4,12 @@
 #include "service/Service.h"
 #include "service/store/FolderLock.h"
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <optional>
@@ -20,6 +22,13 @@ namespace {
 using namespace quorbel;
 
 constexpr const char *kUsage = "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER]";
+constexpr const char *kVersion = "QuorbelSrv " QUORBEL_VERSION;
+
+/// What to print when the arguments ask for nothing else.
+const char *answerTo(const std::vector<std::string_view> &arguments) {
+    const std::string_view only = arguments.size() == 1 ? arguments.front() : "";
+    return only == "--help" ? kUsage : only == "--version" ? kVersion : nullptr;
+}
 
 struct Ports {
     std::uint16_t plain = 514;
@@ -56,6 +65,9 @@ void prepareProcess() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     ::umask(0027);
+    // A core dump would hold the mail server's password. Commands of actions are other programs:
+    // theirs are what the unit's limits make of them.
+    ::prctl(PR_SET_DUMPABLE, 0);
     // Log files are rewritten with all that are concerned open.
     rlimit files{};
     if (::getrlimit(RLIMIT_NOFILE, &files) == 0) {
@@ -82,7 +94,11 @@ int serve(Ports ports) {
 }  // namespace
 
 int main(int count, char **values) {
-    const auto ports = readPorts({values + 1, values + count});
+    const std::vector<std::string_view> arguments(values + 1, values + count);
+    if (const char *answer = answerTo(arguments)) {
+        return std::puts(answer) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+    }
+    const auto ports = readPorts(arguments);
     if (!ports) {
         say(JournalLevel::kError, kUsage);
         return EXIT_FAILURE;

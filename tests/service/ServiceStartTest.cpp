@@ -2,8 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
-#include <filesystem>
+#include <csignal>
+#include <cstdlib>
+#include <optional>
 #include <string>
 
 namespace quorbel {
@@ -11,8 +14,39 @@ namespace {
 
 using ::testing::HasSubstr;
 using testing::ServiceProcess;
+using testing::waitUntil;
 
-struct ServiceStartTest : testing::ServiceFixture {};
+struct ServiceStartTest : testing::ServiceFixture {
+    /// Runs a command line; the status of its end, as wait(2) gives it.
+    static int run(const std::string &command) {
+        return std::system(command.c_str());  // NOLINT(cert-env33-c): as somebody would type it
+    }
+    [[nodiscard]] std::string content(const char *name) const {
+        return readFile(folder.path() / name).value_or("(no file)");
+    }
+    /// Starts a program with a folder of its own and no limit to its core dumps, waits until it has
+    /// written something that is no warning, and ends it as a defect would. Whether it left a core
+    /// dump.
+    [[nodiscard]] bool dumpsCore(const std::string &program) const {
+        const std::string script = "ulimit -c unlimited; cd " + folder.path().string() +
+                                   "; export QUORBEL_LIBRARY=$PWD/library; exec " + program +
+                                   " 2>said";
+        const pid_t id = fork();
+        if (id == 0) {
+            execl("/bin/sh", "sh", "-c", script.c_str(), nullptr);
+            _exit(127);
+        }
+        const bool runs =
+            waitUntil([this] { return content("said").find("Listening") != std::string::npos; });
+        EXPECT_TRUE(runs) << content("said");
+        ::kill(id, SIGABRT);
+        int status = 0;
+        waitpid(id, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
+        std::filesystem::remove(folder.path() / "said");
+        return WCOREDUMP(status);
+    }
+};
 
 TEST_F(ServiceStartTest, RefusesAFolderInWhichAnotherServiceWorks) {
     auto service = start();
@@ -31,6 +65,28 @@ TEST_F(ServiceStartTest, MakesItsFolder) {
     EXPECT_TRUE(service.isListening());
     EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "new" / "library"));
     EXPECT_THAT(service.journal(), Not(HasSubstr("cannot be")));
+}
+
+TEST_F(ServiceStartTest, SaysHowItIsCalledAndWhichItIs) {
+    const std::string out = (folder.path() / "out").string();
+    const std::string err = (folder.path() / "err").string();
+    const std::string end = " >" + out + " 2>" + err;
+    EXPECT_EQ(run(QUORBEL_SRV_PATH " --help" + end), 0);
+    EXPECT_THAT(content("out"), ::testing::StartsWith("Usage: QuorbelSrv [--port NUMBER]"));
+    EXPECT_EQ(content("err"), "");
+    EXPECT_EQ(run(QUORBEL_SRV_PATH " --version" + end), 0);
+    EXPECT_EQ(content("out"), "QuorbelSrv " QUORBEL_VERSION "\n");
+    EXPECT_EQ(content("err"), "");
+    EXPECT_NE(run(QUORBEL_SRV_PATH " --help --version" + end), 0);
+    EXPECT_EQ(content("out"), "");
+}
+
+// It would hold the mail server's password.
+TEST_F(ServiceStartTest, LeavesNoCoreDump) {
+    if (!dumpsCore("sh -c 'echo Listening >&2; exec sleep 60'")) {
+        GTEST_SKIP() << "this system keeps no core dumps";
+    }
+    EXPECT_FALSE(dumpsCore(QUORBEL_SRV_PATH " --port 0"));
 }
 
 }  // namespace
