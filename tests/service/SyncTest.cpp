@@ -1,0 +1,170 @@
+// What is on the disk, and when.
+
+#include "DiskRecorder.h"
+#include "platform/Files.h"
+#include "service/Collector.h"
+#include "service/bus/SettingsFile.h"
+#include "service/store/LogStore.h"
+#include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::DiskRecorder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using testing::TemporaryFolder;
+using testing::waitUntil;
+
+constexpr std::int64_t kMonday = 1700000000;   // 2023-11-14, in UTC
+constexpr std::int64_t kTuesday = 1700092800;  // 2023-11-16
+
+std::string line(const std::string &message) {
+    return "1700000000,User.Notice,h," + message + "\r\n";
+}
+
+class SyncTest : public ::testing::Test {
+protected:
+    SyncTest() { m_disk.reset(); }
+    ~SyncTest() override {
+        m_store.reset();
+        m_disk.reset();
+    }
+    /// Whether all of the day's file is on the disk.
+    [[nodiscard]] bool isSynced(std::int64_t day) {
+        const std::filesystem::path file = m_store->path(logFileName(day));
+        return m_disk.synced(file) == static_cast<off_t>(std::filesystem::file_size(file));
+    }
+    [[nodiscard]] bool isSyncedSoon(std::int64_t day) {
+        return waitUntil([&] { return isSynced(day); });
+    }
+
+    DiskRecorder &m_disk = DiskRecorder::instance();
+    TemporaryFolder m_folder;
+    std::optional<LogStore> m_store{m_folder.path()};
+};
+
+TEST_F(SyncTest, EventsAreSyncedByThemselves) {
+    m_store->append(line("one"), kMonday, false);
+    EXPECT_TRUE(isSyncedSoon(kMonday));
+    m_store->append(line("two"), kMonday, false);
+    EXPECT_TRUE(isSyncedSoon(kMonday));
+}
+
+TEST_F(SyncTest, UrgentEventsAreSyncedAtOnce) {
+    m_disk.stretchWaits = true;
+    m_store->append(line("urgent"), kMonday, true);
+    EXPECT_TRUE(isSyncedSoon(kMonday));
+    // Also behind others that are waited with already.
+    const int before = m_disk.waits;
+    m_store->append(line("one"), kMonday, false);
+    m_store->append(line("two"), kMonday, false);
+    ASSERT_TRUE(waitUntil([&] { return m_disk.waits > before; }));
+    EXPECT_FALSE(isSynced(kMonday));
+    m_store->append(line("urgent"), kMonday, true);
+    EXPECT_TRUE(isSyncedSoon(kMonday));
+}
+
+TEST_F(SyncTest, AFileThatIsNoLongerWrittenToIsSyncedToo) {
+    m_disk.stretchWaits = true;
+    m_store->append(line("last of its day"), kMonday, false);
+    m_store->append(line("urgent"), kTuesday, true);
+    EXPECT_TRUE(isSyncedSoon(kTuesday));
+    EXPECT_TRUE(isSynced(kMonday));
+}
+
+TEST_F(SyncTest, TheEndSyncsWhatWasAppended) {
+    m_disk.stretchWaits = true;
+    m_store->append(line("last"), kMonday, false);
+    m_store.reset();
+    const std::filesystem::path file = m_folder.path() / logFileName(kMonday);
+    EXPECT_EQ(m_disk.synced(file), static_cast<off_t>(std::filesystem::file_size(file)));
+}
+
+TEST_F(SyncTest, ANewFileIsSyncedWithItsFolder) {
+    m_store->append(line("first"), kMonday, true);
+    EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
+}
+
+/// The events are those of messages.
+class SyncCollectorTest : public SyncTest {
+protected:
+    SyncCollectorTest() { m_disk.stretchWaits = true; }
+    void receive(int severity) {
+        m_collector.beginTurn();
+        m_collector.receive("<" + std::to_string(8 * 16 + severity) + ">x", "10.1.2.3");
+        m_collector.endTurn();
+    }
+    [[nodiscard]] bool isAllSynced() {
+        const std::filesystem::path file = m_store->path(m_store->fileNames()->back());
+        return m_disk.synced(file) == static_cast<off_t>(std::filesystem::file_size(file));
+    }
+
+    NotificationQueue m_notifications;
+    HostNames m_names;
+    Counters m_counters;
+    Actions m_actions{[](const CommandRunner::Command & /*command*/) {},
+                      [](const MailMessage & /*mail*/) {}, m_counters};
+    Collector m_collector{*m_store, m_notifications, m_names, m_actions, m_counters};
+};
+
+TEST_F(SyncCollectorTest, SeveritiesOfCriticalAndWorseAreUrgent) {
+    for (int severity = 0; severity <= 2; ++severity) {
+        for (int harmless = 3; harmless <= 7; ++harmless) {
+            receive(harmless);
+        }
+        EXPECT_FALSE(isAllSynced());
+        receive(severity);
+        EXPECT_TRUE(waitUntil([this] { return isAllSynced(); })) << severity;
+    }
+}
+
+TEST_F(SyncCollectorTest, SoAreEventsThatActionsSet) {
+    const Dictionary reaction{{"Type", "Critical"}, {"Format", "$message"}};
+    m_actions.configure({{"actionsArray", Array{Dictionary{{"setEvent", reaction}}}}});
+    receive(7);
+    EXPECT_EQ(m_counters.eventsSet, 1U);
+    EXPECT_TRUE(waitUntil([this] { return isAllSynced(); }));
+}
+
+TEST_F(SyncTest, ARewrittenFileIsOnTheDiskBeforeItTakesItsPlace) {
+    const std::string gone = line("gone");
+    m_store->append(gone + line("stays"), kMonday, false);
+    const std::string name = logFileName(kMonday);
+    {
+        const auto lock = m_store->lockForEditing();
+        const UniqueFd file = openLogFile(m_store->path(name));
+        std::vector<ByteRange> ranges{{0, gone.size()}};
+        // Each round of copying leaves something new behind it. What is left after the last one is
+        // synced while nobody can append.
+        int rounds = 0;
+        m_disk.whileCopyIsSynced = [this, &rounds] {
+            if (++rounds <= 5) {
+                m_store->append(line("new"), kMonday, false);
+            }
+        };
+        ASSERT_TRUE(m_store->cutOut(name, file, ranges));
+        EXPECT_EQ(rounds, 6);
+    }
+    EXPECT_THAT(m_disk.replaced(), ElementsAre(name));
+    EXPECT_THAT(m_disk.mistakes(), IsEmpty());
+}
+
+TEST_F(SyncTest, SettingsAreOnTheDiskBeforeTheyTakeTheirPlace) {
+    SettingsFile settings(m_folder.path() / "Quorbel.ini", nullptr);
+    ASSERT_EQ(settings.save({{"dateFormat", "HH"}}), std::nullopt);
+    EXPECT_THAT(m_disk.replaced(), ElementsAre("Quorbel.ini"));
+    EXPECT_THAT(m_disk.mistakes(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quorbel
