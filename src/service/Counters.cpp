@@ -30,6 +30,7 @@ std::string describe(const Counters &counters) {
         {", e-mails sent", counters.mailsSent},
         {", e-mails dropped", counters.mailsDropped},
         {", journal lines dropped", counters.journalDropped},
+        {", perhaps not on disk", counters.unsynced},
     };
     std::string text;
     for (const auto &[what, count] : parts) {

@@ -30,6 +30,7 @@ struct Counters {
     std::uint64_t mailsSent = 0;         ///< e-mails that reached the server for somebody
     std::uint64_t mailsDropped = 0;      ///< e-mails that did not reach it for somebody
     std::uint64_t journalDropped = 0;    ///< lines of the journal that nobody read
+    std::uint64_t unsynced = 0;          ///< stored events that may be lost when the machine stops
 
     bool operator==(const Counters &) const = default;
 };

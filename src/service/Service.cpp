@@ -187,6 +187,7 @@ void Service::updateCounters() {
     m_counters.mailsSent = m_mail.sent();
     m_counters.mailsDropped = m_mail.dropped();
     m_counters.journalDropped = journalLinesDropped();
+    m_counters.unsynced = m_store.unsynced();
 }
 
 int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,

@@ -95,6 +95,29 @@ TEST_F(SyncTest, ANewFileIsSyncedWithItsFolder) {
     EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
 }
 
+// What the kernel could not write it takes for clean, and syncs no more.
+TEST_F(SyncTest, CountsWhatAFailedSyncMayHaveLost) {
+    ::testing::internal::CaptureStderr();
+    m_disk.stretchWaits = true;
+    m_disk.failures = 1'000'000;
+    m_store->append(line("one") + line("two"), kMonday, true);
+    EXPECT_TRUE(waitUntil([this] { return m_store->unsynced() == 2; }));
+    m_store->append(line("three"), kMonday, true);
+    EXPECT_TRUE(waitUntil([this] { return m_store->unsynced() == 3; }));
+    m_disk.failures = 0;
+    m_store->append(line("four"), kMonday, true);
+    // The folder's turn comes once more, too: the file was new.
+    EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
+    m_store->append(line("five"), kTuesday, true);
+    EXPECT_TRUE(isSyncedSoon(kTuesday));
+    EXPECT_EQ(m_store->unsynced(), 3U);
+    m_store.reset();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "<3>Events cannot be written to disk: Input/output error\n"
+              "<5>What is stored from now on is written to disk; 3 events stored before may be "
+              "lost when the machine stops\n");
+}
+
 /// The events are those of messages.
 class SyncCollectorTest : public SyncTest {
 protected:

@@ -118,6 +118,7 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
         const bool hurry = (urgent && result.stored > 0) || holdsRoom;
         wake = ((result.stored > 0 || holdsRoom) && !m_dirty) || (hurry && !m_urgent);
         m_dirty = m_dirty || result.stored > 0 || holdsRoom;
+        m_dirtyEvents += result.stored;
         m_urgent = m_urgent || hurry;
     }
     if (wake) {
@@ -307,49 +308,65 @@ bool LogStore::swap(const std::string &name, const UniqueFd &file, const UniqueF
            ::rename(temporaryName(target).c_str(), target.c_str()) == 0;
 }
 
-void LogStore::syncFolder() const {
+bool LogStore::syncFolder() const {
     const UniqueFd folder(::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    ::fsync(folder.get());
+    return folder.isOpen() && ::fsync(folder.get()) == 0;
 }
 
 void LogStore::syncWhenDirty() {
     constexpr std::chrono::seconds kDelay{1};
     std::unique_lock lock(m_mutex);
-    bool works = true;
     while (!m_stop || m_dirty) {
         m_wakeSync.wait(lock, [this] { return m_dirty || m_stop; });
         m_wakeSync.wait_for(lock, kDelay, [this] { return m_urgent || m_stop; });
-        const std::vector<UniqueFd> files = takeDirtyFiles();
-        const bool folderChanged = std::exchange(m_folderChanged, false);
+        const Dirty dirty = takeDirty();
         lock.unlock();
-        int error = 0;
-        for (const UniqueFd &file : files) {
-            error = ::fdatasync(file.get()) == 0 ? error : errno;
-        }
-        const bool synced = error == 0;
-        if (works != synced) {
-            say(synced ? JournalLevel::kNotice : JournalLevel::kError,
-                synced ? "Events are written to disk again"
-                       : "Events cannot be written to disk: " + errorText(error));
-        }
-        works = synced;
-        if (folderChanged) {
-            syncFolder();
-        }
+        const int error = sync(dirty);
+        noteSync(dirty, error);
         lock.lock();
+        // A file that is on the disk without its name is lost, too.
+        m_folderChanged = m_folderChanged || (dirty.folderChanged && error != 0);
     }
 }
 
-std::vector<UniqueFd> LogStore::takeDirtyFiles() {
-    std::vector<UniqueFd> files = std::exchange(m_retired, {});
+LogStore::Dirty LogStore::takeDirty() {
+    Dirty dirty{std::exchange(m_retired, {}), std::exchange(m_dirtyEvents, 0),
+                std::exchange(m_folderChanged, false)};
     if (m_file.isOpen()) {
         m_spareForSync.refill();
-        files.push_back(m_spareForSync.useFor(
+        dirty.files.push_back(m_spareForSync.useFor(
             [this] { return UniqueFd(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0)); }));
     }
     m_dirty = false;
     m_urgent = false;
-    return files;
+    return dirty;
+}
+
+/// The last error; 0 when all went well.
+int LogStore::sync(const Dirty &dirty) const {
+    int error = 0;
+    for (const UniqueFd &file : dirty.files) {
+        error = ::fdatasync(file.get()) == 0 ? error : errno;
+    }
+    return !dirty.folderChanged || syncFolder() ? error : errno;
+}
+
+void LogStore::noteSync(const Dirty &dirty, int error) {
+    if (error != 0) {
+        m_unsynced += dirty.events;
+        m_unsyncedNow += dirty.events;
+    }
+    if (m_syncWorks == (error == 0)) {
+        return;
+    }
+    m_syncWorks = error == 0;
+    if (m_syncWorks) {
+        say(JournalLevel::kNotice, "What is stored from now on is written to disk; " +
+                                       std::to_string(std::exchange(m_unsyncedNow, 0)) +
+                                       " events stored before may be lost when the machine stops");
+    } else {
+        say(JournalLevel::kError, "Events cannot be written to disk: " + errorText(error));
+    }
 }
 
 }  // namespace quorbel

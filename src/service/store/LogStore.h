@@ -21,7 +21,7 @@ namespace quorbel {
 ///
 /// append() is for one thread; everything else may be called from any thread at any time. A thread
 /// of the store's own syncs what was appended: within about a second, at once for urgent events.
-/// When events cannot be stored, and when they can again, the journal gets one line.
+/// When events cannot be stored or synced, and when they can again, the journal gets one line.
 class LogStore {
 public:
     explicit LogStore(std::filesystem::path folder);
@@ -41,6 +41,11 @@ public:
     /// Appends whole lines to the file of the day that `seconds` since 1970 falls into. Of lines
     /// for which there is no room none is left behind in part.
     Result append(std::string_view lines, std::int64_t seconds, bool urgent);
+
+    /// How many of the stored events may be lost when the machine stops, because syncing them has
+    /// failed: the kernel forgets then what it could not write, and a later sync does not mean
+    /// them.
+    [[nodiscard]] std::uint64_t unsynced() const { return m_unsynced; }
 
     /// The names of all log files, oldest first. Nothing, with errno, when the folder cannot be
     /// listed: that is not the same as no files.
@@ -76,10 +81,18 @@ private:
               const std::vector<ByteRange> &ranges, std::uint64_t copied);
     bool removeWhole(const std::string &name, const UniqueFd &file,
                      const std::vector<ByteRange> &ranges);
-    void syncFolder() const;
+    bool syncFolder() const;
 
+    /// What was appended since the last sync.
+    struct Dirty {
+        std::vector<UniqueFd> files;
+        std::uint64_t events = 0;
+        bool folderChanged = false;
+    };
     void syncWhenDirty();
-    std::vector<UniqueFd> takeDirtyFiles();
+    Dirty takeDirty();
+    [[nodiscard]] int sync(const Dirty &dirty) const;
+    void noteSync(const Dirty &dirty, int error);
 
     const std::filesystem::path m_folder;
 
@@ -89,6 +102,12 @@ private:
     bool m_works = true;
     std::int64_t m_lastLoss = 0;
     std::uint64_t m_lost = 0;
+
+    // Of the thread that syncs alone.
+    bool m_syncWorks = true;
+    std::uint64_t m_unsyncedNow = 0;  ///< since syncing last worked
+
+    std::atomic<std::uint64_t> m_unsynced = 0;
 
     std::mutex m_editMutex;  ///< locked before m_mutex
 
@@ -103,6 +122,7 @@ private:
     bool m_folderChanged = false;
     std::vector<UniqueFd> m_retired;  ///< no longer appended to, not yet synced
     bool m_dirty = false;
+    std::uint64_t m_dirtyEvents = 0;
     bool m_urgent = false;
     bool m_stop = false;
 
