@@ -12,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace quorbel {
@@ -102,14 +103,16 @@ void Service::sayFilterProblems(const Dictionary &settings) {
     m_filterProblems = std::move(problems);
 }
 
-void Service::run() {
+bool Service::run() {
     // Does nothing unless the service manager asked for a sign of life.
     sd_event_set_watchdog(m_loop.get(), 1);
     sd_notify(0, "READY=1");
-    while (!m_stopping) {
-        turn(hasToTell() ? 0 : idleMicroseconds());
+    bool works = true;
+    while (works && !m_stopping) {
+        works = turn(hasToTell() ? 0 : idleMicroseconds());
     }
     stop();
+    return works;
 }
 
 /// How long there is nothing to do but for what the loop watches.
@@ -126,15 +129,22 @@ bool Service::hasToTell() const {
     return m_bus.canNotify() || m_removalTeller.canTell(m_bus.bus());
 }
 
-/// One event of the loop, and a share of the notifications.
-void Service::turn(std::uint64_t timeoutMicroseconds) {
-    sd_event_run(m_loop.get(), timeoutMicroseconds);
+/// One event of the loop, and a share of the notifications. False when the loop is broken: it would
+/// not wait any more, and hear of nothing.
+bool Service::turn(std::uint64_t timeoutMicroseconds) {
+    const int result = sd_event_run(m_loop.get(), timeoutMicroseconds);
+    if (result < 0) {
+        say(JournalLevel::kError, "The event loop cannot go on, and the service ends: " +
+                                      std::generic_category().message(-result));
+        return false;
+    }
     m_removalTeller.tell(m_bus.bus());
     m_bus.sendNotifications();
     const auto reportTime = m_actions.reportTime();
     if (reportTime && Clock::now() >= *reportTime) {
         m_actions.report(Clock::now());
     }
+    return true;
 }
 
 void Service::stop() {
@@ -169,7 +179,9 @@ void Service::finishTelling() {
         if (m_worker.isIdle() && !m_bus.hasUnsent() && !m_retention.isBusy()) {
             return;
         }
-        turn(hasToTell() ? 0 : kWait);
+        if (!turn(hasToTell() ? 0 : kWait)) {
+            return;
+        }
     }
 }
 

@@ -38,8 +38,9 @@ public:
     Service &operator=(const Service &) = delete;
 
     /// Runs until SIGTERM or SIGINT; then takes in what the kernel holds already and ends in order.
-    /// Reads the settings anew on SIGHUP. The caller has blocked the three for all threads.
-    void run();
+    /// Reads the settings anew on SIGHUP. The caller has blocked the three for all threads. False
+    /// when it ended because its loop failed.
+    bool run();
 
 private:
     EventSourcePointer watchSignal(int number, sd_event_signal_handler_t handler);
@@ -47,7 +48,7 @@ private:
     void sayFilterProblems(const Dictionary &settings);
     [[nodiscard]] std::uint64_t idleMicroseconds() const;
     [[nodiscard]] bool hasToTell() const;
-    void turn(std::uint64_t timeoutMicroseconds);
+    bool turn(std::uint64_t timeoutMicroseconds);
     void stop();
     void finishTelling();
     void updateCounters();

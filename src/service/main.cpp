@@ -87,8 +87,7 @@ int serve(Ports ports) {
     const std::uint16_t bound = opened.port;
     Service service(libraryFolder(), std::move(opened), ports.tls);
     say(JournalLevel::kInformation, "Listening on port " + std::to_string(bound));
-    service.run();
-    return EXIT_SUCCESS;
+    return service.run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 }  // namespace

@@ -81,6 +81,29 @@ TEST_F(ServiceStartTest, SaysHowItIsCalledAndWhichItIs) {
     EXPECT_EQ(content("out"), "");
 }
 
+// It would turn without a pause, and be deaf.
+TEST_F(ServiceStartTest, EndsInOrderWhenItsLoopFails) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers' libraries must be loaded before any other";
+#endif
+    const testing::TemporaryFolder other;
+    ServiceProcess::Setup setup;
+    setup.environment = {"LD_PRELOAD=" QUORBEL_LOOP_FAULT_PATH,
+                         "QUORBEL_LOOP_FAULT=" + (other.path() / "fault").string()};
+    const auto service = start(setup);
+    const UniqueFd sender = testing::connectTo(service->port(), SOCK_DGRAM);
+    testing::sendTo(sender, "<13>before");
+    ASSERT_TRUE(waitForStored(1));
+    other.write("fault", "");
+    testing::sendTo(sender, "<13>last");
+    EXPECT_EQ(service->waitForEnd(), 1);
+    EXPECT_EQ(stored().size(), 2U);
+    const std::string journal = service->journal();
+    EXPECT_THAT(journal, HasSubstr("<3>The event loop cannot go on, and the service ends: Bad file "
+                                   "descriptor\n"));
+    EXPECT_THAT(journal, HasSubstr("<6>Received 2, malformed 0, stored 2, "));
+}
+
 // It would hold the mail server's password.
 TEST_F(ServiceStartTest, LeavesNoCoreDump) {
     if (!dumpsCore("sh -c 'echo Listening >&2; exec sleep 60'")) {
