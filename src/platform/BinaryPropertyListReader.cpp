@@ -120,6 +120,21 @@ PropertyListItem countedObject(unsigned type, unsigned low, std::string_view res
 
 }  // namespace
 
+bool PropertyListItem::isText(std::string_view ascii) const {
+    if (kind != Kind::kWideText) {
+        return kind == Kind::kNarrowText && bytes == ascii;
+    }
+    if (bytes.size() != 2 * ascii.size()) {
+        return false;
+    }
+    for (std::size_t at = 0; at < ascii.size(); ++at) {
+        if (bytes[2 * at] != '\0' || bytes[2 * at + 1] != ascii[at]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::optional<std::string> PropertyListItem::text() const {
     if (kind == Kind::kWideText) {
         return textFromUtf16(bytes);

@@ -33,10 +33,8 @@ struct PropertyListItem {
     [[nodiscard]] bool isText() const {
         return kind == Kind::kNarrowText || kind == Kind::kWideText;
     }
-    /// Whether this is that text, which is ASCII.
-    [[nodiscard]] bool isText(std::string_view ascii) const {
-        return kind == Kind::kNarrowText && bytes == ascii;
-    }
+    /// Whether this is that text, which is ASCII. Some writers widen that, too.
+    [[nodiscard]] bool isText(std::string_view ascii) const;
     /// A text as UTF-8, with U+FFFD for each unpaired surrogate. Nothing when this is no text.
     [[nodiscard]] std::optional<std::string> text() const;
     /// The number that a reference holds.

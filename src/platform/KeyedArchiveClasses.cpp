@@ -12,7 +12,7 @@ namespace {
 
 using Type = Value::Type;
 
-constexpr auto kStringFields = std::to_array<ArchivedField>({{"NS.string", Type::kString}});
+constexpr auto kStringFields = std::to_array<ArchivedField>({{kStringContent, Type::kString}});
 constexpr auto kNumberFields = std::to_array<ArchivedField>({
     {"NS.boolval", Type::kBoolean},
     {"NS.intval", Type::kInteger},

@@ -5,6 +5,7 @@
 namespace quorbel::archive {
 
 // The words of the keyed-archive format that its reader and its writer share.
+inline constexpr std::string_view kNull = "$null";
 inline constexpr std::string_view kObjects = "$objects";
 inline constexpr std::string_view kTop = "$top";
 inline constexpr std::string_view kRoot = "root";
@@ -13,6 +14,7 @@ inline constexpr std::string_view kClassName = "$classname";
 inline constexpr std::string_view kClasses = "$classes";
 inline constexpr std::string_view kCollectionKeys = "NS.keys";
 inline constexpr std::string_view kCollectionObjects = "NS.objects";
+inline constexpr std::string_view kStringContent = "NS.string";
 inline constexpr std::string_view kDateTime = "NS.time";
 
 }  // namespace quorbel::archive

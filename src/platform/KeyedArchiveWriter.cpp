@@ -19,6 +19,7 @@ using Number = BinaryPropertyListWriter::Number;
 using ClassNames = std::vector<std::string>;
 
 const ClassNames kNullClass{"NSNull", "NSObject"};
+const ClassNames kStringClass{"NSMutableString", "NSString", "NSObject"};
 const ClassNames kDateClass{"NSDate", "NSObject"};
 const ClassNames kArrayClass{"NSArray", "NSObject"};
 const ClassNames kDictionaryClass{"NSDictionary", "NSObject"};
@@ -39,6 +40,7 @@ private:
 
     Index add(const Value &value);
     Index addScalar(Number number);
+    Index addText(const std::string &text);
     Index addNull();
     Index addDate(Date date);
     Index addArray(const Array &array);
@@ -62,11 +64,12 @@ private:
     std::unordered_map<std::uint64_t, Index> m_dates;
     std::map<ClassNames, Index> m_classes;
     Index m_null = kNil;
+    Index m_nullText = kNil;  // the text, not the value
 };
 
 std::string ArchiveWriter::write(const Value &root) {
     constexpr std::int64_t kVersion = 100000;
-    m_objects.push_back(word("$null"));  // number 0, which is no reference's number
+    m_objects.push_back(word(archive::kNull));  // number 0, which is no reference's number
     const Number rootReference = reference(add(root));
     const Number rootKey = word(archive::kRoot);
     const Number top = m_list.addDictionary({&rootKey, 1}, {&rootReference, 1});
@@ -89,6 +92,8 @@ ArchiveWriter::Index ArchiveWriter::add(const Value &value) {
             return addDictionary(*value.dictionary());
         case Value::Type::kForeign:
             return addForeign(*value.foreign());
+        case Value::Type::kString:
+            return addText(*value.string());
         default:
             return addScalar(scalarNumber(value));
     }
@@ -120,6 +125,19 @@ ArchiveWriter::Index ArchiveWriter::addScalar(Number number) {
         m_objects.back() = number;
     }
     return m_scalars[number];
+}
+
+/// Readers take every object that is the text "$null" for nil, whatever its number. Within an
+/// object of a class, it is a text like any other.
+ArchiveWriter::Index ArchiveWriter::addText(const std::string &text) {
+    if (text != archive::kNull) {
+        return addScalar(word(text));
+    }
+    if (m_nullText == kNil) {
+        m_nullText = reserveIndex();
+        setInstance(m_nullText, {word(archive::kStringContent)}, {word(text)}, kStringClass);
+    }
+    return m_nullText;
 }
 
 Number ArchiveWriter::reference(Index index) {
@@ -182,7 +200,7 @@ ArchiveWriter::Index ArchiveWriter::addDictionary(const Dictionary &dictionary) 
     keys.reserve(dictionary.size());
     values.reserve(dictionary.size());
     for (const auto &[key, value] : dictionary) {
-        keys.push_back(reference(addScalar(word(key))));
+        keys.push_back(reference(addText(key)));
         values.push_back(reference(add(value)));
     }
     setInstance(index, {word(archive::kCollectionKeys), word(archive::kCollectionObjects)},

@@ -110,6 +110,28 @@ TEST(KeyedArchiveWriterTest, WritesTheLayoutThatOthersRead) {
     EXPECT_EQ(plist_get_node_type(values[3]), PLIST_BOOLEAN);
 }
 
+// Others take each object that is this text for nil, whatever its number.
+TEST(KeyedArchiveWriterTest, NoObjectButTheFirstIsTheTextOfNil) {
+    const Value value = Dictionary{
+        {"$null", "$null"},
+        {"list", Array{"$null", "x", "$null"}},
+        {"foreign", ForeignObject{{"NSFoo", "NSObject"},
+                                  {{"f", true, std::make_shared<const Value>("$null")}}}}};
+    const ParsedArchive archive(writeKeyedArchive(value));
+    plist_t objects = archive.field("$objects");
+    ASSERT_EQ(ParsedArchive::textOf(plist_array_get_item(objects, 0)), "$null");
+    for (std::uint32_t number = 1; number < archive.objectCount(); ++number) {
+        EXPECT_NE(ParsedArchive::textOf(plist_array_get_item(objects, number)), "$null");
+    }
+    for (const char *field : {"NS.keys", "NS.objects"}) {
+        plist_t text = archive.targets(archive.root(), field).at(0);
+        EXPECT_EQ(ParsedArchive::textOf(plist_dict_get_item(text, "NS.string")), "$null");
+        EXPECT_THAT(archive.classNames(text),
+                    ElementsAre("NSMutableString", "NSString", "NSObject"));
+    }
+    EXPECT_TRUE(readAgain(value) == value);
+}
+
 TEST(KeyedArchiveWriterTest, EqualValuesAreOneObject) {
     const Value value =
         Array{"x",       "x",       1,      1,      true,      true,      1.0, 1.0, "1",
@@ -320,7 +342,10 @@ TEST(KeyedArchiveWriterTest, OthersFindTheSameKeys) {
         std::size_t index = 0;
         for (const auto &[key, value] : dictionary) {
             // libplist ends its texts at a NUL.
-            EXPECT_EQ(ParsedArchive::textOf(keys[index]), key.substr(0, key.find('\0')));
+            plist_t wrapped = plist_dict_get_item(keys[index], "NS.string");
+            EXPECT_EQ(wrapped != nullptr, key == "$null");
+            EXPECT_EQ(ParsedArchive::textOf(wrapped != nullptr ? wrapped : keys[index]),
+                      key.substr(0, key.find('\0')));
             ++index;
         }
     }
