@@ -22,7 +22,8 @@ struct ArchiveError {
 /// U+FFFD. Containers can be nested 512 deep.
 ///
 /// Time and memory are bounded by a small multiple of the input's size, whatever the bytes are:
-/// sharing that unfolds too far, cycles and deep nesting are errors.
+/// sharing that unfolds too far, cycles and deep nesting are errors. The value takes less than 6
+/// times the input and 48 MiB.
 std::variant<Value, ArchiveError> readKeyedArchive(std::string_view bytes);
 
 /// Encodes a value as a binary keyed archive that any unarchiver of the format reads. Bytes of a

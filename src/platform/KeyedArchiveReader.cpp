@@ -1,13 +1,12 @@
 #include "platform/BinaryPropertyListReader.h"
+#include "platform/DictionaryBuilder.h"
 #include "platform/KeyedArchive.h"
 #include "platform/KeyedArchiveClasses.h"
 #include "platform/KeyedArchiveNames.h"
 
 #include <cstdint>
-#include <iterator>
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 namespace quorbel {
@@ -19,28 +18,10 @@ using archive::ClassKind;
 using Item = PropertyListItem;
 using Kind = PropertyListItem::Kind;
 
-/// Fills a dictionary; of equal keys the first one stays.
-class DictionaryBuilder {
-public:
-    explicit DictionaryBuilder(std::size_t count) {
-        // The views of the keys need entries that do not move.
-        m_dictionary.reserve(count);
-        m_keys.reserve(count);
-    }
-
-    void add(std::string key, Value value) {
-        if (!m_keys.contains(key)) {
-            m_dictionary.append(std::move(key), std::move(value));
-            m_keys.insert(std::prev(m_dictionary.end())->first);
-        }
-    }
-
-    Dictionary take() { return std::move(m_dictionary); }
-
-private:
-    Dictionary m_dictionary;
-    std::unordered_set<std::string_view> m_keys;
-};
+// What allocating costs beside the bytes that are asked for, about.
+constexpr std::size_t kBlockCost = 16;
+constexpr std::size_t kFieldCost =
+    sizeof(ForeignObject::Field) + sizeof(Value) + 2 * sizeof(void *) + 2 * kBlockCost;
 
 /// Turns the object graph of one archive into a value. What returns nothing has said why in
 /// m_reason.
@@ -59,7 +40,9 @@ private:
 
     std::nullopt_t fail(std::string_view reason);
     bool chargeItems(std::size_t count);
+    bool chargeItems(std::size_t count, std::size_t itemCost);
     bool chargeText(std::size_t bytes);
+    bool chargeMemory(std::size_t bytes);
 
     std::optional<std::uint64_t> rootNumber();
     std::optional<Value> object(std::uint64_t number, unsigned depth);
@@ -84,6 +67,9 @@ private:
     // leave room for the sharing that real documents have.
     std::size_t m_itemsLeft = 100'000 + 2 * m_bytes.size();
     std::size_t m_textLeft = (std::size_t{16} << 20) + 4 * m_bytes.size();
+    // An item without sharing has some more bytes, in the table of offsets and in what refers to
+    // it, and takes about as many times as much of memory as this.
+    std::size_t m_memoryLeft = (std::size_t{48} << 20) + 6 * m_bytes.size();
     std::unordered_map<std::uint64_t, ArchivedClass> m_classes;
     std::string_view m_reason;
 };
@@ -102,12 +88,26 @@ bool ArchiveReader::chargeItems(std::size_t count) {
     return true;
 }
 
+bool ArchiveReader::chargeItems(std::size_t count, std::size_t itemCost) {
+    return chargeItems(count) && chargeMemory(count * itemCost);
+}
+
 bool ArchiveReader::chargeText(std::size_t bytes) {
     if (bytes > m_textLeft) {
         fail("shared objects unfold to too much text");
         return false;
     }
     m_textLeft -= bytes;
+    // Wide text grows as it is decoded; short text needs no block of its own.
+    return chargeMemory(2 * bytes);
+}
+
+bool ArchiveReader::chargeMemory(std::size_t bytes) {
+    if (bytes > m_memoryLeft) {
+        fail("objects take many times the memory that the archive does");
+        return false;
+    }
+    m_memoryLeft -= bytes;
     return true;
 }
 
@@ -191,7 +191,8 @@ std::optional<Value> ArchiveReader::dictionary(const Item &fields, unsigned dept
     if (keys.kind != Kind::kArray || values.kind != Kind::kArray || keys.count != values.count) {
         return fail("a dictionary whose keys and values do not match");
     }
-    if (!chargeItems(keys.count + values.count)) {
+    if (!chargeItems(keys.count + values.count) ||
+        !chargeMemory(keys.count * DictionaryBuilder::kEntryCost)) {
         return std::nullopt;
     }
     DictionaryBuilder builder(keys.count);
@@ -231,7 +232,7 @@ std::optional<Value> ArchiveReader::array(const Item &fields, unsigned depth) {
     if (elements.kind != Kind::kArray) {
         return fail("an array without elements");
     }
-    if (!chargeItems(elements.count)) {
+    if (!chargeItems(elements.count, sizeof(Value))) {
         return std::nullopt;
     }
     Array array;
@@ -255,7 +256,8 @@ std::optional<Value> ArchiveReader::array(const Item &fields, unsigned depth) {
 
 std::optional<Value> ArchiveReader::foreign(const Item &fields, const ArchivedClass &type,
                                             unsigned depth) {
-    if (!chargeItems(fields.count + type.names.size()) || !chargeText(type.textSize)) {
+    if (!chargeItems(fields.count, kFieldCost) ||
+        !chargeItems(type.names.size(), sizeof(std::string)) || !chargeText(type.textSize)) {
         return std::nullopt;
     }
     ForeignObject object;
@@ -299,6 +301,9 @@ std::optional<Value> ArchiveReader::inPlace(const Item &item, unsigned depth) {
         return fail("containers nested too deeply, or one that contains itself");
     }
     if (item.kind == Kind::kReference) {
+        if (!chargeMemory(kFieldCost)) {
+            return std::nullopt;
+        }
         std::optional<ForeignObject::Field> only = field({}, item, depth + 1);
         return only ? std::optional<Value>(ForeignObject{{}, {std::move(*only)}}) : std::nullopt;
     }
@@ -306,10 +311,13 @@ std::optional<Value> ArchiveReader::inPlace(const Item &item, unsigned depth) {
     if (!isDictionary && item.kind != Kind::kArray) {
         return scalar(item);
     }
-    if (!chargeItems((isDictionary ? 2 : 1) * item.count)) {
+    if (!chargeItems((isDictionary ? 2 : 1) * item.count) ||
+        !chargeMemory(item.count *
+                      (isDictionary ? DictionaryBuilder::kEntryCost : sizeof(Value)))) {
         return std::nullopt;
     }
     Array elements;
+    elements.reserve(isDictionary ? 0 : item.count);
     DictionaryBuilder pairs(isDictionary ? item.count : 0);
     for (std::size_t index = 0; index < item.count; ++index) {
         const Item element =
@@ -355,10 +363,12 @@ std::optional<ArchiveReader::ArchivedClass> ArchiveReader::readClass(const Item 
     const Item names = m_list->value(entry, archive::kClasses);
     const bool isList = names.kind == Kind::kArray && names.count > 0;
     const std::size_t count = isList ? names.count : 1;
-    if (!chargeItems(count + entry.count)) {
+    if (!chargeItems(entry.count) || !chargeItems(count, sizeof(std::string)) ||
+        !chargeMemory(sizeof(ArchivedClass) + 2 * kBlockCost)) {
         return std::nullopt;
     }
     ArchivedClass type;
+    type.names.reserve(count);
     for (std::size_t index = 0; index < count; ++index) {
         std::optional<std::string> name = word(isList ? m_list->element(names, index)
                                                       : m_list->value(entry, archive::kClassName));
