@@ -10,6 +10,8 @@
 #include <QFrame>
 #include <QImage>
 #include <QLabel>
+#include <QLocale>
+#include <QPainter>
 #include <QTest>
 
 #include <cmath>
@@ -226,6 +228,26 @@ private Q_SLOTS:
         for (int y = 0; y < image.height(); ++y) {
             QCOMPARE(distance(image.pixelColor(image.width() - 1, y), Qt::white), 0);
         }
+    }
+
+    void theBarLeavesTheRoundCornersOfItsFrameAlone() {
+        m_home->state().iEmergency = 1;
+        m_home->show();
+        auto &frame = m_home->control<RatingFrame>("eventsInnerBox"_L1);
+        QWidget &bar = m_home->control("eventsBar"_L1);
+        const QImage withBar = frame.grab().toImage();
+        const QRect place(bar.mapTo(&frame, QPoint()), bar.size());
+        bar.hide();
+        const QImage frameAlone = frame.grab().toImage();
+        for (const QPoint corner :
+             {place.topLeft(), place.topRight(), place.bottomLeft(), place.bottomRight()}) {
+            // Where the bar's corner is, and one pixel around it, the frame draws nothing.
+            for (const QPoint around :
+                 {QPoint(-1, -1), QPoint(1, -1), QPoint(-1, 1), QPoint(1, 1), QPoint(0, 0)}) {
+                QCOMPARE(frameAlone.pixelColor(corner + around), QColor(Qt::white));
+            }
+        }
+        QVERIFY(withBar != frameAlone);
     }
 
 private:
