@@ -7,12 +7,12 @@
 #include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
 #include "platform/gui/Storyboard.h"
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
-#include <QLocale>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -263,7 +263,7 @@ void ScanView::showCount() {
     m_countIsDue = false;
     const auto count = static_cast<qlonglong>(m_arrController.size());
     ui->eventCount->setText(count == 1 ? QStringLiteral("1 event")
-                                       : QLocale().toString(count) + QStringLiteral(" events"));
+                                       : countText(count) + QStringLiteral(" events"));
 }
 
 }  // namespace quorbel

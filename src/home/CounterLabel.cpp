@@ -1,22 +1,13 @@
 #include "home/CounterLabel.h"
 
+#include "platform/gui/QtText.h"
+
 #include <QPainter>
 #include <QPalette>
 
 namespace quorbel {
 
 namespace {
-
-constexpr QChar kThinSpace(0x2009);
-constexpr qsizetype kGroup = 3;
-
-QString grouped(QString digits) {
-    const qsizetype first = digits.startsWith(u'-') ? 1 : 0;
-    for (qsizetype at = digits.size() - kGroup; at > first; at -= kGroup) {
-        digits.insert(at, kThinSpace);
-    }
-    return digits;
-}
 
 QFont fittingFont(QFont font, const QString &text, int width) {
     constexpr double kStep = 0.5;
@@ -42,7 +33,7 @@ QSize CounterLabel::minimumSizeHint() const {
 }
 
 void CounterLabel::paintEvent(QPaintEvent * /*event*/) {
-    const QString shown = grouped(text());
+    const QString shown = countText(text().toLongLong());
     QPainter painter(this);
     painter.setFont(fittingFont(font(), shown, width()));
     painter.setPen(palette().color(text() == u"0" ? QPalette::PlaceholderText : foregroundRole()));

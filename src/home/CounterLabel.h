@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// Shows an integer. Its text is the plain number; its digits are drawn in groups of three, smaller
-/// when they would not fit. A zero is pale.
+/// Shows an integer. Its text is the plain number; it is drawn as all counts are, smaller when it
+/// would not fit. A zero is pale.
 class CounterLabel : public QLabel {
     Q_OBJECT
 

@@ -230,6 +230,25 @@ private Q_SLOTS:
         }
     }
 
+    void countsAreDrawnAsElsewhereInTheWindow() {
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::English));
+        m_home->state().iUnknown = 1'234;
+        m_home->show();
+        auto &field = m_home->control<QLabel>("eventsUnknown"_L1);
+        QCOMPARE(field.text(), "1234"_L1);
+        QImage expected(field.size(), QImage::Format_RGB32);
+        expected.fill(Qt::white);
+        QPainter painter(&expected);
+        painter.setFont(field.font());
+        painter.setPen(field.palette().color(field.foregroundRole()));
+        painter.drawText(expected.rect(), static_cast<int>(field.alignment()), "1,234"_L1);
+        painter.end();
+        const QImage drawn = field.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QLocale::setDefault(before);
+        QCOMPARE(drawn, expected);
+    }
+
     void theBarLeavesTheRoundCornersOfItsFrameAlone() {
         m_home->state().iEmergency = 1;
         m_home->show();

@@ -1,6 +1,7 @@
 #include "platform/gui/ProgressWindow.h"
 
 #include "platform/gui/ProgramEnd.h"
+#include "platform/gui/QtText.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -81,8 +82,7 @@ bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
 
 QString ProgressWindow::amount(std::uint64_t number) const {
     const auto value = static_cast<qint64>(number);
-    return m_unit == Unit::kBytes ? QLocale().formattedDataSize(value, 0)
-                                  : QLocale().toString(value);
+    return m_unit == Unit::kBytes ? QLocale().formattedDataSize(value, 0) : countText(value);
 }
 
 void ProgressWindow::open() {

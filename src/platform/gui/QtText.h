@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLineEdit>
+#include <QLocale>
 #include <QString>
 
 #include <string>
@@ -18,6 +19,11 @@ inline QString toQString(std::string_view text) {
     }
     const QString rest = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
     return marks.isEmpty() ? rest : marks + rest;
+}
+
+/// A count as it is shown anywhere: with its digits grouped as the user's locale does it.
+inline QString countText(qint64 count) {
+    return QLocale().toString(count);
 }
 
 /// Shows a text in a field; one that is too long for it is seen from its beginning.
