@@ -1,3 +1,4 @@
+#include "platform/gui/Appearance.h"
 #include "platform/gui/RowTableView.h"
 
 #include <QHeaderView>
@@ -10,6 +11,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace quorbel {
@@ -58,6 +60,14 @@ private:
         return rows;
     }
     bool isInSight(int row) { return m_view->viewport()->rect().contains(cell(row, 0).center()); }
+    // As the guidelines for accessible contents define it, 0 for black to 1 for white.
+    static double luminance(const QColor &colour) {
+        const auto part = [](double value) {
+            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) +
+               0.0722 * part(colour.blueF());
+    }
     QImage picture() { return m_view->viewport()->grab().toImage(); }
 
 private Q_SLOTS:
@@ -298,6 +308,24 @@ private Q_SLOTS:
         // Without a model it is only a frame.
         m_view->setModel(nullptr);
         m_view->grab();
+    }
+
+    void theHintCanBeReadEasily() {
+        applyAppearance(*qApp);
+        m_view = std::make_unique<RowTableView>();
+        m_view->setModel(m_model.get());
+        m_view->resize(500, 300);
+        show();
+        m_view->setHint(QStringLiteral("\u2588\u2588\u2588\u2588"));  // solid blocks of the colour
+        const QImage image = picture();
+        double darkest = 1;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                darkest = std::min(darkest, luminance(image.pixelColor(x, y)));
+            }
+        }
+        const double contrast = (luminance(image.pixelColor(0, 0)) + 0.05) / (darkest + 0.05);
+        QVERIFY2(contrast >= 4.5, QByteArray::number(contrast).constData());
     }
 
     void rowsAreSelectedAsAWholeAndNothingIsEdited() {

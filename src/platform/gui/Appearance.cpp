@@ -27,7 +27,7 @@ QPalette lightPalette() {
     palette.setColor(QPalette::ButtonText, ink);
     palette.setColor(QPalette::Base, Qt::white);
     palette.setColor(QPalette::AlternateBase, QColor(0xf8, 0xf9, 0xfb));
-    palette.setColor(QPalette::PlaceholderText, QColor(0x76, 0x81, 0x8f));
+    palette.setColor(QPalette::PlaceholderText, QColor(0x68, 0x73, 0x81));
     palette.setColor(QPalette::Highlight, accent);
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, accent);
