@@ -1,5 +1,6 @@
 #include "about/AboutView.h"
 
+#include "platform/gui/FontSize.h"
 #include "ui_AboutView.h"
 
 #include <QDesktopServices>
@@ -16,6 +17,7 @@ namespace quorbel {
 
 namespace {
 
+constexpr int kWarningHeight = 110;
 constexpr int kWarningPointSize = 11;
 constexpr int kBoldCharacters = 8;  // "Warning:"
 constexpr float kWarningGrey = 0.33F;
@@ -68,6 +70,7 @@ void AboutView::viewDidLoad() {
             text->setProperty("role", QStringLiteral("plain"));
         }
     }
+    ui->warningText->setFixedHeight(sizedToFont(kWarningHeight));
     connect(ui->webLink, &QAbstractButton::clicked, this, &AboutView::linkButton);
     connect(ui->onClose, &QAbstractButton::clicked, this, &AboutView::onClose);
 }

@@ -4,6 +4,7 @@
 #include "core/SettingsDocument.h"
 #include "home/Rating.h"
 #include "platform/ProcessTable.h"
+#include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
 #include "ui_HomeView.h"
@@ -33,7 +34,7 @@ void setStatusImage(QLabel &label, const QString &name, Mood mood) {
     if (mood != Mood::kIdle) {
         colour = mood == Mood::kGood ? QColor(0x2f, 0x9e, 0x4f) : QColor(0xd9, 0x3a, 0x3f);
     }
-    setLabelIcon(label, lineIcon(name, colour), kStatusImageSize);
+    setLabelIcon(label, lineIcon(name, colour), sizedToFont(kStatusImageSize));
 }
 
 }  // namespace
@@ -52,7 +53,8 @@ HomeView::~HomeView() = default;
 
 void HomeView::viewDidLoad() {
     setWhiteBackground();
-    setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")), kStatusImageSize);
+    setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")),
+                 sizedToFont(kStatusImageSize));
     setField(*ui->statusVersion,
              QStringLiteral("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
 }
@@ -95,7 +97,7 @@ void HomeView::showRating() {
     ui->eventsInnerBox->setBorderColor(toQColor(rating.innerBorder));
     setField(*ui->eventsTitle, toQString(rating.title));
     const QString image = toQString(rating.image);
-    setLabelIcon(*ui->eventsImage, severityIcon(image), kRatingImageSize);
+    setLabelIcon(*ui->eventsImage, severityIcon(image), sizedToFont(kRatingImageSize));
     ui->eventsImage->setAccessibleName(image);
     ui->eventsBar->update();
 }

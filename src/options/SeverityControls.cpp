@@ -1,11 +1,12 @@
 #include "options/SeverityControls.h"
 
+#include "platform/gui/BlockFlow.h"
+#include "platform/gui/FontSize.h"
 #include "platform/gui/QtText.h"
 #include "settings/NumberStepper.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -20,16 +21,18 @@ namespace {
 constexpr int kColumns = 3;         // of choosers and boxes: the defaults make three equal rows
 constexpr int kRemovalColumns = 2;  // of retention times
 constexpr int kLongestRemoval = 9999;
-constexpr int kTimeWidth = 64;
 constexpr int kBoxWidth = 32;  // what a check box takes beside its text
+constexpr int kGap = 10;
+constexpr int kBlockGap = 20;
+constexpr int kRowGap = 8;
 
-/// Makes one class's control in a grid: named after its key part, as "severity" and "Alerting".
+/// Makes one class's control of a page: named after its key part, as "severity" and "Alerting".
 class Maker {
 public:
-    Maker(const SeverityClass &severity, QGridLayout *grid)
+    Maker(const SeverityClass &severity, QWidget *page)
         : m_keyPart(toQString(severity.keyPart)),
           m_label(toQString(severity.label)),
-          m_page(grid->parentWidget()) {}
+          m_page(page) {}
 
     template <class Control>
     Control *make(const char *before, const char *behind, const char *accessibleName) const {
@@ -51,22 +54,50 @@ private:
     QWidget *m_page;
 };
 
-QComboBox *makeLevel(const SeverityClass &severity, QGridLayout *grid, int row, int column) {
-    const Maker maker(severity, grid);
-    auto *level = maker.make<QComboBox>("severity", "", "Rating of events of severity %1");
-    for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
-        level->addItem(toQString(severityLevelName(item)));
+/// The width of the longest severity label, and of what stands before it.
+int labelWidth(const QWidget &page, int before) {
+    int width = 0;
+    for (const SeverityClass &severity : kSeverityClasses) {
+        width = std::max(width, page.fontMetrics().horizontalAdvance(toQString(severity.label)));
     }
-    auto *label = new QLabel(maker.label());
-    label->setBuddy(level);
-    grid->addWidget(label, row, 3 * column);
-    grid->addWidget(level, row, 3 * column + 1);
-    return level;
+    return width + before;
 }
 
-void makeRemoval(SeverityControls &controls, const SeverityClass &severity, QGridLayout *grid,
-                 int row, int column) {
-    const Maker maker(severity, grid);
+/// A row of one class's controls, whose first is as wide in each of them.
+QHBoxLayout *addBlock(BlockFlow &flow, QWidget *first, int firstWidth) {
+    auto *block = new QHBoxLayout;
+    block->setSpacing(kGap);
+    flow.addBlock(block);
+    block->addWidget(first);
+    first->setMinimumWidth(firstWidth);
+    return block;
+}
+
+BlockFlow &addFlow(QBoxLayout &place, int columns) {
+    auto *flow = new BlockFlow(columns, kBlockGap, kRowGap);
+    place.addLayout(flow);
+    return *flow;
+}
+
+void makeLevels(AllSeverityControls &all, QBoxLayout &place) {
+    BlockFlow &flow = addFlow(place, kColumns);
+    QWidget *page = place.parentWidget();
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const Maker maker(kSeverityClasses[i], page);
+        auto *level = maker.make<QComboBox>("severity", "", "Rating of events of severity %1");
+        for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
+            level->addItem(toQString(severityLevelName(item)));
+        }
+        auto *label = new QLabel(maker.label());
+        label->setBuddy(level);
+        QHBoxLayout *block = addBlock(flow, label, labelWidth(*page, 0));
+        block->addWidget(level);
+        block->addStretch();
+        all[i].level = level;
+    }
+}
+
+void makeRemoval(SeverityControls &controls, const Maker &maker) {
     controls.removal = maker.makeBox("removal", "", "Remove events of severity %1 after some time");
     controls.time = maker.make<QLineEdit>("removal", "Time", "How long %1 events are kept");
     controls.stepper = maker.make<QSpinBox>("removal", "Stepper", "Steps of the time for %1");
@@ -74,64 +105,50 @@ void makeRemoval(SeverityControls &controls, const SeverityClass &severity, QGri
     for (const char *unit : {"Minutes", "Hours", "Days", "Weeks", "Months"}) {
         controls.units->addItem(QString::fromLatin1(unit));
     }
-    controls.time->setFixedWidth(kTimeWidth);
+    controls.time->setProperty("role", QStringLiteral("number"));
     controls.time->setAlignment(Qt::AlignRight);
     controls.stepper->setProperty("role", QStringLiteral("stepper"));
     controls.removalTime =
         new NumberStepper(controls.time, controls.stepper, 0, kLongestRemoval, controls.time);
-
-    auto *time = new QHBoxLayout;
-    time->setSpacing(2);
-    time->addWidget(controls.time);
-    time->addWidget(controls.stepper);
-    grid->addWidget(controls.removal, row, 4 * column);
-    grid->addLayout(time, row, 4 * column + 1);
-    grid->addWidget(controls.units, row, 4 * column + 2);
 }
 
-/// The width of the longest severity label.
-int labelWidth(const QWidget &page) {
-    int width = 0;
-    for (const SeverityClass &severity : kSeverityClasses) {
-        width = std::max(width, page.fontMetrics().horizontalAdvance(toQString(severity.label)));
+void makeRemovals(AllSeverityControls &all, QBoxLayout &place) {
+    BlockFlow &flow = addFlow(place, kRemovalColumns);
+    QWidget *page = place.parentWidget();
+    const int firstWidth = labelWidth(*page, sizedToFont(kBoxWidth));
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        makeRemoval(all[i], Maker(kSeverityClasses[i], page));
+        QHBoxLayout *block = addBlock(flow, all[i].removal, firstWidth);
+        auto *time = new QHBoxLayout;
+        time->setSpacing(2);
+        time->addWidget(all[i].time);
+        time->addWidget(all[i].stepper);
+        block->addLayout(time);
+        block->addWidget(all[i].units);
+        block->addStretch();
     }
-    return width;
 }
 
-/// Gives each of the blocks of `columns` grid columns that hold one class the same part of the
-/// line. The first column takes the labels, the last one stays empty.
-void spreadBlocks(QGridLayout *grid, int columns, int blocks, int firstWidth) {
-    for (int block = 0; block < blocks; ++block) {
-        grid->setColumnMinimumWidth(block * columns, firstWidth);
-        grid->setColumnStretch((block + 1) * columns - 1, 1);
+void makeBoxes(AllSeverityControls &all, QBoxLayout &place, QCheckBox *SeverityControls::*box,
+               const char *behind, const char *accessibleName) {
+    BlockFlow &flow = addFlow(place, kColumns);
+    QWidget *page = place.parentWidget();
+    const int width = labelWidth(*page, sizedToFont(kBoxWidth));
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        all[i].*box = Maker(kSeverityClasses[i], page).makeBox("popup", behind, accessibleName);
+        addBlock(flow, all[i].*box, width)->addStretch();
     }
 }
 
 }  // namespace
 
-AllSeverityControls makeSeverityControls(const SeverityGrids &grids) {
+AllSeverityControls makeSeverityControls(const SeverityPlaces &places) {
     AllSeverityControls all{};
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const SeverityClass &severity = kSeverityClasses[i];
-        SeverityControls &controls = all[i];
-        const int place = static_cast<int>(i);
-        const int row = place / kColumns;
-        const int column = place % kColumns;
-        controls.level = makeLevel(severity, grids.levels, row, column);
-        makeRemoval(controls, severity, grids.removal, place / kRemovalColumns,
-                    place % kRemovalColumns);
-        controls.popupDisplay =
-            Maker(severity, grids.popupDisplay).makeBox("popup", "Display", "Popup for %1 events");
-        grids.popupDisplay->addWidget(controls.popupDisplay, row, 2 * column);
-        controls.popupPlay =
-            Maker(severity, grids.popupPlay).makeBox("popup", "Play", "Sound for %1 events");
-        grids.popupPlay->addWidget(controls.popupPlay, row, 2 * column);
-    }
-    const int width = labelWidth(*grids.levels->parentWidget());
-    spreadBlocks(grids.levels, 3, kColumns, width);
-    spreadBlocks(grids.removal, 4, kRemovalColumns, width + kBoxWidth);
-    spreadBlocks(grids.popupDisplay, 2, kColumns, width + kBoxWidth);
-    spreadBlocks(grids.popupPlay, 2, kColumns, width + kBoxWidth);
+    makeLevels(all, *places.levels);
+    makeRemovals(all, *places.removal);
+    makeBoxes(all, *places.popupDisplay, &SeverityControls::popupDisplay, "Display",
+              "Popup for %1 events");
+    makeBoxes(all, *places.popupPlay, &SeverityControls::popupPlay, "Play", "Sound for %1 events");
     return all;
 }
 

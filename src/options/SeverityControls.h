@@ -6,9 +6,9 @@
 
 #include <array>
 
+class QBoxLayout;
 class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLineEdit;
 class QSpinBox;
 
@@ -30,15 +30,15 @@ struct SeverityControls {
 
 using AllSeverityControls = std::array<SeverityControls, kSeverityClassCount>;
 
-/// The empty grids of the page that the controls are put into.
-struct SeverityGrids {
-    QGridLayout *levels;
-    QGridLayout *removal;
-    QGridLayout *popupDisplay;
-    QGridLayout *popupPlay;
+/// The places of the page that the controls are put into.
+struct SeverityPlaces {
+    QBoxLayout *levels;
+    QBoxLayout *removal;
+    QBoxLayout *popupDisplay;
+    QBoxLayout *popupPlay;
 };
 
 /// Makes the controls of all nine classes, in their order.
-AllSeverityControls makeSeverityControls(const SeverityGrids &grids);
+AllSeverityControls makeSeverityControls(const SeverityPlaces &places);
 
 }  // namespace quorbel

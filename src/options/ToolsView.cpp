@@ -1,5 +1,6 @@
 #include "options/ToolsView.h"
 
+#include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "ui_ToolsView.h"
 
@@ -20,9 +21,10 @@ ToolsView::~ToolsView() = default;
 
 void ToolsView::viewDidLoad() {
     setWhiteBackground();
-    setLabelIcon(*ui->optionsIcon, lineIcon(QStringLiteral("options")), kIconSize);
-    setLabelIcon(*ui->actionsIcon, lineIcon(QStringLiteral("actions")), kIconSize);
-    setLabelIcon(*ui->exportIcon, lineIcon(QStringLiteral("export")), kIconSize);
+    const int iconSize = sizedToFont(kIconSize);
+    setLabelIcon(*ui->optionsIcon, lineIcon(QStringLiteral("options")), iconSize);
+    setLabelIcon(*ui->actionsIcon, lineIcon(QStringLiteral("actions")), iconSize);
+    setLabelIcon(*ui->exportIcon, lineIcon(QStringLiteral("export")), iconSize);
     connect(ui->toolsOptions, &QAbstractButton::clicked, this, &ToolsView::options);
     connect(ui->toolsActions, &QAbstractButton::clicked, this, &ToolsView::actions);
     connect(ui->toolsExport, &QAbstractButton::clicked, this, &ToolsView::export_);

@@ -52,10 +52,10 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
 ToolsViewOptions::~ToolsViewOptions() = default;
 
 void ToolsViewOptions::makeControls() {
-    m_severities = makeSeverityControls({.levels = ui->levelsGrid,
-                                         .removal = ui->removalGrid,
-                                         .popupDisplay = ui->popupDisplayGrid,
-                                         .popupPlay = ui->popupPlayGrid});
+    m_severities = makeSeverityControls({.levels = ui->levelsGroupLayout,
+                                         .removal = ui->removalGroupLayout,
+                                         .popupDisplay = ui->alertsGroupLayout,
+                                         .popupPlay = ui->soundGroupLayout});
     m_popupTime = new NumberStepper(ui->popupEventsTime, ui->popupEventsStepper, kShortestPopup,
                                     kLongestPopup, this);
     makeFilterLists();

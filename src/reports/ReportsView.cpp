@@ -5,6 +5,7 @@
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/FileIcons.h"
 #include "platform/gui/FilePanel.h"
+#include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
@@ -170,19 +171,20 @@ void ReportsView::showColumns(std::optional<ReportKind> kind) {
     ui->tableView->horizontalHeader()->setStretchLastSection(false);
     for (int column = 0; column < m_model->columnCount(); ++column) {
         ui->tableView->showColumn(column);
-        ui->tableView->setColumnWidth(column, kColumnWidth);
+        ui->tableView->setColumnWidth(column, sizedToFont(kColumnWidth));
     }
     if (!kind) {
         return;
     }
     m_model->setKind(*kind);
     if (kind == ReportKind::kDate) {
-        ui->tableView->setColumnWidth(0, kDateGroupWidth);
+        ui->tableView->setColumnWidth(0, sizedToFont(kDateGroupWidth));
     } else {
-        ui->tableView->setColumnWidth(1, kDateWidth);
+        ui->tableView->setColumnWidth(1, sizedToFont(kDateWidth));
     }
     if (kind == ReportKind::kMessage) {
-        ui->tableView->setColumnWidth(0, ui->tableView->widthForColumns() - kOtherColumns);
+        ui->tableView->setColumnWidth(
+            0, ui->tableView->widthForColumns() - sizedToFont(kOtherColumns));
     } else {
         ui->tableView->horizontalHeader()->setStretchLastSection(true);
     }

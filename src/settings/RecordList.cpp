@@ -13,9 +13,7 @@ namespace quorbel {
 
 RecordList::RecordList(const Setup &setup, QObject *parent) : QObject(parent), m(setup) {
     m.table->setModel(m.controller);
-    for (std::size_t column = 0; column < m.columnWidths.size(); ++column) {
-        m.table->setColumnWidth(static_cast<int>(column), m.columnWidths[column]);
-    }
+    m.table->setColumnWidths(m.columnWidths);
     m.table->viewport()->installEventFilter(this);
     connect(m.table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &RecordList::clicked);

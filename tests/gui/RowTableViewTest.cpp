@@ -9,6 +9,7 @@
 #include <QStyleOptionViewItem>
 #include <QTest>
 #include <QToolTip>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -326,6 +327,21 @@ private Q_SLOTS:
         }
         const double contrast = (luminance(image.pixelColor(0, 0)) + 0.05) / (darkest + 0.05);
         QVERIFY2(contrast >= 4.5, QByteArray::number(contrast).constData());
+    }
+
+    void isAsHighAsTheRowsItIsToShow() {
+        m_view->setShownRows(4);
+        QWidget window;
+        auto *layout = new QVBoxLayout(&window);
+        layout->addWidget(m_view.get());
+        layout->addStretch(1);
+        window.resize(500, 600);
+        window.show();
+        QCOMPARE(m_view->viewport()->height(), 4 * m_view->verticalHeader()->defaultSectionSize());
+        window.resize(500, 60);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_view->viewport()->height(), 4 * m_view->verticalHeader()->defaultSectionSize());
+        m_view->setParent(nullptr);
     }
 
     void rowsAreSelectedAsAWholeAndNothingIsEdited() {

@@ -1,11 +1,13 @@
 #include "platform/gui/Appearance.h"
 
+#include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QFont>
 #include <QPalette>
+#include <QRegularExpression>
 #include <QStyleFactory>
 
 #include <algorithm>
@@ -65,6 +67,16 @@ QString styleSheet(double pointSize) {
     QString sheet = QString::fromUtf8(file.readAll());
     for (const Size &size : kSizes) {
         sheet.replace(size.name, QStringLiteral("%1pt").arg(pointSize * size.factor));
+    }
+    constexpr int kIndicator = 16;
+    constexpr int kBorder = 1;
+    sheet.replace(QStringLiteral("@round"),
+                  QStringLiteral("%1px").arg(sizedToFont(kIndicator) / 2 + kBorder));
+    static const QRegularExpression pixels(QStringLiteral("@(\\d+)px"));
+    for (auto match = pixels.match(sheet); match.hasMatch(); match = pixels.match(sheet)) {
+        const int size = sizedToFont(match.capturedView(1).toInt());
+        sheet.replace(match.capturedStart(), match.capturedLength(),
+                      QStringLiteral("%1px").arg(size));
     }
     return sheet;
 }

@@ -1,5 +1,6 @@
 #include "platform/gui/RowTableView.h"
 
+#include "platform/gui/FontSize.h"
 #include "platform/gui/PaintedText.h"
 
 #include <QHeaderView>
@@ -80,11 +81,11 @@ RowTableView::RowTableView(QWidget *parent) : QTableView(parent) {
     setShowGrid(false);
     setCornerButtonEnabled(false);
     horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setMinimumSectionSize(kNarrowestColumn);
+    horizontalHeader()->setMinimumSectionSize(sizedToFont(kNarrowestColumn));
     verticalHeader()->hide();
     // One height for all, so that no row of a million has to be measured.
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    verticalHeader()->setDefaultSectionSize(kRowHeight);
+    verticalHeader()->setDefaultSectionSize(sizedToFont(kRowHeight));
 }
 
 void RowTableView::setHint(const QString &hint) {
@@ -107,6 +108,35 @@ void RowTableView::focusInEvent(QFocusEvent *event) {
     if (!hadCurrent && selectionModel() != nullptr) {
         selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
     }
+}
+
+void RowTableView::setColumnWidths(std::span<const int> widths) {
+    for (int column = 0; const int width : widths) {
+        setColumnWidth(column++, sizedToFont(width));
+    }
+}
+
+void RowTableView::setShownRows(int rows) {
+    m_shownRows = rows;
+    setSizePolicy(sizePolicy().horizontalPolicy(),
+                  rows > 0 ? QSizePolicy::Fixed : QSizePolicy::Expanding);
+    updateGeometry();
+}
+
+QSize RowTableView::sizeHint() const {
+    return withShownRows(QTableView::sizeHint());
+}
+
+QSize RowTableView::minimumSizeHint() const {
+    return withShownRows(QTableView::minimumSizeHint());
+}
+
+QSize RowTableView::withShownRows(QSize size) const {
+    if (m_shownRows > 0) {
+        size.setHeight(horizontalHeader()->sizeHint().height() +
+                       m_shownRows * verticalHeader()->defaultSectionSize() + 2 * frameWidth());
+    }
+    return size;
 }
 
 void RowTableView::keyPressEvent(QKeyEvent *event) {

@@ -6,6 +6,7 @@
 #include <QTableView>
 
 #include <map>
+#include <span>
 #include <tuple>
 
 namespace quorbel {
@@ -40,16 +41,26 @@ private:
 /// begins so, unless there are too many rows to look at.
 class RowTableView : public QTableView {
     Q_OBJECT
+    Q_PROPERTY(int shownRows READ shownRows WRITE setShownRows)
 
 public:
-    static constexpr int kRowHeight = 28;
     static constexpr int kMostSearchedRows = 2000;
+    static constexpr int kRowHeight = 28;  ///< at the standard font
 
     explicit RowTableView(QWidget *parent = nullptr);
 
     void setHint(const QString &hint);
     [[nodiscard]] QString hint() const { return m_hint; }
     void keyboardSearch(const QString &search) override;
+
+    /// Of the first columns, in pixels at the standard font.
+    void setColumnWidths(std::span<const int> widths);
+    /// Makes the table just as high as its header and that many rows; 0 for as high as may be.
+    void setShownRows(int rows);
+    [[nodiscard]] int shownRows() const { return m_shownRows; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     /// Return or Enter. Unlike activated(), never for a click, whatever the desktop's style.
@@ -65,8 +76,10 @@ protected:
 
 private:
     void moveBy(QKeyEvent *event);
+    [[nodiscard]] QSize withShownRows(QSize size) const;
 
     QString m_hint;
+    int m_shownRows = 0;
 };
 
 }  // namespace quorbel
