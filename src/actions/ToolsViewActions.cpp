@@ -1,6 +1,7 @@
 #include "actions/ToolsViewActions.h"
 
 #include "core/AppDelegate.h"
+#include "platform/gui/ContentArea.h"
 #include "platform/gui/Sheet.h"
 #include "settings/RecordList.h"
 #include "settings/RecordTableModel.h"
@@ -63,6 +64,7 @@ ToolsViewActions::~ToolsViewActions() = default;
 
 void ToolsViewActions::viewDidLoad() {
     setWhiteBackground();
+    ContentArea::wrap(*this);
     ui->saveButton->setShortcut(QKeySequence::Save);
     ui->actionsTable->setHint(
         QStringLiteral("No actions yet.\nAdd one to run a command, send an e-mail or set an event "

@@ -1,6 +1,7 @@
 #include "export/ToolsViewExport.h"
 
 #include "core/AppDelegate.h"
+#include "platform/gui/ContentArea.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"
 #include "settings/NumberStepper.h"
@@ -68,6 +69,7 @@ ToolsViewExport::~ToolsViewExport() = default;
 
 void ToolsViewExport::viewDidLoad() {
     setWhiteBackground();
+    ContentArea::wrap(*this);
     ui->saveButton->setShortcut(QKeySequence::Save);
     connectControls(m_text);
     connectControls(m_database);

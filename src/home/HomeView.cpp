@@ -4,12 +4,14 @@
 #include "core/SettingsDocument.h"
 #include "home/Rating.h"
 #include "platform/ProcessTable.h"
+#include "platform/gui/ContentArea.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
 #include "ui_HomeView.h"
 
 #include <QLabel>
+#include <QScrollBar>
 
 namespace quorbel {
 
@@ -53,10 +55,19 @@ HomeView::~HomeView() = default;
 
 void HomeView::viewDidLoad() {
     setWhiteBackground();
+    makeScrollable();
     setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")),
                  sizedToFont(kStatusImageSize));
     setField(*ui->statusVersion,
              QStringLiteral("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
+}
+
+void HomeView::makeScrollable() {
+    ContentArea &area = ContentArea::wrap(*this);
+    // The keyboard has no control here that would bring the rest into sight.
+    connect(area.verticalScrollBar(), &QScrollBar::rangeChanged, &area, [&area](int, int end) {
+        area.setFocusPolicy(end > 0 ? Qt::StrongFocus : Qt::NoFocus);
+    });
 }
 
 void HomeView::viewWillAppear() {

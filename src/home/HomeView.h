@@ -42,6 +42,7 @@ public:
     void setExportStatus();
 
 private:
+    void makeScrollable();
     void showCounters();
     void showRating();
 

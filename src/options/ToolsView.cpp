@@ -1,5 +1,6 @@
 #include "options/ToolsView.h"
 
+#include "platform/gui/ContentArea.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "ui_ToolsView.h"
@@ -21,6 +22,7 @@ ToolsView::~ToolsView() = default;
 
 void ToolsView::viewDidLoad() {
     setWhiteBackground();
+    ContentArea::wrap(*this);
     const int iconSize = sizedToFont(kIconSize);
     setLabelIcon(*ui->optionsIcon, lineIcon(QStringLiteral("options")), iconSize);
     setLabelIcon(*ui->actionsIcon, lineIcon(QStringLiteral("actions")), iconSize);
