@@ -1,5 +1,6 @@
 #include "help/HelpWindow.h"
 
+#include "platform/gui/ScreenFit.h"
 #include "ui_HelpWindow.h"
 
 #include <QShortcut>
@@ -17,6 +18,8 @@ HelpWindow::HelpWindow(QWidget *parent)
         ui->chapters->addItem(chapter.title);
     }
     ui->noChapter->hide();
+    new ScreenFit(*this, minimumSize());
+    resize(size().boundedTo(roomOnScreen(*this)));
     connectControls();
     ui->chapters->setCurrentRow(0);
 }

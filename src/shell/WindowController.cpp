@@ -2,11 +2,12 @@
 
 #include "alerts/PopupThread.h"
 #include "help/HelpWindow.h"
-#include "platform/gui/Icons.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/ScreenFit.h"
 #include "platform/gui/Sheet.h"
+#include "shell/NavigationRail.h"
 #include "shell/NotificationPump.h"
 #include "ui_WindowController.h"
 
@@ -14,7 +15,6 @@
 #include <QCloseEvent>
 #include <QCursor>
 #include <QMenu>
-#include <QScreen>
 
 #include <array>
 #include <string_view>
@@ -66,13 +66,14 @@ std::string_view typeOf(const NotificationObserver::UserInfo &userInfo) {
 WindowController::WindowController(AppDelegate &delegate, const Storyboard &storyboard)
     : m_delegate(delegate), m_storyboard(storyboard), ui(std::make_unique<Ui::WindowController>()) {
     ui->setupUi(this);
+    m_screenFit = new ScreenFit(*this, minimumSize());
     for (const char *identifier : kPages) {
         ui->tabView->addWidget(m_storyboard.instantiate(QString::fromLatin1(identifier)).release());
     }
     m_eventList = &dynamic_cast<EventListPageLink &>(*pageAt(Tab::kEvents));
     m_home = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
     m_intake = std::make_unique<EventIntake>(m_delegate.state, *m_eventList, *m_home);
-    setIcons();
+    new NavigationRail(*ui->navigation);
     connectCommands();
     selectTab(Tab::kHome);
     m_delegate.setMainWindow(this);
@@ -80,19 +81,6 @@ WindowController::WindowController(AppDelegate &delegate, const Storyboard &stor
 
 WindowController::~WindowController() {
     m_delegate.setMainWindow(nullptr);
-}
-
-void WindowController::setIcons() {
-    const auto set = [](QToolButton *button, const QString &icon) {
-        button->setIcon(lineIcon(icon));
-        // Style sheets know no gap between icon and text.
-        button->setText(QStringLiteral("  ") + button->text());
-    };
-    set(ui->Home, QStringLiteral("home"));
-    set(ui->Scan, QStringLiteral("events"));
-    set(ui->Reports, QStringLiteral("reports"));
-    set(ui->Tools, QStringLiteral("tools"));
-    set(ui->HelpDropDown, QStringLiteral("help"));
 }
 
 void WindowController::connectCommands() {
@@ -119,10 +107,7 @@ QList<QAction *> WindowController::applicationCommands() const {
 
 void WindowController::windowDidLoad() {
     initializeLog();
-    resize(minimumSize());
-    QRect frame = frameGeometry();
-    frame.moveCenter(screen()->availableGeometry().center());
-    move(frame.topLeft());
+    m_screenFit->openAtMinimum();
     // Else the first navigation entry would have the keyboard focus.
     ui->tabView->setFocus();
     m_popupThread = std::make_unique<PopupThread>(

@@ -16,7 +16,6 @@
 #include <memory>
 
 class QAction;
-class QToolButton;
 
 namespace Ui {
 class WindowController;
@@ -27,6 +26,7 @@ namespace quorbel {
 class HelpWindow;
 class NotificationPump;
 class PopupThread;
+class ScreenFit;
 
 /// The main window: seven pages, the way from one to the other, and the way in for events.
 ///
@@ -84,13 +84,13 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void setIcons();
     void connectCommands();
     [[nodiscard]] QWidget *pageAt(Tab page) const;
 
     AppDelegate &m_delegate;
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::WindowController> ui;
+    ScreenFit *m_screenFit = nullptr;          // owned by the window
     EventListPageLink *m_eventList = nullptr;  // both owned by the tab container
     HomePageLink *m_home = nullptr;
     std::unique_ptr<EventIntake> m_intake;

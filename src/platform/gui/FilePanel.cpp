@@ -2,6 +2,7 @@
 
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/FileIcons.h"
+#include "platform/gui/ScreenFit.h"
 
 #include <QAbstractItemView>
 #include <QDialogButtonBox>
@@ -81,7 +82,7 @@ FilePanel::FilePanel(QWidget *parent, FilePanelRequest request)
     offerName();
     acceptButton()->installEventFilter(this);
     connect(nameField(), &QLineEdit::textChanged, this, &FilePanel::enableAcceptButton);
-    resize(kPanelSize);
+    resize(kPanelSize.boundedTo(roomOnScreen(*this)));
 }
 
 void FilePanel::addMessage() {
