@@ -4,6 +4,9 @@
 #include <QApplication>
 #include <QLabel>
 #include <QPointer>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -93,6 +96,41 @@ private Q_SLOTS:
         sheet->presentOver(&m_window);
         QVERIFY(sheet->width() >= 500);
         QCOMPARE(sheet->height(), 260);
+        sheet->close();
+    }
+
+    void scrollsItsContentAboveItsButtonsInASmallWindow() {
+        QWidget window;
+        window.resize(300, 200);
+        window.show();
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        auto *layout = new QVBoxLayout(sheet);
+        auto *content = new QWidget;
+        content->setMinimumSize(250, 500);
+        layout->addWidget(content);
+        auto *buttons = new QHBoxLayout;
+        auto *save = new QPushButton("Save"_L1);
+        buttons->addWidget(save);
+        layout->addLayout(buttons);
+        sheet->presentOver(&window);
+        QVERIFY(QTest::qWaitForWindowExposed(sheet));
+        QVERIFY(sheet->height() <= 200);
+        QVERIFY(sheet->rect().contains(save->geometry()));
+        auto *area = sheet->findChild<QScrollArea *>();
+        QVERIFY(area != nullptr && area->isAncestorOf(content));
+        QTRY_VERIFY(area->verticalScrollBar()->maximum() > 0);
+        QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
+        sheet->close();
+    }
+
+    void cannotBeMadeSmallOrLarge() {
+        const QPointer<ProbeSheet> sheet = makeSheet();
+        sheet->presentOver(&m_window);
+        // Else window managers show buttons for both.
+        QVERIFY(sheet->windowFlags().testFlag(Qt::CustomizeWindowHint));
+        QVERIFY(sheet->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+        QVERIFY((sheet->windowFlags() & Qt::WindowMinMaxButtonsHint) == 0);
+        QVERIFY((sheet->windowFlags() & Qt::WindowType_Mask) == Qt::Dialog);
         sheet->close();
     }
 

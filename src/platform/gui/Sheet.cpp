@@ -1,14 +1,25 @@
 #include "platform/gui/Sheet.h"
 
+#include "platform/gui/ContentArea.h"
+#include "platform/gui/FontSize.h"
+#include "platform/gui/ScreenFit.h"
 #include "platform/gui/Storyboard.h"
 
 #include <QKeyEvent>
+#include <QLayout>
+#include <QMargins>
+#include <QScreen>
+#include <QScrollBar>
 
+#include <algorithm>
 #include <memory>
 
 namespace quorbel {
 
-Sheet::Sheet(QWidget *parent) : QDialog(parent) {}
+// Without buttons that make it small or large: it has one size, and belongs to its window.
+Sheet::Sheet(QWidget *parent)
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint) {}
 
 void Sheet::presentOver(QWidget *presenter) {
     m_presenter = presenter;
@@ -16,13 +27,57 @@ void Sheet::presentOver(QWidget *presenter) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowFlag(Qt::WindowStaysOnTopHint, presenter == nullptr);
     setWindowModality(presenter == nullptr ? Qt::ApplicationModal : Qt::WindowModal);
-    ensurePolished();
     if (!testAttribute(Qt::WA_Resized)) {
         adjustSize();
     }
-    // A larger font than the form was drawn with may need more room than it was given.
-    setFixedSize(size().expandedTo(minimumSizeHint()));
+    m_designed = size();
+    ensurePolished();
+    fit();
+    connect(screen(), &QScreen::availableGeometryChanged, this, [this] {
+        fit();
+        moveOntoScreen(*this);
+    });
     show();  // open() would make it window-modal in either case
+}
+
+bool Sheet::event(QEvent *event) {
+    if (event->type() == QEvent::Polish && layout() != nullptr) {
+        m_content = &ContentArea::wrap(*this);
+    }
+    return QDialog::event(event);
+}
+
+QSize Sheet::wantedSize() const {
+    const QSize designed(sizedToFont(m_designed.width()), sizedToFont(m_designed.height()));
+    if (m_content == nullptr) {
+        return designed;
+    }
+    const int buttons = minimumSizeHint().height() - m_content->minimumSizeHint().height();
+    const int width =
+        std::max({designed.width(), minimumSizeHint().width(), m_content->widthForAll()});
+    return {width, std::max(designed.height(), m_content->heightForAll(width) + buttons)};
+}
+
+QSize Sheet::room() const {
+    const QSize onScreen = roomOnScreen(*this);
+    const QWidget *main = m_presenter;
+    while (main != nullptr && main->window()->parentWidget() != nullptr) {
+        main = main->window()->parentWidget();
+    }
+    if (main == nullptr) {
+        return onScreen;
+    }
+    // Both have a frame, so that the sheet covers the main window's at most.
+    return onScreen.boundedTo(main->window()->size());
+}
+
+void Sheet::fit() {
+    QSize wanted = wantedSize();
+    const QSize most = room();
+    if (wanted.height() > most.height() && m_content != nullptr) {
+        wanted.rwidth() += m_content->verticalScrollBar()->sizeHint().width();
+    }
+    setFixedSize(wanted.boundedTo(most));
 }
 
 void Sheet::keyPressEvent(QKeyEvent *event) {

@@ -7,10 +7,14 @@
 
 namespace quorbel {
 
+class ContentArea;
 class Storyboard;
 
 /// A modal dialog over a page or over another sheet, made anew for each opening and deleted when it
-/// closes. Its content keeps the size that it was designed with.
+/// closes. Has the size that it was designed with, or as much more as the font takes. Where the
+/// screen or the main window has no room for that, its content scrolls above its buttons.
+///
+/// Its form is a column, whose last row holds the buttons.
 class Sheet : public QDialog, public PageLifeCycle {
     Q_OBJECT
 
@@ -26,11 +30,18 @@ public:
     [[nodiscard]] QWidget *presenter() const { return m_presenter; }
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
 private:
+    [[nodiscard]] QSize wantedSize() const;
+    [[nodiscard]] QSize room() const;
+    void fit();
+
+    ContentArea *m_content = nullptr;
+    QSize m_designed;
     QWidget *m_presenter = nullptr;
 };
 

@@ -1,0 +1,368 @@
+#include "SampleLibrary.h"
+#include "platform/gui/Appearance.h"
+#include "platform/gui/RowTableView.h"
+#include "platform/gui/Sheet.h"
+#include "support/FrontEnd.h"
+#include "support/TemporaryFolder.h"
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSlider>
+#include <QStackedWidget>
+#include <QStyleOptionFrame>
+#include <QTest>
+#include <QToolButton>
+#include <QWindow>
+
+#include <algorithm>
+#include <memory>
+
+namespace quorbel {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A sheet, and where it is opened from.
+struct SheetCase {
+    const char *identifier;
+    const char *presenter;
+};
+constexpr SheetCase kSheets[] = {
+    {"aboutView", "HomeView"},           {"eventView", "ScanView"},
+    {"filterView", "ToolsViewOptions"},  {"actionView", "ToolsViewActions"},
+    {"commandRun", "actionView"},        {"commandEmail", "actionView"},
+    {"commandEvent", "actionView"},      {"emailServer", "ToolsViewActions"},
+    {"emailFormat", "ToolsViewActions"}, {"emailTest", "ToolsViewActions"}};
+
+constexpr const char *kPages[] = {"HomeView",       "ScanView",         "ReportsView",
+                                  "ToolsView",      "ToolsViewOptions", "ToolsViewActions",
+                                  "ToolsViewExport"};
+
+QByteArray told(const QWidget &widget) {
+    const QRect place(widget.mapTo(widget.window(), QPoint()), widget.size());
+    const QSize window = widget.window()->size();
+    return u"%1 at %2,%3 is %4x%5; its window is %6x%7"_s.arg(widget.objectName())
+        .arg(place.x())
+        .arg(place.y())
+        .arg(place.width())
+        .arg(place.height())
+        .arg(window.width())
+        .arg(window.height())
+        .toUtf8();
+}
+
+bool isControl(const QWidget &widget) {
+    return qobject_cast<const QAbstractButton *>(&widget) != nullptr ||
+           qobject_cast<const QLineEdit *>(&widget) != nullptr ||
+           qobject_cast<const QPlainTextEdit *>(&widget) != nullptr ||
+           qobject_cast<const QComboBox *>(&widget) != nullptr ||
+           qobject_cast<const QAbstractSpinBox *>(&widget) != nullptr ||
+           qobject_cast<const QAbstractSlider *>(&widget) != nullptr ||
+           qobject_cast<const QAbstractItemView *>(&widget) != nullptr;
+}
+
+bool isPart(const QWidget &widget) {
+    const QWidget *parent = widget.parentWidget();
+    return qobject_cast<const QScrollBar *>(&widget) != nullptr ||
+           widget.objectName().startsWith("qt_"_L1) || widget.size().isNull() ||
+           qobject_cast<const QComboBox *>(parent) != nullptr ||
+           qobject_cast<const QAbstractItemView *>(parent) != nullptr;
+}
+
+QScrollArea *scrollAreaAround(const QWidget &widget) {
+    for (QWidget *parent = widget.parentWidget(); parent != nullptr;
+         parent = parent->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(parent)) {
+            return area;
+        }
+    }
+    return nullptr;
+}
+
+bool isInside(const QWidget &widget, const QWidget &around) {
+    return around.rect().contains(QRect(widget.mapTo(&around, QPoint()), widget.size()));
+}
+
+/// Whether the user can get to see the whole of it, or its beginning where it is larger than that.
+bool isReachable(QWidget &control) {
+    QScrollArea *area = scrollAreaAround(control);
+    if (area == nullptr) {
+        return isInside(control, *control.window());
+    }
+    const QPoint centre = control.mapTo(area->widget(), control.rect().center());
+    area->ensureVisible(centre.x(), centre.y(), control.width() / 2 + 1, control.height() / 2 + 1);
+    return isInside(*area->viewport(), *area->window()) && isInside(control, *area->viewport());
+}
+
+bool isWhole(const QLabel &label) {
+    const int height =
+        label.hasHeightForWidth() ? label.heightForWidth(label.width()) : label.sizeHint().height();
+    return label.height() >= height &&
+           (label.wordWrap() || label.width() >= label.sizeHint().width());
+}
+
+/// What a button's or chooser's text needs, without the air around it.
+bool isWhole(const QWidget &control, const QString &text) {
+    const QFontMetrics metrics = control.fontMetrics();
+    return control.width() > metrics.horizontalAdvance(text) &&
+           control.height() >= metrics.height();
+}
+
+int roomForText(const QLineEdit &field) {
+    QStyleOptionFrame option;
+    option.initFrom(&field);
+    constexpr int kInnerMargin = 2;
+    return field.style()->subElementRect(QStyle::SE_LineEditContents, &option, &field).width() -
+           2 * kInnerMargin;
+}
+
+}  // namespace
+
+/// Every page and sheet at one size of the screen and of the font: see CMakeLists.txt.
+class FitTest : public QObject {
+    Q_OBJECT
+
+private:
+    template <class Control>
+    [[nodiscard]] static QList<Control *> visible(const QWidget &view) {
+        QList<Control *> controls = view.findChildren<Control *>();
+        controls.removeIf([](const Control *one) { return !one->isVisible() || isPart(*one); });
+        return controls;
+    }
+    void addViews() const {
+        QTest::addColumn<bool>("isSheet");
+        for (const char *page : kPages) {
+            QTest::newRow(page) << false;
+        }
+        for (const SheetCase &sheet : kSheets) {
+            QTest::newRow(sheet.identifier) << true;
+        }
+    }
+    /// The view of the current row of data, on screen and laid out; null when that fails.
+    QWidget *showView() {
+        QFETCH(bool, isSheet);
+        const char *name = QTest::currentDataTag();
+        QWidget *view = isSheet ? openSheet(name) : showPage(name);
+        if (view == nullptr || !QTest::qWaitForWindowExposed(view->window())) {
+            return nullptr;
+        }
+        QCoreApplication::processEvents();
+        return view;
+    }
+    QWidget *showPage(const char *name) {
+        auto *page = m_frontEnd->window->findChild<QWidget *>(QLatin1String(name));
+        m_frontEnd->control<QStackedWidget>("tabView").setCurrentWidget(page);
+        return page;
+    }
+    QWidget *openSheet(const char *identifier) {
+        const auto *found = std::ranges::find_if(kSheets, [&](const SheetCase &one) {
+            return QLatin1String(one.identifier) == QLatin1String(identifier);
+        });
+        const bool overASheet = QLatin1String(found->presenter) == "actionView"_L1;
+        QWidget *presenter = overASheet ? openSheet(found->presenter) : showPage(found->presenter);
+        auto controller = m_frontEnd->storyboard.instantiate(QLatin1String(identifier));
+        auto *sheet = dynamic_cast<Sheet *>(controller.release());
+        sheet->presentOver(presenter);
+        return sheet;
+    }
+    [[nodiscard]] QWidget &window() const { return *m_frontEnd->window; }
+
+    testing::TemporaryFolder m_library;
+    std::unique_ptr<testing::FrontEnd> m_frontEnd;
+
+private Q_SLOTS:
+    void initTestCase() {
+        applyAppearance(*qApp);
+        writeSample(Sample::kBad, m_library);
+        qputenv("QUORBEL_LIBRARY", m_library.path().c_str());
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+        m_frontEnd = std::make_unique<testing::FrontEnd>();
+        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+    }
+    void cleanup() {
+        for (Sheet *sheet : window().findChildren<Sheet *>()) {
+            sheet->close();
+        }
+        QTRY_VERIFY(window().findChildren<Sheet *>().isEmpty());
+    }
+    void cleanupTestCase() { m_frontEnd.reset(); }
+
+    void theWindowFitsOnTheScreen() {
+        const QRect room = window().screen()->availableGeometry();
+        QTRY_VERIFY2(room.contains(window().frameGeometry()), told(window()).constData());
+        QVERIFY(window().minimumWidth() <= room.width());
+        QCOMPARE(window().size(), window().minimumSize());
+        const QPoint off = window().frameGeometry().center() - room.center();
+        QVERIFY2(qAbs(off.x()) <= 20 && qAbs(off.y()) <= 20, "not in the middle");
+    }
+
+    void theWindowIsAsLargeAsDesignedWhereThereIsRoom() {
+        const QSize room = window().screen()->availableGeometry().size();
+        if (room.width() < 1140 || room.height() < 780) {
+            QSKIP("The screen is too small.");
+        }
+        QCOMPARE(window().size(), QSize(1120, 720));
+    }
+
+    void aSheetFitsIntoTheWindowAndOnTheScreen_data() { addViews(); }
+    void aSheetFitsIntoTheWindowAndOnTheScreen() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        QTRY_VERIFY2(
+            view->window()->screen()->availableGeometry().contains(view->window()->frameGeometry()),
+            told(*view).constData());
+        QVERIFY2(view->window()->width() <= window().width() &&
+                     view->window()->height() <= window().height(),
+                 told(*view).constData());
+    }
+
+    void everyControlCanBeReached_data() { addViews(); }
+    void everyControlCanBeReached() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (QWidget *widget : visible<QWidget>(*view->window())) {
+            if (isControl(*widget)) {
+                QVERIFY2(isReachable(*widget), told(*widget).constData());
+            }
+        }
+    }
+
+    void theButtonsThatEndIt_data() { addViews(); }
+    void theButtonsThatEndIt() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (const char *name : {"onCancel", "onSave", "saveButton", "onOK", "onClose"}) {
+            if (auto *button = view->findChild<QPushButton *>(QLatin1String(name))) {
+                QVERIFY2(scrollAreaAround(*button) == nullptr, "has to be scrolled to");
+                QVERIFY2(isInside(*button, *view->window()), told(*button).constData());
+            }
+        }
+    }
+
+    void noTextIsCut_data() { addViews(); }
+    void noTextIsCut() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (const QLabel *label : visible<QLabel>(*view)) {
+            QVERIFY2(label->text().isEmpty() || isWhole(*label), told(*label).constData());
+        }
+        for (const QAbstractButton *button : visible<QAbstractButton>(*view)) {
+            QVERIFY2(isWhole(*button, button->text()), told(*button).constData());
+        }
+        for (const QComboBox *chooser : visible<QComboBox>(*view)) {
+            QVERIFY2(chooser->height() >= chooser->sizeHint().height(), told(*chooser).constData());
+            QVERIFY2(isWhole(*chooser, chooser->currentText()), told(*chooser).constData());
+        }
+        for (const QLineEdit *field : visible<QLineEdit>(*view)) {
+            QVERIFY2(field->height() >= field->sizeHint().height(), told(*field).constData());
+        }
+    }
+
+    void fieldsHoldTheirLongestNumber_data() {
+        QTest::addColumn<bool>("isSheet");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("number");
+        const auto add = [](const char *view, bool isSheet, const char *field, const char *number) {
+            QTest::newRow(view) << isSheet << QString::fromLatin1(field)
+                                << QString::fromLatin1(number);
+        };
+        add("ToolsViewOptions", false, "removalErrorTime", "9999");
+        add("ToolsViewOptions", false, "popupEventsTime", "3600");
+        add("ToolsViewExport", false, "textInterval", "1440");
+        add("filterView", true, "filterMask", "128");
+        add("emailServer", true, "serverPort", "65535");
+        add("emailServer", true, "serverTimeout", "10");
+    }
+    void fieldsHoldTheirLongestNumber() {
+        QFETCH(QString, field);
+        QFETCH(QString, number);
+        const QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        const auto *found = view->findChild<QLineEdit *>(field);
+        QVERIFY(found != nullptr);
+        const QLineEdit &edit = *found;
+        QVERIFY2(roomForText(edit) > edit.fontMetrics().horizontalAdvance(number),
+                 told(edit).constData());
+    }
+
+    void nothingScrollsSideways_data() { addViews(); }
+    void nothingScrollsSideways() {
+        const QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (const QScrollArea *area : visible<QScrollArea>(*view)) {
+            QCOMPARE(area->horizontalScrollBar()->maximum(), 0);
+        }
+    }
+
+    void theFilterTablesShowWholeRows() {
+        showPage("ToolsViewOptions");
+        for (const char *name : {"includeFiltersTable", "excludeFiltersTable"}) {
+            const auto &table = m_frontEnd->control<RowTableView>(name);
+            const int row = table.verticalHeader()->defaultSectionSize();
+            QVERIFY(row > table.fontMetrics().height());
+            const int inside =
+                table.height() - 2 * table.frameWidth() - table.horizontalHeader()->height();
+            QCOMPARE(inside % row, 0);
+        }
+    }
+
+    void theWindowFollowsASmallerScreen() {
+        const QList<QScreen *> screens = QGuiApplication::screens();
+        if (screens.size() < 2) {
+            QSKIP("There is one screen only.");
+        }
+        window().windowHandle()->setScreen(screens[1]);
+        QTRY_COMPARE(window().screen(), screens[1]);
+        const QRect room = screens[1]->availableGeometry();
+        QTRY_VERIFY2(room.contains(window().frameGeometry()), told(window()).constData());
+        QVERIFY(window().minimumHeight() <= room.height());
+        window().windowHandle()->setScreen(screens[0]);
+        QTRY_COMPARE(window().screen(), screens[0]);
+        QTRY_VERIFY(screens[0]->availableGeometry().contains(window().frameGeometry()));
+    }
+};
+
+namespace {
+
+/// Screens of the sizes that $QUORBEL_TEST_SCREENS names, as "1024x768 800x540", side by side.
+QByteArray screensFile(const testing::TemporaryFolder &folder) {
+    QByteArray screens;
+    int left = 0;
+    for (const QByteArray &size : qgetenv("QUORBEL_TEST_SCREENS").split(' ')) {
+        const QList<QByteArray> sides = size.split('x');
+        screens += (screens.isEmpty() ? "" : ",") + QByteArray("{\"name\":\"") + size +
+                   "\",\"x\":" + QByteArray::number(left) + ",\"y\":0,\"width\":" + sides.at(0) +
+                   ",\"height\":" + sides.at(1) + "}";
+        left += sides.at(0).toInt();
+    }
+    return folder.write("screens.json", ("{\"screens\":[" + screens + "]}").toStdString()).c_str();
+}
+
+}  // namespace
+
+}  // namespace quorbel
+
+int main(int argc, char **argv) {
+    const quorbel::testing::TemporaryFolder folder;
+    if (qEnvironmentVariableIsSet("QUORBEL_TEST_SCREENS")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + quorbel::screensFile(folder));
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationVersion(QStringLiteral(QUORBEL_VERSION));
+    quorbel::FitTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "FitTest.moc"
