@@ -9,6 +9,7 @@
 #include <QAbstractSpinBox>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDebug>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -52,15 +53,10 @@ constexpr const char *kPages[] = {"HomeView",       "ScanView",         "Reports
 
 QByteArray told(const QWidget &widget) {
     const QRect place(widget.mapTo(widget.window(), QPoint()), widget.size());
-    const QSize window = widget.window()->size();
-    return u"%1 at %2,%3 is %4x%5; its window is %6x%7"_s.arg(widget.objectName())
-        .arg(place.x())
-        .arg(place.y())
-        .arg(place.width())
-        .arg(place.height())
-        .arg(window.width())
-        .arg(window.height())
-        .toUtf8();
+    QString text;
+    QDebug(&text) << widget.objectName() << place << "in" << widget.window()->frameGeometry()
+                  << "on" << widget.screen()->availableGeometry();
+    return text.toUtf8();
 }
 
 bool isControl(const QWidget &widget) {

@@ -23,6 +23,16 @@ QMargins usualFrame(const QWidget &window) {
     return {kBorder, title, kBorder, kBorder};
 }
 
+/// `place` as far as it has to be moved to lie in `area`: its upper left rather than its lower
+/// right end, where there is no room for both.
+QRect movedInto(QRect place, const QRect &area) {
+    place.moveRight(std::min(place.right(), area.right()));
+    place.moveBottom(std::min(place.bottom(), area.bottom()));
+    place.moveLeft(std::max(place.left(), area.left()));
+    place.moveTop(std::max(place.top(), area.top()));
+    return place;
+}
+
 }  // namespace
 
 QMargins frameAround(const QWidget &window) {
@@ -41,13 +51,7 @@ QSize roomOnScreen(const QWidget &window) {
 
 void moveOntoScreen(QWidget &window) {
     const QRect room = window.screen()->availableGeometry().marginsRemoved(frameAround(window));
-    QRect place = window.geometry();
-    place.moveRight(std::min(place.right(), room.right()));
-    place.moveBottom(std::min(place.bottom(), room.bottom()));
-    // The title bar rather than the lower end, where there is no room for both.
-    place.moveLeft(std::max(place.left(), room.left()));
-    place.moveTop(std::max(place.top(), room.top()));
-    window.setGeometry(place);
+    window.setGeometry(movedInto(window.geometry(), room));
 }
 
 ScreenFit::ScreenFit(QWidget &window, QSize wanted)
@@ -58,9 +62,12 @@ ScreenFit::ScreenFit(QWidget &window, QSize wanted)
 
 void ScreenFit::openAtMinimum() {
     m_window.resize(m_window.minimumSize());
+    const QRect area = m_window.screen()->availableGeometry();
     QRect frame = m_window.frameGeometry();
-    frame.moveCenter(m_window.screen()->availableGeometry().center());
-    m_window.move(frame.topLeft());
+    frame.moveCenter(area.center());
+    // There will be a frame; in the middle, it may be too low for it.
+    const QSize framed = m_window.size().grownBy(frameAround(m_window));
+    m_window.move(movedInto(QRect(frame.topLeft(), framed), area).topLeft());
 }
 
 bool ScreenFit::eventFilter(QObject *watched, QEvent *event) {
