@@ -1,20 +1,17 @@
-// The whole way of an event: a real sender, the real service on a real bus, the real window.
+// The whole way of an event: a real sender, the real service on a real bus, the real program with
+// its window on a display, seen over the accessibility bus and used with the pointer.
 
-#include "support/FrontEnd.h"
+#include "e2e/RealWindow.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
 
-#include <QAbstractButton>
-#include <QCheckBox>
+#include <QDBusMessage>
+#include <QDateTime>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QLabel>
-#include <QMessageBox>
 #include <QProcess>
-#include <QStackedWidget>
-#include <QTableView>
 #include <QTest>
 
 #include <map>
@@ -25,27 +22,17 @@ namespace quorbel {
 namespace {
 
 constexpr int kPatienceMs = testing::kPatience.count();
+const QString kErrors = QStringLiteral("Error");
+const QString kRating = QStringLiteral("Rating");
 
-/// The front-end with what these tests look at.
-struct FrontEnd : testing::FrontEnd {
-    /// What is sent from now on is listed.
-    FrontEnd() { QVERIFY(waitUntilItHears()); }
-    QTableView &table() const {
-        auto &page = control<QWidget>("ScanView");
-        return *page.findChild<QTableView *>(QStringLiteral("tableView"));
-    }
-    int rows() const { return table().model()->rowCount(); }
-    QString cell(int row, int column) const {
-        return table().model()->index(row, column).data().toString();
-    }
-    QString label(const char *name) const { return control<QLabel>(name).text(); }
-    void click(const char *name) const {
-        QTest::mouseClick(&control<QAbstractButton>(name), Qt::LeftButton);
-    }
+/// The window with what these tests look at.
+struct FrontEnd : testing::RealWindow {
+    using RealWindow::RealWindow;
     /// How often each message is listed.
     std::map<QString, int> messages() const {
         std::map<QString, int> counts;
-        for (int row = 0; row < rows(); ++row) {
+        const int count = rows();
+        for (int row = 0; row < count; ++row) {
             ++counts[cell(row, 4)];
         }
         return counts;
@@ -107,56 +94,76 @@ private:
             QVERIFY2(numbers.contains(message.section(QLatin1Char(' '), -1)), qPrintable(message));
         }
     }
-    void answer(const FrontEnd &frontEnd, const char *title, bool tick) {
-        QMessageBox *box = nullptr;
-        QTRY_VERIFY_WITH_TIMEOUT(
-            (box = frontEnd.window->findChild<QMessageBox *>()) != nullptr && box->isVisible(),
-            kPatienceMs);
-        if (tick) {
-            box->checkBox()->setChecked(true);
-        }
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text() == QLatin1String(title)) {
-                QTest::mouseClick(button, Qt::LeftButton);
+    void deleteAll(const FrontEnd &window) const {
+        QVERIFY(window.press(QStringLiteral("Delete events")));
+        QVERIFY(window.press(QStringLiteral("Delete all events")));
+        QVERIFY(window.press(QStringLiteral("OK")));
+        QVERIFY(window.press(QStringLiteral("Yes")));
+        QTRY_COMPARE_WITH_TIMEOUT(window.rows(), 0, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
+    }
+    /// The window on this desktop, once what is sent is told to it.
+    std::unique_ptr<FrontEnd> openWindow() const {
+        auto window = std::make_unique<FrontEnd>(
+            *m_desktop, QString::fromStdString(m_library->path().string()));
+        const bool hears = testing::waitUntil([this] { return someoneListens(); });
+        return hears ? std::move(window) : nullptr;
+    }
+    /// Whether the service's notifications are subscribed to, as the bus knows it.
+    bool someoneListens() const {
+        const QString name = QStringLiteral("rules");
+        QByteArray rules;
+        {
+            auto bus =
+                QDBusConnection::connectToBus(QString::fromStdString(m_bus->address()), name);
+            const QDBusMessage reply = bus.call(QDBusMessage::createMethodCall(
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                QStringLiteral("org.freedesktop.DBus.Debug.Stats"),
+                QStringLiteral("GetAllMatchRules")));
+            const auto all = qdbus_cast<QMap<QString, QStringList>>(reply.arguments().value(0));
+            for (const QStringList &ofOne : all) {
+                rules += ofOne.join(QLatin1Char(' ')).toUtf8();
             }
         }
-        QTRY_VERIFY_WITH_TIMEOUT(!frontEnd.window->findChildren<QMessageBox *>().contains(box),
-                                 kPatienceMs);
+        QDBusConnection::disconnectFromBus(name);
+        return rules.contains("member='Quorbel'");
     }
 
 private Q_SLOTS:
     void init() {
         m_bus = std::make_unique<testing::PrivateBus>();
+        m_desktop = std::make_unique<testing::Desktop>();
         m_library = std::make_unique<testing::TemporaryFolder>();
-        qputenv("QUORBEL_LIBRARY", m_library->path().c_str());
         startService();
     }
     void cleanup() {
         m_service.reset();
         m_library.reset();
+        m_desktop.reset();
         m_bus.reset();
     }
 
     void anEventIsOnTop() {
-        const FrontEnd frontEnd;
-        QCOMPARE(frontEnd.label("eventsError"), QStringLiteral("0"));
-        QCOMPARE(frontEnd.label("eventsTitle"),
+        const auto window = openWindow();
+        QVERIFY(window);
+        QCOMPARE(window->homeText(kErrors), QStringLiteral("0"));
+        QCOMPARE(window->homeText(kRating),
                  QStringLiteral("No unwanted or harmful events detected."));
         log(QStringLiteral("first"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.label("eventsError"), QStringLiteral("1"), kPatienceMs);
-        QCOMPARE(frontEnd.label("eventsTitle"),
-                 QStringLiteral("Review potentialy unwanted events."));
-        frontEnd.click("Scan");
+        QTRY_COMPARE_WITH_TIMEOUT(window->homeText(kErrors), QStringLiteral("1"), kPatienceMs);
+        QCOMPARE(window->homeText(kRating), QStringLiteral("Review potentialy unwanted events."));
+        QVERIFY(window->press(QStringLiteral("Events")));
         const QString before = today();
         log(QStringLiteral("disk full, retrying"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 2, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 2, kPatienceMs);
         const QString after = today();
-        QCOMPARE(frontEnd.cell(0, 0), QStringLiteral("Moderate"));
-        QCOMPARE(frontEnd.cell(0, 2), QStringLiteral("Local7.Error"));
-        QCOMPARE(frontEnd.cell(0, 3), QStringLiteral("127.0.0.1"));
-        QCOMPARE(frontEnd.cell(0, 4), QStringLiteral("e2e: disk full, retrying"));
-        const QString date = frontEnd.cell(0, 1);
+        QCOMPARE(window->cell(0, 0), QStringLiteral("Moderate"));
+        QCOMPARE(window->cell(0, 2), QStringLiteral("Local7.Error"));
+        QCOMPARE(window->cell(0, 3), QStringLiteral("127.0.0.1"));
+        QCOMPARE(window->cell(0, 4), QStringLiteral("e2e: disk full, retrying"));
+        const QString date = window->cell(0, 1);
         QVERIFY2(date.startsWith(before) || date.startsWith(after), qPrintable(date));
+        QVERIFY(window->quit());
     }
 
     void aThousandEventsOverEveryTransportSurviveARestartOfBoth() {
@@ -167,97 +174,106 @@ private Q_SLOTS:
         const QString udp = QStringLiteral("-d");
         const QString tcp = QStringLiteral("-T");
         {
-            const FrontEnd frontEnd;
-            frontEnd.click("Scan");
+            const auto window = openWindow();
+            QVERIFY(window);
             log(numbers.mid(0, 250), {udp, QStringLiteral("--rfc3164")});
             log(numbers.mid(250, 250), {udp, QStringLiteral("--rfc5424")});
             log(numbers.mid(500, 250), {tcp, QStringLiteral("--rfc3164")});
             log(numbers.mid(750, 250),
                 {tcp, QStringLiteral("--rfc5424"), QStringLiteral("--octet-count")});
-            QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1000, kPatienceMs);
-            checkThatEachIsListedOnce(frontEnd, numbers);
-            QCOMPARE(frontEnd.delegate.state.iError, 1000);
+            QTRY_COMPARE_WITH_TIMEOUT(window->homeText(kErrors), QStringLiteral("1000"),
+                                      kPatienceMs);
+            QVERIFY(window->press(QStringLiteral("Events")));
+            QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 1000, kPatienceMs);
+            checkThatEachIsListedOnce(*window, numbers);
+            QVERIFY(window->quit());
         }
         stopService();
         QCOMPARE(storedLines().size(), 1000);
         startService();
-        const FrontEnd again;
-        QCOMPARE(again.rows(), 1000);
-        checkThatEachIsListedOnce(again, numbers);
-        QCOMPARE(again.label("eventsError"), QStringLiteral("1000"));
+        const auto again = openWindow();
+        QVERIFY(again);
+        QCOMPARE(again->homeText(kErrors), QStringLiteral("1000"));
+        QVERIFY(again->press(QStringLiteral("Events")));
+        QTRY_COMPARE_WITH_TIMEOUT(again->rows(), 1000, kPatienceMs);
+        checkThatEachIsListedOnce(*again, numbers);
         log(QStringLiteral("after"));
-        QTRY_COMPARE_WITH_TIMEOUT(again.rows(), 1001, kPatienceMs);
-        QCOMPARE(again.cell(0, 4), QStringLiteral("e2e: after"));
+        QTRY_COMPARE_WITH_TIMEOUT(again->rows(), 1001, kPatienceMs);
+        QCOMPARE(again->cell(0, 4), QStringLiteral("e2e: after"));
     }
 
     void aServiceThatComesBackIsHeardAgain() {
-        const FrontEnd frontEnd;
+        const auto window = openWindow();
+        QVERIFY(window);
+        QVERIFY(window->press(QStringLiteral("Events")));
         log(QStringLiteral("before"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 1, kPatienceMs);
         m_service->kill();
         startService();
         log(QStringLiteral("after"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 2, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 2, kPatienceMs);
         m_bus->stop();
         m_bus->start();
         // Both come back to the bus by themselves; what is sent until then is in the files.
         int sent = 2;
-        QTRY_VERIFY_WITH_TIMEOUT((log(QStringLiteral("again %1").arg(++sent)), frontEnd.rows() > 2),
+        QTRY_VERIFY_WITH_TIMEOUT((log(QStringLiteral("again %1").arg(++sent)), window->rows() > 2),
                                  kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), sent, kPatienceMs);
     }
 
     void deletedEventsAreGoneFromTheFilesToo() {
-        const FrontEnd frontEnd;
+        const auto window = openWindow();
+        QVERIFY(window);
+        QVERIFY(window->press(QStringLiteral("Events")));
         log({QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three")},
             {QStringLiteral("-d")});
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 3, kPatienceMs);
-        frontEnd.click("Scan");
-        QVERIFY(QTest::qWaitForWindowExposed(frontEnd.window.get()));
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 3, kPatienceMs);
         int two = 0;
-        while (frontEnd.cell(two, 4) != QStringLiteral("e2e: two")) {
+        while (two < 3 && window->cell(two, 4) != QStringLiteral("e2e: two")) {
             ++two;
         }
-        QTableView &table = frontEnd.table();
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, Qt::NoModifier,
-                          table.visualRect(table.model()->index(two, 4)).center());
-        frontEnd.click("deleteEvents");
-        answer(frontEnd, "Yes", false);
-        QCOMPARE(frontEnd.rows(), 2);
+        window->clickCell(two, 4);
+        QVERIFY(window->press(QStringLiteral("Delete events")));
+        QVERIFY(window->press(QStringLiteral("Yes")));
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 2, kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 2, kPatienceMs);
         QVERIFY(storedLines().filter(QStringLiteral("two")).isEmpty());
-        frontEnd.click("deleteEvents");
-        answer(frontEnd, "OK", true);
-        answer(frontEnd, "Yes", false);
-        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
-        const FrontEnd again;
-        QCOMPARE(again.rows(), 0);
+        deleteAll(*window);
+        QVERIFY(window->quit());
+        const auto again = openWindow();
+        QVERIFY(again);
+        QCOMPARE(again->homeText(kErrors), QStringLiteral("0"));
     }
 
     void deletingWithAFormatThatHidesTheSecondsFindsTheLines() {
-        FrontEnd frontEnd;
-        frontEnd.delegate.saveSettings({{"dateFormat", "dd.MM.yyyy HH:mm"}});
+        const auto window = openWindow();
+        QVERIFY(window);
+        QVERIFY(window->press(QStringLiteral("Tools")));
+        QVERIFY(window->press(QStringLiteral("Monitoring options")));
+        QVERIFY(window->press(QStringLiteral("Show dates in a chosen format")));
+        QVERIFY(window->choose(QStringLiteral("yyyy-MM-dd"), QStringLiteral("dd.MM.yyyy")));
+        QVERIFY(window->choose(QStringLiteral("HH:mm:ss"), QStringLiteral("HH:mm")));
+        QVERIFY(window->press(QStringLiteral("Save")));
         QTRY_VERIFY_WITH_TIMEOUT(
             QFile::exists(QString::fromStdString((m_library->path() / "Quorbel.ini").string())),
             kPatienceMs);
-        frontEnd.window->initializeLog();
-        QCOMPARE(frontEnd.delegate.state.newDateFormat, std::string("dd.MM.yyyy HH:mm"));
+        QVERIFY(window->press(QStringLiteral("Events")));
         log(QStringLiteral("one"));
-        QTRY_COMPARE_WITH_TIMEOUT(frontEnd.rows(), 1, kPatienceMs);
-        frontEnd.click("Scan");
-        frontEnd.click("deleteEvents");
-        answer(frontEnd, "OK", true);
-        answer(frontEnd, "Yes", false);
-        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 1, kPatienceMs);
+        const QString date = window->cell(0, 1);
+        QVERIFY2(QDateTime::fromString(date, QStringLiteral("dd.MM.yyyy HH:mm")).isValid(),
+                 qPrintable(date));
+        deleteAll(*window);
     }
 
 private:
     std::unique_ptr<testing::PrivateBus> m_bus;
+    std::unique_ptr<testing::Desktop> m_desktop;
     std::unique_ptr<testing::TemporaryFolder> m_library;
     std::unique_ptr<testing::ServiceProcess> m_service;
 };
 
 }  // namespace quorbel
 
-QTEST_MAIN(quorbel::EndToEndTest)
+QTEST_GUILESS_MAIN(quorbel::EndToEndTest)
 #include "EndToEndTest.moc"
