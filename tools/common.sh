@@ -62,3 +62,25 @@ build() {
     cmake --build --preset "$preset" ${1:+--target "$@"} "${quiet[@]}" ||
         die "Building build/$preset failed."
 }
+
+# skipped_tests LOG: what ctest's log says was skipped, one a line: "NAME: REASON".
+skipped_tests() {
+    awk '
+        /^[0-9]+\/[0-9]+ Testing: / { program = $3; reason = "" }
+        /^SKIP   : / {
+            name = $3
+            sub(/^SKIP   : [^ ]+ */, "")
+            print name ": " $0
+        }
+        /: Skipped$/ { reason = " "; next }
+        reason == " " { reason = $0; next }
+        /^\[  SKIPPED \] .* \([0-9]+ ms\)$/ {
+            print $4 ": " reason
+            reason = ""
+        }
+        /^Skipped: / {
+            sub(/^Skipped: /, "")
+            print program ": " $0
+        }
+    ' "$1"
+}

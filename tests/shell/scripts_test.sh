@@ -46,5 +46,31 @@ check "other purposes stay out" test "$(listed test | grep -cx -e cmake -e xvfb)
 check "every package has a purpose" \
     test "$(listed $purposes | wc -l)" = "$(grep -cv -e '^#' -e '^$' "$project/packages.txt")"
 
+# What a log of ctest says was skipped: of Qt Test, of GoogleTest, of a script.
+log=$(mktemp)
+trap 'rm -f -- "$log"' EXIT
+cat >"$log" <<'END'
+1/3 Testing: home_test
+PASS   : quorbel::HomeTest::reads(skip) none
+SKIP   : quorbel::HomeTest::asks(row) a service runs on this machine
+Totals: 1 passed, 0 failed, 1 skipped, 0 blacklisted, 10ms
+2/3 Testing: service_test
+[ RUN      ] ServiceTest.HearsIPv6
+tests/service/ServiceTest.cpp:116: Skipped
+no IPv6 here
+
+[  SKIPPED ] ServiceTest.HearsIPv6 (3 ms)
+[  PASSED  ] 4 tests.
+[  SKIPPED ] 1 test, listed below:
+[  SKIPPED ] ServiceTest.HearsIPv6
+3/3 Testing: packaging_AccessTest
+Skipped: only root can act as other users.
+END
+wanted="quorbel::HomeTest::asks(row): a service runs on this machine
+ServiceTest.HearsIPv6: no IPv6 here
+packaging_AccessTest: only root can act as other users."
+skipped() { bash -c 'source "$1/tools/common.sh"; skipped_tests "$2"' - "$project" "$log"; }
+check "what was skipped is told, with the reason" test "$(skipped)" = "$wanted"
+
 [ "$failures" -eq 0 ] && echo "All checks passed."
 exit "$((failures > 0))"

@@ -20,6 +20,7 @@ if unpack_rsyslog "$tools" && unpack_loggen "$tools-loggen"; then
         "rsyslog_forwards tcp-5424" "rsyslog_forwards tls" "loggen_sends dgram"
         "loggen_sends stream")
 else
+    echo "Skipped: rsyslog and loggen cannot be downloaded here."
     status=77
 fi
 for part in "${parts[@]}"; do
