@@ -2,7 +2,6 @@
 
 add_library(quorbel_options INTERFACE)
 target_compile_features(quorbel_options INTERFACE cxx_std_20)
-target_include_directories(quorbel_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(quorbel_options INTERFACE
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual)
@@ -20,6 +19,30 @@ target_link_libraries(quorbel_qt_options INTERFACE quorbel_options Qt6::Widgets)
 target_compile_definitions(quorbel_qt_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_KEYWORDS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+# quorbel_headers(NAME SOURCE...)
+#
+# Lets NAME, and what links it, include the headers that stand beside its sources, as "folder/File.h".
+# They are found through links in a folder of the library's own, so that nothing else of src is within
+# reach: an include that the layers forbid does not compile.
+function(quorbel_headers name)
+    set(links "${PROJECT_BINARY_DIR}/include/${name}")
+    file(REMOVE_RECURSE "${links}")
+    list(TRANSFORM ARGN PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+    list(TRANSFORM ARGN REPLACE "/[^/]*$" "")
+    list(REMOVE_DUPLICATES ARGN)
+    foreach(folder IN LISTS ARGN)
+        file(RELATIVE_PATH place "${PROJECT_SOURCE_DIR}/src" "${folder}")
+        file(MAKE_DIRECTORY "${links}/${place}")
+        file(GLOB headers CONFIGURE_DEPENDS "${folder}/*.h")
+        foreach(header IN LISTS headers)
+            get_filename_component(file "${header}" NAME)
+            file(CREATE_LINK "${header}" "${links}/${place}/${file}" SYMBOLIC)
+        endforeach()
+    endforeach()
+    target_include_directories(${name} PUBLIC "${links}")
+    set_property(GLOBAL APPEND PROPERTY QUORBEL_LIBRARIES ${name})
+endfunction()
 
 # quorbel_library(NAME [QT] SOURCES ... [UI ...] [LINK ...])
 #
@@ -41,5 +64,6 @@ function(quorbel_library name)
         target_sources(${name} PRIVATE ${forms})
         target_include_directories(${name} SYSTEM PUBLIC "${CMAKE_CURRENT_BINARY_DIR}")
     endif()
+    quorbel_headers(${name} ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC ${arg_LINK})
 endfunction()

@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# That a folder of src can include the headers of the folders that it may use, and of no other:
+# layers_test.sh COMPILER SRC INCLUDE_DIRECTORIES. It includes one header of every folder in the place
+# of every library.
+set -eu
+compiler=$1 src=$2 directories=$3
+
+# A library, its own folder, and what else it may use. Whoever adds an arrow adds it here, too.
+platform="platform"
+bus="platform/bus $platform"
+gui="platform/gui $platform"
+core="core $bus"
+page="$core $gui"
+settings="settings $page"
+allowed=(
+    "quorbel_platform $platform"
+    "quorbel_bus $bus"
+    "quorbel_gui $gui"
+    "quorbel_core $core"
+    "quorbel_settings $settings"
+    "quorbel_home home $page"
+    "quorbel_events events $page"
+    "quorbel_reports reports $page"
+    "quorbel_alerts alerts $page"
+    "quorbel_about about $gui"
+    "quorbel_help help $gui"
+    "quorbel_monitoring options $settings"
+    "quorbel_actions actions $settings"
+    "quorbel_export export $settings"
+    "quorbel_shell shell home events reports alerts about help options actions export $settings"
+    "quorbel_service_core service $core"
+)
+
+failures=0
+fail() {
+    echo "FAILED: $*"
+    failures=$((failures + 1))
+}
+
+# found LIBRARY HEADER: whether the compiler finds the header in the library's place.
+found() {
+    local line
+    line=$(grep -- "^$1 " "$directories")
+    local -a options=()
+    local directory
+    for directory in ${line#"$1"}; do
+        options+=("-I$directory")
+    done
+    printf '#include "%s"\n' "$2" |
+        "$compiler" "${options[@]}" -x c++ -std=c++20 -fPIC -M - 2>&1 >/dev/null |
+        grep -q -F "$2: No such file" && return 1
+    return 0
+}
+
+mapfile -t folders < <(cd -- "$src" && find . -name '*.h' -printf '%h\n' | sort -u | sed 's|^\./||')
+known=" $(printf '%s ' "${allowed[@]%% *}")"
+while read -r library _; do
+    [[ $known == *" $library "* ]] || fail "$library is not in this test's table"
+done <"$directories"
+
+for row in "${allowed[@]}"; do
+    library=${row%% *}
+    for folder in "${folders[@]}"; do
+        header=$folder/$(cd -- "$src/$folder" && printf '%s\n' *.h | head -n 1)
+        # The service's folders are one library.
+        place=$folder
+        [[ $folder != service/* ]] || place=service
+        if [[ " ${row#* } " == *" $place "* ]]; then
+            found "$library" "$header" || fail "$library cannot include $header"
+        elif found "$library" "$header"; then
+            fail "$library can include $header"
+        fi
+    done
+done
+[ "$failures" -eq 0 ] && echo "${#allowed[@]} libraries, ${#folders[@]} folders: as they should be."
+exit "$((failures > 0))"
