@@ -72,5 +72,18 @@ packaging_AccessTest: only root can act as other users."
 skipped() { bash -c 'source "$1/tools/common.sh"; skipped_tests "$2"' - "$project" "$log"; }
 check "what was skipped is told, with the reason" test "$(skipped)" = "$wanted"
 
+# The tests that docs/behaviour.md names, and that are not there: "name" or "Suite.Name".
+missing_tests() {
+    local name pattern
+    # shellcheck disable=SC2016  # the marks of code
+    sed -n 's/^|.*|.*|\(.*\)|$/\1/p' "$project/docs/behaviour.md" | grep -o '`[^`]*`' | tr -d '`' |
+        sort -u | while read -r name; do
+        pattern="void $name\\(\\)"
+        [[ $name != *.* ]] || pattern="^TEST(_[FP])?\\(${name%.*}, *${name##*.}\\)"
+        grep -rqE --include='*.cpp' "$pattern" "$project/tests" || echo "$name"
+    done
+}
+check "behaviour that is meant has its tests" test -z "$(missing_tests)"
+
 [ "$failures" -eq 0 ] && echo "All checks passed."
 exit "$((failures > 0))"
