@@ -74,8 +74,11 @@ void RecordList::store(const Dictionary &record) {
         return;
     }
     const auto row = static_cast<std::size_t>(selected);
-    const std::size_t place = m_places.at(row) ? *m_places[row] : makePlaceFor(row);
-    m.working->at(place) = record;
+    if (m_places.at(row)) {
+        m.working->at(*m_places[row]) = record;
+    } else {
+        insertIntoWorking(row, record);
+    }
     m.controller->replace(selected, record);
 }
 
@@ -86,8 +89,8 @@ void RecordList::append(const Dictionary &record) {
     m.table->scrollToBottom();
 }
 
-/// Makes room in the working list behind the records that are displayed before this one.
-std::size_t RecordList::makePlaceFor(std::size_t row) {
+/// Behind the records that are displayed before this one.
+void RecordList::insertIntoWorking(std::size_t row, const Dictionary &record) {
     std::size_t place = 0;
     for (std::size_t before = 0; before < row; ++before) {
         place = m_places[before] ? *m_places[before] + 1 : place;
@@ -97,9 +100,8 @@ std::size_t RecordList::makePlaceFor(std::size_t row) {
             ++*m_places[after];
         }
     }
-    m.working->insert(m.working->begin() + static_cast<std::ptrdiff_t>(place), Value());
+    m.working->emplace(m.working->begin() + static_cast<std::ptrdiff_t>(place), record);
     m_places[row] = place;
-    return place;
 }
 
 bool RecordList::removeSelected() {

@@ -66,7 +66,7 @@ private:
     [[nodiscard]] int selectedRow() const;
     void append(const Dictionary &record);
     void removeFromWorking(std::size_t place);
-    [[nodiscard]] std::size_t makePlaceFor(std::size_t row);
+    void insertIntoWorking(std::size_t row, const Dictionary &record);
 
     Setup m;
     /// Where each displayed record is in the working list. The two lists have the same order, but
