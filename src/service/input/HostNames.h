@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Value.h"
 #include "core/IpAddress.h"
+#include "platform/Value.h"
 
 #include <chrono>
 #include <cstddef>
