@@ -201,11 +201,15 @@ void WindowController::selectTab(Tab page) {
             ui->Tools->setChecked(true);
             break;
     }
+    const int index = static_cast<int>(page);
+    if (index == ui->tabView->currentIndex()) {
+        return;
+    }
     // Else the tab container would move it to the new page's first control; the pages choose.
     if (ui->tabView->isAncestorOf(focusWidget())) {
         ui->tabView->setFocus();
     }
-    ui->tabView->setCurrentIndex(static_cast<int>(page));
+    ui->tabView->setCurrentIndex(index);
 }
 
 QWidget *WindowController::pageAt(Tab page) const {

@@ -179,6 +179,11 @@ void WindowControllerTest::focusStaysOffControlsThatNobodyChose() {
     shell.window.Scan();
     QCOMPARE(qobject_cast<QAbstractButton *>(shell.window.focusWidget()), nullptr);
 
+    auto *onPage = shell.events().findChild<QPushButton *>();
+    onPage->setFocus();
+    shell.window.Scan();  // The page that is shown: nobody would set the focus there again.
+    QCOMPARE(shell.window.focusWidget(), onPage);
+
     shell.button("Home").setFocus();
     QTest::keyClick(&shell.button("Home"), Qt::Key_Space);
     QCOMPARE(shell.window.focusWidget(), &shell.button("Home"));
