@@ -70,6 +70,14 @@ TEST_F(ClockTrustTest, MeasuresTheFirstTimeByTheNewestStoredEvent) {
     EXPECT_TRUE(believes(kThen + kYear, kUp));
 }
 
+TEST_F(ClockTrustTest, RemembersADoubtAboutTheFirstTime) {
+    EXPECT_FALSE(believes(kThen + kYear, kUp));
+    restart();
+    newest = kThen + kYear;  // stored under a wrong date
+    EXPECT_FALSE(believes(kThen + kYear + 60, kUp + 60));
+    EXPECT_TRUE(believes(kThen + 120, kUp + 120));
+}
+
 // Switched off for a long time, or a clock without a battery: that is not to be told apart.
 TEST_F(ClockTrustTest, DoubtsALongSilenceAfterAStartUntilTheClockIsSynchronised) {
     EXPECT_TRUE(believes(kThen, kUp));

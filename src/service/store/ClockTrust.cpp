@@ -40,6 +40,8 @@ bool ClockTrust::believes(const ClockReading &now, std::optional<std::int64_t> n
     if (!m_state && newestStored) {
         // The machine may have been off since then, and may not.
         m_state = {{*newestStored, now.running, false}, 0};
+        // What is stored from now on may have the wrong day: no later start may go by that.
+        save();
     }
     m_ahead = m_state ? now.time - expected(now) : 0;
     const bool isExpected = m_ahead <= (m_hasBelieved ? kMostDrift : kLongestSilence);
