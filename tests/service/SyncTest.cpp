@@ -11,9 +11,11 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -93,6 +95,37 @@ TEST_F(SyncTest, TheEndSyncsWhatWasAppended) {
 TEST_F(SyncTest, ANewFileIsSyncedWithItsFolder) {
     m_store->append(line("first"), kMonday, true);
     EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
+}
+
+/// Takes all descriptors that the process may open, as connections can.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &m_limit);
+        UniqueFd first(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        constexpr rlim_t kMore = 8;
+        const rlimit few{static_cast<rlim_t>(first.get()) + kMore, m_limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        while (first.isOpen()) {
+            m_taken.push_back(std::move(first));
+            first = UniqueFd(fcntl(m_taken.front().get(), F_DUPFD_CLOEXEC, 0));
+        }
+    }
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &m_limit); }
+    NoDescriptors(const NoDescriptors &) = delete;
+    NoDescriptors &operator=(const NoDescriptors &) = delete;
+
+private:
+    rlimit m_limit{};
+    std::vector<UniqueFd> m_taken;
+};
+
+TEST_F(SyncTest, ANewFileAndItsFolderAreSyncedWithoutADescriptorLeft) {
+    const NoDescriptors none;
+    ASSERT_EQ(m_store->append(line("first"), kMonday, true).stored, 1U);
+    EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
+    EXPECT_TRUE(isSynced(kMonday));
+    EXPECT_EQ(m_store->unsynced(), 0U);
 }
 
 // What the kernel could not write it takes for clean, and syncs no more.

@@ -308,8 +308,12 @@ bool LogStore::swap(const std::string &name, const UniqueFd &file, const UniqueF
            ::rename(temporaryName(target).c_str(), target.c_str()) == 0;
 }
 
+UniqueFd LogStore::openFolder() const {
+    return UniqueFd(::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
 bool LogStore::syncFolder() const {
-    const UniqueFd folder(::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const UniqueFd folder = openFolder();
     return folder.isOpen() && ::fsync(folder.get()) == 0;
 }
 
@@ -343,12 +347,17 @@ LogStore::Dirty LogStore::takeDirty() {
 }
 
 /// The last error; 0 when all went well.
-int LogStore::sync(const Dirty &dirty) const {
+int LogStore::sync(const Dirty &dirty) {
     int error = 0;
     for (const UniqueFd &file : dirty.files) {
         error = ::fdatasync(file.get()) == 0 ? error : errno;
     }
-    return !dirty.folderChanged || syncFolder() ? error : errno;
+    if (dirty.folderChanged) {
+        m_spareForFolder.refill();
+        const UniqueFd folder = m_spareForFolder.useFor([this] { return openFolder(); });
+        error = folder.isOpen() && ::fsync(folder.get()) == 0 ? error : errno;
+    }
+    return error;
 }
 
 void LogStore::noteSync(const Dirty &dirty, int error) {

@@ -81,6 +81,7 @@ private:
               const std::vector<ByteRange> &ranges, std::uint64_t copied);
     bool removeWhole(const std::string &name, const UniqueFd &file,
                      const std::vector<ByteRange> &ranges);
+    [[nodiscard]] UniqueFd openFolder() const;
     bool syncFolder() const;
 
     /// What was appended since the last sync.
@@ -91,7 +92,7 @@ private:
     };
     void syncWhenDirty();
     Dirty takeDirty();
-    [[nodiscard]] int sync(const Dirty &dirty) const;
+    [[nodiscard]] int sync(const Dirty &dirty);
     void noteSync(const Dirty &dirty, int error);
 
     const std::filesystem::path m_folder;
@@ -106,6 +107,7 @@ private:
     // Of the thread that syncs alone.
     bool m_syncWorks = true;
     std::uint64_t m_unsyncedNow = 0;  ///< since syncing last worked
+    SpareDescriptor m_spareForFolder;
 
     std::atomic<std::uint64_t> m_unsynced = 0;
 
