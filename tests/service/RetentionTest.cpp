@@ -299,6 +299,7 @@ TEST_F(RetentionTest, GoesOnWithoutAListenerAfterAWhile) {
 
 TEST_F(RetentionTest, SaysOnceWhatGoesWrong) {
     std::filesystem::create_directory(folder.path() / "folder.log");
+    std::filesystem::create_directory(folder.path() / "other.log");
     folder.write("2023-11-13.log", line(kNow - kDay, "Error", "a"));
     ::testing::internal::CaptureStderr();
     start(keepErrors(1, 1));
@@ -308,10 +309,12 @@ TEST_F(RetentionTest, SaysOnceWhatGoesWrong) {
     now = kNow + 4 * kMinute;
     pass();
     const std::string journal = ::testing::internal::GetCapturedStderr();
-    constexpr std::string_view kProblem =
-        "Old events are kept: folder.log could not be read: Invalid argument";
-    EXPECT_THAT(journal, HasSubstr(kProblem));
-    EXPECT_EQ(journal.find(kProblem), journal.rfind(kProblem));
+    for (const std::string name : {"folder.log", "other.log"}) {
+        const std::string problem =
+            "Old events are kept: " + name + " could not be read: Invalid argument";
+        EXPECT_THAT(journal, HasSubstr(problem));
+        EXPECT_EQ(journal.find(problem), journal.rfind(problem));
+    }
     EXPECT_EQ(content("2023-11-13.log"), "(no file)");
 }
 

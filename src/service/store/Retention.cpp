@@ -143,9 +143,11 @@ void Retention::tendFiles(const ClockReading &clock) {
     if (now < std::exchange(m_lastPass, now)) {
         m_known.clear();
     }
-    std::erase_if(m_known, [&names](const auto &known) {
-        return !std::ranges::binary_search(*names, known.first);
-    });
+    const auto isGone = [&names](const auto &file) {
+        return !std::ranges::binary_search(*names, file.first);
+    };
+    std::erase_if(m_known, isGone);
+    std::erase_if(m_problems, isGone);
     for (const std::string &name : *names) {
         if (m_stop) {
             return;
@@ -218,7 +220,7 @@ bool Retention::tendOpened(const std::string &name, std::int64_t now, Known &kno
     known = {status.st_dev, status.st_ino, found.size, due,
              std::min(due, m_rules.firstRemoval(now).value_or(kNever))};
     m_removed += found.count;
-    m_problem.clear();
+    m_problems.erase(name);
     tell(file, found);
     return isThere;
 }
@@ -340,9 +342,10 @@ void Retention::note(const std::string &name, const char *what) {
     }
     const std::string problem = "Old events are kept: " + name + " could not be " + what + ": " +
                                 std::generic_category().message(errno);
-    if (problem != m_problem) {
+    std::string &said = m_problems[name];
+    if (problem != said) {
         say(JournalLevel::kError, problem);
-        m_problem = problem;
+        said = problem;
     }
 }
 

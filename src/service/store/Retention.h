@@ -102,7 +102,7 @@ private:
     std::map<std::string, Known> m_known;
     std::unordered_map<std::string, std::size_t> m_classes;
     std::string m_priority;
-    std::string m_problem;  ///< what was last said to go wrong
+    std::map<std::string, std::string> m_problems;  ///< what was last said of each file
 
     std::mutex m_mutex;
     std::condition_variable m_wake;
