@@ -197,6 +197,21 @@ TEST(StreamStep, StoresEachOf5000MessagesBehindAnOddFrame) {
     }
 }
 
+// Too few for a message of 64 KiB: what they are is known when the stream ends.
+TEST(StreamStep, StoresEachOfAFewMessagesBehindAnOddBeginning) {
+    for (const std::string beginning : {"junk", "0 ", "\xFF\xFE\xFD", "3 <13>x", "  <", "13>x "}) {
+        OddStream stream;
+        stream.bytes = beginning;
+        stream.frames.push_back('~' + beginning);
+        for (int i = 0; i < 20; ++i) {
+            stream.add(i);
+        }
+        EXPECT_EQ(framesOf(stream.bytes), stream.frames);
+        EXPECT_EQ(framesOf(stream.bytes, [] { return 1; }), stream.frames);
+    }
+    EXPECT_THAT(framesOf("junk 80 <13"), ElementsAre("junk 80 <13"));
+}
+
 TEST(StreamStep, HandsOnWhatTheNextFrameTellsAtOnce) {
     std::vector<std::string> frames;
     FrameSplitter splitter(

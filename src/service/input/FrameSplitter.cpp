@@ -241,6 +241,12 @@ bool FrameSplitter::takeText(std::string_view &rest) {
     m_resync = m_resync || m_framing == Framing::kCounted;
     const TextEnd end = findTextEnd(rest);
     const std::string_view text = rest.substr(0, end.at);
+    const bool isEndless = end.end == End::kStream || end.end == End::kTooLong;
+    if (isEndless && !m_resync && m_framing == Framing::kUnknown && !hasPriority(text)) {
+        m_resync = true;
+        m_searched = 0;
+        return true;
+    }
     switch (end.end) {
         case End::kOpen:
             return false;
@@ -317,11 +323,6 @@ FrameSplitter::TextEnd FrameSplitter::findHeaderAt(std::string_view rest, std::s
 }
 
 void FrameSplitter::takeTooLong(std::string_view &rest) {
-    if (m_framing == Framing::kUnknown && !m_resync && !hasPriority(rest)) {
-        m_resync = true;
-        m_searched = 0;
-        return;
-    }
     m_skipText = true;
     m_skipToHeader = m_resync;
     // A header may begin where it ends.

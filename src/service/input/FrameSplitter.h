@@ -23,7 +23,8 @@ namespace quorbel {
 /// is taken for one when the next frame, or another such count, begins right where it says.
 /// What stands within a counted frame, or in a line of a sender that has not counted, is not looked
 /// at: a text cannot make a message of its own parts. (Only when what came first on a connection
-/// has neither a priority nor, for kMaxFrame bytes, a line end is it searched for a header.)
+/// has neither a priority nor a line end, for kMaxFrame bytes or until the stream ends, is it
+/// searched for a header.)
 ///
 /// What is handed on depends on the bytes alone, not on the pieces in which they come. Holds less
 /// than twice kMaxFrame, and next to nothing between frames.
