@@ -1,5 +1,4 @@
 #include "platform/gui/FileIcons.h"
-#include "platform/gui/ProgramEnd.h"
 #include "reports/ReportsViewFixture.h"
 
 #include <QDialogButtonBox>
@@ -87,13 +86,6 @@ private:
             }
         }
         return result;
-    }
-
-    // Runs the loop that endProgram() has ended to its end.
-    static void letProgramEnd() {
-        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
-        QCoreApplication::exec();
-        QVERIFY(!isProgramEnding());
     }
 
 private Q_SLOTS:

@@ -2,6 +2,7 @@
 
 #include "core/AppDelegate.h"
 #include "platform/ScopedVariable.h"
+#include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "reports/ReportsView.h"
 #include "support/TemporaryFolder.h"
@@ -119,6 +120,13 @@ protected:
         work();
         ProgressWindow::setPatienceMs(ProgressWindow::kPatienceMs);
         return done;
+    }
+
+    // Runs the loop that endProgram() has ended to its end.
+    static void letProgramEnd() {
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
+        QCoreApplication::exec();
+        QVERIFY(!isProgramEnding());
     }
 
     int rowCount() { return table()->model()->rowCount(); }

@@ -289,6 +289,18 @@ private Q_SLOTS:
         QCOMPARE(rowCount(), 0);
     }
 
+    void aReportThatIsReadEndsWithTheProgram() {
+        log("x.log", kLog);
+        log("y.log", kLog);
+        display(0);
+        QVERIFY(duringWork([](QWidget *) { endProgram(); }, [this] { click("reportDisplay"); }));
+        QVERIFY(progressWindow() == nullptr);
+        QCOMPARE(rowCount(), 0);
+        letProgramEnd();
+        click("reportDisplay");
+        QCOMPARE(rowCount(), 2);
+    }
+
     void displayClosesGroupsAndClearsTheSelection() {
         log("x.log", kLog);
         display(0);
