@@ -16,6 +16,9 @@ using testing::TemporaryFolder;
 
 using Fields = std::array<std::string, 4>;
 
+// Not the reader's own constant: files written by others were cut there.
+constexpr std::size_t kPiece = 1023;
+
 Fields copy(const LogLine &line) {
     return {std::string(line.date), std::string(line.priority), std::string(line.host),
             std::string(line.message)};
@@ -84,23 +87,23 @@ TEST(LogReader, TakesALongLineInPiecesOfAtMost1023Bytes) {
     const TemporaryFolder folder;
     // The pieces end in the middle of a field list, so that each is accepted or not by itself.
     std::string line = "1,A,h," + std::string(3000 - 6, 'x');
-    line.replace(kLogPieceSize, 8, "2,B,i,yy");
+    line.replace(kPiece, 8, "2,B,i,yy");
     const auto file = folder.write("x.log", line + "\r\n");
     EXPECT_EQ(readBack(file), (std::vector<Fields>{
-                                  {"1", "A", "h", std::string(kLogPieceSize - 6, 'x')},
-                                  {"2", "B", "i", "yy" + std::string(kLogPieceSize - 8, 'x')},
+                                  {"1", "A", "h", std::string(kPiece - 6, 'x')},
+                                  {"2", "B", "i", "yy" + std::string(kPiece - 8, 'x')},
                               }));
 }
 
 TEST(LogReader, APieceEndsExactlyAtItsLimit) {
     const TemporaryFolder folder;
     // 1,023 bytes with the line end are one piece; one byte more leaves the line feed to the next.
-    const std::string fits = "1,A,h," + std::string(kLogPieceSize - 8, 'x') + "\r\n";
-    const std::string over = "2,B,i," + std::string(kLogPieceSize - 7, 'y') + "\r\n";
+    const std::string fits = "1,A,h," + std::string(kPiece - 8, 'x') + "\r\n";
+    const std::string over = "2,B,i," + std::string(kPiece - 7, 'y') + "\r\n";
     const auto lines = readBack(folder.write("x.log", fits + over + "3,C,j,z\r\n"));
     ASSERT_EQ(lines.size(), 3U);
-    EXPECT_EQ(lines[0][3].size(), kLogPieceSize - 8);
-    EXPECT_EQ(lines[1][3].size(), kLogPieceSize - 7);
+    EXPECT_EQ(lines[0][3].size(), kPiece - 8);
+    EXPECT_EQ(lines[1][3].size(), kPiece - 7);
     EXPECT_EQ(lines[2][0], "3");
 }
 

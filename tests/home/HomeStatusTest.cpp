@@ -74,6 +74,9 @@ private Q_SLOTS:
             exports);
         row("database 1", {{"databaseInterval", 1}}, noActions, exports);
         row("both", {{"textInterval", 10}, {"databaseInterval", 10}}, noActions, exports);
+        row("locations that are kept",
+            {{"textInterval", 0}, {"textLocation", "/a.txt"}, {"databaseLocation", "/a.db"}},
+            noActions, noExport);
         row("negative", {{"textInterval", -1}, {"databaseInterval", -5}}, noActions, noExport);
         row("everything", {{"actionsArray", Array{record, record}}, {"textInterval", 60}}, actions,
             exports);
