@@ -1,11 +1,11 @@
 #include "options/ToolsViewOptions.h"
 
 #include "platform/gui/QtText.h"
+#include "platform/gui/ScrolledControls.h"
 #include "settings/NumberStepper.h"
 #include "settings/RecordList.h"
 #include "ui_ToolsViewOptions.h"
 
-#include <QFocusEvent>
 #include <QKeySequence>
 #include <QScrollBar>
 
@@ -60,7 +60,7 @@ void ToolsViewOptions::makeControls() {
                                     kLongestPopup, this);
     makeFilterLists();
     setTabOrders();
-    watchControls();
+    new ScrolledControls(*ui->scrollView);
 }
 
 void ToolsViewOptions::setTabOrders() {
@@ -89,32 +89,6 @@ void ToolsViewOptions::setTabOrders() {
         follow(severity.popupPlay);
     }
     follow(ui->includeFiltersTable);
-}
-
-void ToolsViewOptions::watchControls() {
-    for (QWidget *control : ui->scrollView->widget()->findChildren<QWidget *>()) {
-        if (control->focusPolicy() != Qt::NoFocus) {
-            control->installEventFilter(this);
-        }
-    }
-}
-
-bool ToolsViewOptions::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() == QEvent::Wheel && (qobject_cast<QComboBox *>(watched) != nullptr ||
-                                           qobject_cast<QSpinBox *>(watched) != nullptr)) {
-        // Who scrolls the page must not change what happens to pass under the pointer.
-        event->ignore();
-        return true;
-    }
-    if (event->type() == QEvent::FocusIn) {
-        // The scroll area does so itself only for a step from one of its controls to another. Not
-        // for the mouse, under which nothing may move.
-        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
-        if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason) {
-            ui->scrollView->ensureWidgetVisible(static_cast<QWidget *>(watched));
-        }
-    }
-    return Page::eventFilter(watched, event);
 }
 
 void ToolsViewOptions::viewDidLoad() {

@@ -61,16 +61,12 @@ public:
     void onSave();
     void onCancel();
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     using LabelBox = QCheckBox *SeverityControls::*;
 
     void makeControls();
     void makeFilterLists();
     void setTabOrders();
-    void watchControls();
     void connectControls();
     void connectSeverities();
     void connectAlerts();

@@ -20,10 +20,12 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSlider>
+#include <QSpinBox>
 #include <QStackedWidget>
 #include <QStyleOptionFrame>
 #include <QTest>
 #include <QToolButton>
+#include <QWheelEvent>
 #include <QWindow>
 
 #include <algorithm>
@@ -100,6 +102,18 @@ bool isReachable(QWidget &control) {
     const QPoint centre = control.mapTo(area->widget(), control.rect().center());
     area->ensureVisible(centre.x(), centre.y(), control.width() / 2 + 1, control.height() / 2 + 1);
     return isInside(*area->viewport(), *area->window()) && isInside(control, *area->viewport());
+}
+
+/// What a chooser, stepper or slider is set to.
+QVariant valueOf(const QWidget &control) {
+    if (const auto *chooser = qobject_cast<const QComboBox *>(&control)) {
+        return chooser->currentIndex();
+    }
+    if (const auto *stepper = qobject_cast<const QSpinBox *>(&control)) {
+        return stepper->value();
+    }
+    const auto *slider = qobject_cast<const QSlider *>(&control);
+    return slider != nullptr ? slider->value() : QVariant();
 }
 
 bool isWhole(const QLabel &label) {
@@ -232,6 +246,24 @@ private Q_SLOTS:
             if (isControl(*widget)) {
                 QVERIFY2(isReachable(*widget), told(*widget).constData());
             }
+        }
+    }
+
+    void theWheelThatScrollsChangesNothing_data() { addViews(); }
+    void theWheelThatScrollsChangesNothing() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (QWidget *control : visible<QWidget>(*view)) {
+            if (scrollAreaAround(*control) == nullptr) {
+                continue;  // nobody scrolls there
+            }
+            const QVariant before = valueOf(*control);
+            for (const int angle : {-120, 120, 120}) {
+                QWheelEvent wheel({4, 4}, control->mapToGlobal(QPointF(4, 4)), {}, {0, angle}, {},
+                                  {}, Qt::NoScrollPhase, false);
+                QCoreApplication::sendEvent(control, &wheel);
+            }
+            QVERIFY2(valueOf(*control) == before, told(*control).constData());
         }
     }
 

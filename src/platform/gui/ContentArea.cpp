@@ -1,6 +1,7 @@
 #include "platform/gui/ContentArea.h"
 
 #include "platform/gui/FontSize.h"
+#include "platform/gui/ScrolledControls.h"
 
 #include <QLayout>
 #include <QVBoxLayout>
@@ -67,6 +68,7 @@ ContentArea &ContentArea::wrap(QWidget &view) {
         moveRow(form, *rows);
     }
     form.insertWidget(0, area, 1);
+    new ScrolledControls(*area);
     return *area;
 }
 
