@@ -23,6 +23,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <memory>
 
 namespace quorbel {
@@ -101,6 +102,18 @@ private Q_SLOTS:
         answerAlert(panel, 0);
         QCOMPARE(m_chosen, QStringList{path("old.txt"_L1)});
         QTRY_VERIFY(panel.isNull());
+    }
+
+    void aFolderIsNotReplacedByAFile() {
+        std::filesystem::create_directory(m_folder->path() / "logs.txt");
+        QFileDialog *panel = open(saveRequest());
+        enter(panel, "logs"_L1);
+        const auto *box = panel->findChild<QMessageBox *>("alertBox"_L1);
+        QVERIFY(box != nullptr);
+        QCOMPARE(box->text(), u"“logs.txt” is a folder."_s);
+        answerAlert(panel, 0);
+        QVERIFY(panel->isVisible());
+        QVERIFY(m_chosen.isEmpty());
     }
 
     void openingTakesAnExistingFile() {

@@ -247,11 +247,17 @@ void FilePanel::confirmOpening(const QString &path) {
 }
 
 void FilePanel::confirmSaving(const QString &path) {
-    if (!QFileInfo::exists(path)) {
+    const QFileInfo file(path);
+    const QString name = file.fileName();
+    if (!file.exists()) {
         finishWith(path);
         return;
     }
-    const QString name = QFileInfo(path).fileName();
+    if (file.isDir()) {
+        refuse(QStringLiteral("“%1” is a folder.").arg(name),
+               QStringLiteral("Please choose another name."));
+        return;
+    }
     openAlert(this,
               {.message = QStringLiteral("“%1” already exists.").arg(name),
                .informativeText = QStringLiteral("Replacing it overwrites what it holds now."),
