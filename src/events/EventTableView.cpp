@@ -68,7 +68,10 @@ int EventTableView::widestHostInSight() const {
 
 void EventTableView::paintEvent(QPaintEvent *event) {
     RowTableView::paintEvent(event);
-    if (const int widest = widestHostInSight(); !m_isSetByUser && widest > m_widestHost) {
+    if (m_isSetByUser) {
+        return;
+    }
+    if (const int widest = widestHostInSight(); widest > m_widestHost) {
         m_widestHost = widest;
         QMetaObject::invokeMethod(this, &EventTableView::fitColumns, Qt::QueuedConnection);
     }
