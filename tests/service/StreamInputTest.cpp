@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace quorbel {
@@ -28,9 +30,20 @@ using testing::ServiceProcess;
 
 struct StreamInputTest : testing::ServiceFixture {};
 
-/// How many descriptors the service has open.
-std::size_t descriptorsOf(const ServiceProcess &service) {
-    return listFolder("/proc/" + std::to_string(service.pid()) + "/fd").size();
+/// How many descriptors the service has open, without those that syncing takes for a moment: the
+/// folder of the log files and the day's file once more.
+std::size_t descriptorsOf(const ServiceProcess &service, const std::filesystem::path &library) {
+    const std::filesystem::path open = "/proc/" + std::to_string(service.pid()) + "/fd";
+    std::size_t count = 0;
+    std::set<std::filesystem::path> own;
+    for (const std::string &number : listFolder(open)) {
+        std::error_code closedMeanwhile;
+        const auto target = std::filesystem::read_symlink(open / number, closedMeanwhile);
+        const bool isOwn = target == library || target.parent_path() == library;
+        const bool isMomentary = isOwn && !own.insert(target).second;
+        count += isMomentary || closedMeanwhile ? 0U : 1U;
+    }
+    return count;
 }
 
 std::uint64_t counted(const ServiceProcess &service, const std::string &what) {
@@ -56,7 +69,7 @@ TEST_F(StreamInputTest, ClosesTheIdlestConnectionWhenThereAreTooMany) {
         }
     }
     ASSERT_TRUE(waitForStored(connections.size()));
-    while (descriptorsOf(*service) < 96 - 1) {
+    while (descriptorsOf(*service, folder.path()) < 96 - 1) {
         connections.push_back(connectTo(service->port(), SOCK_STREAM));
         sendTo(connections.back(), "<13>more\n");
         ASSERT_TRUE(waitForStored(connections.size()));
@@ -126,7 +139,7 @@ TEST_F(StreamInputTest, GoesOnWithOneDescriptorLeft) {
     }
     sendTo(idle.back(), "<13>taken on\n");
     ASSERT_TRUE(waitForStored(1));
-    const rlim_t left = descriptorsOf(*service) + 1;
+    const rlim_t left = descriptorsOf(*service, folder.path()) + 1;
     const rlimit files{left, left};
     ASSERT_EQ(prlimit(service->pid(), RLIMIT_NOFILE, &files, nullptr), 0);
     // Urgent ones are synced at once.
@@ -146,7 +159,8 @@ TEST_F(StreamInputTest, GoesOnWithOneDescriptorLeft) {
     EXPECT_TRUE(waitForStored(1)) << service->journal();
     service->terminate();
     EXPECT_THAT(service->journal(), Not(HasSubstr("cannot be")));
-    EXPECT_GE(counted(*service, "connections closed"), 20U);
+    // There was room for one of the 20.
+    EXPECT_GE(counted(*service, "connections closed"), 19U);
     EXPECT_EQ(counted(*service, "not stored"), 0U);
 }
 
