@@ -5,7 +5,7 @@
 #include "SampleLog.h"
 #include "core/AppDelegate.h"
 #include "core/EventIntake.h"
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "events/ScanView.h"
 #include "platform/Files.h"
 #include "platform/gui/Storyboard.h"

@@ -4,7 +4,7 @@
 #include "Measure.h"
 #include "SampleLog.h"
 #include "core/EventList.h"
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/bus/BusNames.h"
 #include "support/FrontEnd.h"
 #include "support/PrivateBus.h"

@@ -1,7 +1,7 @@
 #include "SampleLibrary.h"
 
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 #include "platform/KeyedArchive.h"
 
 #include <ctime>

@@ -1,7 +1,7 @@
 #include "actions/ActionCommandEmail.h"
 
 #include "actions/ActionView.h"
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "ui_ActionCommandEmail.h"
 
 #include <string>

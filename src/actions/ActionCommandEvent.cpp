@@ -2,8 +2,8 @@
 
 #include "actions/ActionView.h"
 #include "actions/StoredChoice.h"
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 #include "platform/gui/QtText.h"
 #include "ui_ActionCommandEvent.h"
 

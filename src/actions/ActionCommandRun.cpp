@@ -1,7 +1,7 @@
 #include "actions/ActionCommandRun.h"
 
 #include "actions/ActionView.h"
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"
 #include "ui_ActionCommandRun.h"

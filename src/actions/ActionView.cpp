@@ -1,7 +1,7 @@
 #include "actions/ActionView.h"
 
 #include "actions/ToolsViewActions.h"
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "ui_ActionView.h"
 
 #include <optional>

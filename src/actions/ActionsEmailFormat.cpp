@@ -1,7 +1,8 @@
 #include "actions/ActionsEmailFormat.h"
 
+#include "common/EmailTemplate.h"
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
-#include "core/EmailTemplate.h"
 #include "platform/gui/QtText.h"
 #include "ui_ActionsEmailFormat.h"
 

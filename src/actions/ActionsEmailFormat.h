@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/SettingsDocument.h"
+#include "core/SettingsCycle.h"
 #include "platform/gui/Sheet.h"
 
 #include <memory>

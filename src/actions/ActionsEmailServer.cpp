@@ -1,6 +1,7 @@
 #include "actions/ActionsEmailServer.h"
 
 #include "actions/StoredChoice.h"
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"

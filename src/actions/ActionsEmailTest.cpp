@@ -1,8 +1,8 @@
 #include "actions/ActionsEmailTest.h"
 
 #include "actions/TestEmail.h"
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
-#include "core/SettingsDocument.h"
 #include "platform/DateFormat.h"
 #include "ui_ActionsEmailTest.h"
 

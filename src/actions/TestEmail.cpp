@@ -1,7 +1,7 @@
 #include "actions/TestEmail.h"
 
-#include "core/EmailTemplate.h"
-#include "core/SettingsDocument.h"
+#include "common/EmailTemplate.h"
+#include "common/SettingsDocument.h"
 
 namespace quorbel {
 

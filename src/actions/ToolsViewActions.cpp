@@ -1,5 +1,6 @@
 #include "actions/ToolsViewActions.h"
 
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/Sheet.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/PageLinks.h"
-#include "core/SettingsDocument.h"
+#include "core/SettingsCycle.h"
 #include "platform/gui/Page.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppState.h"
-#include "core/Severity.h"
 
 #include <cstdint>
 #include <limits>

@@ -2,6 +2,7 @@
 
 #include "alerts/PopupView.h"
 #include "alerts/PopupWindow.h"
+#include "common/Severity.h"
 #include "core/AppDelegate.h"
 #include "platform/gui/Storyboard.h"
 

@@ -1,7 +1,7 @@
 #include "alerts/PopupView.h"
 
+#include "common/Severity.h"
 #include "core/PageLinks.h"
-#include "core/Severity.h"
 #include "platform/Preferences.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/PaintedText.h"
@@ -30,8 +30,9 @@ SeverityLevels preferredLevels() {
     SeverityLevels levels;
     // In this sense by design: the defaults apply where the name is present.
     const bool useDefaults = preference("AppName").has_value();
-    for (const SeverityClass &severity : kSeverityClasses) {
-        levels.*severity.level =
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const SeverityClass &severity = kSeverityClasses[i];
+        levels.*kSeverityLevels[i] =
             useDefaults ? severity.defaultLevel
                         : integerPreference("severity" + std::string(severity.keyPart));
     }
@@ -144,7 +145,7 @@ void PopupView::popupAbout() {
 }
 
 std::int64_t PopupView::level() const {
-    return m_levels.*kSeverityClasses[classifyPriority(field("Priority")).shown].level;
+    return m_levels.*kSeverityLevels[classifyPriority(field("Priority")).shown];
 }
 
 std::string PopupView::field(const char *key) const {

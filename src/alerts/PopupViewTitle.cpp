@@ -1,7 +1,7 @@
 #include "alerts/PopupViewTitle.h"
 
 #include "alerts/PopupView.h"
-#include "core/Severity.h"
+#include "common/Severity.h"
 
 #include <QPainter>
 

@@ -1,6 +1,6 @@
 #include "core/AppDelegate.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/Files.h"
 
 #include <syslog.h>

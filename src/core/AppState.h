@@ -1,5 +1,8 @@
 #pragma once
 
+#include "common/Severity.h"
+
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -43,6 +46,20 @@ struct AppState : SeverityLevels, AlertSettings {
 
     std::string newDateFormat;  ///< now chosen; empty means the default format
     std::string oldDateFormat;  ///< in force before the options were last saved
+};
+
+/// The rating and the number of events of each severity class, in the order of kSeverityClasses.
+inline constexpr std::array<std::int64_t SeverityLevels::*, kSeverityClassCount> kSeverityLevels{
+    &SeverityLevels::iSeverityEmergency,   &SeverityLevels::iSeverityAlerting,
+    &SeverityLevels::iSeverityCritical,    &SeverityLevels::iSeverityError,
+    &SeverityLevels::iSeverityWarning,     &SeverityLevels::iSeverityNotice,
+    &SeverityLevels::iSeverityInformation, &SeverityLevels::iSeverityDebug,
+    &SeverityLevels::iSeverityUnknown,
+};
+inline constexpr std::array<std::int64_t AppState::*, kSeverityClassCount> kSeverityCounters{
+    &AppState::iEmergency,   &AppState::iAlert,   &AppState::iCritical,
+    &AppState::iError,       &AppState::iWarning, &AppState::iNotice,
+    &AppState::iInformation, &AppState::iDebug,   &AppState::iUnknown,
 };
 
 }  // namespace quorbel

@@ -1,27 +1,16 @@
 #pragma once
 
+#include "common/EventFields.h"
+
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace quorbel {
 
 /// Names an event for as long as the program runs; later events have larger ones.
 using EventId = std::uint64_t;
-
-/// The fields of an event on its way in: views into a log line or a notification. Any can be
-/// absent.
-struct EventFields {
-    std::optional<std::string_view> date;
-    std::optional<std::string_view> priority;
-    std::optional<std::string_view> host;
-    std::optional<std::string_view> message;
-    /// Further keys that came with it, carried along.
-    std::span<const std::pair<std::string_view, std::string_view>> others;
-};
 
 class EventList;
 

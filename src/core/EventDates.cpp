@@ -90,7 +90,7 @@ void EventDates::startOver(const FormatsInUse &inUse) {
 EventDates::Showing EventDates::showingFor(const AppState &state) {
     Showing showing{formatId(state.oldDateFormat), formatId(state.newDateFormat), {}};
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const std::int64_t level = state.*kSeverityClasses[i].level;
+        const std::int64_t level = state.*kSeverityLevels[i];
         const bool hasImage = !severityLevelName(level).empty();
         showing.levels[i] = static_cast<std::int8_t>(hasImage ? level : -1);
     }

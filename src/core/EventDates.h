@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/EventChunk.h"
-#include "core/Severity.h"
 #include "platform/DateFormat.h"
 
 #include <array>

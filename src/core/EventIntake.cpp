@@ -1,10 +1,10 @@
 #include "core/EventIntake.h"
 
+#include "common/LogReader.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 #include "core/AppDelegate.h"
 #include "core/EventList.h"
-#include "core/LogReader.h"
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
 #include "platform/Text.h"
 
 #include <bit>
@@ -46,7 +46,7 @@ EventIntake::EventIntake(AppState &state, EventListPageLink &eventList, HomePage
 
 void EventIntake::count(const PriorityClasses &classes) {
     for (unsigned long rest = classes.counted.to_ulong(); rest != 0; rest &= rest - 1) {
-        ++(m_state.*kSeverityClasses[static_cast<std::size_t>(std::countr_zero(rest))].counter);
+        ++(m_state.*kSeverityCounters[static_cast<std::size_t>(std::countr_zero(rest))]);
     }
 }
 
@@ -67,8 +67,9 @@ void EventIntake::removeNotification(const EventFields &announced) {
 
 void EventIntake::takeSettings() {
     const auto document = decodeSettings(AppDelegate::readSettings());
-    for (const SeverityClass &severity : kSeverityClasses) {
-        m_state.*severity.level =
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const SeverityClass &severity = kSeverityClasses[i];
+        m_state.*kSeverityLevels[i] =
             document ? settingInteger(*document, "severity" + std::string(severity.keyPart))
                      : severity.defaultLevel;
     }
@@ -82,8 +83,8 @@ void EventIntake::takeSettings() {
 }
 
 void EventIntake::initializeLog(const Progress &onProgress) {
-    for (const SeverityClass &severity : kSeverityClasses) {
-        m_state.*severity.counter = 0;
+    for (const auto counter : kSeverityCounters) {
+        m_state.*counter = 0;
     }
     takeSettings();
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/Event.h"
 #include "core/PageLinks.h"
-#include "core/Severity.h"
 
 #include <cstdint>
 #include <functional>

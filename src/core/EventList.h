@@ -1,10 +1,10 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/Event.h"
 #include "core/EventChunk.h"
 #include "core/EventDates.h"
-#include "core/Severity.h"
 #include "core/StringTable.h"
 
 #include <cstddef>

@@ -68,7 +68,7 @@ Dictionary takeForDeletion(EventList &list, const std::vector<RowRange> &rows, A
         for (std::size_t row = range.first; row < range.first + range.count; ++row) {
             writeEventLine(list, row, state.newDateFormat, line);
             lines.count(line);
-            --(state.*kSeverityClasses[list.classes(row).deleted].counter);
+            --(state.*kSeverityCounters[list.classes(row).deleted]);
         }
     }
     return lines.take();

@@ -1,5 +1,6 @@
 #include "export/ToolsViewExport.h"
 
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/FilePanel.h"

@@ -1,7 +1,8 @@
 #include "home/HomeView.h"
 
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
-#include "core/SettingsDocument.h"
+#include "core/AppState.h"
 #include "home/Rating.h"
 #include "platform/ProcessTable.h"
 #include "platform/gui/ContentArea.h"
@@ -89,7 +90,7 @@ void HomeView::setEventsStatus() {
 void HomeView::showCounters() {
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         CounterField &field = m_counters[i];
-        const std::int64_t count = m_delegate.state.*kSeverityClasses[i].counter;
+        const std::int64_t count = m_delegate.state.*kSeverityCounters[i];
         if (count != field.shown) {
             field.shown = count;
             setField(*field.label, QString::number(count));

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/PageLinks.h"
-#include "core/Severity.h"
 #include "platform/gui/Page.h"
 
 #include <array>

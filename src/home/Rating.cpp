@@ -24,9 +24,9 @@ const std::array<Rating, 3> kRatings{{
 
 std::int64_t rateEvents(const AppState &state) {
     std::int64_t rating = kNormal;
-    for (const SeverityClass &severity : kSeverityClasses) {
-        if (state.*severity.counter > 0) {
-            rating = std::max(rating, state.*severity.level);
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        if (state.*kSeverityCounters[i] > 0) {
+            rating = std::max(rating, state.*kSeverityLevels[i]);
         }
     }
     return rating;

@@ -1,5 +1,8 @@
 #include "options/OptionsValues.h"
 
+#include "common/SettingsDocument.h"
+#include "core/AppState.h"
+
 #include <utility>
 
 namespace quorbel {
@@ -37,7 +40,7 @@ Array toArray(const std::vector<std::string> &texts) {
 OptionsValues defaults() {
     OptionsValues values;
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        values.*kSeverityClasses[i].level = kSeverityClasses[i].defaultLevel;
+        values.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
         values.*kRemovalMembers[i].amount = kDefaultRemoval;
         values.*kRemovalMembers[i].units = kDefaultRemovalUnits;
     }
@@ -68,7 +71,7 @@ OptionsValues OptionsValues::read(const SettingsCycle &settings) {
     values.dateFormat = settingText(document, "dateFormat").value_or(std::string());
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         const SeverityClass &severity = kSeverityClasses[i];
-        values.*severity.level = settingInteger(document, levelKey(severity));
+        values.*kSeverityLevels[i] = settingInteger(document, levelKey(severity));
         values.*kRemovalMembers[i].amount = settingInteger(document, removalKey(severity));
         values.*kRemovalMembers[i].units = settingInteger(document, unitsKey(severity));
     }
@@ -84,8 +87,8 @@ OptionsValues OptionsValues::read(const SettingsCycle &settings) {
 void OptionsValues::write(SettingsCycle &settings, const Units &chosenUnits) const {
     settings.set("hostsDisplay", bHostsDisplay);
     settings.set("dateFormat", dateFormat);
-    for (const SeverityClass &severity : kSeverityClasses) {
-        settings.set(levelKey(severity), this->*severity.level);
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        settings.set(levelKey(kSeverityClasses[i]), this->*kSeverityLevels[i]);
     }
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         settings.set(removalKey(kSeverityClasses[i]), this->*kRemovalMembers[i].amount);

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/Severity.h"
+#include "core/AppState.h"
+#include "core/SettingsCycle.h"
 
 #include <array>
 #include <cstdint>

@@ -1,5 +1,7 @@
 #include "options/ToolsViewOptions.h"
 
+#include "common/Severity.h"
+#include "core/AppState.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/ScrolledControls.h"
 #include "settings/NumberStepper.h"
@@ -172,7 +174,7 @@ void ToolsViewOptions::showDateFormat() {
 void ToolsViewOptions::showLevels() {
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         QComboBox *level = m_severities[i].level;
-        level->setCurrentIndex(itemIndex(*level, m_values.*kSeverityClasses[i].level));
+        level->setCurrentIndex(itemIndex(*level, m_values.*kSeverityLevels[i]));
     }
 }
 
@@ -209,7 +211,7 @@ void ToolsViewOptions::dateFormat() {
 
 void ToolsViewOptions::eventsSeverity() {
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        m_values.*kSeverityClasses[i].level = m_severities[i].level->currentIndex();
+        m_values.*kSeverityLevels[i] = m_severities[i].level->currentIndex();
     }
     enableSave();
 }
@@ -273,8 +275,8 @@ OptionsValues::Units ToolsViewOptions::chosenUnits() const {
 void ToolsViewOptions::updateApplication() {
     AppState &state = m_delegate.state;
     state.oldDateFormat = std::exchange(state.newDateFormat, m_values.dateFormat);
-    for (const SeverityClass &severity : kSeverityClasses) {
-        state.*severity.level = m_values.*severity.level;
+    for (const auto level : kSeverityLevels) {
+        state.*level = m_values.*level;
     }
     m_delegate.setAlertSettings({.iPopupEvents = m_values.iPopupEvents,
                                  .popupSound = m_values.popupSound.value_or(std::string()),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppDelegate.h"
+#include "core/SettingsCycle.h"
 #include "options/FilterEditing.h"
 #include "options/OptionsValues.h"
 #include "options/SeverityControls.h"

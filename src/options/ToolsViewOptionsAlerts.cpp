@@ -1,3 +1,4 @@
+#include "common/Severity.h"
 #include "options/ToolsViewOptions.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"

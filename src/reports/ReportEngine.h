@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "reports/DateTable.h"
 #include "reports/DateTexts.h"
 #include "reports/TextTable.h"

@@ -1,7 +1,7 @@
 #include "reports/ReportsView.h"
 
+#include "common/LogReader.h"
 #include "core/AppDelegate.h"
-#include "core/LogReader.h"
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/FileIcons.h"
 #include "platform/gui/FilePanel.h"

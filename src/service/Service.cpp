@@ -1,6 +1,6 @@
 #include "service/Service.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "service/Journal.h"
 #include "service/message/FilterProblems.h"
 

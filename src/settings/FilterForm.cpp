@@ -1,9 +1,9 @@
 #include "settings/FilterForm.h"
 
-#include "core/Facility.h"
-#include "core/SenderRange.h"
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/Facility.h"
+#include "common/SenderRange.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"
 #include "ui_FilterForm.h"

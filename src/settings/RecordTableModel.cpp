@@ -1,6 +1,6 @@
 #include "settings/RecordTableModel.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/gui/QtText.h"
 
 #include <array>

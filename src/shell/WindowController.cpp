@@ -1,6 +1,7 @@
 #include "shell/WindowController.h"
 
 #include "alerts/PopupThread.h"
+#include "core/AppState.h"
 #include "help/HelpWindow.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"

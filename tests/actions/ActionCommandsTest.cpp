@@ -350,3 +350,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::ActionCommandsTest)
 #include "ActionCommandsTest.moc"
+#include "common/SettingsDocument.h"

@@ -8,6 +8,7 @@
 #include "actions/ActionsEmailServer.h"
 #include "actions/ActionsEmailTest.h"
 #include "actions/ToolsViewActions.h"
+#include "common/SettingsDocument.h"
 #include "support/SettingsPage.h"
 
 #include <memory>

@@ -334,3 +334,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::ActionsPageTest)
 #include "ActionsPageTest.moc"
+#include "common/SettingsDocument.h"

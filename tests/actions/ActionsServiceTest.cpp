@@ -115,3 +115,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::ActionsServiceTest)
 #include "ActionsServiceTest.moc"
+#include "common/SettingsDocument.h"

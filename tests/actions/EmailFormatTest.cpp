@@ -269,3 +269,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::EmailFormatTest)
 #include "EmailFormatTest.moc"
+#include "common/SettingsDocument.h"

@@ -243,3 +243,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::EmailServerTest)
 #include "EmailServerTest.moc"
+#include "common/SettingsDocument.h"

@@ -322,3 +322,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(PopupThreadTest)
 #include "PopupThreadTest.moc"
+#include "core/AppState.h"

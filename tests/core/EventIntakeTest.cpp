@@ -1,6 +1,6 @@
+#include "common/Severity.h"
 #include "core/EventIntake.h"
 #include "core/EventList.h"
-#include "core/Severity.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
 #include "support/TemporaryFolder.h"
@@ -59,15 +59,15 @@ protected:
 
     [[nodiscard]] std::vector<std::int64_t> counters() const {
         std::vector<std::int64_t> values;
-        for (const SeverityClass &severity : kSeverityClasses) {
-            values.push_back(state.*severity.counter);
+        for (const auto counter : kSeverityCounters) {
+            values.push_back(state.*counter);
         }
         return values;
     }
     [[nodiscard]] std::vector<std::int64_t> levels() const {
         std::vector<std::int64_t> values;
-        for (const SeverityClass &severity : kSeverityClasses) {
-            values.push_back(state.*severity.level);
+        for (const auto level : kSeverityLevels) {
+            values.push_back(state.*level);
         }
         return values;
     }

@@ -1,5 +1,6 @@
 // The dates of the event list: how showings render them, and how they are read back.
 
+#include "core/AppState.h"
 #include "core/EventList.h"
 #include "core/EventListSamples.h"
 

@@ -1,5 +1,7 @@
 // The event list against a plain one that does at once, row by row, what the list puts off.
 
+#include "common/Severity.h"
+#include "core/AppState.h"
 #include "core/EventList.h"
 #include "platform/DateFormat.h"
 #include "platform/Text.h"
@@ -74,7 +76,7 @@ public:
 private:
     static void setImage(PlainEvent &event, const AppState &state) {
         const std::uint8_t shown = classifyPriority(event["Priority"]).shown;
-        const auto name = severityLevelName(state.*kSeverityClasses[shown].level);
+        const auto name = severityLevelName(state.*kSeverityLevels[shown]);
         if (!name.empty()) {
             event["Image"] = name;
         }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/Event.h"
-#include "core/Severity.h"
 
 #include <string>
 #include <string_view>
@@ -20,8 +20,8 @@ inline EventFields fields(std::string_view date, std::string_view priority = "Lo
 
 inline AppState stateWith(std::string newFormat, std::string oldFormat) {
     AppState state;
-    for (const SeverityClass &severity : kSeverityClasses) {
-        state.*severity.level = severity.defaultLevel;
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        state.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
     }
     state.newDateFormat = std::move(newFormat);
     state.oldDateFormat = std::move(oldFormat);

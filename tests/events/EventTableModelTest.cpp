@@ -99,3 +99,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::EventTableModelTest)
 #include "EventTableModelTest.moc"
+#include "core/AppState.h"

@@ -154,3 +154,4 @@ private:
 
 QTEST_MAIN(quorbel::ScanViewDatesTest)
 #include "ScanViewDatesTest.moc"
+#include "core/AppState.h"

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppDelegate.h"
+#include "core/AppState.h"
 #include "events/ScanView.h"
 #include "events/ScanViewEvent.h"
 #include "platform/gui/Storyboard.h"
@@ -42,8 +44,8 @@ protected:
         m_delegate = std::make_unique<AppDelegate>();
         m_delegate->setMainWindow(&m_window);
         AppState &state = m_delegate->state;
-        for (const SeverityClass &severity : kSeverityClasses) {
-            state.*severity.level = severity.defaultLevel;
+        for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+            state.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
         }
         state.newDateFormat = state.oldDateFormat = "yyyy-MM-dd HH:mm:ss";
         m_page = std::make_unique<ScanView>(*m_delegate, m_storyboard);

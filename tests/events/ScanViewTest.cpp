@@ -378,3 +378,4 @@ private:
 
 QTEST_MAIN(quorbel::ScanViewTest)
 #include "ScanViewTest.moc"
+#include "core/AppState.h"

@@ -358,3 +358,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::ToolsViewExportTest)
 #include "ToolsViewExportTest.moc"
+#include "common/SettingsDocument.h"

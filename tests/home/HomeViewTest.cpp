@@ -1,3 +1,5 @@
+#include "common/Severity.h"
+#include "core/AppState.h"
 #include "home/HomeView.h"
 #include "home/HomeViewBar.h"
 #include "home/RatingFrame.h"
@@ -87,8 +89,8 @@ private Q_SLOTS:
     }
 
     void allCountersZeroAreNormalWhateverTheLevels() {
-        for (const SeverityClass &severity : kSeverityClasses) {
-            m_home->state().*severity.level = kSevere;
+        for (const auto level : kSeverityLevels) {
+            m_home->state().*level = kSevere;
         }
         m_home->show();
         QCOMPARE(m_home->page().severityStatus(), 0);
@@ -117,8 +119,8 @@ private Q_SLOTS:
 
     void eachCounterHasItsField() {
         std::int64_t count = 100;
-        for (const SeverityClass &severity : kSeverityClasses) {
-            m_home->state().*severity.counter = count++;
+        for (const auto counter : kSeverityCounters) {
+            m_home->state().*counter = count++;
         }
         m_home->show();
         count = 100;

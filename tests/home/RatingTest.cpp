@@ -1,3 +1,5 @@
+#include "common/Severity.h"
+#include "core/AppState.h"
 #include "home/Rating.h"
 
 #include <gtest/gtest.h>
@@ -50,21 +52,21 @@ TEST(RatingTest, IsTheHighestLevelThatHasEvents) {
     for (const RatingCase &test : kCases) {
         AppState state;
         for (const ClassState &entry : test.classes) {
-            state.*kSeverityClasses[entry.severity].counter = entry.count;
-            state.*kSeverityClasses[entry.severity].level = entry.level;
+            state.*kSeverityCounters[entry.severity] = entry.count;
+            state.*kSeverityLevels[entry.severity] = entry.level;
         }
         EXPECT_EQ(rateEvents(state), test.rating) << test.what;
     }
 }
 
 TEST(RatingTest, EachClassIsRatedByItsOwnLevel) {
-    for (const SeverityClass &severity : kSeverityClasses) {
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         AppState state;
-        state.*severity.counter = 1;
-        state.*severity.level = kSevere;
-        EXPECT_EQ(rateEvents(state), kSevere) << severity.label;
-        state.*severity.level = kModerate;
-        EXPECT_EQ(rateEvents(state), kModerate) << severity.label;
+        state.*kSeverityCounters[i] = 1;
+        state.*kSeverityLevels[i] = kSevere;
+        EXPECT_EQ(rateEvents(state), kSevere) << kSeverityClasses[i].label;
+        state.*kSeverityLevels[i] = kModerate;
+        EXPECT_EQ(rateEvents(state), kModerate) << kSeverityClasses[i].label;
     }
 }
 

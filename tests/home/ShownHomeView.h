@@ -1,6 +1,8 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/AppDelegate.h"
+#include "core/AppState.h"
 #include "home/HomeView.h"
 #include "support/TemporaryFolder.h"
 
@@ -17,8 +19,8 @@ public:
     ShownHomeView() {
         qputenv("QUORBEL_LIBRARY", QByteArray::fromStdString(m_library.path().string()));
         m_delegate = std::make_unique<AppDelegate>();
-        for (const SeverityClass &severity : kSeverityClasses) {
-            state().*severity.level = severity.defaultLevel;
+        for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+            state().*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
         }
         m_page = new HomeView(*m_delegate, &m_window);
         m_page->viewDidLoad();

@@ -9,13 +9,15 @@ compiler=$1 src=$2 directories=$3
 platform="platform"
 bus="platform/bus $platform"
 gui="platform/gui $platform"
-core="core $bus"
+common="common $platform"
+core="core $common $bus"
 page="$core $gui"
 settings="settings $page"
 allowed=(
     "quorbel_platform $platform"
     "quorbel_bus $bus"
     "quorbel_gui $gui"
+    "quorbel_common $common"
     "quorbel_core $core"
     "quorbel_settings $settings"
     "quorbel_home home $page"
@@ -28,7 +30,7 @@ allowed=(
     "quorbel_actions actions $settings"
     "quorbel_export export $settings"
     "quorbel_shell shell home events reports alerts about help options actions export $settings"
-    "quorbel_service_core service $core"
+    "quorbel_service_core service $common $bus"
 )
 
 failures=0

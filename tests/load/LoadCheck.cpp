@@ -1,6 +1,6 @@
 #include "load/LoadCheck.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 #include "service/message/Priority.h"

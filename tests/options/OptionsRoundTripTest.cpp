@@ -1,3 +1,4 @@
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "options/ToolsViewFilter.h"
 #include "options/ToolsViewOptions.h"
@@ -211,3 +212,4 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::OptionsRoundTripTest)
 #include "OptionsRoundTripTest.moc"
+#include "common/SettingsDocument.h"

@@ -309,7 +309,7 @@ private Q_SLOTS:
         QCOMPARE(toQString(state.oldDateFormat), QStringLiteral("before"));
         QCOMPARE(toQString(state.newDateFormat), QStringLiteral("dd.MM.yyyy hh:mm:ss AM/PM"));
         for (std::size_t i = 0; i < kParts.size(); ++i) {
-            QCOMPARE(state.*kSeverityClasses[i].level, static_cast<std::int64_t>((i + 1) % 3));
+            QCOMPARE(state.*kSeverityLevels[i], static_cast<std::int64_t>((i + 1) % 3));
         }
         QCOMPARE(state.iPopupEvents, std::int64_t{45});
         QCOMPARE(toQString(state.popupSound), QStringLiteral("/sounds/bell.aiff"));
@@ -360,3 +360,6 @@ private Q_SLOTS:
 
 QTEST_MAIN(quorbel::ToolsViewOptionsTest)
 #include "ToolsViewOptionsTest.moc"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
+#include "core/AppState.h"

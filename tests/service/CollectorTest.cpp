@@ -1,4 +1,4 @@
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "service/Collector.h"
 #include "service/ServiceFixture.h"
 #include "service/input/ConnectionShares.h"

@@ -1,4 +1,4 @@
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Files.h"
 #include "platform/ScopedVariable.h"
 #include "service/UniqueFd.h"

@@ -1,4 +1,4 @@
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "service/RealMessages.h"
 #include "service/input/FrameSplitter.h"
 #include "service/message/MessageParser.h"

@@ -1,7 +1,7 @@
 // Any bytes from the network, through everything that they pass on their way into the log files,
 // and read back: no input forges, loses or merges an event.
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
 #include "service/RealMessages.h"

@@ -1,4 +1,4 @@
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Text.h"
 #include "service/WrittenText.h"
 #include "service/message/RecordWriter.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Files.h"
 #include "service/UniqueFd.h"
 #include "support/ServiceProcess.h"

@@ -1,4 +1,4 @@
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
 #include "platform/bus/CommandSender.h"

@@ -1,7 +1,8 @@
 // Settings of any shape: whatever is stored under the keys that the service follows, it neither
 // crashes nor hangs, and goes on receiving.
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
+#include "common/Severity.h"
 #include "service/Collector.h"
 #include "service/export/Exporter.h"
 #include "service/mail/MailSender.h"

@@ -324,3 +324,4 @@ void NotificationsTest::windowStaysResponsiveUnderAFlood() {
 
 QTEST_MAIN(NotificationsTest)
 #include "NotificationsTest.moc"
+#include "core/AppState.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "core/EventList.h"
-#include "core/SettingsDocument.h"
 #include "platform/KeyedArchive.h"
 #include "platform/gui/Page.h"
 #include "platform/gui/Sheet.h"

@@ -201,3 +201,4 @@ void StartUpLoadTest::progressStaysAwayFromAShortLoad() {
 
 QTEST_MAIN(StartUpLoadTest)
 #include "StartUpLoadTest.moc"
+#include "core/AppState.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
-#include "core/SettingsDocument.h"
 #include "platform/KeyedArchive.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"

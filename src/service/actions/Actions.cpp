@@ -1,9 +1,9 @@
 #include "service/actions/Actions.h"
 
-#include "core/EmailTemplate.h"
-#include "core/Facility.h"
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/EmailTemplate.h"
+#include "common/Facility.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 #include "service/Journal.h"
 
 #include <algorithm>

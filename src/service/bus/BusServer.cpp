@@ -1,6 +1,6 @@
 #include "service/bus/BusServer.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Text.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"

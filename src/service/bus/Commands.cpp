@@ -1,6 +1,6 @@
 #include "service/bus/Commands.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "service/bus/CommandFile.h"
 #include "service/message/FilterProblems.h"
 #include "service/store/EventRemoval.h"

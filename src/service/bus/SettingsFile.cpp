@@ -1,6 +1,6 @@
 #include "service/bus/SettingsFile.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
 #include "service/Journal.h"

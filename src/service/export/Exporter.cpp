@@ -1,6 +1,6 @@
 #include "service/export/Exporter.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "service/Journal.h"
 
 #include <algorithm>

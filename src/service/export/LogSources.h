@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "service/UniqueFd.h"
 #include "service/store/LogStore.h"
 

@@ -1,6 +1,6 @@
 #include "service/input/HostNames.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "service/Journal.h"
 
 #include <netdb.h>

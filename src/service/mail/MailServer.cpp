@@ -1,6 +1,6 @@
 #include "service/mail/MailServer.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/Text.h"
 
 #include <algorithm>

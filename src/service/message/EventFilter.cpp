@@ -1,8 +1,8 @@
 #include "service/message/EventFilter.h"
 
-#include "core/LogReader.h"
-#include "core/SettingsDocument.h"
-#include "core/Severity.h"
+#include "common/LogReader.h"
+#include "common/SettingsDocument.h"
+#include "common/Severity.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/IpAddress.h"
-#include "core/SenderRange.h"
+#include "common/IpAddress.h"
+#include "common/SenderRange.h"
 #include "platform/Value.h"
 #include "service/message/Priority.h"
 #include "service/message/WildcardPattern.h"

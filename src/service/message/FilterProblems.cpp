@@ -1,6 +1,6 @@
 #include "service/message/FilterProblems.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "service/QuotedText.h"
 #include "service/message/EventFilter.h"
 

@@ -1,7 +1,7 @@
 #include "service/message/Priority.h"
 
-#include "core/Facility.h"
-#include "core/Severity.h"
+#include "common/Facility.h"
+#include "common/Severity.h"
 
 #include <array>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Facility.h"
+#include "common/Facility.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "service/message/RecordWriter.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Utf8.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "service/store/EventRemoval.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "service/Number.h"
 
 #include <algorithm>

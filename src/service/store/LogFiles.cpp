@@ -1,6 +1,6 @@
 #include "service/store/LogFiles.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "platform/Text.h"
 
 #include <fcntl.h>

@@ -1,6 +1,7 @@
 #include "service/store/Retention.h"
 
-#include "core/LogReader.h"
+#include "common/LogReader.h"
+#include "common/Severity.h"
 #include "platform/Utf8.h"
 #include "service/Journal.h"
 #include "service/Number.h"

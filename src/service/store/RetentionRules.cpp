@@ -1,6 +1,6 @@
 #include "service/store/RetentionRules.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 
 #include <algorithm>
 #include <ctime>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Severity.h"
+#include "common/Severity.h"
 #include "platform/Value.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "core/IpAddress.h"
+#include "common/IpAddress.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

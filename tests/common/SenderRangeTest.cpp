@@ -1,4 +1,4 @@
-#include "core/SenderRange.h"
+#include "common/SenderRange.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/AppState.h"
-
 #include <array>
 #include <bitset>
 #include <cstddef>
@@ -19,15 +17,14 @@ enum SeverityLevel : std::int64_t { kNormal = 0, kModerate = 1, kSevere = 2 };
 /// "Normal", "Moderate", "Severe": the images' names, by level. Empty for any other level.
 std::string_view severityLevelName(std::int64_t level);
 
-/// One of the nine severity classes with everything that differs between them.
+/// One of the nine severity classes with everything that differs between them. What the window
+/// holds of each is in core/AppState.h, in the same order.
 struct SeverityClass {
     std::string_view name;          ///< searched in "Priority"; empty for Unknown
     std::string_view deletionWord;  ///< searched in "Priority" when an event is deleted
     std::string_view keyPart;       ///< in settings keys and control names: "Alerting"
     std::string_view label;         ///< as pages show it; contains the alert queue's key word
-    std::int64_t AppState::*counter;
-    std::int64_t SeverityLevels::*level;
-    std::int64_t defaultLevel;  ///< where no settings document exists
+    std::int64_t defaultLevel;      ///< where no settings document exists
 };
 
 extern const std::array<SeverityClass, kSeverityClassCount> kSeverityClasses;

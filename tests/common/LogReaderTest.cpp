@@ -1,4 +1,4 @@
-#include "core/LogReader.h"
+#include "common/LogReader.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "core/SenderRange.h"
+#include "common/SenderRange.h"
 
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/Text.h"
 
 #include <algorithm>

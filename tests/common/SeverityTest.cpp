@@ -1,4 +1,4 @@
-#include "core/Severity.h"
+#include "common/Severity.h"
 
 #include <gtest/gtest.h>
 
@@ -59,27 +59,6 @@ TEST(Severity, TableHasTheDefaultLevelsInOrder) {
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         EXPECT_EQ(kSeverityClasses[i].defaultLevel, expected[i]) << kSeverityClasses[i].keyPart;
     }
-}
-
-TEST(Severity, EachClassHasItsOwnCounterAndLevel) {
-    AppState state;
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        state.*kSeverityClasses[i].counter = static_cast<std::int64_t>(i) + 1;
-        state.*kSeverityClasses[i].level = static_cast<std::int64_t>(i) + 101;
-    }
-    EXPECT_EQ(state.iEmergency, 1);
-    EXPECT_EQ(state.iAlert, 2);
-    EXPECT_EQ(state.iCritical, 3);
-    EXPECT_EQ(state.iError, 4);
-    EXPECT_EQ(state.iWarning, 5);
-    EXPECT_EQ(state.iNotice, 6);
-    EXPECT_EQ(state.iInformation, 7);
-    EXPECT_EQ(state.iDebug, 8);
-    EXPECT_EQ(state.iUnknown, 9);
-    EXPECT_EQ(state.iSeverityEmergency, 101);
-    EXPECT_EQ(state.iSeverityAlerting, 102);
-    EXPECT_EQ(state.iSeverityInformation, 107);
-    EXPECT_EQ(state.iSeverityUnknown, 109);
 }
 
 TEST(Severity, LevelNames) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/IpAddress.h"
+#include "common/IpAddress.h"
 #include "platform/Value.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 
 #include "platform/KeyedArchive.h"
 
@@ -90,21 +90,6 @@ Array settingArray(const Dictionary &settings, std::string_view key) {
 Dictionary settingDictionary(const Dictionary &settings, std::string_view key) {
     const Value *value = settings.find(key);
     return value != nullptr && value->dictionary() != nullptr ? *value->dictionary() : Dictionary{};
-}
-
-bool SettingsCycle::load(const std::optional<std::string> &bytes) {
-    auto document = decodeSettings(bytes);
-    m_exists = document.has_value();
-    m_working = document ? std::move(*document) : Dictionary{};
-    return m_exists;
-}
-
-void SettingsCycle::setText(std::string_view key, const std::optional<std::string> &text) {
-    if (text) {
-        m_working.set(key, *text);
-    } else {
-        m_working.remove(key);
-    }
 }
 
 }  // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Event.h"
+#include "common/EventFields.h"
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "core/EmailTemplate.h"
+#include "common/EmailTemplate.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "core/SettingsDocument.h"
+#include "common/SettingsDocument.h"
 #include "platform/KeyedArchive.h"
 
 #include <gtest/gtest.h>
@@ -73,27 +73,6 @@ TEST(SettingsDocument, OtherKindsReadAsEmpty) {
     EXPECT_EQ(settingDictionary(settings, "dictionary"), (Dictionary{{"key", 1}}));
     EXPECT_TRUE(settingDictionary(settings, "list").empty());
     EXPECT_TRUE(settingDictionary(settings, "missing").empty());
-}
-
-TEST(SettingsCycle, KeepsWhatThePageDoesNotOwn) {
-    const Dictionary stored{{"ours", 1}, {"unknown", Data{"\x01\x02"}}, {"gone", "text"}};
-    SettingsCycle cycle;
-    EXPECT_TRUE(cycle.load(writeKeyedArchive(stored)));
-    EXPECT_TRUE(cycle.exists());
-    cycle.set("ours", 2);
-    cycle.setText("gone", std::nullopt);
-    cycle.setText("added", "new");
-    EXPECT_EQ(cycle.working(),
-              (Dictionary{{"ours", 2}, {"unknown", Data{"\x01\x02"}}, {"added", "new"}}));
-}
-
-TEST(SettingsCycle, WithoutADocumentHoldsOnlyWhatThePageSets) {
-    SettingsCycle cycle;
-    EXPECT_TRUE(cycle.load(writeKeyedArchive(Dictionary{{"old", 1}})));
-    EXPECT_FALSE(cycle.load(std::nullopt));
-    EXPECT_FALSE(cycle.exists());
-    cycle.set("textInterval", 0);
-    EXPECT_EQ(cycle.working(), (Dictionary{{"textInterval", 0}}));
 }
 
 }  // namespace
