@@ -7,7 +7,7 @@
 #include "load/LoadCheck.h"
 #include "load/LoadSender.h"
 #include "platform/bus/NotificationObserver.h"
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"

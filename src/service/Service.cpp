@@ -1,7 +1,7 @@
 #include "service/Service.h"
 
 #include "common/SettingsDocument.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 #include "service/message/FilterProblems.h"
 
 #include <sys/eventfd.h>

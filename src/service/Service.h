@@ -1,17 +1,18 @@
 #pragma once
 
-#include "service/Collector.h"
-#include "service/Counters.h"
-#include "service/SdEvent.h"
 #include "service/actions/Actions.h"
 #include "service/actions/CommandRunner.h"
+#include "service/base/Counters.h"
+#include "service/base/SdEvent.h"
 #include "service/bus/BusServer.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/Commands.h"
 #include "service/bus/NotificationQueue.h"
+#include "service/bus/RemovalTeller.h"
 #include "service/bus/SettingsFile.h"
+#include "service/collect/Collector.h"
 #include "service/export/Exporter.h"
-#include "service/input/HostNames.h"
+#include "service/hosts/HostNames.h"
 #include "service/input/ListenSockets.h"
 #include "service/input/TcpInput.h"
 #include "service/input/TlsInput.h"
@@ -19,7 +20,6 @@
 #include "service/mail/MailSender.h"
 #include "service/store/LogStore.h"
 #include "service/store/RemovalFeed.h"
-#include "service/store/RemovalTeller.h"
 #include "service/store/Retention.h"
 
 #include <cstdint>

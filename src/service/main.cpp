@@ -1,7 +1,7 @@
 #include "platform/Files.h"
-#include "service/Journal.h"
-#include "service/Number.h"
+#include "platform/Number.h"
 #include "service/Service.h"
+#include "service/base/Journal.h"
 #include "service/store/FolderLock.h"
 
 #include <sys/prctl.h>

@@ -13,6 +13,15 @@ common="common $platform"
 core="core $common $bus"
 page="$core $gui"
 settings="settings $page"
+service_base="service/base $common"
+service_hosts="service/hosts $service_base"
+service_message="service/message $service_base"
+service_store="service/store $service_base"
+service_mail="service/mail $service_base"
+service_actions="service/actions $service_message service/mail"
+service_bus="service/bus $service_message service/mail service/store $bus"
+service_collect="service/collect service/hosts service/actions $service_bus"
+service_input="service/input $service_collect"
 allowed=(
     "quorbel_platform $platform"
     "quorbel_bus $bus"
@@ -30,7 +39,17 @@ allowed=(
     "quorbel_actions actions $settings"
     "quorbel_export export $settings"
     "quorbel_shell shell home events reports alerts about help options actions export $settings"
-    "quorbel_service_core service $common $bus"
+    "quorbel_service_base $service_base"
+    "quorbel_service_hosts $service_hosts"
+    "quorbel_service_message $service_message"
+    "quorbel_service_store $service_store"
+    "quorbel_service_mail $service_mail"
+    "quorbel_service_actions $service_actions"
+    "quorbel_service_export service/export $service_store"
+    "quorbel_service_bus $service_bus"
+    "quorbel_service_collect $service_collect"
+    "quorbel_service_input $service_input"
+    "quorbel_service service service/export $service_input"
 )
 
 failures=0
@@ -64,10 +83,7 @@ for row in "${allowed[@]}"; do
     library=${row%% *}
     for folder in "${folders[@]}"; do
         header=$folder/$(cd -- "$src/$folder" && printf '%s\n' *.h | head -n 1)
-        # The service's folders are one library.
-        place=$folder
-        [[ $folder != service/* ]] || place=service
-        if [[ " ${row#* } " == *" $place "* ]]; then
+        if [[ " ${row#* } " == *" $folder "* ]]; then
             found "$library" "$header" || fail "$library cannot include $header"
         elif found "$library" "$header"; then
             fail "$library can include $header"

@@ -1,6 +1,6 @@
 #include "load/LoadSender.h"
 
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

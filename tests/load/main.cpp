@@ -3,7 +3,7 @@
 
 #include "load/LoadCheck.h"
 #include "load/LoadSender.h"
-#include "service/Number.h"
+#include "platform/Number.h"
 
 #include <cstdio>
 #include <cstdlib>

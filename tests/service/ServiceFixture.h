@@ -2,7 +2,7 @@
 
 #include "common/LogReader.h"
 #include "platform/Files.h"
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "ServiceFixture.h"
+#include "service/ServiceFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 
 #include "common/LogReader.h"
 #include "common/Severity.h"
-#include "service/Collector.h"
+#include "service/collect/Collector.h"
 #include "service/export/Exporter.h"
 #include "service/mail/MailSender.h"
 #include "service/store/RemovalFeed.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "support/OpenSslFree.h"
 #include "support/TestAuthority.h"
 

@@ -2,7 +2,7 @@
 #include "platform/Files.h"
 #include "service/ServiceFixture.h"
 #include "service/TlsClient.h"
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "service/input/TlsContext.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"

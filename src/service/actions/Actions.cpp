@@ -4,7 +4,7 @@
 #include "common/Facility.h"
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <algorithm>
 #include <array>

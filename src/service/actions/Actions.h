@@ -2,9 +2,9 @@
 
 #include "platform/DateFormat.h"
 #include "platform/Value.h"
-#include "service/Counters.h"
 #include "service/actions/CommandRunner.h"
 #include "service/actions/StormGuard.h"
+#include "service/base/Counters.h"
 #include "service/mail/MailMessage.h"
 #include "service/message/EventFilter.h"
 #include "service/message/Priority.h"

@@ -1,6 +1,6 @@
 #include "service/actions/CommandRunner.h"
 
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

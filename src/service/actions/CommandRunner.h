@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "service/actions/ChildProcess.h"
 #include "service/actions/CommandLine.h"
 

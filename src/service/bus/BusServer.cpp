@@ -4,7 +4,7 @@
 #include "platform/Text.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <fcntl.h>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/bus/SdBus.h"
-#include "service/SdEvent.h"
+#include "service/base/SdEvent.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/NotificationQueue.h"
-#include "service/store/RemovalTeller.h"
+#include "service/bus/RemovalTeller.h"
 
 #include <cstdint>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/KeyedArchive.h"
+#include "platform/UniqueFd.h"
 #include "platform/Value.h"
-#include "service/UniqueFd.h"
 
 #include <variant>
 

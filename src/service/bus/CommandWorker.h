@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/UniqueFd.h"
 #include "platform/Value.h"
-#include "service/SdEvent.h"
-#include "service/UniqueFd.h"
+#include "service/base/SdEvent.h"
 #include "service/bus/Commands.h"
 
 #include <condition_variable>

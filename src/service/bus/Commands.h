@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/UniqueFd.h"
 #include "platform/Value.h"
-#include "service/UniqueFd.h"
 #include "service/bus/SettingsFile.h"
 #include "service/mail/MailSender.h"
 #include "service/store/LogStore.h"

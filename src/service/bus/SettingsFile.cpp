@@ -3,7 +3,7 @@
 #include "common/SettingsDocument.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <algorithm>
 #include <array>

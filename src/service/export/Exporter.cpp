@@ -1,7 +1,7 @@
 #include "service/export/Exporter.h"
 
 #include "common/SettingsDocument.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <algorithm>
 #include <utility>

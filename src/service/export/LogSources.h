@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/LogReader.h"
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "service/store/LogStore.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "service/input/TcpInput.h"
 
-#include "service/Journal.h"
-#include "service/input/SenderAddress.h"
+#include "service/base/Journal.h"
+#include "service/hosts/SenderAddress.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "service/Collector.h"
-#include "service/SdEvent.h"
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
+#include "service/base/SdEvent.h"
+#include "service/collect/Collector.h"
 #include "service/input/ConnectionShares.h"
 #include "service/input/FrameSplitter.h"
 #include "service/input/StreamChannel.h"

@@ -1,6 +1,6 @@
 #include "service/input/TlsInput.h"
 
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 #include "service/input/ListenSockets.h"
 
 #include <utility>

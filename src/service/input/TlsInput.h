@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/Collector.h"
-#include "service/SdEvent.h"
+#include "service/base/SdEvent.h"
+#include "service/collect/Collector.h"
 #include "service/input/TcpInput.h"
 #include "service/input/TlsContext.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "service/Collector.h"
-#include "service/SdEvent.h"
-#include "service/UniqueFd.h"
-#include "service/input/SenderAddress.h"
+#include "platform/UniqueFd.h"
+#include "service/base/SdEvent.h"
+#include "service/collect/Collector.h"
+#include "service/hosts/SenderAddress.h"
 
 #include <sys/socket.h>
 

@@ -1,7 +1,7 @@
 #include "service/mail/MailSender.h"
 
-#include "service/Journal.h"
-#include "service/QuotedText.h"
+#include "service/base/Journal.h"
+#include "service/base/QuotedText.h"
 
 #include <algorithm>
 #include <array>

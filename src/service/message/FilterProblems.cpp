@@ -1,7 +1,7 @@
 #include "service/message/FilterProblems.h"
 
 #include "common/SettingsDocument.h"
-#include "service/QuotedText.h"
+#include "service/base/QuotedText.h"
 #include "service/message/EventFilter.h"
 
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "service/store/EventRemoval.h"
 
 #include "common/LogReader.h"
-#include "service/Number.h"
+#include "platform/Number.h"
 
 #include <algorithm>
 #include <cerrno>

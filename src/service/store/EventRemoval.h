@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/DateFormat.h"
+#include "platform/UniqueFd.h"
 #include "platform/Value.h"
-#include "service/UniqueFd.h"
 #include "service/store/LogStore.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "service/store/FolderLock.h"
 
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 #include "service/store/LogFiles.h"
 
 #include <fcntl.h>

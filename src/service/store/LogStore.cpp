@@ -1,7 +1,7 @@
 #include "service/store/LogStore.h"
 
 #include "platform/Files.h"
-#include "service/Journal.h"
+#include "service/base/Journal.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

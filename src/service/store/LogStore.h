@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/UniqueFd.h"
+#include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
 #include "service/store/SpareDescriptor.h"
 

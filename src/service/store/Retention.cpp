@@ -2,9 +2,9 @@
 
 #include "common/LogReader.h"
 #include "common/Severity.h"
+#include "platform/Number.h"
 #include "platform/Utf8.h"
-#include "service/Journal.h"
-#include "service/Number.h"
+#include "service/base/Journal.h"
 
 #include <sys/stat.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/UniqueFd.h"
 #include "platform/Value.h"
-#include "service/UniqueFd.h"
 #include "service/store/ClockTrust.h"
 #include "service/store/LogStore.h"
 #include "service/store/RemovalFeed.h"

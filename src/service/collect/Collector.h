@@ -1,0 +1,73 @@
+#pragma once
+
+#include "common/IpAddress.h"
+#include "platform/Value.h"
+#include "service/actions/Actions.h"
+#include "service/base/Counters.h"
+#include "service/bus/NotificationQueue.h"
+#include "service/hosts/HostNames.h"
+#include "service/message/EventFilter.h"
+#include "service/message/MessageParser.h"
+#include "service/message/RecordWriter.h"
+#include "service/store/LogStore.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// The way of a message through the service: parsed, written as a record, filtered, stored,
+/// notified; what actions want is done on the way.
+///
+/// The inputs read in turns: beginTurn(), any number of receive(), endTurn(). Everything received
+/// in one turn bears the same time and reaches the log file with one write, or a write for each
+/// megabyte. Loop thread only.
+class Collector {
+public:
+    /// All must outlive the object.
+    Collector(LogStore &store, NotificationQueue &notifications, HostNames &names, Actions &actions,
+              Counters &counters)
+        : m_store(store),
+          m_notifications(notifications),
+          m_names(names),
+          m_actions(actions),
+          m_counters(counters) {}
+
+    /// Takes the filters. Names and actions are configured by their owner.
+    void configure(const Dictionary &settings);
+
+    void beginTurn();
+    /// Takes one message and the text of its sender's address. `cut` says that the input could not
+    /// keep all of it.
+    void receive(std::string_view message, std::string_view host, bool cut = false);
+    void endTurn();
+
+private:
+    struct Sender {
+        std::string text;  ///< as the input gave it
+        IpAddress address;
+        std::string shown;  ///< address or name
+    };
+
+    void storeAndTell();
+    const Sender &senderOf(std::string_view host);
+    bool consider(const Sender &sender, Priority priority, std::size_t begin);
+
+    LogStore &m_store;
+    NotificationQueue &m_notifications;
+    HostNames &m_names;
+    Actions &m_actions;
+    Counters &m_counters;
+    MessageParser m_parser;
+    RecordWriter m_writer;
+    FilterSet m_filters;
+    FilterSubject m_subject;
+
+    std::int64_t m_seconds = 0;
+    std::string m_lines;
+    bool m_urgent = false;
+    Sender m_sender;  ///< the last one: senders come in bursts
+};
+
+}  // namespace quorbel
