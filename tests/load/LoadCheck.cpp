@@ -15,6 +15,21 @@ namespace quorbel::load {
 
 namespace {
 
+constexpr std::size_t kNumberDigits = 10;
+
+/// Whether a text that starts with the plan's mark ends before its message does.
+bool isCut(const Plan &plan, std::string_view message, std::string_view number) {
+    const std::string_view digits = number.substr(0, kNumberDigits);
+    if (!std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; })) {
+        return false;
+    }
+    std::uint64_t value = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    const std::string whole = messageText(plan, value);
+    return digits.size() < kNumberDigits ||
+           (message.size() < whole.size() && whole.starts_with(message));
+}
+
 /// Takes one line into account.
 void count(Tally &tally, const Plan &plan, std::string_view line, std::uint64_t &last) {
     if (!isWholeLine(line)) {
@@ -25,6 +40,10 @@ void count(Tally &tally, const Plan &plan, std::string_view line, std::uint64_t 
     const std::string mark = "quorbel-load[" + std::to_string(plan.run) + "]: ";
     if (!fields.message.starts_with(mark)) {
         ++(mark.starts_with(fields.message) ? tally.cut : tally.others);
+        return;
+    }
+    if (isCut(plan, fields.message, fields.message.substr(mark.size()))) {
+        ++tally.cut;
         return;
     }
     std::uint64_t number = 0;
