@@ -1,14 +1,12 @@
 #include "common/LogReader.h"
 
+#include "platform/DescriptorIo.h"
 #include "platform/Files.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <string>
 #include <system_error>
@@ -98,37 +96,11 @@ std::optional<std::size_t> handOn(std::string_view bytes, bool atEnd,
     return taken;
 }
 
-/// A descriptor of a regular file, or -1. Opening never blocks, whatever stands under that name.
-class LogFile {
-public:
-    explicit LogFile(const std::filesystem::path &file)
-        : m_fd(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        struct stat status {};
-        if (m_fd >= 0 && (fstat(m_fd, &status) != 0 || !S_ISREG(status.st_mode))) {
-            close(m_fd);
-            m_fd = -1;
-        }
-    }
-    ~LogFile() {
-        if (m_fd >= 0) {
-            close(m_fd);
-        }
-    }
-    LogFile(const LogFile &) = delete;
-    LogFile &operator=(const LogFile &) = delete;
-
-    /// The bytes read; 0 at the end, at an error, and for a file that could not be opened.
-    std::size_t readInto(char *buffer, std::size_t room) const {
-        ssize_t count = 0;
-        do {
-            count = m_fd < 0 ? 0 : read(m_fd, buffer, room);
-        } while (count < 0 && errno == EINTR);
-        return count < 0 ? 0 : static_cast<std::size_t>(count);
-    }
-
-private:
-    int m_fd;
-};
+/// The bytes read; 0 at the end, at an error, and of a file that could not be opened.
+std::size_t readOrEnd(const UniqueFd &file, char *buffer, std::size_t room) {
+    return static_cast<std::size_t>(
+        std::max<ssize_t>(file.isOpen() ? readSome(file.get(), buffer, room) : 0, 0));
+}
 
 }  // namespace
 
@@ -183,11 +155,11 @@ std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
 
 bool LogReader::readFile(const std::filesystem::path &file, const LineHandler &onLine,
                          const ProgressHandler &onProgress) {
-    const LogFile source(file);
+    const UniqueFd source = openRegular(file, O_RDONLY);
     std::vector<char> buffer(kBufferSize);
     std::size_t held = 0;
     for (;;) {
-        const std::size_t count = source.readInto(buffer.data() + held, buffer.size() - held);
+        const std::size_t count = readOrEnd(source, buffer.data() + held, buffer.size() - held);
         held += count;
         const auto taken = handOn({buffer.data(), held}, count == 0, onLine);
         if (!taken || (onProgress && !onProgress(count))) {

@@ -1,9 +1,9 @@
 #include "core/EventList.h"
 
+#include "platform/Number.h"
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace quorbel {
@@ -19,10 +19,7 @@ std::optional<std::int64_t> plainSeconds(std::string_view text) {
     if (!fits || (text.front() == '0' && text.size() > 1)) {
         return std::nullopt;
     }
-    std::int64_t seconds = 0;
-    const char *const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, seconds);
-    return error == std::errc() && rest == end ? std::optional(seconds) : std::nullopt;
+    return readNumber<std::int64_t>(text);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/Files.h"
 
+#include "platform/DescriptorIo.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,38 +16,9 @@ namespace quorbel {
 
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int fd) : m_fd(fd) {}
-    ~Descriptor() {
-        if (m_fd >= 0) {
-            ::close(m_fd);
-        }
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    [[nodiscard]] bool isOpen() const { return m_fd >= 0; }
-    [[nodiscard]] int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
-
-bool writeAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
-}
-
 bool writeAndRename(int fd, const std::string &temporary, const std::filesystem::path &file,
                     std::string_view bytes, unsigned mode) {
-    return writeAll(fd, bytes) && ::fchmod(fd, static_cast<mode_t>(mode)) == 0 &&
+    return writeFully(fd, bytes) == bytes.size() && ::fchmod(fd, static_cast<mode_t>(mode)) == 0 &&
            ::fsync(fd) == 0 && ::rename(temporary.c_str(), file.c_str()) == 0;
 }
 
@@ -87,10 +60,9 @@ bool isThere(const std::filesystem::path &file) {
 }
 
 std::optional<std::string> readFile(const std::filesystem::path &file) {
-    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
-    const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const UniqueFd input = openRegular(file, O_RDONLY);
     struct stat status {};
-    if (!input.isOpen() || ::fstat(input.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (!input.isOpen() || ::fstat(input.get(), &status) != 0) {
         return std::nullopt;
     }
     // One byte more than the file holds, so that its end is met without growing the buffer. The
@@ -103,14 +75,14 @@ std::optional<std::string> readFile(const std::filesystem::path &file) {
         if (length == bytes.size()) {
             bytes.resize(2 * bytes.size());
         }
-        const ssize_t count = ::read(input.get(), bytes.data() + length, bytes.size() - length);
+        const ssize_t count = readSome(input.get(), bytes.data() + length, bytes.size() - length);
+        if (count < 0) {
+            return std::nullopt;
+        }
         if (count == 0) {
             break;
         }
-        if (count < 0 && errno != EINTR) {
-            return std::nullopt;
-        }
-        length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        length += static_cast<std::size_t>(count);
     }
     bytes.resize(length);
     return bytes;
@@ -118,14 +90,14 @@ std::optional<std::string> readFile(const std::filesystem::path &file) {
 
 bool replaceFile(const std::filesystem::path &file, std::string_view bytes, unsigned mode) {
     const std::filesystem::path parent = file.has_parent_path() ? file.parent_path() : ".";
-    const Descriptor folder(::open(parent.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    const UniqueFd folder(::open(parent.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
     if (!folder.isOpen()) {
         return false;
     }
     // A hidden name without the file's extension: whoever lists the folder does not take a left
     // over one for a log file.
     std::string temporary = (parent / ("." + file.filename().string() + ".XXXXXX")).string();
-    const Descriptor output(::mkostemp(temporary.data(), O_CLOEXEC));
+    const UniqueFd output(::mkostemp(temporary.data(), O_CLOEXEC));
     if (!output.isOpen()) {
         return false;
     }

@@ -7,6 +7,11 @@
 
 namespace quorbel {
 
+/// One of the ten of ASCII, whatever the locale.
+constexpr bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
 /// The number that the whole of a text is; nothing when it is none, or too large.
 template <typename Number>
 std::optional<Number> readNumber(std::string_view text) {

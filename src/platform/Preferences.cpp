@@ -1,12 +1,11 @@
 #include "platform/Preferences.h"
 
 #include "platform/Files.h"
+#include "platform/Number.h"
 #include "platform/Text.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <filesystem>
-#include <system_error>
 
 namespace quorbel {
 
@@ -49,10 +48,7 @@ std::optional<std::string> preference(std::string_view key) {
 }
 
 std::int64_t integerPreference(std::string_view key) {
-    const std::string text = preference(key).value_or("");
-    std::int64_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() ? value : 0;
+    return readNumber<std::int64_t>(preference(key).value_or("")).value_or(0);
 }
 
 }  // namespace quorbel

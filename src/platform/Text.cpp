@@ -1,5 +1,6 @@
 #include "platform/Text.h"
 
+#include "platform/Number.h"
 #include "platform/Utf8.h"
 
 #include <unicode/uchar.h>
@@ -17,10 +18,6 @@
 namespace quorbel {
 
 namespace {
-
-bool isAsciiDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 std::string_view withoutLeadingSpace(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
@@ -65,7 +62,7 @@ std::size_t asciiPrefixLength(std::string_view text) {
 
 bool isAllDecimalDigits(std::string_view text) {
     while (!text.empty()) {
-        if (isAsciiDigit(text.front())) {
+        if (isDigit(text.front())) {
             text.remove_prefix(1);
             continue;
         }
@@ -85,7 +82,7 @@ double floatingPointValue(std::string_view text) {
         text.remove_prefix(1);
     }
     // from_chars alone would take another sign, "inf" and "nan".
-    if (text.empty() || !(isAsciiDigit(text.front()) || text.front() == '.')) {
+    if (text.empty() || !(isDigit(text.front()) || text.front() == '.')) {
         return 0.0;
     }
     double value = 0.0;

@@ -1,12 +1,12 @@
 #include "platform/bus/CommandDelivery.h"
 
+#include "platform/DescriptorIo.h"
 #include "platform/KeyedArchive.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -42,36 +42,10 @@ std::size_t sizeInMessage(const Value &value) {
     return size;
 }
 
-bool writeWhole(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(file, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-    return true;
-}
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor() {
-        if (m_descriptor >= 0) {
-            close(m_descriptor);
-        }
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-    [[nodiscard]] int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
 int appendAsFile(sd_bus_message *message, const Value &command) {
-    const Descriptor file(memfd_create("quorbel-command", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    if (file.get() < 0 || !writeWhole(file.get(), writeKeyedArchive(command)) ||
+    const UniqueFd file(memfd_create("quorbel-command", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    const std::string bytes = writeKeyedArchive(command);
+    if (!file.isOpen() || writeFully(file.get(), bytes) != bytes.size() ||
         fcntl(file.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) !=
             0) {
         return -errno;

@@ -1,5 +1,7 @@
 #include "service/actions/ChildProcess.h"
 
+#include "platform/DescriptorIo.h"
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -105,10 +107,7 @@ int openHandle(pid_t id) {
 /// The error that kept the program from running; 0 when it runs.
 int readFailure(const UniqueFd &fd) {
     int error = 0;
-    ssize_t count = 0;
-    do {
-        count = ::read(fd.get(), &error, sizeof error);
-    } while (count < 0 && errno == EINTR);
+    const ssize_t count = readSome(fd.get(), reinterpret_cast<char *>(&error), sizeof error);
     return count == static_cast<ssize_t>(sizeof error) ? error : 0;
 }
 

@@ -1,5 +1,6 @@
 #include "service/export/TextExport.h"
 
+#include "platform/DescriptorIo.h"
 #include "platform/Files.h"
 #include "service/export/ExportDates.h"
 #include "service/store/LogFiles.h"

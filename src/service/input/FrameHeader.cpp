@@ -1,5 +1,7 @@
 #include "service/input/FrameHeader.h"
 
+#include "platform/Number.h"
+
 #include <algorithm>
 
 namespace quorbel {
@@ -10,18 +12,6 @@ using Kind = FrameHeader::Kind;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kMostCountDigits = 7;
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-std::size_t numberOf(std::string_view digits) {
-    std::size_t number = 0;
-    for (const char digit : digits) {
-        number = 10 * number + static_cast<std::size_t>(digit - '0');
-    }
-    return number;
-}
 
 /// How much of a byte order mark a text begins with.
 Kind findMark(std::string_view text) {
@@ -130,7 +120,7 @@ HeadersBefore headersBefore(std::string_view text, std::size_t from, std::size_t
         --begin;
     }
     for (std::size_t i = begin; i < end; ++i) {
-        const std::size_t length = numberOf(before.substr(i));
+        const std::size_t length = readNumber<std::size_t>(before.substr(i)).value_or(0);
         if (before[i] != '0' && length >= least && length <= FrameHeader::kMostCounted) {
             found.places[found.count++] = {i, length};
         }

@@ -1,5 +1,6 @@
 #include "service/message/MessageParser.h"
 
+#include "platform/Number.h"
 #include "service/message/Timestamp.h"
 
 #include <algorithm>
@@ -27,10 +28,6 @@ std::string_view withoutLineEnd(std::string_view message) {
     return message.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 /// Takes "<191>" off the front; leaves the text alone when there is no usable priority.
 std::optional<Priority> takePriority(std::string_view &text) {
     const std::size_t end = text.substr(0, 5).find('>');
@@ -38,14 +35,11 @@ std::optional<Priority> takePriority(std::string_view &text) {
         return std::nullopt;
     }
     const std::string_view digits = text.substr(1, end - 1);
-    if (!std::ranges::all_of(digits, isDigit) || (digits.size() > 1 && digits[0] == '0')) {
+    const auto value = readNumber<unsigned>(digits);
+    if (!value || (digits.size() > 1 && digits[0] == '0')) {
         return std::nullopt;
     }
-    unsigned value = 0;
-    for (const char digit : digits) {
-        value = 10 * value + static_cast<unsigned>(digit - '0');
-    }
-    const auto priority = Priority::fromValue(value);
+    const auto priority = Priority::fromValue(*value);
     if (priority) {
         text.remove_prefix(end + 1);
     }

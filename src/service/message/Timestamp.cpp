@@ -1,15 +1,13 @@
 #include "service/message/Timestamp.h"
 
+#include "platform/Number.h"
+
 #include <algorithm>
 #include <array>
 
 namespace quorbel {
 
 namespace {
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 /// Walks over a text; once something expected is missing, everything after it is missing too.
 class Scanner {

@@ -1,6 +1,7 @@
 #include "service/store/LogFiles.h"
 
 #include "common/LogReader.h"
+#include "platform/DescriptorIo.h"
 #include "platform/Text.h"
 
 #include <fcntl.h>
@@ -92,18 +93,6 @@ std::size_t takeOut(std::string &block, std::size_t size, std::uint64_t offset,
     return kept;
 }
 
-/// A FIFO or a device would keep whoever opens, reads or writes it waiting, or do what it likes.
-UniqueFd openRegular(const std::filesystem::path &path, int flags) {
-    constexpr mode_t kMode = 0640;
-    UniqueFd file(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kMode));
-    struct stat status {};
-    if (file.isOpen() && ::fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        file.reset();
-        errno = EINVAL;
-    }
-    return file;
-}
-
 }  // namespace
 
 std::string logFileName(std::int64_t seconds) {
@@ -113,18 +102,6 @@ std::string logFileName(std::int64_t seconds) {
     std::array<char, 64> name{};
     const std::size_t length = std::strftime(name.data(), name.size(), "%Y-%m-%d.log", &local);
     return {name.data(), length};
-}
-
-std::size_t writeFully(int fd, std::string_view bytes) {
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(fd, bytes.data() + written, bytes.size() - written);
-        if (count < 0 && errno != EINTR) {
-            break;
-        }
-        written += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-    }
-    return written;
 }
 
 TailState repairTail(int fd) {
@@ -167,7 +144,8 @@ UniqueFd openLogFile(const std::filesystem::path &path) {
 }
 
 UniqueFd openForAppending(const std::filesystem::path &path, int flags) {
-    return openRegular(path, O_RDWR | O_APPEND | flags);
+    constexpr mode_t kMode = 0640;
+    return openRegular(path, O_RDWR | O_APPEND | flags, kMode);
 }
 
 ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLineBegin) {

@@ -70,8 +70,4 @@ inline bool forEachPiece(int fd, std::uint64_t length, const PieceHandler &onPie
     return forEachPiece(fd, ByteRange{0, length}, onPiece);
 }
 
-/// Writes everything, however many calls that takes. Returns how many bytes were written; fewer
-/// than asked for only after a failure.
-std::size_t writeFully(int fd, std::string_view bytes);
-
 }  // namespace quorbel

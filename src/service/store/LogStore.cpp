@@ -1,5 +1,6 @@
 #include "service/store/LogStore.h"
 
+#include "platform/DescriptorIo.h"
 #include "platform/Files.h"
 #include "service/base/Journal.h"
 
