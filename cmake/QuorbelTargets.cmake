@@ -1,25 +1,25 @@
 # What every target of the project has in common, and the one way to declare a library or a test.
 
-add_library(quorbel_options INTERFACE)
-target_compile_features(quorbel_options INTERFACE cxx_std_20)
-target_compile_options(quorbel_options INTERFACE
+add_library(quorbel_flags INTERFACE)
+target_compile_features(quorbel_flags INTERFACE cxx_std_20)
+target_compile_options(quorbel_flags INTERFACE
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wnon-virtual-dtor -Woverloaded-virtual)
 # GCC 12 sees overlapping copies in inlined std::string operations where there are none (GCC bug
 # 105651).
-target_compile_options(quorbel_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+target_compile_options(quorbel_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(QUORBEL_SANITIZE)
-    target_compile_options(quorbel_options INTERFACE
+    target_compile_options(quorbel_flags INTERFACE
         -fsanitize=${QUORBEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     # This check reads memory through a pipe of its own, and takes every object for a wrong one while
     # a test leaves no descriptor for that.
-    target_compile_options(quorbel_options INTERFACE -fno-sanitize=vptr)
-    target_link_options(quorbel_options INTERFACE -fsanitize=${QUORBEL_SANITIZE})
+    target_compile_options(quorbel_flags INTERFACE -fno-sanitize=vptr)
+    target_link_options(quorbel_flags INTERFACE -fsanitize=${QUORBEL_SANITIZE})
 endif()
 
-add_library(quorbel_qt_options INTERFACE)
-target_link_libraries(quorbel_qt_options INTERFACE quorbel_options Qt6::Widgets)
-target_compile_definitions(quorbel_qt_options INTERFACE
+add_library(quorbel_qt_flags INTERFACE)
+target_link_libraries(quorbel_qt_flags INTERFACE quorbel_flags Qt6::Widgets)
+target_compile_definitions(quorbel_qt_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_KEYWORDS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 
@@ -56,10 +56,10 @@ function(quorbel_library name)
     add_library(${name} STATIC ${arg_SOURCES})
     if(arg_QT)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
-        target_link_libraries(${name} PUBLIC quorbel_qt_options)
+        target_link_libraries(${name} PUBLIC quorbel_qt_flags)
     else()
         set_target_properties(${name} PROPERTIES AUTOMOC OFF)
-        target_link_libraries(${name} PUBLIC quorbel_options)
+        target_link_libraries(${name} PUBLIC quorbel_flags)
     endif()
     if(arg_UI)
         list(TRANSFORM arg_UI PREPEND "${PROJECT_SOURCE_DIR}/src/layout/")

@@ -35,7 +35,7 @@ allowed=(
     "quorbel_alerts alerts $page"
     "quorbel_about about $gui"
     "quorbel_help help $gui"
-    "quorbel_monitoring options $settings"
+    "quorbel_options options $settings"
     "quorbel_actions actions $settings"
     "quorbel_export export $settings"
     "quorbel_shell shell home events reports alerts about help options actions export $settings"
