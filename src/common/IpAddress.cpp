@@ -32,6 +32,28 @@ std::optional<IpAddress> IpAddress::parse(std::string_view text) {
     return std::nullopt;
 }
 
+IpAddress IpAddress::of(const sockaddr_storage &address) {
+    IpAddress result;
+    if (address.ss_family == AF_INET) {
+        sockaddr_in v4{};
+        std::memcpy(&v4, &address, sizeof v4);
+        std::ranges::copy(kV4Prefix, result.m_bytes.begin());
+        std::memcpy(result.m_bytes.data() + kV4Prefix.size(), &v4.sin_addr, sizeof v4.sin_addr);
+    } else if (address.ss_family == AF_INET6) {
+        sockaddr_in6 v6{};
+        std::memcpy(&v6, &address, sizeof v6);
+        std::memcpy(result.m_bytes.data(), &v6.sin6_addr, sizeof v6.sin6_addr);
+    }
+    return result;
+}
+
+std::string IpAddress::text() const {
+    std::array<char, INET6_ADDRSTRLEN> buffer{};
+    const std::uint8_t *bytes = m_bytes.data() + (isV4() ? kV4Prefix.size() : 0);
+    ::inet_ntop(isV4() ? AF_INET : AF_INET6, bytes, buffer.data(), buffer.size());
+    return buffer.data();
+}
+
 bool IpAddress::isV4() const {
     return std::ranges::equal(kV4Prefix, std::span(m_bytes).first<kV4Prefix.size()>());
 }
@@ -43,6 +65,16 @@ bool IpAddress::sharesPrefix(const IpAddress &other, unsigned bits) const {
     }
     const unsigned rest = bits % 8;
     return rest == 0 || (m_bytes[whole] ^ other.m_bytes[whole]) >> (8 - rest) == 0;
+}
+
+IpAddress IpAddress::network(unsigned bits) const {
+    IpAddress result;
+    const std::size_t whole = bits / 8;
+    std::copy_n(m_bytes.begin(), whole, result.m_bytes.begin());
+    if (bits % 8 != 0) {
+        result.m_bytes[whole] = static_cast<std::uint8_t>(m_bytes[whole] & 0xFF00U >> bits % 8);
+    }
+    return result;
 }
 
 socklen_t IpAddress::toSocketAddress(sockaddr_storage &address) const {

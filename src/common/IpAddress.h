@@ -21,10 +21,17 @@ public:
 
     /// Nothing when the text is no address.
     static std::optional<IpAddress> parse(std::string_view text);
+    /// The address of a socket, without its port; "::" for any other family.
+    static IpAddress of(const sockaddr_storage &address);
+
+    /// An IPv4 address as IPv4.
+    [[nodiscard]] std::string text() const;
 
     [[nodiscard]] bool isV4() const;
     /// Whether the first `bits` of both are the same.
     [[nodiscard]] bool sharesPrefix(const IpAddress &other, unsigned bits) const;
+    /// The first `bits`; zeros behind them.
+    [[nodiscard]] IpAddress network(unsigned bits) const;
     /// For the socket functions, with port 0. Returns the length of what was written.
     socklen_t toSocketAddress(sockaddr_storage &address) const;
 

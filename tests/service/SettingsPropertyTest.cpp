@@ -29,6 +29,9 @@ namespace {
 using testing::TemporaryFolder;
 using testing::waitUntil;
 
+const IpAddress kRouter = IpAddress::parse("10.1.2.3").value();
+const IpAddress kThisHost = IpAddress::parse("::1").value();
+
 /// Random dictionaries with the keys of the settings.
 class RandomSettings {
 public:
@@ -219,8 +222,8 @@ TEST_F(SettingsPropertyTest, ReceivingGoesOn) {
         actions.configure(random);
         collector.configure(random);
         collector.beginTurn();
-        collector.receive("<11>an error of 10.1.2.3", "10.1.2.3");
-        collector.receive("<191>" + std::string(1500, 'a'), "::1");
+        collector.receive("<11>an error of 10.1.2.3", kRouter);
+        collector.receive("<191>" + std::string(1500, 'a'), kThisHost);
         collector.endTurn();
         actions.report(Actions::Clock::time_point::max());
         while (!notifications.empty()) {

@@ -14,11 +14,11 @@ void Collector::beginTurn() {
     if (m_names.isWanted()) {
         m_names.beginTurn(HostNames::Clock::now());
         // Its name may be known by now.
-        m_sender.text.clear();
+        m_sender.shown.clear();
     }
 }
 
-void Collector::receive(std::string_view message, std::string_view host, bool cut) {
+void Collector::receive(std::string_view message, const IpAddress &sender, bool cut) {
     ++m_counters.received;
     const auto parsed = m_parser.parse(message);
     if (!parsed || !parsed->wellFormed || cut) {
@@ -28,11 +28,18 @@ void Collector::receive(std::string_view message, std::string_view host, bool cu
         return;
     }
     const std::size_t begin = m_lines.size();
-    const Sender &sender = senderOf(host);
-    m_writer.append({m_seconds, parsed->priority, sender.shown, parsed->text}, m_lines);
-    if (consider(sender, parsed->priority, begin)) {
-        m_urgent = m_urgent || parsed->priority.isUrgent();
+    const Sender &from = senderOf(sender);
+    const auto written =
+        m_writer.append({m_seconds, parsed->priority, from.shown, parsed->text}, m_lines);
+    m_subject.set(from.address, parsed->priority, std::string_view(m_lines).substr(begin),
+                  written.prefix);
+    if (isFilteredOut()) {
+        ++m_counters.filtered;
+        m_lines.resize(begin);
+        return;
     }
+    m_urgent = m_urgent || parsed->priority.isUrgent();
+    setEventsOfActions(from);
     // A turn can bring more than should be held at once.
     constexpr std::size_t kMostHeld = std::size_t{1} << 20U;
     if (m_lines.size() >= kMostHeld) {
@@ -40,40 +47,29 @@ void Collector::receive(std::string_view message, std::string_view host, bool cu
     }
 }
 
-const Collector::Sender &Collector::senderOf(std::string_view host) {
-    if (host == m_sender.text) {
+const Collector::Sender &Collector::senderOf(const IpAddress &address) {
+    if (address == m_sender.address && !m_sender.shown.empty()) {
         return m_sender;
     }
-    m_sender.text = host;
-    m_sender.shown = host;
-    m_sender.address = IpAddress::parse(host).value_or(IpAddress());
-    if (m_names.isWanted()) {
-        const std::string_view name = m_names.nameOf(m_sender.address);
-        m_sender.shown = name.empty() ? host : name;
-    }
+    const std::string_view name = m_names.isWanted() ? m_names.nameOf(address) : "";
+    m_sender = {address, name.empty() ? address.text() : std::string(name)};
     return m_sender;
 }
 
-/// Looks at the message whose lines begin at `begin`: takes them back when the filters keep it out,
-/// and adds the events that actions set. Returns whether the message stays.
-bool Collector::consider(const Sender &sender, Priority priority, std::size_t begin) {
-    if (m_filters.isEmpty() && m_actions.isEmpty()) {
-        return true;
+bool Collector::isFilteredOut() const {
+    return !m_filters.isEmpty() && !m_filters.passes(m_subject);
+}
+
+/// Adds the events that the actions set for the message at hand.
+void Collector::setEventsOfActions(const Sender &sender) {
+    if (m_actions.isEmpty()) {
+        return;
     }
-    m_subject.set(sender.address, priority, std::string_view(m_lines).substr(begin));
-    if (!m_filters.passes(m_subject)) {
-        ++m_counters.filtered;
-        m_lines.resize(begin);
-        return false;
+    for (const EventToSet &event :
+         m_actions.onEvent(m_subject, m_seconds, sender.shown, Actions::Clock::now())) {
+        m_writer.append({m_seconds, event.priority, sender.shown, event.message}, m_lines);
+        m_urgent = m_urgent || event.priority.isUrgent();
     }
-    if (!m_actions.isEmpty()) {
-        for (const EventToSet &event :
-             m_actions.onEvent(m_subject, m_seconds, sender.shown, Actions::Clock::now())) {
-            m_writer.append({m_seconds, event.priority, sender.shown, event.message}, m_lines);
-            m_urgent = m_urgent || event.priority.isUrgent();
-        }
-    }
-    return true;
 }
 
 void Collector::endTurn() {

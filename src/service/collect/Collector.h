@@ -38,21 +38,20 @@ public:
     void configure(const Dictionary &settings);
 
     void beginTurn();
-    /// Takes one message and the text of its sender's address. `cut` says that the input could not
-    /// keep all of it.
-    void receive(std::string_view message, std::string_view host, bool cut = false);
+    /// Takes one message. `cut` says that the input could not keep all of it.
+    void receive(std::string_view message, const IpAddress &sender, bool cut = false);
     void endTurn();
 
 private:
     struct Sender {
-        std::string text;  ///< as the input gave it
         IpAddress address;
-        std::string shown;  ///< address or name
+        std::string shown;  ///< address or name; empty when it is to be looked up
     };
 
     void storeAndTell();
-    const Sender &senderOf(std::string_view host);
-    bool consider(const Sender &sender, Priority priority, std::size_t begin);
+    const Sender &senderOf(const IpAddress &address);
+    [[nodiscard]] bool isFilteredOut() const;
+    void setEventsOfActions(const Sender &sender);
 
     LogStore &m_store;
     NotificationQueue &m_notifications;

@@ -1,7 +1,5 @@
 #include "service/input/ConnectionShares.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -21,21 +19,17 @@ int ConnectionShares::descriptorLimit() {
     return static_cast<int>(most - std::min(most / 4, kMostLeft));
 }
 
-std::string ConnectionShares::hostOf(const std::string &address) {
-    constexpr std::size_t kNetworkBytes = 8;
-    in6_addr bytes{};
-    if (inet_pton(AF_INET6, address.c_str(), &bytes) != 1) {
-        return address;
-    }
-    return {reinterpret_cast<const char *>(bytes.s6_addr), kNetworkBytes};
+IpAddress ConnectionShares::hostOf(const IpAddress &address) {
+    constexpr unsigned kNetworkBits = 64;
+    return address.isV4() ? address : address.network(kNetworkBits);
 }
 
-ConnectionShares::Place ConnectionShares::add(const std::string &host, Member &member,
+ConnectionShares::Place ConnectionShares::add(const IpAddress &host, Member &member,
                                               Clock::time_point now) {
     const auto [at, isNew] = m_hosts.try_emplace(host);
     Host &own = at->second;
     if (isNew) {
-        own.name = host;
+        own.address = host;
     } else {
         takeOut(own);
     }
@@ -63,7 +57,7 @@ void ConnectionShares::remove(const Place &place) {
     if (host.size() > 0) {
         insert(host);
     } else {
-        m_hosts.erase(std::string(host.name));
+        m_hosts.erase(IpAddress(host.address));
     }
 }
 
@@ -80,13 +74,13 @@ void ConnectionShares::takeOut(Host &host) {
     }
 }
 
-ConnectionShares::Member *ConnectionShares::toClose(const std::string &host,
+ConnectionShares::Member *ConnectionShares::toClose(const std::optional<IpAddress> &host,
                                                     Clock::time_point now) const {
     if (m_bySize.empty()) {
         return nullptr;
     }
     const auto &[most, greediest] = *m_bySize.rbegin();
-    const auto own = m_hosts.find(host);
+    const auto own = host ? m_hosts.find(*host) : m_hosts.end();
     // With the new one it would have more than anybody.
     const bool isGreediest = own != m_hosts.end() && own->second.size() == most;
     const Host &from = isGreediest ? own->second : *greediest.front();

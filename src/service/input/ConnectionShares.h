@@ -1,10 +1,12 @@
 #pragma once
 
+#include "common/IpAddress.h"
+
 #include <chrono>
 #include <cstddef>
 #include <list>
 #include <map>
-#include <string>
+#include <optional>
 #include <unordered_map>
 
 namespace quorbel {
@@ -37,8 +39,8 @@ public:
     /// open (which is looked up, because it can change), a quarter, but no more than 4,096, are
     /// left to what stores, syncs, rewrites and exports.
     static int descriptorLimit();
-    /// The host that an address, as addressText() gives it, belongs to.
-    static std::string hostOf(const std::string &address);
+    /// What stands for the host of an address: all of a network of 64 bits are one in IPv6.
+    static IpAddress hostOf(const IpAddress &address);
 
 private:
     struct Entry {
@@ -49,7 +51,7 @@ private:
     struct Host;
     using Hosts = std::list<Host *>;
     struct Host {
-        std::string name;
+        IpAddress address;
         Entries handshakes;   ///< the oldest in front
         Entries established;  ///< the one that was idle longest in front
         Hosts::iterator place;
@@ -67,20 +69,21 @@ public:
     };
 
     /// Takes a connection, which is not established yet, of `host`.
-    Place add(const std::string &host, Member &member, Clock::time_point now);
+    Place add(const IpAddress &host, Member &member, Clock::time_point now);
     /// The connection is established and has just been heard of.
     void touch(Place &place);
     void remove(const Place &place);
 
-    /// The connection that makes room for a new one of `host`, or of anybody when that is not known
-    /// (empty). Null when there is none.
-    [[nodiscard]] Member *toClose(const std::string &host, Clock::time_point now) const;
+    /// The connection that makes room for a new one of `host`, or of somebody who is not known yet.
+    /// Null when there is none.
+    [[nodiscard]] Member *toClose(const std::optional<IpAddress> &host,
+                                  Clock::time_point now) const;
 
 private:
     void insert(Host &host);
     void takeOut(Host &host);
 
-    std::unordered_map<std::string, Host> m_hosts;
+    std::unordered_map<IpAddress, Host, IpAddress::Hash> m_hosts;
     std::map<std::size_t, Hosts> m_bySize;  ///< each as m_hosts' own; the idlest in front
 };
 

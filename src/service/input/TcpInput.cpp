@@ -1,7 +1,6 @@
 #include "service/input/TcpInput.h"
 
 #include "service/base/Journal.h"
-#include "service/hosts/SenderAddress.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -49,10 +48,10 @@ std::string sampleOf(std::string_view text) {
 
 class TcpInput::Connection final : public ConnectionShares::Member {
 public:
-    Connection(TcpInput &input, std::unique_ptr<StreamChannel> channel, std::string host)
+    Connection(TcpInput &input, std::unique_ptr<StreamChannel> channel, const IpAddress &sender)
         : m_input(input),
           m_channel(std::move(channel)),
-          m_host(std::move(host)),
+          m_address(sender),
           m_splitter(
               [this](std::string_view frame, FrameSplitter::Kind kind) { receive(frame, kind); }) {}
     ~Connection() override {
@@ -82,7 +81,7 @@ public:
         m_place = place;
         m_source = std::move(source);
         m_handshakeEnd = std::move(handshakeEnd);
-        m_share = m_input.m_shares.add(ConnectionShares::hostOf(m_host), *this,
+        m_share = m_input.m_shares.add(ConnectionShares::hostOf(m_address), *this,
                                        ConnectionShares::Clock::now());
         m_isShared = true;
         if (m_channel->isEstablished()) {
@@ -109,13 +108,13 @@ private:
         if (kind == FrameSplitter::Kind::kStray) {
             ++m_input.m_counters.strayTexts;
             if (!std::exchange(m_saidStray, true)) {
-                m_input.sayOdd("The stream of " + m_host +
+                m_input.sayOdd("The stream of " + m_address.text() +
                                " is out of step. What stands between its frames is stored as "
                                "messages: " +
                                sampleOf(frame));
             }
         }
-        m_input.m_collector.receive(frame, m_host, kind == FrameSplitter::Kind::kCut);
+        m_input.m_collector.receive(frame, m_address, kind == FrameSplitter::Kind::kCut);
     }
     void noteSkipped() {
         const std::uint64_t skipped = m_splitter.skipped() - m_skipped;
@@ -123,7 +122,7 @@ private:
             m_skipped += skipped;
             m_input.m_counters.bytesSkipped += skipped;
             if (!std::exchange(m_saidSkipped, true)) {
-                m_input.sayOdd("A message of " + m_host + " has no end within " +
+                m_input.sayOdd("A message of " + m_address.text() + " has no end within " +
                                std::to_string(FrameSplitter::kMaxFrame) +
                                " bytes. What is more of it is not stored");
             }
@@ -132,7 +131,7 @@ private:
 
     TcpInput &m_input;
     std::unique_ptr<StreamChannel> m_channel;
-    std::string m_host;
+    IpAddress m_address;
     FrameSplitter m_splitter;
     std::uint64_t m_skipped = 0;
     bool m_saidStray = false;
@@ -175,12 +174,12 @@ bool TcpInput::acceptOne() {
     if (!socket.isOpen()) {
         return errno == ECONNABORTED || errno == EINTR || recoverFrom(errno);
     }
-    std::string host = addressText(address);
-    leaveReserve(socket, host);
+    const IpAddress sender = IpAddress::of(address);
+    leaveReserve(socket, sender);
     // Connections whose other end is gone without a word are noticed in the end.
     const int on = 1;
     ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    add(std::move(socket), std::move(host));
+    add(std::move(socket), sender);
     return true;
 }
 
@@ -192,7 +191,7 @@ bool TcpInput::recoverFrom(int error) {
         return false;
     }
     if (error == EMFILE) {
-        if (auto *member = m_shares.toClose({}, ConnectionShares::Clock::now())) {
+        if (auto *member = m_shares.toClose(std::nullopt, ConnectionShares::Clock::now())) {
             member->makeRoom();
             return true;
         }
@@ -216,12 +215,12 @@ int TcpInput::onPauseEnd(sd_event_source * /*source*/, std::uint64_t /*time*/, v
 
 /// Keeps the descriptors free that are not for connections: the kernel always gives the lowest one,
 /// so a new one that is too high says that all below are taken.
-void TcpInput::leaveReserve(UniqueFd &socket, const std::string &host) {
+void TcpInput::leaveReserve(UniqueFd &socket, const IpAddress &sender) {
     // When there have become fewer, each new one brings that nearer.
     constexpr int kMostClosed = 4;
     for (int i = 0; i < kMostClosed && socket.get() >= ConnectionShares::descriptorLimit(); ++i) {
         auto *member =
-            m_shares.toClose(ConnectionShares::hostOf(host), ConnectionShares::Clock::now());
+            m_shares.toClose(ConnectionShares::hostOf(sender), ConnectionShares::Clock::now());
         if (member == nullptr) {
             return;
         }
@@ -233,12 +232,12 @@ void TcpInput::leaveReserve(UniqueFd &socket, const std::string &host) {
     }
 }
 
-void TcpInput::add(UniqueFd socket, std::string host) {
-    auto channel = m_makeChannel(std::move(socket), host);
+void TcpInput::add(UniqueFd socket, const IpAddress &sender) {
+    auto channel = m_makeChannel(std::move(socket), sender.text());
     if (!channel) {
         return;
     }
-    m_connections.emplace_back(*this, std::move(channel), std::move(host));
+    m_connections.emplace_back(*this, std::move(channel), sender);
     const auto place = std::prev(m_connections.end());
     EventSourcePointer source = watchInput(m_loop, place->channel().fd(), onReady, &*place);
     EventSourcePointer handshakeEnd;

@@ -44,8 +44,8 @@ private:
 
     bool acceptOne();
     bool recoverFrom(int error);
-    void leaveReserve(UniqueFd &socket, const std::string &host);
-    void add(UniqueFd socket, std::string host);
+    void leaveReserve(UniqueFd &socket, const IpAddress &sender);
+    void add(UniqueFd socket, const IpAddress &sender);
     enum class Slice { kRead, kQuiet, kClosed };
     Slice readSlice(Connections::iterator connection);
     void close(Connections::iterator connection);

@@ -59,7 +59,7 @@ bool UdpInput::readBatch() {
     const std::size_t count = fetchBatch();
     for (std::size_t i = 0; i < count; ++i) {
         m_collector.receive({m_buffers->bytes[i].data(), m_buffers->headers[i].msg_len},
-                            m_sender.textOf(m_buffers->addresses[i]));
+                            IpAddress::of(m_buffers->addresses[i]));
     }
     return count == kBatch;
 }

@@ -3,7 +3,6 @@
 #include "platform/UniqueFd.h"
 #include "service/base/SdEvent.h"
 #include "service/collect/Collector.h"
-#include "service/hosts/SenderAddress.h"
 
 #include <sys/socket.h>
 
@@ -39,7 +38,6 @@ private:
 
     UniqueFd m_socket;
     Collector &m_collector;
-    SenderAddress m_sender;
     std::unique_ptr<Buffers> m_buffers;
     std::uint32_t m_lastDropCount = 0;
     std::uint64_t m_dropped = 0;

@@ -1,6 +1,5 @@
 #include "service/message/EventFilter.h"
 
-#include "common/LogReader.h"
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
 
@@ -42,21 +41,22 @@ std::vector<EventFilter> readFilters(const Dictionary &settings, std::string_vie
 
 }  // namespace
 
-void FilterSubject::set(const IpAddress &address, Priority priority, std::string_view lines) {
+void FilterSubject::set(const IpAddress &address, Priority priority, std::string_view lines,
+                        std::size_t prefix) {
     m_address = &address;
     m_priority = priority;
     m_lines = lines;
+    m_prefix = prefix;
     m_message.clear();
     m_folded.clear();
 }
 
 const std::string &FilterSubject::message() const {
     // Written messages are never empty.
-    if (m_message.empty()) {
-        LogReader::readBytes(m_lines, [this](const LogLine &line) {
-            m_message += line.message;
-            return true;
-        });
+    for (std::string_view rest = m_message.empty() ? m_lines : ""; !rest.empty();) {
+        const std::size_t end = rest.find('\r');
+        m_message += rest.substr(m_prefix, end - m_prefix);
+        rest.remove_prefix(end + 2);
     }
     return m_message;
 }

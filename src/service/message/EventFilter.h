@@ -6,6 +6,7 @@
 #include "service/message/Priority.h"
 #include "service/message/WildcardPattern.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,8 +21,9 @@ namespace quorbel {
 class FilterSubject {
 public:
     /// `address` is where the message came from. `lines` are its lines as the RecordWriter wrote
-    /// them; both must last until the next call.
-    void set(const IpAddress &address, Priority priority, std::string_view lines);
+    /// them, each with `prefix` bytes in front of the message; both must last until the next call.
+    void set(const IpAddress &address, Priority priority, std::string_view lines,
+             std::size_t prefix);
 
     [[nodiscard]] const IpAddress &address() const { return *m_address; }
     [[nodiscard]] Priority priority() const { return m_priority; }
@@ -34,6 +36,7 @@ private:
     const IpAddress *m_address = nullptr;
     Priority m_priority;
     std::string_view m_lines;
+    std::size_t m_prefix = 0;
     mutable std::string m_message;
     mutable std::string m_folded;
 };

@@ -29,18 +29,19 @@ bool isNoncharacter(char32_t code) {
 }
 
 /// What one character of a message is written as.
-struct Written {
+struct WrittenCharacter {
     std::size_t taken = 1;
     std::size_t length = 0;
     std::array<char, 4> bytes{};
 
-    Written(std::size_t length_, std::string_view text) : taken(length_), length(text.size()) {
+    WrittenCharacter(std::size_t length_, std::string_view text)
+        : taken(length_), length(text.size()) {
         std::ranges::copy(text, bytes.begin());
     }
     [[nodiscard]] std::string_view text() const { return {bytes.data(), length}; }
 };
 
-Written escaped(std::size_t taken, char32_t code) {
+WrittenCharacter escaped(std::size_t taken, char32_t code) {
     const auto digit = [code](unsigned shift) {
         return static_cast<char>('0' + (code >> shift & 7U));
     };
@@ -49,7 +50,7 @@ Written escaped(std::size_t taken, char32_t code) {
 }
 
 /// The first character of `text`, which is not empty, as it is written.
-Written writtenCharacter(std::string_view text) {
+WrittenCharacter writtenCharacter(std::string_view text) {
     const Utf8Character character = firstUtf8Character(text);
     if (character.length == 0) {
         return {1, kReplacement};
@@ -75,7 +76,7 @@ void appendPart(std::string &lines, std::string_view &message, std::size_t room)
         if (message.empty() || room == 0) {
             return;
         }
-        const Written written = writtenCharacter(message);
+        const WrittenCharacter written = writtenCharacter(message);
         if (written.length > room) {
             return;
         }
@@ -87,7 +88,7 @@ void appendPart(std::string &lines, std::string_view &message, std::size_t room)
 
 }  // namespace
 
-std::size_t RecordWriter::append(const ReceivedEvent &event, std::string &lines) {
+RecordWriter::Written RecordWriter::append(const ReceivedEvent &event, std::string &lines) {
     makePrefix(event);
     const std::size_t room = kLogPieceSize - kLineEnd.size() - m_prefix.size();
     std::string_view rest = event.message.empty() ? kEmptyField : event.message;
@@ -98,7 +99,7 @@ std::size_t RecordWriter::append(const ReceivedEvent &event, std::string &lines)
         lines += kLineEnd;
         ++count;
     }
-    return count;
+    return {count, m_prefix.size()};
 }
 
 void RecordWriter::makePrefix(const ReceivedEvent &event) {

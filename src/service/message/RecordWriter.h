@@ -30,8 +30,13 @@ struct ReceivedEvent {
 /// - An empty field is written as "-", because readers skip empty fields.
 class RecordWriter {
 public:
-    /// Appends the event to `lines` and returns how many lines it took.
-    std::size_t append(const ReceivedEvent &event, std::string &lines);
+    struct Written {
+        std::size_t lines;
+        std::size_t prefix;  ///< bytes in front of the message, in each line
+    };
+
+    /// Appends the event to `lines`.
+    Written append(const ReceivedEvent &event, std::string &lines);
 
 private:
     void makePrefix(const ReceivedEvent &event);

@@ -51,8 +51,8 @@ struct ActionsTest : ::testing::Test {
                                     Priority priority = {23, 3}) {
         const IpAddress address = IpAddress::parse("10.1.2.3").value();
         std::string lines;
-        RecordWriter().append({kTime, priority, "router", text}, lines);
-        subject.set(address, priority, lines);
+        const auto written = RecordWriter().append({kTime, priority, "router", text}, lines);
+        subject.set(address, priority, lines, written.prefix);
         const auto events = actions.onEvent(subject, kTime, "router", now);
         return {events.begin(), events.end()};
     }

@@ -23,6 +23,8 @@ namespace {
 using ::testing::IsEmpty;
 using testing::TemporaryFolder;
 
+const IpAddress kRouter = IpAddress::parse("10.1.2.3").value();
+
 /// An action with all three reactions, for every event.
 Dictionary everyReaction(int number) {
     return {{"Name", "test " + std::to_string(number)},
@@ -85,7 +87,7 @@ struct CollectorTest : ::testing::Test {
 TEST_F(CollectorTest, AMessageThatBecomesSeveralEventsSetsActionsOffOnce) {
     configure({{"actionsArray", Array{everyReaction(1)}}});
     collector.beginTurn();
-    collector.receive("<13>" + std::string(5000, 'x'), "10.1.2.3");
+    collector.receive("<13>" + std::string(5000, 'x'), kRouter);
     collector.endTurn();
     EXPECT_EQ(counters.received, 1U);
     EXPECT_EQ(counters.eventsSet, 1U);
@@ -105,8 +107,8 @@ TEST_F(CollectorTest, AMessageThatBecomesSeveralEventsSetsActionsOffOnce) {
 TEST_F(CollectorTest, EventsThatActionsSetSetNoActionsOff) {
     configure({{"actionsArray", Array{everyReaction(1), everyReaction(2), everyReaction(3)}}});
     collector.beginTurn();
-    collector.receive("<13>one", "10.1.2.3");
-    collector.receive("<13>two", "10.1.2.3");
+    collector.receive("<13>one", kRouter);
+    collector.receive("<13>two", kRouter);
     collector.endTurn();
     EXPECT_THAT(messages(), ::testing::ElementsAre("one", "set: one", "set: one", "set: one", "two",
                                                    "set: two", "set: two", "set: two"));
@@ -119,7 +121,7 @@ TEST_F(CollectorTest, AStormOfActionsIsHeldBackAndCounted) {
     constexpr std::uint64_t kMany = 20'000;
     collector.beginTurn();
     for (std::uint64_t i = 0; i < kMany; ++i) {
-        collector.receive("<13>x", "10.1.2.3");
+        collector.receive("<13>x", kRouter);
     }
     collector.endTurn();
     ::testing::internal::CaptureStderr();
@@ -147,7 +149,7 @@ TEST_F(CollectorTest, DoesNotHoldAllOfALargeTurn) {
     collector.beginTurn();
     for (int i = 0; i < kMany; ++i) {
         // Each becomes four times as long.
-        collector.receive("<13>" + std::string(60'000, '\1') + std::to_string(i), "10.1.2.3");
+        collector.receive("<13>" + std::string(60'000, '\1') + std::to_string(i), kRouter);
         written += 4 * 60'000;
         largest = std::max(largest, written - std::min(written, size()));
     }

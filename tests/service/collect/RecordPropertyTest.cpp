@@ -122,7 +122,7 @@ struct RecordPropertyTest : ::testing::Test {
         const std::string host = "h" + std::to_string(expected.size());
         expected.push_back({std::to_string(seconds), std::string(parsed->priority.text()), host,
                             testing::writtenText(parsed->text)});
-        count += writer.append({seconds, parsed->priority, host, parsed->text}, lines);
+        count += writer.append({seconds, parsed->priority, host, parsed->text}, lines).lines;
         urgent = urgent || parsed->priority.isUrgent();
     }
 

@@ -27,6 +27,8 @@ using ::testing::IsEmpty;
 using testing::TemporaryFolder;
 using testing::waitUntil;
 
+const IpAddress kRouter = IpAddress::parse("10.1.2.3").value();
+
 constexpr std::int64_t kMonday = 1700000000;   // 2023-11-14, in UTC
 constexpr std::int64_t kTuesday = 1700092800;  // 2023-11-16
 
@@ -157,7 +159,7 @@ protected:
     SyncCollectorTest() { m_disk.stretchWaits = true; }
     void receive(int severity) {
         m_collector.beginTurn();
-        m_collector.receive("<" + std::to_string(8 * 16 + severity) + ">x", "10.1.2.3");
+        m_collector.receive("<" + std::to_string(8 * 16 + severity) + ">x", kRouter);
         m_collector.endTurn();
     }
     [[nodiscard]] bool isAllSynced() {

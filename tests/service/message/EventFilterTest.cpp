@@ -17,12 +17,13 @@ struct Message {
     explicit Message(std::string_view host, std::string_view text = "disk full",
                      Priority priority = kLocal7Error)
         : address(IpAddress::parse(host).value()) {
-        RecordWriter().append({1700000000, priority, host, text}, lines);
-        subject.set(address, priority, lines);
+        prefix = RecordWriter().append({1700000000, priority, host, text}, lines).prefix;
+        subject.set(address, priority, lines, prefix);
     }
 
     IpAddress address;
     std::string lines;
+    std::size_t prefix = 0;
     FilterSubject subject;
 };
 
@@ -162,10 +163,10 @@ TEST(FilterSubject, MakesItsTextsAnewForEachMessage) {
     FilterSubject subject;
     const Message first("10.1.2.3", "First");
     const Message second("10.1.2.3", "Second");
-    subject.set(first.address, kLocal7Error, first.lines);
+    subject.set(first.address, kLocal7Error, first.lines, first.prefix);
     EXPECT_EQ(subject.foldedMessage(), "first");
     EXPECT_EQ(subject.message(), "First");
-    subject.set(second.address, kLocal7Error, second.lines);
+    subject.set(second.address, kLocal7Error, second.lines, second.prefix);
     EXPECT_EQ(subject.message(), "Second");
     EXPECT_EQ(subject.foldedMessage(), "second");
 }

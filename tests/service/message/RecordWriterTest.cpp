@@ -49,9 +49,10 @@ std::string messageOf(std::string_view message) {
 
 TEST(RecordWriter, WritesALine) {
     std::string lines = "before\r\n";
-    EXPECT_EQ(
-        RecordWriter().append({1700000000, kLocal7Error, "10.0.0.5", "disk full, retrying"}, lines),
-        1U);
+    const auto written =
+        RecordWriter().append({1700000000, kLocal7Error, "10.0.0.5", "disk full, retrying"}, lines);
+    EXPECT_EQ(written.lines, 1U);
+    EXPECT_EQ(written.prefix, std::string_view("1700000000,Local7.Error,10.0.0.5,").size());
     EXPECT_EQ(lines, "before\r\n1700000000,Local7.Error,10.0.0.5,disk full, retrying\r\n");
 }
 
@@ -112,9 +113,9 @@ TEST(RecordWriter, FillsLinesToTheLastByte) {
     const std::size_t room = 1023 - 2 - prefix;
     for (const std::size_t extra : {0U, 1U}) {
         std::string lines;
-        const std::size_t count = RecordWriter().append(
+        const auto written = RecordWriter().append(
             {1700000000, kLocal7Error, "10.0.0.5", std::string(room + extra, 'x')}, lines);
-        EXPECT_EQ(count, 1 + extra);
+        EXPECT_EQ(written.lines, 1 + extra);
         EXPECT_EQ(lines.find('\n') + 1, 1023U);
         EXPECT_EQ(readBack(lines).size(), 1 + extra);
     }
@@ -178,7 +179,7 @@ TEST(RecordWriter, LetsNoInputForgeLoseOrMergeARecord) {
             const auto priority = *Priority::fromValue(static_cast<unsigned>(input.number(191)));
             const std::string host = input.bytes(input.number(5) == 0 ? 400 : 20);
             const std::string message = input.bytes(input.number(5) == 0 ? 5000 : 200);
-            counts.push_back(writer.append({seconds, priority, host, message}, lines));
+            counts.push_back(writer.append({seconds, priority, host, message}, lines).lines);
             expected.push_back({std::to_string(seconds), std::string(priority.text()), host,
                                 testing::writtenText(message)});
         }
