@@ -152,7 +152,7 @@ void Service::stop() {
     m_retention.stop();
     m_exporter.stop();
     // A mail server may take long, and a command waits for it.
-    m_mail.stop();
+    m_mail.cancelSends();
     // A connection may never be quiet, so there is less time for these.
     m_udp.drain(Clock::now() + std::chrono::seconds(5));
     m_tcp.drain(Clock::now() + std::chrono::seconds(1));
@@ -162,8 +162,8 @@ void Service::stop() {
     m_commands.stop();
     m_actions.report(Actions::Clock::time_point::max());
     m_commandRunner.stop();
-    m_mail.drain(Clock::now() + std::chrono::seconds(5));
-    m_mail.end();
+    m_mail.finishFirstTries(Clock::now() + std::chrono::seconds(5));
+    m_mail.shutDown();
     updateCounters();
     say(JournalLevel::kInformation, describe(m_counters));
 }

@@ -154,7 +154,7 @@ void ChildProcess::signal(int number) const {
     ::kill(-id, number);
 }
 
-bool ChildProcess::hasBeenReaped() const {
+bool ChildProcess::tryReap() const {
     return ::waitpid(id, nullptr, WNOHANG) != 0;
 }
 

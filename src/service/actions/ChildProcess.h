@@ -28,8 +28,8 @@ struct ChildProcess {
     void signal(int number) const;
     /// Waits for the process to end, if need be, and returns its status as waitpid() does.
     [[nodiscard]] int wait() const;
-    /// Reaps the process if it has ended, without waiting. Returns whether it is gone.
-    [[nodiscard]] bool hasBeenReaped() const;
+    /// Reaps the process if it has ended, without waiting. Returns whether it had.
+    [[nodiscard]] bool tryReap() const;
 };
 
 }  // namespace quorbel

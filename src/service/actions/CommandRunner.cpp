@@ -45,14 +45,14 @@ public:
 
     /// False when the command cannot be ended; it is not waited for then.
     bool follow() {
-        while (!m_gone && !hasEnded()) {
+        while (!m_gaveUp && !hasEnded()) {
             if (Clock::now() >= m_deadline) {
                 endIt();
             }
         }
         readOutput();
         sayOutput();
-        if (m_gone) {
+        if (m_gaveUp) {
             sayOf(m_command, JournalLevel::kError, "the command cannot be ended");
             return false;
         }
@@ -85,7 +85,7 @@ private:
     }
 
     void endIt() {
-        m_gone = m_stage == Stage::kKilled;
+        m_gaveUp = m_stage == Stage::kKilled;
         const bool first = m_stage == Stage::kRuns;
         m_endedForStop = first ? m_stopSignal < 0 : m_endedForStop;
         m_child.signal(first ? SIGTERM : SIGKILL);
@@ -150,7 +150,7 @@ private:
     Clock::time_point m_deadline;
     Stage m_stage = Stage::kRuns;
     bool m_endedForStop = false;
-    bool m_gone = false;  ///< not even killed it ends
+    bool m_gaveUp = false;  ///< not even killed it ends
     std::string m_text;
     bool m_cut = false;
 };
@@ -235,7 +235,7 @@ void CommandRunner::run(const Command &command) {
 /// Something in the kernel kept them; nothing is to be left of them when it lets them go.
 void CommandRunner::reapUnended() {
     const std::lock_guard lock(m_mutex);
-    std::erase_if(m_unended, [](const ChildProcess &child) { return child.hasBeenReaped(); });
+    std::erase_if(m_unended, [](const ChildProcess &child) { return child.tryReap(); });
 }
 
 }  // namespace quorbel

@@ -157,8 +157,8 @@ SmtpOutcome outcomeFor(const SmtpResult &result, std::size_t recipient) {
 MailSender::MailSender(std::chrono::milliseconds minute)
     : m_minute(minute), m_thread([this] { work(); }) {}
 
-void MailSender::stop() {
-    m_stop = true;
+void MailSender::cancelSends() {
+    m_cancelSends = true;
 }
 
 void MailSender::configure(const Dictionary &settings) {
@@ -184,7 +184,7 @@ std::string MailSender::send(const MailMessage &message, const Dictionary &setti
         return others.empty() ? "There are no recipients" : noAddresses(others);
     }
     const SmtpResult result =
-        deliver(message, {addresses, addresses}, mailServerFrom(settings), m_minute, m_stop);
+        deliver(message, {addresses, addresses}, mailServerFrom(settings), m_minute, m_cancelSends);
     const std::string problem = withNext(problemOf(result, addresses), noAddresses(others));
     m_sent += result.isSent() ? 1 : 0;
     m_dropped += problem.empty() ? 0 : 1;
@@ -198,7 +198,7 @@ bool MailSender::submit(MailMessage message) {
     }
     {
         const std::lock_guard lock(m_mutex);
-        if (addresses.empty() || m_end || m_queue.size() >= kMostQueued) {
+        if (addresses.empty() || m_shuttingDown || m_queue.size() >= kMostQueued) {
             ++m_dropped;
             return false;
         }
@@ -209,18 +209,18 @@ bool MailSender::submit(MailMessage message) {
     return true;
 }
 
-void MailSender::drain(Clock::time_point deadline) {
+void MailSender::finishFirstTries(Clock::time_point deadline) {
     std::unique_lock lock(m_mutex);
     m_tried.wait_until(lock, deadline, [this] {
         return std::ranges::none_of(m_queue, [](const Job &job) { return job.tries == 0; });
     });
 }
 
-void MailSender::end() {
-    stop();
+void MailSender::shutDown() {
+    cancelSends();
     {
         const std::lock_guard lock(m_mutex);
-        m_end = true;
+        m_shuttingDown = true;
     }
     m_wake.notify_one();
     if (m_thread.joinable()) {
@@ -244,7 +244,7 @@ std::list<MailSender::Job>::iterator MailSender::nextJob() {
 
 void MailSender::work() {
     std::unique_lock lock(m_mutex);
-    while (!m_end) {
+    while (!m_shuttingDown) {
         if (m_queue.empty()) {
             m_wake.wait(lock);
             continue;
@@ -259,7 +259,7 @@ void MailSender::work() {
         // Nobody else takes a job away, and configure() changes nothing of it but when it is due.
         const auto pause = attempt(*next, server);
         lock.lock();
-        if (m_end) {
+        if (m_shuttingDown) {
             return;
         }
         if (!pause) {
@@ -275,8 +275,8 @@ void MailSender::work() {
 /// Tries once. Returns how long to wait before the next try; nothing when the job is done.
 std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const MailServer &server) {
     const SmtpResult result =
-        deliver(job.message, {job.recipients, job.pending}, server, m_minute, m_end);
-    if (m_end) {
+        deliver(job.message, {job.recipients, job.pending}, server, m_minute, m_shuttingDown);
+    if (m_shuttingDown) {
         return std::nullopt;
     }
     job.reached = job.reached || result.isSent();

@@ -31,7 +31,7 @@ public:
 
     /// `minute` is how long a minute lasts, for tests.
     explicit MailSender(std::chrono::milliseconds minute = std::chrono::minutes(1));
-    ~MailSender() { end(); }
+    ~MailSender() { shutDown(); }
     MailSender(const MailSender &) = delete;
     MailSender &operator=(const MailSender &) = delete;
 
@@ -45,16 +45,17 @@ public:
 
     /// Sends a message now, through the server of these settings, once. Returns "OK", or one line
     /// that says what is wrong; it names the recipients that are no addresses or were refused,
-    /// while the others get the message. Returns early, with the latter, when stop() is called.
+    /// while the others get the message. Returns early, with the latter, when cancelSends() is
+    /// called.
     std::string send(const MailMessage &message, const Dictionary &settings);
 
     /// Ends every send() within about a second, and every later one at once. Queued mail waits.
-    void stop();
+    void cancelSends();
     /// Waits until each queued mail has been tried once, until `deadline` at the latest.
-    void drain(std::chrono::steady_clock::time_point deadline);
+    void finishFirstTries(std::chrono::steady_clock::time_point deadline);
     /// Ends what is being sent, and gives up what is queued, which is counted and said in the
     /// journal. Nothing is taken any more.
-    void end();
+    void shutDown();
 
     /// Messages that reached the server for at least one recipient.
     [[nodiscard]] std::uint64_t sent() const { return m_sent; }
@@ -79,8 +80,8 @@ private:
     std::optional<std::chrono::milliseconds> attempt(Job &job, const MailServer &server);
 
     const std::chrono::milliseconds m_minute;
-    std::atomic<bool> m_stop = false;  ///< ends send()
-    std::atomic<bool> m_end = false;   ///< ends the thread
+    std::atomic<bool> m_cancelSends = false;
+    std::atomic<bool> m_shuttingDown = false;
     std::atomic<std::uint64_t> m_sent = 0;
     std::atomic<std::uint64_t> m_dropped = 0;
 

@@ -195,9 +195,9 @@ TEST_F(CommandRunnerTest, DoesNotWaitForWhatACommandLeavesBehind) {
 TEST_F(CommandRunnerTest, AProcessIsReapedWhenItHasEnded) {
     const auto child = ChildProcess::start("sleep", {"1000"}, {});
     ASSERT_TRUE(child);
-    EXPECT_FALSE(child->hasBeenReaped());
+    EXPECT_FALSE(child->tryReap());
     child->signal(SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return child->hasBeenReaped(); }));
+    EXPECT_TRUE(waitUntil([&] { return child->tryReap(); }));
 }
 
 TEST_F(CommandRunnerTest, RunsAFewAtATimeAndDropsWhatIsTooMuch) {

@@ -157,7 +157,7 @@ TEST_F(BusServerTest, AMailServerThatDoesNotAnswerKeepsNothingElseWaiting) {
     EXPECT_THAT(replies(), ElementsAre("OK", "OK"));
     EXPECT_EQ(*settings.current(), (Dictionary{{"a", 2}}));
     EXPECT_FALSE(worker->isIdle());
-    mail.stop();
+    mail.cancelSends();
     ASSERT_TRUE(runUntil([&] { return replies().size() == 3; }));
     EXPECT_EQ(replies().back(), "The service is ending");
     EXPECT_TRUE(worker->isIdle());

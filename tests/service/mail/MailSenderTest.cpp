@@ -288,7 +288,7 @@ TEST_F(MailSenderTest, StopEndsWhatWaits) {
     auto answer =
         std::async(std::launch::async, [&] { return patient.send(message, settingsFor(server)); });
     ASSERT_TRUE(waitUntil([&] { return server.connections() == 1; }));
-    patient.stop();
+    patient.cancelSends();
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
     EXPECT_EQ(answer.get(), "The service is ending");
     EXPECT_EQ(patient.send(message, settingsFor(server)), "The service is ending");
@@ -370,13 +370,13 @@ TEST_F(MailSenderTest, SaysAtOnceThatThereIsNoServer) {
     MailSender patient;
     EXPECT_TRUE(patient.submit({{"a@b"}, "s", "", false}));
     // The first try, of which the next one is half a minute away.
-    patient.drain(std::chrono::steady_clock::now() + 1h);
+    patient.finishFirstTries(std::chrono::steady_clock::now() + 1h);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "<4>An e-mail to a@b is not sent yet and will be tried again: No mail server is "
               "set\n");
     EXPECT_EQ(patient.dropped(), 0U);
     ::testing::internal::CaptureStderr();
-    patient.end();
+    patient.shutDown();
     ::testing::internal::GetCapturedStderr();
 }
 
@@ -385,19 +385,19 @@ TEST_F(MailSenderTest, DrainsItsQueue) {
     ::testing::internal::CaptureStderr();
     {
         MailSender patient;
-        patient.drain(std::chrono::steady_clock::now() + 1h);
+        patient.finishFirstTries(std::chrono::steady_clock::now() + 1h);
         patient.configure(settingsFor(server));
         server.answerRecipient("busy@b", "451 Later");
         for (int i = 0; i < 20; ++i) {
             EXPECT_TRUE(patient.submit({{"a@b", "busy@b"}, "s", "", false}));
         }
-        patient.drain(std::chrono::steady_clock::now() + 1h);
+        patient.finishFirstTries(std::chrono::steady_clock::now() + 1h);
         EXPECT_THAT(server.mails(), SizeIs(20));
         server.keepSilent();
         EXPECT_TRUE(patient.submit({{"a@b"}, "s", "", false}));
-        patient.drain(std::chrono::steady_clock::now() + 10ms);
+        patient.finishFirstTries(std::chrono::steady_clock::now() + 10ms);
         EXPECT_EQ(patient.sent() + patient.dropped(), 0U);
-        patient.end();
+        patient.shutDown();
         // The twenty reached one of two.
         EXPECT_EQ(patient.sent(), 20U);
         EXPECT_EQ(patient.dropped(), 21U);
