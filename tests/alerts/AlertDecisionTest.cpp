@@ -15,7 +15,7 @@ namespace {
 
 using Labels = std::vector<std::string>;
 
-TEST(FindArray, FindsTheFirstElementThatContainsTheKey) {
+TEST(FindArrayTest, FindsTheFirstElementThatContainsTheKey) {
     struct Case {
         Labels array;
         const char *key;
@@ -79,14 +79,14 @@ const std::vector<Selection> kSelections{
     {"Alert.Debug", {"Unknown"}, false},
 };
 
-TEST(IsSelected, LooksUpEverySeverityNamed) {
+TEST(IsSelectedTest, LooksUpEverySeverityNamed) {
     for (const Selection &c : kSelections) {
         EXPECT_EQ(isSelected(classesOf(c.priority), c.labels), c.selected)
             << c.priority << " of " << c.labels.size();
     }
 }
 
-TEST(IsPopupWanted, AsksForATimeAndALabelOfItsOwnList) {
+TEST(IsPopupWantedTest, AsksForATimeAndALabelOfItsOwnList) {
     const AlertSettings on{5, "", {"Alert"}, {}};
     EXPECT_TRUE(isPopupWanted(classesOf("Kern.Alert"), on));
     EXPECT_FALSE(isPopupWanted(classesOf("Kern.Debug"), on));
@@ -96,7 +96,7 @@ TEST(IsPopupWanted, AsksForATimeAndALabelOfItsOwnList) {
     EXPECT_FALSE(isPopupWanted(classesOf("Kern.Alert"), {5, "/bell.wav", {}, {"Alert"}}));
 }
 
-TEST(IsSoundWanted, AsksForAFileAndALabelOfItsOwnList) {
+TEST(IsSoundWantedTest, AsksForAFileAndALabelOfItsOwnList) {
     const AlertSettings on{0, "/bell.wav", {}, {"Alert"}};
     EXPECT_TRUE(isSoundWanted(classesOf("Kern.Alert"), on));
     EXPECT_FALSE(isSoundWanted(classesOf("Kern.Debug"), on));

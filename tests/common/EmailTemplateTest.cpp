@@ -10,7 +10,7 @@ struct TemplateCase {
     std::string_view filled;
 };
 
-TEST(EmailTemplate, ReplacesEveryPlaceholder) {
+TEST(EmailTemplateTest, ReplacesEveryPlaceholder) {
     const EventFields event{"2026-01-02", "Local7.Debug", "10.0.0.5", "disk full", {}};
     const TemplateCase cases[] = {
         {"", ""},
@@ -28,7 +28,7 @@ TEST(EmailTemplate, ReplacesEveryPlaceholder) {
     }
 }
 
-TEST(EmailTemplate, LaterPlaceholdersAreReplacedInWhatWasPutInEarlier) {
+TEST(EmailTemplateTest, LaterPlaceholdersAreReplacedInWhatWasPutInEarlier) {
     const EventFields event{"$host$date$priority",
                             "$date$priority$message",
                             "$host$date$priority$message",
@@ -42,7 +42,7 @@ TEST(EmailTemplate, LaterPlaceholdersAreReplacedInWhatWasPutInEarlier) {
     EXPECT_EQ(fillTemplate("$$hostage", {{}, {}, "mess", "end", {}}), "end");
 }
 
-TEST(EmailTemplate, AbsentFieldsAreNothing) {
+TEST(EmailTemplateTest, AbsentFieldsAreNothing) {
     EXPECT_EQ(fillTemplate("[$date$priority$host$message]", {}), "[]");
 }
 

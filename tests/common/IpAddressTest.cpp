@@ -15,7 +15,7 @@ IpAddress address(const char *text) {
     return IpAddress::parse(text).value();
 }
 
-TEST(IpAddress, ReadsBothFamilies) {
+TEST(IpAddressTest, ReadsBothFamilies) {
     struct Case {
         std::string_view text;
         bool valid;
@@ -45,7 +45,7 @@ TEST(IpAddress, ReadsBothFamilies) {
     EXPECT_EQ(IpAddress::parse("::ffff:10.1.2.3"), IpAddress::parse("10.1.2.3"));
 }
 
-TEST(IpAddress, ComesFromASocketAndGoesToOne) {
+TEST(IpAddressTest, ComesFromASocketAndGoesToOne) {
     for (const char *text :
          {"10.1.2.3", "0.0.0.0", "255.255.255.255", "::", "::1", "2001:db8::1", "fe80::1:2:3:4"}) {
         sockaddr_storage socket{};
@@ -70,7 +70,7 @@ TEST(IpAddress, ComesFromASocketAndGoesToOne) {
     EXPECT_EQ(IpAddress::of(other), address("::"));
 }
 
-TEST(IpAddress, HasNetworks) {
+TEST(IpAddressTest, HasNetworks) {
     EXPECT_EQ(address("2001:db8:1:2:3:4:5:6").network(64), address("2001:db8:1:2::"));
     EXPECT_EQ(address("2001:db8:1:2:3:4:5:6").network(31), address("2001:db8::"));
     EXPECT_EQ(address("2001:dbf::").network(29), address("2001:db8::"));

@@ -38,7 +38,7 @@ struct SplitCase {
     std::optional<Fields> fields;
 };
 
-TEST(LogReader, SplitsLines) {
+TEST(LogReaderTest, SplitsLines) {
     const SplitCase cases[] = {
         {"1700000000,Local7.Error,10.0.0.5,disk full, retrying\r\n",
          Fields{"1700000000", "Local7.Error", "10.0.0.5", "disk full, retrying"}},
@@ -75,7 +75,7 @@ TEST(LogReader, SplitsLines) {
     }
 }
 
-TEST(LogReader, AnyByteButTheSeparatorsBelongsToAField) {
+TEST(LogReaderTest, AnyByteButTheSeparatorsBelongsToAField) {
     const std::string piece("1\0\x01,\xff\xfe,h\te,m\0sg\x7f\r\n", 18);
     const auto line = splitLogLine(piece);
     ASSERT_TRUE(line);
@@ -83,7 +83,7 @@ TEST(LogReader, AnyByteButTheSeparatorsBelongsToAField) {
               (Fields{std::string("1\0\x01", 3), "\xff\xfe", "h\te", std::string("m\0sg\x7f", 5)}));
 }
 
-TEST(LogReader, TakesALongLineInPiecesOfAtMost1023Bytes) {
+TEST(LogReaderTest, TakesALongLineInPiecesOfAtMost1023Bytes) {
     const TemporaryFolder folder;
     // The pieces end in the middle of a field list, so that each is accepted or not by itself.
     std::string line = "1,A,h," + std::string(3000 - 6, 'x');
@@ -95,7 +95,7 @@ TEST(LogReader, TakesALongLineInPiecesOfAtMost1023Bytes) {
                               }));
 }
 
-TEST(LogReader, APieceEndsExactlyAtItsLimit) {
+TEST(LogReaderTest, APieceEndsExactlyAtItsLimit) {
     const TemporaryFolder folder;
     // 1,023 bytes with the line end are one piece; one byte more leaves the line feed to the next.
     const std::string fits = "1,A,h," + std::string(kPiece - 8, 'x') + "\r\n";
@@ -107,7 +107,7 @@ TEST(LogReader, APieceEndsExactlyAtItsLimit) {
     EXPECT_EQ(lines[2][0], "3");
 }
 
-TEST(LogReader, WhatCannotBeReadHasNoLines) {
+TEST(LogReaderTest, WhatCannotBeReadHasNoLines) {
     const TemporaryFolder folder;
     EXPECT_TRUE(readBack(folder.path() / "missing.log").empty());
     EXPECT_TRUE(readBack(folder.path()).empty());
@@ -116,7 +116,7 @@ TEST(LogReader, WhatCannotBeReadHasNoLines) {
     EXPECT_TRUE(readBack(pipe).empty());
 }
 
-TEST(LogReader, AHandlerCanEndTheReading) {
+TEST(LogReaderTest, AHandlerCanEndTheReading) {
     const TemporaryFolder folder;
     const auto file = folder.write("x.log", "1,2,3,4\n5,6,7,8\n");
     int lines = 0;
@@ -169,7 +169,7 @@ std::vector<Fields> readSlowly(const std::string &bytes) {
     return lines;
 }
 
-TEST(LogReader, ReadsRandomBytesAsTheRulesSay) {
+TEST(LogReaderTest, ReadsRandomBytesAsTheRulesSay) {
     const TemporaryFolder folder;
     std::mt19937 random(20261121);
     const std::string alphabet("ab1,,,,\r\n\n\0\xc3\xa9\xff ", 15);

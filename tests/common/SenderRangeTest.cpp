@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 
-TEST(SenderRange, TellsWhomItStandsFor) {
+TEST(SenderRangeTest, TellsWhomItStandsFor) {
     struct Case {
         const char *address;
         std::int64_t mask;
@@ -56,7 +56,7 @@ TEST(SenderRange, TellsWhomItStandsFor) {
     }
 }
 
-TEST(SenderRange, ContainsAsManyAddressesAsItSays) {
+TEST(SenderRangeTest, ContainsAsManyAddressesAsItSays) {
     const auto last = [](unsigned i) {
         return std::to_string(i / 256) + '.' + std::to_string(i % 256);
     };
@@ -73,7 +73,7 @@ TEST(SenderRange, ContainsAsManyAddressesAsItSays) {
     }
 }
 
-TEST(SenderRange, ReadsARecord) {
+TEST(SenderRangeTest, ReadsARecord) {
     const auto bits = [](const Dictionary &record) { return SenderRange(record).freeBits(); };
     EXPECT_EQ(bits({{"IP", "10.0.0.5"}, {"Mask", "24"}}), 8U);
     EXPECT_EQ(bits({{"IP", "10.0.0.5"}, {"Mask", " 24x"}}), 8U);

@@ -8,12 +8,12 @@
 namespace quorbel {
 namespace {
 
-TEST(SettingsDocument, DecodesADictionary) {
+TEST(SettingsDocumentTest, DecodesADictionary) {
     const Dictionary settings{{"textInterval", 5}, {"unknown", Array{1, "two", true}}};
     EXPECT_EQ(decodeSettings(writeKeyedArchive(settings)), settings);
 }
 
-TEST(SettingsDocument, WhatIsNoDictionaryIsNoDocument) {
+TEST(SettingsDocumentTest, WhatIsNoDictionaryIsNoDocument) {
     EXPECT_EQ(decodeSettings(std::nullopt), std::nullopt);
     EXPECT_EQ(decodeSettings(""), std::nullopt);
     EXPECT_EQ(decodeSettings("[settings]\nport=25\n"), std::nullopt);
@@ -28,7 +28,7 @@ struct NumberCase {
     std::int64_t integer;
 };
 
-TEST(SettingsDocument, NumbersOfAnyKindReadAsIntegers) {
+TEST(SettingsDocumentTest, NumbersOfAnyKindReadAsIntegers) {
     constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
     constexpr auto kMin = std::numeric_limits<std::int64_t>::min();
     const NumberCase cases[] = {
@@ -57,7 +57,7 @@ TEST(SettingsDocument, NumbersOfAnyKindReadAsIntegers) {
     EXPECT_FALSE(settingFlag({}, "key"));
 }
 
-TEST(SettingsDocument, OtherKindsReadAsEmpty) {
+TEST(SettingsDocumentTest, OtherKindsReadAsEmpty) {
     const Dictionary settings{{"text", "x"},
                               {"list", Array{"a", 5, "b", Null{}}},
                               {"number", 5},

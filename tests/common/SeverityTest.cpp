@@ -24,7 +24,7 @@ std::string countedParts(const PriorityClasses &classes) {
     return parts;
 }
 
-TEST(Severity, ClassifiesPriorities) {
+TEST(SeverityTest, ClassifiesPriorities) {
     const Case cases[] = {
         {"Kern.Emergency", "Emergency", 0, 0},
         {"Auth.Alert", "Alerting", 1, 1},
@@ -54,14 +54,14 @@ TEST(Severity, ClassifiesPriorities) {
     }
 }
 
-TEST(Severity, TableHasTheDefaultLevelsInOrder) {
+TEST(SeverityTest, TableHasTheDefaultLevelsInOrder) {
     const std::int64_t expected[] = {2, 2, 2, 1, 1, 1, 0, 0, 0};
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         EXPECT_EQ(kSeverityClasses[i].defaultLevel, expected[i]) << kSeverityClasses[i].keyPart;
     }
 }
 
-TEST(Severity, LevelNames) {
+TEST(SeverityTest, LevelNames) {
     EXPECT_EQ(severityLevelName(0), "Normal");
     EXPECT_EQ(severityLevelName(1), "Moderate");
     EXPECT_EQ(severityLevelName(2), "Severe");

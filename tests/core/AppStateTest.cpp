@@ -8,7 +8,7 @@
 namespace quorbel {
 namespace {
 
-TEST(AppState, EachClassHasItsOwnCounterAndLevel) {
+TEST(AppStateTest, EachClassHasItsOwnCounterAndLevel) {
     AppState state;
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         state.*kSeverityCounters[i] = static_cast<std::int64_t>(i) + 1;

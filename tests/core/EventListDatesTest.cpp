@@ -15,7 +15,7 @@ namespace {
 
 using namespace testing;
 
-TEST(EventListDates, ANewFormatReRendersFromTheOldOne) {
+TEST(EventListDatesTest, ANewFormatReRendersFromTheOldOne) {
     EventList list;
     list.insertRaw(fields("1700000042"));
     list.show(stateWith("dd.MM.yyyy HH:mm"));
@@ -27,7 +27,7 @@ TEST(EventListDates, ANewFormatReRendersFromTheOldOne) {
 
 constexpr std::string_view kFifthOfNovember = "1699179003";  // 2023-11-05 10:10:03 UTC
 
-TEST(EventListDates, ADateIsReadInItsOwnFormatHoweverOftenItIsShown) {
+TEST(EventListDatesTest, ADateIsReadInItsOwnFormatHoweverOftenItIsShown) {
     EventList list;
     list.insertRaw(fields(kFifthOfNovember));
     list.show(stateWith("dd/MM/yyyy HH:mm:ss"));
@@ -48,7 +48,7 @@ TEST(EventListDates, ADateIsReadInItsOwnFormatHoweverOftenItIsShown) {
     EXPECT_EQ(list.date(1), "11/05/2023 10:10:03");
 }
 
-TEST(EventListDates, AFormatSavedTwiceBeforeTheNextShowingIsTakenByAllRows) {
+TEST(EventListDatesTest, AFormatSavedTwiceBeforeTheNextShowingIsTakenByAllRows) {
     EventList list;
     list.insertRaw(fields(kFifthOfNovember));
     list.show(stateWith("dd/MM/yyyy HH:mm:ss"));
@@ -65,7 +65,7 @@ TEST(EventListDates, AFormatSavedTwiceBeforeTheNextShowingIsTakenByAllRows) {
     }
 }
 
-TEST(EventListDates, ADateThatCameAsTextIsReadInTheOldFormat) {
+TEST(EventListDatesTest, ADateThatCameAsTextIsReadInTheOldFormat) {
     EventList list;
     list.insertRaw(fields("14.11.2023 22:14"));
     list.insertRaw(fields("soon"));
@@ -78,7 +78,7 @@ TEST(EventListDates, ADateThatCameAsTextIsReadInTheOldFormat) {
     EXPECT_EQ(list.date(1), "11/14/2023 22:14");
 }
 
-TEST(EventListDates, ADateThatItsOwnFormatCannotReadStays) {
+TEST(EventListDatesTest, ADateThatItsOwnFormatCannotReadStays) {
     EventList list;
     list.insertRaw(fields(kFifthOfNovember));
     list.show(stateWith("yyyy 'open"));
@@ -88,14 +88,14 @@ TEST(EventListDates, ADateThatItsOwnFormatCannotReadStays) {
     EXPECT_EQ(list.date(0), "");
 }
 
-TEST(EventListDates, TheDayPeriodMarkerBecomesTheLetter) {
+TEST(EventListDatesTest, TheDayPeriodMarkerBecomesTheLetter) {
     EventList list;
     list.insertRaw(fields("1700000042"));
     list.show(stateWith("yyyy-MM-dd hh:mm:ss AM/PM"));
     EXPECT_EQ(list.date(0), "2023-11-14 10:14:02 PM");
 }
 
-TEST(EventListDates, AnEmptyFormatIsShortDateAndMediumTime) {
+TEST(EventListDatesTest, AnEmptyFormatIsShortDateAndMediumTime) {
     EventList list;
     list.insertRaw(fields("1700000042"));
     list.show(stateWith(""));
@@ -110,7 +110,7 @@ void fillOverDays(EventList &list, std::int64_t count) {
     }
 }
 
-TEST(EventListDates, FindsEachOfManyRowsInWhateverFormatItIsShown) {
+TEST(EventListDatesTest, FindsEachOfManyRowsInWhateverFormatItIsShown) {
     EventList list;
     constexpr std::int64_t kCount = 20'000;
     fillOverDays(list, kCount);
@@ -134,7 +134,7 @@ TEST(EventListDates, FindsEachOfManyRowsInWhateverFormatItIsShown) {
     }
 }
 
-TEST(EventListDates, FindsAMinuteThatTheClockShowsTwice) {
+TEST(EventListDatesTest, FindsAMinuteThatTheClockShowsTwice) {
     icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("Europe/Berlin"));
     EventList list;
     const AppState state = stateWith();
@@ -146,7 +146,7 @@ TEST(EventListDates, FindsAMinuteThatTheClockShowsTwice) {
     icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone("UTC"));
 }
 
-TEST(EventListDates, MoreShowingsAndFormatsThanItsNumbersHold) {
+TEST(EventListDatesTest, MoreShowingsAndFormatsThanItsNumbersHold) {
     EventList list;
     list.insertRaw(fields("1700000000"));
     std::string format = "HH:mm:ss";
@@ -168,7 +168,7 @@ TEST(EventListDates, MoreShowingsAndFormatsThanItsNumbersHold) {
     EXPECT_EQ(list.date(list.size() - 1), "22:00:00");
 }
 
-TEST(EventListDates, MoreFormatsThatReadNothingThanItsNumbersHold) {
+TEST(EventListDatesTest, MoreFormatsThatReadNothingThanItsNumbersHold) {
     EventList list;
     for (int i = 0; i < 600; ++i) {
         list.insertShown(fields("1700000001"), stateWith("'" + std::to_string(i) + "' d '"));

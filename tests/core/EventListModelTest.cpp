@@ -111,7 +111,7 @@ struct ModelCase {
     bool hasOddDates;
 };
 
-class EventListModel : public ::testing::TestWithParam<ModelCase> {
+class EventListModelTest : public ::testing::TestWithParam<ModelCase> {
 protected:
     void SetUp() override {
         icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone(GetParam().zone));
@@ -208,7 +208,7 @@ protected:
     std::size_t m_step = 0;
 };
 
-TEST_P(EventListModel, ReadsTheSameAsAPlainList) {
+TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
     for (; m_step < 300; ++m_step) {
         for (std::size_t i = pick(150); i > 0; --i) {
             const PlainEvent event = randomEvent();
@@ -262,7 +262,7 @@ std::vector<std::string> oddFormats() {
     return formats;
 }
 
-INSTANTIATE_TEST_SUITE_P(Zones, EventListModel,
+INSTANTIATE_TEST_SUITE_P(Zones, EventListModelTest,
                          ::testing::Values(ModelCase{"UTC", "UTC", kFormats, true},
                                            ModelCase{"Berlin", "Europe/Berlin", kFormats, false},
                                            ModelCase{"NewYork", "America/New_York", kFormats, true},

@@ -12,7 +12,7 @@ namespace {
 
 using namespace testing;
 
-TEST(EventList, NewestIsOnTop) {
+TEST(EventListTest, NewestIsOnTop) {
     EventList list;
     list.insertRaw(fields("1", "A.Error", "a", "first"));
     list.insertRaw(fields("2", "B.Debug", "b", "second"));
@@ -30,7 +30,7 @@ struct DateCase {
     const char *afterShowing;
 };
 
-TEST(EventList, ShowingConvertsRawDatesOnly) {
+TEST(EventListTest, ShowingConvertsRawDatesOnly) {
     const DateCase cases[] = {
         {"1700000000", "2023-11-14 22:13:20"},
         {"0", "1970-01-01 00:00:00"},
@@ -50,7 +50,7 @@ TEST(EventList, ShowingConvertsRawDatesOnly) {
     }
 }
 
-TEST(EventList, InsertingWhileShownRendersWhateverNumberTheDateStartsWith) {
+TEST(EventListTest, InsertingWhileShownRendersWhateverNumberTheDateStartsWith) {
     const DateCase cases[] = {
         {"1700000000", "2023-11-14 22:13:20"}, {"1700000000.5", "2023-11-14 22:13:20"},
         {"-5", "1969-12-31 23:59:55"},         {"soon", "1970-01-01 00:00:00"},
@@ -64,7 +64,7 @@ TEST(EventList, InsertingWhileShownRendersWhateverNumberTheDateStartsWith) {
     }
 }
 
-TEST(EventList, AnAbsentFieldStaysAbsent) {
+TEST(EventListTest, AnAbsentFieldStaysAbsent) {
     EventList list;
     list.insertRaw({});
     list.insertShown({}, stateWith());
@@ -79,7 +79,7 @@ TEST(EventList, AnAbsentFieldStaysAbsent) {
     }
 }
 
-TEST(EventList, EveryShowingTakesTheLevelsInForce) {
+TEST(EventListTest, EveryShowingTakesTheLevelsInForce) {
     EventList list;
     list.insertRaw(fields("1", "Local7.Informational"));
     list.insertRaw(fields("1", "AlertFeed.Notice"));
@@ -103,7 +103,7 @@ TEST(EventList, EveryShowingTakesTheLevelsInForce) {
     EXPECT_EQ(list.image(0), "");
 }
 
-TEST(EventList, FindsTheFirstRowThatReadsLikeTheAnnouncedEvent) {
+TEST(EventListTest, FindsTheFirstRowThatReadsLikeTheAnnouncedEvent) {
     EventList list;
     const AppState state = stateWith("yyyy-MM-dd HH:mm");
     list.insertRaw(fields("1700000000"));
@@ -125,7 +125,7 @@ TEST(EventList, FindsTheFirstRowThatReadsLikeTheAnnouncedEvent) {
     EXPECT_EQ(list.find(incomplete, state.newDateFormat), std::nullopt);
 }
 
-TEST(EventList, ARawDateIsNeverFound) {
+TEST(EventListTest, ARawDateIsNeverFound) {
     EventList list;
     const AppState state = stateWith();
     list.insertRaw(fields("1700000000"));
@@ -136,7 +136,7 @@ TEST(EventList, ARawDateIsNeverFound) {
     EXPECT_EQ(list.find(fields("1700000000"), state.newDateFormat), 1U);
 }
 
-TEST(EventList, FindPassesOverRowsMarkedForRemoval) {
+TEST(EventListTest, FindPassesOverRowsMarkedForRemoval) {
     EventList list;
     const AppState state = stateWith();
     list.insertShown(fields("1700000000"), state);
@@ -151,7 +151,7 @@ TEST(EventList, FindPassesOverRowsMarkedForRemoval) {
     EXPECT_EQ(list.size(), 0U);
 }
 
-TEST(EventList, FindsADateThatIsTextByItsText) {
+TEST(EventListTest, FindsADateThatIsTextByItsText) {
     EventList list;
     const AppState state = stateWith("yyyy-MM-dd HH:mm:ss");
     list.insertRaw(fields("2023-11-14 22:13:20"));
@@ -160,7 +160,7 @@ TEST(EventList, FindsADateThatIsTextByItsText) {
     EXPECT_EQ(list.find(fields("1700000000"), state.newDateFormat), 1U);
 }
 
-TEST(EventList, AnEventStaysReadableAfterItLeft) {
+TEST(EventListTest, AnEventStaysReadableAfterItLeft) {
     EventList list;
     const std::pair<std::string_view, std::string_view> other[] = {{"Extra", "more"}};
     EventFields event = fields("1700000000");
@@ -183,7 +183,7 @@ TEST(EventList, AnEventStaysReadableAfterItLeft) {
     EXPECT_EQ(copy.value("Other"), std::nullopt);
 }
 
-TEST(EventList, KeepsMessagesOfAnyBytesAndLength) {
+TEST(EventListTest, KeepsMessagesOfAnyBytesAndLength) {
     EventList list;
     const std::string nul("a\0b", 3);
     const std::string lengths[] = {"", nul, std::string(127, 'x'), std::string(128, 'y'),
@@ -218,7 +218,7 @@ private:
     EventList &m_list;
 };
 
-TEST(EventList, TellsItsObserverBeforeAndAfter) {
+TEST(EventListTest, TellsItsObserverBeforeAndAfter) {
     EventList list;
     Recorder recorder(list);
     list.setObserver(&recorder);
@@ -251,7 +251,7 @@ TEST(EventList, TellsItsObserverBeforeAndAfter) {
     EXPECT_EQ(list.size(), 32U);
 }
 
-TEST(EventList, IdsFindTheirRows) {
+TEST(EventListTest, IdsFindTheirRows) {
     EventList list;
     std::vector<EventId> ids;
     for (int i = 0; i < 10'000; ++i) {

@@ -21,7 +21,7 @@ std::set<std::uint32_t> numbersUnder(const HashIndex &index, std::size_t hash) {
     return numbers;
 }
 
-TEST(HashIndex, HoldsWhatAPlainMapHolds) {
+TEST(HashIndexTest, HoldsWhatAPlainMapHolds) {
     std::mt19937 random(3);
     HashIndex index;
     std::map<std::size_t, std::set<std::uint32_t>> expected;
@@ -51,7 +51,7 @@ TEST(HashIndex, HoldsWhatAPlainMapHolds) {
     EXPECT_TRUE(index.isEmpty());
 }
 
-TEST(HashIndex, FindsTheOneThatMatches) {
+TEST(HashIndexTest, FindsTheOneThatMatches) {
     HashIndex index;
     EXPECT_EQ(index.find(5, [](std::uint32_t) { return true; }), std::nullopt);
     index.insert(5, 1);
@@ -61,7 +61,7 @@ TEST(HashIndex, FindsTheOneThatMatches) {
     EXPECT_EQ(index.find(5, [](std::uint32_t) { return true; }), std::nullopt);
 }
 
-TEST(HashIndex, ATextsHashDependsOnAllItsBytes) {
+TEST(HashIndexTest, ATextsHashDependsOnAllItsBytes) {
     std::set<std::size_t> hashes;
     std::size_t texts = 0;
     for (std::size_t length = 0; length <= 40; ++length) {

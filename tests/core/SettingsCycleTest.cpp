@@ -8,7 +8,7 @@
 namespace quorbel {
 namespace {
 
-TEST(SettingsCycle, KeepsWhatThePageDoesNotOwn) {
+TEST(SettingsCycleTest, KeepsWhatThePageDoesNotOwn) {
     const Dictionary stored{{"ours", 1}, {"unknown", Data{"\x01\x02"}}, {"gone", "text"}};
     SettingsCycle cycle;
     EXPECT_TRUE(cycle.load(writeKeyedArchive(stored)));
@@ -20,7 +20,7 @@ TEST(SettingsCycle, KeepsWhatThePageDoesNotOwn) {
               (Dictionary{{"ours", 2}, {"unknown", Data{"\x01\x02"}}, {"added", "new"}}));
 }
 
-TEST(SettingsCycle, WithoutADocumentHoldsOnlyWhatThePageSets) {
+TEST(SettingsCycleTest, WithoutADocumentHoldsOnlyWhatThePageSets) {
     SettingsCycle cycle;
     EXPECT_TRUE(cycle.load(writeKeyedArchive(Dictionary{{"old", 1}})));
     EXPECT_FALSE(cycle.load(std::nullopt));

@@ -4,7 +4,7 @@
 
 namespace quorbel {
 
-TEST(DateFormatItems, TakeTheFirstTwoParts) {
+TEST(DateFormatItemsTest, TakeTheFirstTwoParts) {
     struct Case {
         const char *format;
         const char *date;
@@ -28,7 +28,7 @@ TEST(DateFormatItems, TakeTheFirstTwoParts) {
     }
 }
 
-TEST(ComposeDateFormat, JoinsTheItemsAndKeepsWhatIsNotChosen) {
+TEST(ComposeDateFormatTest, JoinsTheItemsAndKeepsWhatIsNotChosen) {
     using Item = std::optional<std::string>;
     struct Case {
         Item date;

@@ -41,7 +41,7 @@ constexpr const char *kSettings[] = {
     "",           "yyyy-MM-dd HH:mm", "dd.MM.yyyy HH:mm:ss", "d/M/yy h:mm:ss AM/PM", "ss:mm",
     "yyyy-MM-dd", "o'clock",          "HH:mm:ss.SSS"};
 
-TEST(DateTable, NumbersTextsAsTheyFirstAppear) {
+TEST(DateTableTest, NumbersTextsAsTheyFirstAppear) {
     std::mt19937 random(5);
     for (const int span : {20, 4000, 40'000'000}) {
         std::vector<double> moments;
@@ -66,7 +66,7 @@ TEST(DateTable, NumbersTextsAsTheyFirstAppear) {
     }
 }
 
-TEST(DateTable, KnowsATextThatComesBack) {
+TEST(DateTableTest, KnowsATextThatComesBack) {
     // Without the day in the text, the next day shows the same again.
     EXPECT_EQ(numbersOf("HH:mm", {0, 60, 30, 86400, 120, 86460, 86400}),
               (std::vector<std::uint32_t>{0, 1, 0, 0, 2, 1, 0}));
@@ -74,7 +74,7 @@ TEST(DateTable, KnowsATextThatComesBack) {
 }
 
 // So many that some share a hash.
-TEST(DateTable, TellsApartDatesThatShareAHash) {
+TEST(DateTableTest, TellsApartDatesThatShareAHash) {
     constexpr std::uint32_t kDates = 500'000;
     std::vector<double> falling;
     std::vector<std::uint32_t> expected;

@@ -48,7 +48,7 @@ void expectTheSame(const DateFormat &format, DateTexts &texts, double seconds) {
     EXPECT_EQ(texts.text(seconds), format.render(seconds)) << seconds;
 }
 
-TEST(DateTexts, RendersAsTheFormatDoes) {
+TEST(DateTextsTest, RendersAsTheFormatDoes) {
     std::mt19937_64 random(7);
     std::uniform_int_distribution<std::int64_t> anyMoment(-3'000'000'000, 5'000'000'000);
     std::uniform_int_distribution<std::int64_t> nearby(0, 4000);
@@ -69,7 +69,7 @@ TEST(DateTexts, RendersAsTheFormatDoes) {
     }
 }
 
-TEST(DateTexts, FollowsTheClocksThroughTheirChanges) {
+TEST(DateTextsTest, FollowsTheClocksThroughTheirChanges) {
     struct Change {
         const char *zone;
         std::int64_t moment;
@@ -104,7 +104,7 @@ TEST(DateTexts, FollowsTheClocksThroughTheirChanges) {
     }
 }
 
-TEST(DateTexts, TakesAnyNumber) {
+TEST(DateTextsTest, TakesAnyNumber) {
     for (const char *setting : {"", "HH:mm", "HH:mm:ss.SSS"}) {
         const DateFormat format(setting);
         DateTexts texts(setting);

@@ -66,7 +66,7 @@ std::vector<Group> readBytes(ReportKind kind, const std::string &bytes,
     return readFiles(kind, {folder.write("x.log", bytes)}, format);
 }
 
-TEST(ReportEngine, GroupsByEachField) {
+TEST(ReportEngineTest, GroupsByEachField) {
     const std::string log =
         "1700000000,Local7.Error,h1,one\r\n"
         "1700000001,Kern.Alert,h2,two, and more\r\n"
@@ -98,7 +98,7 @@ struct LineCase {
     std::optional<std::array<std::string, 3>> fields;  // Priority, Host, Message
 };
 
-TEST(ReportEngine, ReadsLinesAsTheRulesSay) {
+TEST(ReportEngineTest, ReadsLinesAsTheRulesSay) {
     const LineCase cases[] = {
         {"1,P,h,a, b,,c\r\n", {{"P", "h", "a, b,,c"}}},
         {"1,P,h,\r\n", std::nullopt},
@@ -123,7 +123,7 @@ TEST(ReportEngine, ReadsLinesAsTheRulesSay) {
     }
 }
 
-TEST(ReportEngine, ReadsDatesAsNumbers) {
+TEST(ReportEngineTest, ReadsDatesAsNumbers) {
     const std::pair<const char *, const char *> cases[] = {
         {"1700000000", "2023-11-14 22:13:20"},
         {"1700000000.75", "2023-11-14 22:13:20"},
@@ -143,7 +143,7 @@ TEST(ReportEngine, ReadsDatesAsNumbers) {
     }
 }
 
-TEST(ReportEngine, GroupsByDateAsItIsShown) {
+TEST(ReportEngineTest, GroupsByDateAsItIsShown) {
     const std::string log =
         "1700000000,P,h,a\n1700086400,P,h,b\n1700003600,P,h,c\n1700000000,P,h,d\n";
     const auto days = readBytes(ReportKind::kDate, log, "yyyy-MM-dd");
@@ -159,7 +159,7 @@ TEST(ReportEngine, GroupsByDateAsItIsShown) {
                   {"", {{"P", "h", "a"}, {"P", "h", "b"}, {"P", "h", "c"}, {"P", "h", "d"}}}}));
 }
 
-TEST(ReportEngine, CutsALongLineInPieces) {
+TEST(ReportEngineTest, CutsALongLineInPieces) {
     const std::string rest = "2,Q,i," + std::string(500, 'y');
     const std::string line = "1,P,h," + std::string(1023 - 6, 'x') + rest + "\r\n";
     const auto groups = readBytes(ReportKind::kHost, line);
@@ -170,7 +170,7 @@ TEST(ReportEngine, CutsALongLineInPieces) {
     EXPECT_EQ(readBytes(ReportKind::kHost, "1,P,h," + std::string(3000, 'x') + "\n").size(), 1U);
 }
 
-TEST(ReportEngine, WithoutAKindItHasNoGroups) {
+TEST(ReportEngineTest, WithoutAKindItHasNoGroups) {
     const TemporaryFolder folder;
     ReportEngine report(std::nullopt, kFormat);
     std::uint64_t bytes = 0;
@@ -183,7 +183,7 @@ TEST(ReportEngine, WithoutAKindItHasNoGroups) {
     EXPECT_EQ(report.groupCount(), 0U);
 }
 
-TEST(ReportEngine, ReadsFilesInTheirOrderAndPassesOverWhatCannotBeRead) {
+TEST(ReportEngineTest, ReadsFilesInTheirOrderAndPassesOverWhatCannotBeRead) {
     const TemporaryFolder folder;
     const auto first = folder.write("first.log", "1,P,h,one\n");
     const auto second = folder.write("second.log", "2,P,g,two\n3,P,h,three\n");
@@ -198,7 +198,7 @@ TEST(ReportEngine, ReadsFilesInTheirOrderAndPassesOverWhatCannotBeRead) {
     EXPECT_EQ(groups[1].details[1][2], "one");
 }
 
-TEST(ReportEngine, CopesWithFilesThatChangeWhileTheyAreRead) {
+TEST(ReportEngineTest, CopesWithFilesThatChangeWhileTheyAreRead) {
     const TemporaryFolder folder;
     std::string log;
     for (int i = 0; i < 20'000; ++i) {
@@ -225,7 +225,7 @@ TEST(ReportEngine, CopesWithFilesThatChangeWhileTheyAreRead) {
     EXPECT_EQ(countAfter([&] { std::filesystem::remove(file); }), 20'000U);
 }
 
-TEST(ReportEngine, CanBeCancelledAndTellsHowFarItIs) {
+TEST(ReportEngineTest, CanBeCancelledAndTellsHowFarItIs) {
     const TemporaryFolder folder;
     std::string log;
     while (log.size() < 1'000'000) {
@@ -248,7 +248,7 @@ TEST(ReportEngine, CanBeCancelledAndTellsHowFarItIs) {
     EXPECT_EQ(calls, 3);
 }
 
-TEST(ReportEngine, ReadsOneLineOf64MiBInTimeAndWithoutHoldingIt) {
+TEST(ReportEngineTest, ReadsOneLineOf64MiBInTimeAndWithoutHoldingIt) {
     const TemporaryFolder folder;
     const auto file = folder.path() / "x.log";
     {
@@ -380,7 +380,7 @@ std::string randomLog(std::mt19937 &random) {
     return bytes;
 }
 
-TEST(ReportEngine, AgreesWithThePlainRulesOnRandomLines) {
+TEST(ReportEngineTest, AgreesWithThePlainRulesOnRandomLines) {
     std::mt19937 random(20261121);
     const std::string bytes = randomLog(random);
     const TemporaryFolder folder;

@@ -63,7 +63,7 @@ void expectSameRows(const ReportRows &rows, const PlainRows &plain) {
     }
 }
 
-TEST(ReportRows, AnyClicksGiveTheRowsOfAPlainList) {
+TEST(ReportRowsTest, AnyClicksGiveTheRowsOfAPlainList) {
     std::mt19937 random(3);
     for (const std::size_t groups : {1U, 2U, 3U, 7U, 8U, 9U, 64U, 100U}) {
         std::vector<std::size_t> details;
@@ -86,7 +86,7 @@ TEST(ReportRows, AnyClicksGiveTheRowsOfAPlainList) {
     }
 }
 
-TEST(ReportRows, ResetForgetsWhatWasExpanded) {
+TEST(ReportRowsTest, ResetForgetsWhatWasExpanded) {
     ReportRows rows;
     rows.reset(2);
     rows.expand(0, 5);

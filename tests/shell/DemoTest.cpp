@@ -109,7 +109,7 @@ private:
 
 }  // namespace
 
-TEST(Demo, SendsFromSeveralHostsInEverySeverityUntilItIsEnded) {
+TEST(DemoTest, SendsFromSeveralHostsInEverySeverityUntilItIsEnded) {
     Receiver receiver;
     Demo demo(receiver.port());
     receiver.receive(61);
@@ -127,7 +127,7 @@ TEST(Demo, SendsFromSeveralHostsInEverySeverityUntilItIsEnded) {
     EXPECT_TRUE(WIFSIGNALED(demo.end(SIGTERM)));
 }
 
-TEST(Demo, KeepsToALivelyRateAfterTheFirstBurst) {
+TEST(DemoTest, KeepsToALivelyRateAfterTheFirstBurst) {
     Receiver receiver;
     Demo demo(receiver.port());
     receiver.receive(60);
@@ -137,7 +137,7 @@ TEST(Demo, KeepsToALivelyRateAfterTheFirstBurst) {
     EXPECT_LE(receiver.messages.size(), 100U);
 }
 
-TEST(Demo, RefusesWhatIsNoPort) {
+TEST(DemoTest, RefusesWhatIsNoPort) {
     for (const char *port : {"", "0", "65536", "514x", "-1", "syslog"}) {
         Demo demo(port);
         const int status = demo.wait();
