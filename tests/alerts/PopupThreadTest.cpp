@@ -1,11 +1,14 @@
 #include "alerts/AlertFixture.h"
 #include "alerts/PopupThread.h"
 #include "platform/AllocationMeter.h"
+#include "platform/gui/QtText.h"
+#include "platform/gui/SoundPlayer.h"
 #include "support/WaitUntil.h"
 
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <array>
@@ -283,6 +286,30 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         const std::size_t pauses = pace.taken() - before;
         QVERIFY2(pauses < kWorkers / 4, qPrintable(QString::number(pauses)));
+    }
+
+    void aSoundFileThatIsGoneKeepsNoPopupAway() {
+        const TemporaryFolder folder;
+        const std::string path = (folder.path() / "gone.wav").string();
+        AlertFixture it;
+        AppDelegate delegate;
+        delegate.setAlertSettings({60, path, {"Alert"}, {"Alert"}});
+        SoundPlayer player;
+        const QSignalSpy finished(&player, &SoundPlayer::finished);
+        PopupThread worker(delegate, it.storyboard,
+                           [&](const std::string &sound) { player.play(toQString(sound)); });
+        worker.start();
+        QTRY_VERIFY_WITH_TIMEOUT(worker.takesEvents(), kPatienceMs);
+        worker.append(it.event("Local7.Alert"));
+        QTRY_VERIFY_WITH_TIMEOUT(shown<PopupWindow>() != nullptr, kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, kPatienceMs);
+        QCOMPARE(finished.first().at(0).toString(), toQString(path));
+        QCOMPARE(finished.first().at(1).toBool(), false);
+        for (const QWidget *window : QApplication::topLevelWidgets()) {
+            QVERIFY2(!window->isVisible() || dynamic_cast<const PopupWindow *>(window) != nullptr,
+                     qPrintable(window->objectName()));
+        }
+        shown<PopupWindow>()->close();
     }
 
     void endsBeforeItHasBegun() {

@@ -1,13 +1,8 @@
-#include "alerts/AlertFixture.h"
-#include "alerts/PopupThread.h"
-#include "alerts/SoundFiles.h"
-#include "core/AppDelegate.h"
-#include "platform/gui/QtText.h"
+#include "gui/SoundFiles.h"
 #include "platform/gui/SoundPlayer.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
-#include <QApplication>
 #include <QAudioDevice>
 #include <QElapsedTimer>
 #include <QFile>
@@ -27,7 +22,6 @@
 namespace quorbel {
 
 using testing::aiff;
-using testing::AlertFixture;
 using testing::TemporaryFolder;
 using testing::wav;
 
@@ -200,27 +194,6 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_finished.size(), 1, kPatienceMs);
         QCOMPARE(m_finished.first().at(1).toBool(), false);
         QTRY_COMPARE_WITH_TIMEOUT(m_player.playing(), 0, kPatienceMs);
-    }
-
-    void aSoundFileThatIsGoneKeepsNoPopupAway() {
-        const QString path = write("gone.wav", wav(0.5));
-        AlertFixture it;
-        AppDelegate delegate;
-        delegate.setAlertSettings({60, path.toStdString(), {"Alert"}, {"Alert"}});
-        QVERIFY(QFile::remove(path));
-        PopupThread worker(delegate, it.storyboard,
-                           [this](const std::string &sound) { m_player.play(toQString(sound)); });
-        worker.start();
-        QTRY_VERIFY_WITH_TIMEOUT(worker.takesEvents(), kPatienceMs);
-        worker.append(it.event("Local7.Alert"));
-        QTRY_VERIFY_WITH_TIMEOUT(testing::shown<PopupWindow>() != nullptr, kPatienceMs);
-        QTRY_COMPARE_WITH_TIMEOUT(m_finished.size(), 1, kPatienceMs);
-        QCOMPARE(m_finished.first().at(0).toString(), path);
-        QCOMPARE(m_finished.first().at(1).toBool(), false);
-        for (const QWidget *window : QApplication::topLevelWidgets()) {
-            QVERIFY2(!window->isVisible() || dynamic_cast<const PopupWindow *>(window) != nullptr,
-                     qPrintable(window->objectName()));
-        }
     }
 
     void fallsSilentWithItsOwner() {

@@ -63,12 +63,12 @@ no IPv6 here
 [  PASSED  ] 4 tests.
 [  SKIPPED ] 1 test, listed below:
 [  SKIPPED ] ServiceTest.HearsIPv6
-3/3 Testing: packaging_AccessTest
+3/3 Testing: packaging_access_test
 Skipped: only root can act as other users.
 END
 wanted="quorbel::HomeTest::asks(row): a service runs on this machine
 ServiceTest.HearsIPv6: no IPv6 here
-packaging_AccessTest: only root can act as other users."
+packaging_access_test: only root can act as other users."
 skipped() { bash -c 'source "$1/tools/common.sh"; skipped_tests "$2"' - "$project" "$log"; }
 check "what was skipped is told, with the reason" test "$(skipped)" = "$wanted"
 
@@ -84,6 +84,18 @@ missing_tests() {
     done
 }
 check "behaviour that is meant has its tests" test -z "$(missing_tests)"
+
+# The names of tests that CONTRIBUTING.md would have otherwise: "FOLDER NAME".
+odd_programs() {
+    local list folder
+    find "$project/tests" -mindepth 2 -name CMakeLists.txt | while read -r list; do
+        folder=${list#"$project/tests/"}
+        folder=${folder%%/*}
+        sed -nE 's/^ *(quorbel_test\(|add_test\(NAME )([^ )]+).*/\2/p' "$list" |
+            grep -vE "^${folder}(_[a-z0-9_]+|_fit_\\$\{name\})?_test$" | sed "s/^/$folder /"
+    done
+}
+check "test programs are named after their folder: $(odd_programs)" test -z "$(odd_programs)"
 
 [ "$failures" -eq 0 ] && echo "All checks passed."
 exit "$((failures > 0))"

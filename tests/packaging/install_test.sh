@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # What an installation puts in place, and whether the system's own tools take it:
-# packaging_test.sh BUILD
+# install_test.sh BUILD
 set -eu
 build=$1
 root=$(mktemp -d)
