@@ -33,7 +33,7 @@ packages_for() {
 install_missing() {
     local -a missing as_root=()
     if ! command -v apt-get >/dev/null; then
-        say "This is no Debian system; packages.txt lists what has to be there."
+        say "This is not a Debian system; packages.txt lists what is needed."
         return
     fi
     mapfile -t missing < <(comm -23 <(packages_for "$@" | sort -u) <(
@@ -48,7 +48,7 @@ install_missing() {
     fi
     as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get -qy -o DPkg::Lock::Timeout=600)
     say "Installing: ${missing[*]}"
-    quietly "${as_root[@]}" update || say "The package lists could not be renewed; trying with the old ones."
+    quietly "${as_root[@]}" update || say "The package lists could not be updated; trying with the old ones."
     quietly "${as_root[@]}" install --no-install-recommends "${missing[@]}" ||
         die "The packages could not be installed."
 }

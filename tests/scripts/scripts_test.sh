@@ -25,7 +25,7 @@ gives() {
 
 check "run explains itself" gives 0 "^Usage: ./run" "$project/run" --help
 check "run refuses what it does not know" gives 2 "^Usage: ./run" "$project/run" --nonsense
-check "run wants a file for a picture" gives 1 "name of a file" "$project/run" --shot
+check "run wants a file for a picture" gives 1 "needs a file name" "$project/run" --shot
 check "test refuses an unknown preset" gives 1 "^Usage: ./test" "$project/test" release
 
 purposes="build run display test check tidy"
