@@ -6,8 +6,8 @@
 #include "Measure.h"
 #include "load/LoadCheck.h"
 #include "load/LoadSender.h"
-#include "platform/bus/NotificationObserver.h"
 #include "platform/UniqueFd.h"
+#include "platform/bus/NotificationObserver.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
@@ -196,7 +196,7 @@ double storedPerSecondUnheard(Transport transport) {
     const testing::PrivateBus bus;
     const testing::TemporaryFolder library;
     const testing::ServiceProcess service({library.path(), bus.address(), {"--port", "0"}});
-    service.waitForJournal("On the system bus");
+    service.waitForJournal("Connected to the system bus");
     return storedPerSecond(service.port(), transport, library.path());
 }
 
@@ -205,7 +205,7 @@ double storedPerSecondHeard(const char *name, Transport transport) {
     const testing::PrivateBus bus;
     const testing::TemporaryFolder library;
     testing::ServiceProcess service({library.path(), bus.address(), {"--port", "0"}});
-    service.waitForJournal("On the system bus");
+    service.waitForJournal("Connected to the system bus");
     const Receiver receiver;
     const Stopwatch watch;
     const double rate = storedPerSecond(service.port(), transport, library.path());

@@ -81,7 +81,7 @@ std::nullopt_t ArchiveReader::fail(std::string_view reason) {
 
 bool ArchiveReader::chargeItems(std::size_t count) {
     if (count > m_itemsLeft) {
-        fail("shared objects unfold to too many");
+        fail("shared objects that expand to too many");
         return false;
     }
     m_itemsLeft -= count;
@@ -94,7 +94,7 @@ bool ArchiveReader::chargeItems(std::size_t count, std::size_t itemCost) {
 
 bool ArchiveReader::chargeText(std::size_t bytes) {
     if (bytes > m_textLeft) {
-        fail("shared objects unfold to too much text");
+        fail("shared objects that expand to too much text");
         return false;
     }
     m_textLeft -= bytes;
@@ -104,7 +104,7 @@ bool ArchiveReader::chargeText(std::size_t bytes) {
 
 bool ArchiveReader::chargeMemory(std::size_t bytes) {
     if (bytes > m_memoryLeft) {
-        fail("objects take many times the memory that the archive does");
+        fail("objects that take many times the memory of the archive");
         return false;
     }
     m_memoryLeft -= bytes;
@@ -123,12 +123,12 @@ std::variant<Value, ArchiveError> ArchiveReader::read() {
 std::optional<std::uint64_t> ArchiveReader::rootNumber() {
     m_list = BinaryPropertyListReader::open(m_bytes);
     if (!m_list) {
-        return fail("no binary property list, or a damaged one");
+        return fail("not a binary property list, or a damaged one");
     }
     m_objects = m_list->value(m_list->top(), archive::kObjects);
     const Item top = m_list->value(m_list->top(), archive::kTop);
     if (m_objects.kind != Kind::kArray || top.kind != Kind::kDictionary) {
-        return fail("a property list, but no keyed archive");
+        return fail("a property list, but not a keyed archive");
     }
     Item root = m_list->value(top, archive::kRoot);
     if (root.kind == Kind::kDamaged && top.count == 1) {
@@ -179,7 +179,8 @@ std::optional<Value> ArchiveReader::instance(const Item &fields, unsigned depth)
             const std::optional<std::uint64_t> number = content.reference();
             std::optional<Value> value = number ? object(*number, depth + 1) : scalar(content);
             value = value ? archive::converted(std::move(*value), wrapper.type) : std::nullopt;
-            return value ? std::move(value) : fail("a value of another type than its class says");
+            return value ? std::move(value)
+                         : fail("a value of a different type than its class says");
         }
     }
     return foreign(fields, *type, depth);
@@ -203,7 +204,7 @@ std::optional<Value> ArchiveReader::dictionary(const Item &fields, unsigned dept
             return std::nullopt;
         }
         if (!number) {
-            return fail("a dictionary's value that is no reference");
+            return fail("a dictionary value that is not a reference");
         }
         if (*number == 0) {
             continue;  // nil, which is no value at all
@@ -224,7 +225,7 @@ std::optional<std::string> ArchiveReader::key(const Item &item, unsigned depth) 
     }
     const std::optional<Value> value = number != 0 ? object(number, depth + 1) : std::nullopt;
     const std::string *text = value ? value->string() : nullptr;
-    return text != nullptr ? std::optional(*text) : fail("a dictionary's key that is no text");
+    return text != nullptr ? std::optional(*text) : fail("a dictionary key that is not text");
 }
 
 std::optional<Value> ArchiveReader::array(const Item &fields, unsigned depth) {
@@ -240,7 +241,7 @@ std::optional<Value> ArchiveReader::array(const Item &fields, unsigned depth) {
     for (std::size_t index = 0; index < elements.count; ++index) {
         const std::optional<std::uint64_t> number = m_list->element(elements, index).reference();
         if (!number) {
-            return fail("an array's element that is no reference");
+            return fail("an array element that is not a reference");
         }
         if (*number == 0) {
             continue;  // nil, which is no value at all
@@ -342,7 +343,7 @@ std::optional<std::string> ArchiveReader::word(const Item &item) {
         return std::nullopt;
     }
     std::optional<std::string> text = item.text();
-    return text ? std::move(text) : fail("a name or key that is no text");
+    return text ? std::move(text) : fail("a name or key that is not text");
 }
 
 const ArchiveReader::ArchivedClass *ArchiveReader::archivedClass(const Item &fields) {

@@ -134,7 +134,7 @@ bool Service::hasToTell() const {
 bool Service::turn(std::uint64_t timeoutMicroseconds) {
     const int result = sd_event_run(m_loop.get(), timeoutMicroseconds);
     if (result < 0) {
-        say(JournalLevel::kError, "The event loop cannot go on, and the service ends: " +
+        say(JournalLevel::kError, "The event loop has failed, and the service stops: " +
                                       std::generic_category().message(-result));
         return false;
     }
@@ -210,7 +210,7 @@ int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_si
 
 int Service::onReloadSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,
                             void *self) {
-    say(JournalLevel::kInformation, "The settings are read anew");
+    say(JournalLevel::kInformation, "Reading the settings again");
     auto *service = static_cast<Service *>(self);
     // Not here: a command that stores settings may be waiting for the disk.
     service->m_worker.submit(Commands::Reload(), [](const std::string & /*reply*/) {});

@@ -29,7 +29,7 @@ private Q_SLOTS:
         ActionsPage page;
         page.endService();
         ServiceProcess service({.library = page.library(), .busAddress = page.busAddress()});
-        QVERIFY2(service.waitForJournal("On the system bus"), service.journal().c_str());
+        QVERIFY2(service.waitForJournal("Connected to the system bus"), service.journal().c_str());
 
         page.show();
         page.click("emailServer");
@@ -96,7 +96,7 @@ private Q_SLOTS:
                             [&page] { return std::make_unique<ToolsViewExport>(page.delegate()); });
         page.endService();
         ServiceProcess service({.library = page.library(), .busAddress = page.busAddress()});
-        QVERIFY2(service.waitForJournal("On the system bus"), service.journal().c_str());
+        QVERIFY2(service.waitForJournal("Connected to the system bus"), service.journal().c_str());
         page.show("page");
         page.click("exportText");
         page.type("textInterval", u"1440"_s);

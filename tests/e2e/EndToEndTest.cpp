@@ -49,7 +49,8 @@ private:
         m_service = std::make_unique<testing::ServiceProcess>(testing::ServiceProcess::Setup{
             .library = m_library->path(), .busAddress = m_bus->address()});
         QVERIFY2(m_service->isListening(), m_service->journal().c_str());
-        QVERIFY2(m_service->waitForJournal("On the system bus"), m_service->journal().c_str());
+        QVERIFY2(m_service->waitForJournal("Connected to the system bus"),
+                 m_service->journal().c_str());
     }
     void stopService() {
         QCOMPARE(m_service->terminate(), std::optional<int>(0));

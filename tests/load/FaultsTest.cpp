@@ -145,7 +145,7 @@ TEST_F(FaultsTest, CountsWhatComesWhileThereIsNoFolder) {
 TEST_F(FaultsTest, GoesOnWithoutTheBusAndComesBackToIt) {
     PrivateBus bus;
     const auto service = start({.library = {}, .busAddress = bus.address()});
-    ASSERT_TRUE(service->waitForJournal("On the system bus"));
+    ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
     const UniqueFd sender = connectTo(service->port(), SOCK_STREAM);
     for (int round = 0; round < 3; ++round) {
         bus.stop();
@@ -205,7 +205,7 @@ TEST_F(FaultsTest, KeepsItsSettingsWhenTheirFileIsDamaged) {
     sender = connectTo(service->port(), SOCK_STREAM);
     sendTo(sender, "<13>all noise\n");
     ASSERT_TRUE(waitForMessage("all noise"));
-    ASSERT_TRUE(service->waitForJournal("On the system bus"));
+    ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
     CommandSender commands([](const std::string &) {});
     commands.send({{"command", "save"}, {"Settings", Dictionary{{"a", "b"}}}});
     ASSERT_TRUE(commands.waitUntilIdle(testing::kPatience));
@@ -328,7 +328,7 @@ TEST_F(FaultsTest, StoresAMessageOfEachOfManyConnections) {
 TEST_F(FaultsTest, TellsOrCountsEveryEventHoweverSlowTheBus) {
     PrivateBus bus;
     const auto service = start({.library = {}, .busAddress = bus.address()});
-    ASSERT_TRUE(service->waitForJournal("On the system bus"));
+    ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
     std::uint64_t told = 0;
     NotificationObserver observer([&](const NotificationObserver::UserInfo &) { ++told; });
     ASSERT_TRUE(waitUntilConnected(observer));
@@ -367,7 +367,7 @@ TEST_F(FaultsTest, TellsOrCountsEveryEventHoweverSlowTheBus) {
 TEST_F(FaultsTest, StoresAlthoughAListenerDoesNotListen) {
     const PrivateBus bus;
     const auto service = start({.library = {}, .busAddress = bus.address()});
-    ASSERT_TRUE(service->waitForJournal("On the system bus"));
+    ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
     NotificationObserver deaf([](const NotificationObserver::UserInfo &) {});
     ASSERT_TRUE(waitUntilConnected(deaf));
     Plan plan = trafficTo(*service);

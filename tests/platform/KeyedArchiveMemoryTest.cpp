@@ -152,8 +152,7 @@ TEST(KeyedArchiveMemoryTest, NoArchiveTakesManyTimesItsSize) {
             const auto result = readKeyedArchive(bytes);
             EXPECT_LT(meter.peak(), kMostTimes * bytes.size());
             if (const auto *error = std::get_if<ArchiveError>(&result)) {
-                EXPECT_EQ(error->reason,
-                          "objects take many times the memory that the archive does");
+                EXPECT_EQ(error->reason, "objects that take many times the memory of the archive");
             }
         }
     }

@@ -1,9 +1,9 @@
 #include "load/SoakForm.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
+#include "platform/UniqueFd.h"
 #include "platform/bus/CommandSender.h"
 #include "service/mail/MailText.h"
-#include "platform/UniqueFd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/SmtpStandIn.h"
@@ -47,7 +47,7 @@ struct DeliveryTest : ::testing::Test {
         setenv("SSL_CERT_FILE", file.c_str(), 1);
         service =
             std::make_unique<ServiceProcess>(ServiceProcess::Setup{library.path(), bus.address()});
-        EXPECT_TRUE(service->waitForJournal("On the system bus"));
+        EXPECT_TRUE(service->waitForJournal("Connected to the system bus"));
     }
     ~DeliveryTest() override { unsetenv("SSL_CERT_FILE"); }
 

@@ -44,7 +44,7 @@ using testing::waitUntil;
 struct ServiceSettingsTest : testing::ServiceFixture {
     void startService() {
         service = start({.library = {}, .busAddress = bus.address()});
-        ASSERT_TRUE(service->waitForJournal("On the system bus"));
+        ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
         datagrams = connectTo(service->port(), SOCK_DGRAM);
     }
     void save(const Dictionary &settings) {
@@ -76,7 +76,7 @@ TEST_F(ServiceSettingsTest, TheJournalNamesOddFiltersOnce) {
     Dictionary settings{{"excludeFiltersArray",
                          Array{Dictionary{{"Name", "lab"}, {"IP", "lab-sw1"}, {"Mask", "32"}}}}};
     const std::string said =
-        R"(The exclude filter "lab" can match nothing: "lab-sw1" is no address)";
+        R"(The exclude filter "lab" can never match: "lab-sw1" is not an address)";
     const auto count = [&](const std::string &text) {
         const std::string journal = service->journal();
         std::size_t found = 0;
@@ -137,7 +137,7 @@ TEST_F(ServiceSettingsTest, ReadsTheSettingsAtTheStartAndWhenAsked) {
     ASSERT_TRUE(waitForStored(1));
     folder.write(kSettingsFileName, writeKeyedArchive(exclude("second")));
     ::kill(service->pid(), SIGHUP);
-    ASSERT_TRUE(service->waitForJournal("The settings are read anew"));
+    ASSERT_TRUE(service->waitForJournal("Reading the settings again"));
     // The line is said before they are read.
     ASSERT_TRUE(waitUntil([this] {
         send("first");
@@ -146,7 +146,7 @@ TEST_F(ServiceSettingsTest, ReadsTheSettingsAtTheStartAndWhenAsked) {
     }));
     folder.write(kSettingsFileName, "damaged");
     ::kill(service->pid(), SIGHUP);
-    ASSERT_TRUE(service->waitForJournal("the settings in force remain"));
+    ASSERT_TRUE(service->waitForJournal("the current settings stay in force"));
     send("second");
     send("third");
     ASSERT_TRUE(waitFor("User.Notice,127.0.0.1,third"));
@@ -344,10 +344,13 @@ TEST_F(ServiceSettingsTest, SetsTheEventsOfActionsAndHoldsThemBackInAStorm) {
                                  "(User.Notice)"),
               kSet);
     EXPECT_EQ(service->terminate(), 0);
-    EXPECT_THAT(service->journal(),
-                AllOf(HasSubstr("held back within a minute: 0 commands, 0 e-mails, 21 events"),
-                      HasSubstr("Received 31, malformed 0, stored 41, "),
-                      HasSubstr("events set 10, actions held back 21, ")));
+    EXPECT_THAT(
+        service->journal(),
+        AllOf(
+            HasSubstr(
+                "too many matches; held back in the last minute: 0 commands, 0 e-mails, 21 events"),
+            HasSubstr("Received 31, malformed 0, stored 41, "),
+            HasSubstr("events set 10, actions held back 21, ")));
 }
 
 TEST_F(ServiceSettingsTest, SendsTheEmailsOfActions) {
@@ -394,9 +397,11 @@ TEST_F(ServiceSettingsTest, EndsCommandsThatRunWhenItEnds) {
     };
     ASSERT_TRUE(waitUntil([&] { return ids().size() == CommandRunner::kMostAtOnce; }));
     EXPECT_EQ(service->terminate(), 0);
-    EXPECT_THAT(service->journal(), AllOf(HasSubstr("the command was ended with the service"),
-                                          HasSubstr("2 commands of actions were not run"),
-                                          HasSubstr("commands run 4, commands not run 2, ")));
+    EXPECT_THAT(
+        service->journal(),
+        AllOf(HasSubstr("the command was stopped because the service is stopping"),
+              HasSubstr("2 commands of actions were not run because the service is stopping"),
+              HasSubstr("commands run 4, commands not run 2, ")));
     for (const pid_t id : ids()) {
         EXPECT_EQ(::kill(id, 0), -1);
     }

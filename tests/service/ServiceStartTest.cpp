@@ -54,7 +54,7 @@ TEST_F(ServiceStartTest, RefusesAFolderInWhichAnotherServiceWorks) {
     EXPECT_FALSE(other.isListening());
     EXPECT_EQ(other.waitForEnd(), 1);
     EXPECT_EQ(other.journal(),
-              "<3>Another service works in " + folder.path().string() + " already\n");
+              "<3>Another service is already using " + folder.path().string() + "\n");
     // Nothing is left of one that was ended in the middle.
     service->kill();
     EXPECT_EQ(start()->terminate(), 0);
@@ -99,7 +99,7 @@ TEST_F(ServiceStartTest, EndsInOrderWhenItsLoopFails) {
     EXPECT_EQ(service->waitForEnd(), 1);
     EXPECT_EQ(stored().size(), 2U);
     const std::string journal = service->journal();
-    EXPECT_THAT(journal, HasSubstr("<3>The event loop cannot go on, and the service ends: Bad file "
+    EXPECT_THAT(journal, HasSubstr("<3>The event loop has failed, and the service stops: Bad file "
                                    "descriptor\n"));
     EXPECT_THAT(journal, HasSubstr("<6>Received 2, malformed 0, stored 2, "));
 }

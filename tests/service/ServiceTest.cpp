@@ -221,7 +221,7 @@ TEST_F(ServiceTest, AJournalThatNobodyReadsStopsNothing) {
     EXPECT_TRUE(waitUntil([&] {
         ::kill(service->pid(), SIGHUP);
         return service->journal().find(
-                   "Lines that were dropped because nobody read the journal: ") !=
+                   "Journal lines that were dropped because nobody read them: ") !=
                std::string::npos;
     }));
     EXPECT_EQ(service->terminate(), 0);
@@ -458,7 +458,7 @@ TEST_F(ServiceTest, HasTheNameThatTheFrontEndLooksFor) {
 TEST_F(ServiceTest, TellsTheFrontEndAndObeysIt) {
     const PrivateBus bus;
     const auto service = start({.library = {}, .busAddress = bus.address()});
-    ASSERT_TRUE(service->waitForJournal("On the system bus"));
+    ASSERT_TRUE(service->waitForJournal("Connected to the system bus"));
     std::vector<std::string> told;
     NotificationObserver observer([&](const NotificationObserver::UserInfo &info) {
         std::string text;

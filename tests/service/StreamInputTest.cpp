@@ -193,7 +193,7 @@ TEST_P(OddSenderTest, LosesNoMessageBehindIt) {
     EXPECT_EQ(events, expected);
     service->terminate();
     const std::string journal = service->journal();
-    constexpr std::string_view kSaid = "The stream of 127.0.0.1 is out of step";
+    constexpr std::string_view kSaid = "The stream from 127.0.0.1 is out of step";
     const std::size_t at = journal.find(kSaid);
     EXPECT_EQ(at != std::string::npos, counted(*service, "stray texts") > 0);
     EXPECT_TRUE(at == std::string::npos || journal.find(kSaid, at + 1) == std::string::npos);

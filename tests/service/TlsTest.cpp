@@ -1,8 +1,8 @@
 #include "common/LogReader.h"
 #include "platform/Files.h"
+#include "platform/UniqueFd.h"
 #include "service/ServiceFixture.h"
 #include "service/TlsClient.h"
-#include "platform/UniqueFd.h"
 #include "service/input/TlsContext.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
@@ -84,7 +84,7 @@ struct TlsTest : ::testing::Test {
     }
     /// Returns when it has been done.
     void reload() const {
-        constexpr std::string_view kLine = "The settings are read anew";
+        constexpr std::string_view kLine = "Reading the settings again";
         const std::size_t begin = service->journal().size();
         ::kill(service->pid(), SIGHUP);
         ASSERT_TRUE(
@@ -129,7 +129,7 @@ TEST_F(TlsTest, OffersNoOldVersions) {
     for (const int version : {TLS1_VERSION, TLS1_1_VERSION}) {
         EXPECT_FALSE(Client(tlsPort(), authority, {{}, version}).isConnected());
     }
-    EXPECT_TRUE(service->waitForJournal("A TLS connection of 127.0.0.1 came to nothing: "));
+    EXPECT_TRUE(service->waitForJournal("A TLS connection from 127.0.0.1 failed: "));
 }
 
 TEST_F(TlsTest, TakesMuchAtOnceAndLosesNothingAtTheEnd) {
@@ -329,7 +329,8 @@ TEST_F(TlsTest, ListensOnlyWithACertificate) {
     reload();
     const auto stored = messages();
     EXPECT_EQ(std::ranges::count(stored, "unfinished"), 1);
-    ASSERT_TRUE(service->waitForJournal("There is no certificate for TLS any more"));
+    ASSERT_TRUE(service->waitForJournal(
+        "The TLS certificate was removed; messages over TLS are no longer received"));
     EXPECT_TRUE(client.isRefused());
     EXPECT_FALSE(connectTo(port).isOpen());
     EXPECT_EQ(service->terminate(), 0);
@@ -349,7 +350,8 @@ TEST_F(TlsTest, StoresWhatHasArrivedWhenTheCertificateGoes) {
     std::filesystem::remove_all(folder.path() / "tls");
     ::kill(service->pid(), SIGHUP);
     ::kill(service->pid(), SIGCONT);
-    ASSERT_TRUE(service->waitForJournal("There is no certificate for TLS any more"));
+    ASSERT_TRUE(service->waitForJournal(
+        "The TLS certificate was removed; messages over TLS are no longer received"));
     EXPECT_TRUE(client.isRefused());
     EXPECT_THAT(messages(), ElementsAre("first", "held", "unfinished"));
 }

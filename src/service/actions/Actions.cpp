@@ -46,7 +46,9 @@ std::optional<CommandRunner::Command> readCommand(const std::string &action,
     }
     auto arguments = splitArguments(settingText(reaction, "Arguments").value_or(""));
     if (!arguments) {
-        sayOf(action, "a quotation in the command's arguments has no end; the command is not run");
+        sayOf(
+            action,
+            "a quotation mark in the command's arguments is never closed; the command is not run");
         return std::nullopt;
     }
     command.arguments = std::move(*arguments);
@@ -251,9 +253,10 @@ void Actions::report(Clock::time_point now) {
         const std::uint64_t mails = takeDue(action->mailGuard);
         const std::uint64_t events = takeDue(action->eventGuard);
         if (commands + mails + events > 0) {
-            sayOf(action->name, "held back within a minute: " + std::to_string(commands) +
-                                    " commands, " + std::to_string(mails) + " e-mails, " +
-                                    std::to_string(events) + " events");
+            sayOf(action->name,
+                  "too many matches; held back in the last minute: " + std::to_string(commands) +
+                      " commands, " + std::to_string(mails) + " e-mails, " +
+                      std::to_string(events) + " events");
         }
         for (const StormGuard *guard : action->guards()) {
             noteReportTime(*guard);

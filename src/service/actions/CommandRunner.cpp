@@ -43,7 +43,7 @@ public:
           m_output(child.output.get()),
           m_deadline(Clock::now() + limits.run) {}
 
-    /// False when the command cannot be ended; it is not waited for then.
+    /// False when the command could not be stopped; it is not waited for then.
     bool follow() {
         while (!m_gaveUp && !hasEnded()) {
             if (Clock::now() >= m_deadline) {
@@ -53,7 +53,7 @@ public:
         readOutput();
         sayOutput();
         if (m_gaveUp) {
-            sayOf(m_command, JournalLevel::kError, "the command cannot be ended");
+            sayOf(m_command, JournalLevel::kError, "the command could not be stopped");
             return false;
         }
         if (m_stage != Stage::kRuns) {
@@ -124,18 +124,19 @@ private:
             rest.remove_prefix(std::min(end + 1, rest.size()));
         }
         if (m_cut) {
-            sayOf(m_command, JournalLevel::kInformation, "the command wrote more than that");
+            sayOf(m_command, JournalLevel::kInformation,
+                  "the rest of the command's output is left out");
         }
     }
 
     void sayStatus(int status) {
         if (m_stage != Stage::kRuns) {
             sayOf(m_command, JournalLevel::kWarning,
-                  m_endedForStop ? "the command was ended with the service"
-                                 : "the command took too long and was ended");
+                  m_endedForStop ? "the command was stopped because the service is stopping"
+                                 : "the command took too long and was stopped");
         } else if (WIFSIGNALED(status)) {
             sayOf(m_command, JournalLevel::kWarning,
-                  "the command was ended by signal " + std::to_string(WTERMSIG(status)));
+                  "the command was killed by signal " + std::to_string(WTERMSIG(status)));
         } else if (WEXITSTATUS(status) != 0) {
             sayOf(m_command, JournalLevel::kWarning,
                   "the command ended with status " + std::to_string(WEXITSTATUS(status)));
@@ -168,7 +169,9 @@ void CommandRunner::stop() {
     }
     m_notStarted += givenUp;
     if (givenUp > 0) {
-        say(JournalLevel::kWarning, std::to_string(givenUp) + " commands of actions were not run");
+        say(JournalLevel::kWarning,
+            std::to_string(givenUp) +
+                " commands of actions were not run because the service is stopping");
     }
     eventfd_write(m_stopSignal.get(), 1);
     m_wake.notify_all();
@@ -197,7 +200,8 @@ void CommandRunner::startThreads() {
             m_threads.emplace_back([this] { work(); });
         }
     } catch (const std::system_error &error) {
-        say(JournalLevel::kError, std::string("Too few threads for commands: ") + error.what());
+        say(JournalLevel::kError,
+            std::string("Not enough threads for the commands of actions: ") + error.what());
     }
 }
 

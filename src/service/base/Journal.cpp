@@ -45,7 +45,7 @@ void write(JournalLevel level, std::string_view text) {
     const std::lock_guard lock(state.mutex);
     if (state.unsaid > 0 &&
         writeWithoutWaiting(lineOf(JournalLevel::kWarning,
-                                   "Lines that were dropped because nobody read the journal: " +
+                                   "Journal lines that were dropped because nobody read them: " +
                                        std::to_string(state.unsaid)))) {
         state.unsaid = 0;
     }

@@ -32,7 +32,7 @@ inline EventSourcePointer watchInput(sd_event *loop, int fd, sd_event_io_handler
 /// For sources without which the service would be deaf: throws when there is none.
 inline EventSourcePointer required(EventSourcePointer source) {
     if (!source) {
-        throw std::runtime_error("The event loop takes no more sources");
+        throw std::runtime_error("The event loop cannot take more sources");
     }
     return source;
 }

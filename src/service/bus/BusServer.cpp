@@ -144,7 +144,8 @@ void BusServer::connect() {
 void BusServer::connectionLost(const char *what, int error) {
     if (!m_problemSaid) {
         const std::string reason = error == 0 ? "" : ": " + std::generic_category().message(error);
-        say(JournalLevel::kWarning, what + reason + "; the service goes on without it");
+        say(JournalLevel::kWarning,
+            what + reason + "; the service continues without it and will try again");
     }
     m_problemSaid = true;
     m_ownsName = false;
@@ -156,7 +157,7 @@ void BusServer::connectionLost(const char *what, int error) {
 int BusServer::onNameReply(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
     auto *server = static_cast<BusServer *>(self);
     if (sd_bus_message_is_method_error(reply, nullptr) > 0) {
-        server->connectionLost("The name on the system bus was refused",
+        server->connectionLost("The service's name on the system bus was refused",
                                sd_bus_message_get_errno(reply));
         return 0;
     }
@@ -164,17 +165,18 @@ int BusServer::onNameReply(sd_bus_message *reply, void *self, sd_bus_error * /*e
     std::uint32_t outcome = 0;
     sd_bus_message_read_basic(reply, SD_BUS_TYPE_UINT32, &outcome);
     if (outcome != 1 && outcome != 4) {
-        server->connectionLost("The name on the system bus is taken", 0);
+        server->connectionLost("The service's name on the system bus is taken", 0);
         return 0;
     }
     server->m_ownsName = true;
     server->m_problemSaid = false;
-    say(JournalLevel::kInformation, "On the system bus as " + std::string(bus::kServiceName));
+    say(JournalLevel::kInformation,
+        "Connected to the system bus as " + std::string(bus::kServiceName));
     return 0;
 }
 
 int BusServer::onDisconnected(sd_bus_message * /*signal*/, void *self, sd_bus_error * /*error*/) {
-    static_cast<BusServer *>(self)->connectionLost("The system bus has gone", 0);
+    static_cast<BusServer *>(self)->connectionLost("The connection to the system bus was lost", 0);
     return 0;
 }
 

@@ -32,7 +32,7 @@ Commands::Outcome Commands::begin(const UniqueFd &commandFile) {
         return "The command cannot be read: " + error->reason;
     }
     const Dictionary *dictionary = std::get<Value>(command).dictionary();
-    return dictionary == nullptr ? "The command is no dictionary" : begin(*dictionary);
+    return dictionary == nullptr ? "The command is not a dictionary" : begin(*dictionary);
 }
 
 Commands::Outcome Commands::begin(const Dictionary &command) {
@@ -60,7 +60,7 @@ Commands::Outcome Commands::begin(Reload /*reload*/) {
 std::string Commands::save(const Dictionary &command) {
     const Dictionary *settings = dictionaryAt(command, "Settings");
     if (settings == nullptr) {
-        return "The settings to save are no dictionary";
+        return "The settings to save are not a dictionary";
     }
     if (const auto failure = m_settings.save(*settings)) {
         return *failure;
@@ -75,11 +75,11 @@ std::string Commands::save(const Dictionary &command) {
 std::string Commands::update(const Dictionary &command) {
     const Dictionary *events = dictionaryAt(command, "Events");
     if (events == nullptr) {
-        return "The events to remove are no dictionary";
+        return "The events to remove are not a dictionary";
     }
     EventRemoval removal(m_settings.dateFormats());
     if (!removal.want(*events)) {
-        return "The number of events to remove is no number";
+        return "The number of events to remove is not a number";
     }
     return removal.run(m_store, m_stop).value_or(kDone);
 }

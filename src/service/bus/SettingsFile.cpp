@@ -49,7 +49,7 @@ void SettingsFile::load() {
     if (!settings && isThere(m_file)) {
         say(JournalLevel::kError,
             m_file.string() +
-                " is damaged; the settings in force remain until they are saved anew");
+                " is damaged; the current settings stay in force until new ones are saved");
         return;
     }
     putInForce(std::move(settings).value_or(Dictionary()));
@@ -98,9 +98,9 @@ std::optional<std::string> SettingsFile::setDamagedFileAside() {
     }
     const std::string aside = m_file.string() + ".damaged-" + timeSuffix();
     if (std::rename(m_file.c_str(), aside.c_str()) != 0) {
-        return because("The damaged settings could not be set aside");
+        return because("The damaged settings file could not be renamed");
     }
-    say(JournalLevel::kWarning, "The damaged settings were renamed to " + aside);
+    say(JournalLevel::kWarning, "The damaged settings file was renamed to " + aside);
     return std::nullopt;
 }
 

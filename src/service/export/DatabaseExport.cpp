@@ -234,7 +234,7 @@ std::optional<std::string> DatabaseExport::run(const ExportTarget &target,
     database.endWhen(stop);
     const Ownership ownership = ownershipOf(database);
     if (ownership == Ownership::kForeign) {
-        return target.file.string() + " is no database of events, and is left as it is";
+        return target.file.string() + " is not a database of events and was left as it is";
     }
     // Somebody may have switched to a mode that leaves other files beside this one.
     if (ownership == Ownership::kUnknown || !database.execute("PRAGMA journal_mode = DELETE") ||

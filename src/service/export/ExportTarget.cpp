@@ -27,7 +27,7 @@ std::optional<std::string> checkExportTarget(std::filesystem::path &file,
     // For the system, a name ends at a NUL: it would be another file than the one that is checked.
     if (!file.is_absolute() || !file.has_filename() ||
         file.native().find('\0') != std::string::npos) {
-        return file.string() + " is no full path of a file";
+        return file.string() + " is not the full path of a file";
     }
     std::error_code error;
     const auto real = std::filesystem::weakly_canonical(file, error);
@@ -36,11 +36,11 @@ std::optional<std::string> checkExportTarget(std::filesystem::path &file,
     }
     const auto status = std::filesystem::status(real, error);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-        return file.string() + " is no file that an export could replace";
+        return file.string() + " is not a file that an export may replace";
     }
     if (isBelow(real, std::filesystem::weakly_canonical(library, error)) &&
         !mayStandInLibrary(real)) {
-        return file.string() + " is in the service's own folder, and is no txt, csv or db file";
+        return file.string() + " is in the service's own folder, but is not a txt, csv or db file";
     }
     file = real;
     return std::nullopt;

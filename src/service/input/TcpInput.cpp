@@ -108,7 +108,7 @@ private:
         if (kind == FrameSplitter::Kind::kStray) {
             ++m_input.m_counters.strayTexts;
             if (!std::exchange(m_saidStray, true)) {
-                m_input.sayOdd("The stream of " + m_address.text() +
+                m_input.sayOdd("The stream from " + m_address.text() +
                                " is out of step. What stands between its frames is stored as "
                                "messages: " +
                                sampleOf(frame));
@@ -122,9 +122,9 @@ private:
             m_skipped += skipped;
             m_input.m_counters.bytesSkipped += skipped;
             if (!std::exchange(m_saidSkipped, true)) {
-                m_input.sayOdd("A message of " + m_address.text() + " has no end within " +
+                m_input.sayOdd("A message from " + m_address.text() + " does not end within " +
                                std::to_string(FrameSplitter::kMaxFrame) +
-                               " bytes. What is more of it is not stored");
+                               " bytes. The rest of it is not stored");
             }
         }
     }
@@ -357,7 +357,7 @@ void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
     if (unread > 0) {
         m_counters.closedUnread += unread;
         say(JournalLevel::kWarning,
-            "Connections that were closed before all that had arrived was read: " +
+            "Connections that were closed before everything that had arrived was read: " +
                 std::to_string(unread));
     }
 }

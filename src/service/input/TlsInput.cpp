@@ -32,7 +32,8 @@ TlsInput::~TlsInput() = default;
 void TlsInput::configure() {
     if (!TlsContext::isIn(m_folder)) {
         if (m_input) {
-            say(JournalLevel::kNotice, "There is no certificate for TLS any more");
+            say(JournalLevel::kNotice,
+                "The TLS certificate was removed; messages over TLS are no longer received");
             // What has arrived is not lost. Nothing else is received meanwhile.
             m_input->drain(Clock::now() + kLongestDrain);
         }
@@ -88,7 +89,7 @@ void TlsInput::noteRefusal(const std::string &host, const std::string &reason) {
     const Clock::time_point now = Clock::now();
     if (now - m_refusalSaid >= kRefusalPause) {
         m_refusalSaid = now;
-        say(JournalLevel::kWarning, "A TLS connection of " + host + " came to nothing: " + reason);
+        say(JournalLevel::kWarning, "A TLS connection from " + host + " failed: " + reason);
     }
 }
 

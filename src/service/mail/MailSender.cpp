@@ -41,15 +41,15 @@ std::string oneLine(std::string text) {
 }
 
 std::string noAddress(std::string_view text) {
-    return quoted(text) + " is no e-mail address";
+    return quoted(text) + " is not a valid e-mail address";
 }
 
 std::string securityProblem(const MailServer &server) {
     using Security = MailServer::Security;
     if (server.security == Security::kUnknown) {
         return "The mail server's connection security " + quoted(server.unknownSecurity) +
-               " is none of " + quoted(MailServer::kNoneText) + ", " +
-               quoted(MailServer::kStartTlsText) + " and " + quoted(MailServer::kTlsText);
+               " is not one of " + quoted(MailServer::kNoneText) + ", " +
+               quoted(MailServer::kStartTlsText) + " or " + quoted(MailServer::kTlsText);
     }
     if (server.security == Security::kNotChosen && !server.user.empty()) {
         return "No connection security is chosen for the mail server; the password is sent "
@@ -135,7 +135,9 @@ SmtpResult deliver(const MailMessage &message, Addressees addressees, const Mail
 void sayPostponed(const std::map<std::string, std::string> &addressesByReason) {
     for (const auto &[reason, addresses] : addressesByReason) {
         std::string text = "An e-mail to ";
-        text.append(addresses).append(" is not sent yet and will be tried again: ").append(reason);
+        text.append(addresses)
+            .append(" could not be sent yet and will be tried again: ")
+            .append(reason);
         say(JournalLevel::kWarning, text);
     }
 }
@@ -194,7 +196,7 @@ std::string MailSender::send(const MailMessage &message, const Dictionary &setti
 bool MailSender::submit(MailMessage message) {
     auto [addresses, others] = readRecipients(message);
     for (const std::string &text : others) {
-        say(JournalLevel::kWarning, "An e-mail is not sent: " + noAddress(text));
+        say(JournalLevel::kWarning, "An e-mail was not sent: " + noAddress(text));
     }
     {
         const std::lock_guard lock(m_mutex);
@@ -230,7 +232,7 @@ void MailSender::shutDown() {
         return;
     }
     say(JournalLevel::kWarning,
-        "The service is ending; e-mails that are not sent: " + std::to_string(m_queue.size()));
+        "The service is stopping; e-mails that were not sent: " + std::to_string(m_queue.size()));
     for (const Job &job : std::exchange(m_queue, {})) {
         m_sent += job.reached ? 1 : 0;
         ++m_dropped;
@@ -290,7 +292,7 @@ std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const Mai
         }
         if (outcome.forGood || isLastTry) {
             say(JournalLevel::kWarning,
-                "An e-mail to " + job.pending[i].address + " is not sent: " + outcome.reason);
+                "An e-mail to " + job.pending[i].address + " was not sent: " + outcome.reason);
             job.lost = true;
         } else {
             std::string &others = postponed[outcome.reason];

@@ -199,7 +199,7 @@ std::string problemText(CURLcode code, const MailServer &server, const Exchange 
         case CURLE_PEER_FAILED_VERIFICATION:
             return "The certificate of the mail server " + server.host + " is not trusted";
         case CURLE_ABORTED_BY_CALLBACK:
-            return "The service is ending";
+            return "The service is stopping";
         default:
             break;
     }
@@ -207,10 +207,10 @@ std::string problemText(CURLcode code, const MailServer &server, const Exchange 
         return name + " refused all recipients" + said;
     }
     if (!said.empty()) {
-        return name + " refused the mail" + said;
+        return name + " refused the e-mail" + said;
     }
     const std::string detail = exchange.error.data();
-    return "The mail could not be sent: " + (detail.empty() ? curl_easy_strerror(code) : detail);
+    return "The e-mail could not be sent: " + (detail.empty() ? curl_easy_strerror(code) : detail);
 }
 
 }  // namespace
@@ -224,7 +224,7 @@ SmtpResult deliverMail(const MailServer &server, const std::string &sender,
     const Transfer transfer(curl_easy_init());
     SmtpResult result;
     if (!transfer || !setAddress(transfer, server)) {
-        result.problem = "The mail server's name is none: " + server.host;
+        result.problem = "The name of the mail server is not valid: " + server.host;
         return result;
     }
     const TextList list = bracketed(recipients);

@@ -56,13 +56,13 @@ public:
     [[nodiscard]] bool matches(const FilterSubject &subject) const;
 
     [[nodiscard]] const SenderRange &senders() const { return m_senders; }
-    /// Whether a facility and a severity are such that messages have them.
+    /// Whether the record names a facility, or a severity, that exists; without, nothing matches.
     [[nodiscard]] bool hasFacility() const { return m_facilities != 0; }
     [[nodiscard]] bool hasSeverity() const { return m_severities != 0; }
 
 private:
     SenderRange m_senders;
-    std::uint32_t m_facilities = 0;  ///< one bit for each that holds
+    std::uint32_t m_facilities = 0;  ///< one bit for each that matches
     std::uint32_t m_severities = 0;
     std::optional<WildcardPattern> m_message;  ///< nothing: any message
 };

@@ -19,20 +19,21 @@ std::string problemOf(const Dictionary &record) {
     const EventFilter filter(record);
     const SenderRange &senders = filter.senders();
     if (senders.isNobody()) {
-        return "can match nothing: " + quotedField(record, "IP") + " is no address";
+        return "can never match: " + quotedField(record, "IP") + " is not an address";
     }
     if (!filter.hasFacility()) {
-        return "can match nothing: there is no facility " + quotedField(record, "Facility");
+        return "can never match: there is no facility " + quotedField(record, "Facility");
     }
     if (!filter.hasSeverity()) {
-        return "can match nothing: there is no severity " + quotedField(record, "Severity");
+        return "can never match: there is no severity " + quotedField(record, "Severity");
     }
     if (senders.isMaskTooLong()) {
         return "has the mask " + std::to_string(SenderRange::maskOf(record)) +
-               ", which counts as " + std::to_string(senders.addressBits());
+               ", which is treated as " + std::to_string(senders.addressBits());
     }
     if (senders.ignoresAddress()) {
-        return "is for any host: beside " + quotedField(record, "IP") + " its mask is 0";
+        return "matches any host: its mask is 0, so the address " + quotedField(record, "IP") +
+               " is ignored";
     }
     return "";
 }
@@ -65,7 +66,7 @@ std::vector<std::string> filterProblems(const Dictionary &settings) {
         }
     }
     if (others > 0) {
-        problems.push_back("Filters besides these: " + std::to_string(others));
+        problems.push_back("Other filters with problems: " + std::to_string(others));
     }
     return problems;
 }

@@ -70,7 +70,7 @@ std::optional<std::string> EventRemoval::run(LogStore &store, const std::atomic<
             note(file.name, "rewritten");
         }
     }
-    return stop ? "The service is ending; not all of the events were removed" : problem;
+    return stop ? "The service is stopping; not all of the events were removed" : problem;
 }
 
 /// Finds the wanted events in one file.

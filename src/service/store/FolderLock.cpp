@@ -20,7 +20,7 @@ FolderLock::FolderLock(const std::filesystem::path &folder) {
         return;
     }
     if (errno == EWOULDBLOCK) {
-        throw std::runtime_error("Another service works in " + folder.string() + " already");
+        throw std::runtime_error("Another service is already using " + folder.string());
     }
     say(JournalLevel::kWarning, "The folder " + folder.string() +
                                     " cannot be locked: " + std::generic_category().message(errno));

@@ -73,7 +73,7 @@ LogStore::~LogStore() {
 void LogStore::prepare() {
     if (!makeLogFolder(m_folder)) {
         say(JournalLevel::kError,
-            "The folder " + m_folder.string() + " cannot be made: " + errorText(errno));
+            "The folder " + m_folder.string() + " cannot be created: " + errorText(errno));
         return;
     }
     for (const std::string &name : listFolder(m_folder)) {
@@ -90,9 +90,9 @@ bool LogStore::repairFile(const std::string &name) const {
     const UniqueFd file = openForAppending(path(name), 0);
     const TailState state = file.isOpen() ? repairTail(file.get()) : TailState::kFailed;
     if (state == TailState::kCompleted) {
-        say(JournalLevel::kWarning, "The last event in " + name + " may have lost its end");
+        say(JournalLevel::kWarning, "The last event in " + name + " may be incomplete");
     } else if (state == TailState::kCutOff) {
-        say(JournalLevel::kWarning, "A part of an event at the end of " + name + " was removed");
+        say(JournalLevel::kWarning, "An incomplete event at the end of " + name + " was removed");
     }
     return state != TailState::kFailed;
 }
@@ -371,9 +371,9 @@ void LogStore::noteSync(const Dirty &dirty, int error) {
     }
     m_syncWorks = error == 0;
     if (m_syncWorks) {
-        say(JournalLevel::kNotice, "What is stored from now on is written to disk; " +
-                                       std::to_string(std::exchange(m_unsyncedNow, 0)) +
-                                       " events stored before may be lost when the machine stops");
+        say(JournalLevel::kNotice,
+            "Events are written to disk again; " + std::to_string(std::exchange(m_unsyncedNow, 0)) +
+                " events stored before that may be lost if the machine stops");
     } else {
         say(JournalLevel::kError, "Events cannot be written to disk: " + errorText(error));
     }

@@ -167,13 +167,13 @@ void Retention::noteBelief(bool isBelieved) {
     }
     m_waits = !isBelieved;
     if (isBelieved) {
-        say(JournalLevel::kNotice, "Old events are removed again: the clock can be right");
+        say(JournalLevel::kNotice, "Old events are removed again: the clock is plausible now");
     } else {
         say(JournalLevel::kWarning,
             "Old events are kept: the clock is " + std::to_string(m_clock.ahead() / kHour) +
-                " hours ahead of what was to be expected, and the system does not call it "
-                "synchronised. They are removed once it is synchronised, set right, or has been "
-                "running on for a week");
+                " hours ahead of what is expected, and the system does not report it as "
+                "synchronised. They will be removed once it is synchronised or set right, or has "
+                "run on for a week");
     }
 }
 
@@ -331,8 +331,9 @@ void Retention::tell(const UniqueFd &file, const Found &found) {
     const std::uint64_t untold = found.count - told;
     m_untold += untold;
     if (!works) {
-        say(JournalLevel::kWarning,
-            std::to_string(untold) + " removed events could not be told to the front-end");
+        say(JournalLevel::kWarning, std::to_string(untold) +
+                                        " removed events could not be reported to the window; open "
+                                        "it again to see what is stored");
     }
 }
 

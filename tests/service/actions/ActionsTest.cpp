@@ -215,7 +215,8 @@ TEST_F(ActionsTest, SayWhatCannotBeRead) {
                    action("runCommand", {{"Command", "/bin/true"}, {"Environment", "secret"}})});
     });
     EXPECT_EQ(journal,
-              "<4>Action \"test\": a quotation in the command's arguments has no end; the command "
+              "<4>Action \"test\": a quotation mark in the command's arguments is never closed; "
+              "the command "
               "is not run\n"
               "<4>Action \"test\": a line of the command's environment is not of the form "
               "NAME=value\n");
@@ -239,8 +240,10 @@ TEST_F(ActionsTest, HoldBackWhatComesTooOften) {
 
     EXPECT_EQ(journalOf([this] { actions.report(now + seconds(59)); }), "");
     EXPECT_EQ(journalOf([this] { actions.report(now + seconds(60)); }),
-              "<4>Action \"test\": held back within a minute: 15 commands, 20 e-mails, 15 events\n"
-              "<4>Action \"test\": held back within a minute: 15 commands, 0 e-mails, 0 events\n");
+              "<4>Action \"test\": too many matches; held back in the last minute: 15 commands, 20 "
+              "e-mails, 15 events\n"
+              "<4>Action \"test\": too many matches; held back in the last minute: 15 commands, 0 "
+              "e-mails, 0 events\n");
     EXPECT_FALSE(actions.reportTime());
     EXPECT_EQ(counters.heldBack, 15U + 20 + 15 + 15);
     ASSERT_EQ(mails.size(), Actions::kMailsPerMinute + 1);
@@ -264,8 +267,10 @@ TEST_F(ActionsTest, TellOfAMinuteBeforeTheNextBegins) {
     });
     EXPECT_EQ(commands.size(), 3 * Actions::kCommandsPerMinute);
     EXPECT_EQ(journal,
-              "<4>Action \"test\": held back within a minute: 50 commands, 0 e-mails, 0 events\n"
-              "<4>Action \"test\": held back within a minute: 50 commands, 0 e-mails, 0 events\n");
+              "<4>Action \"test\": too many matches; held back in the last minute: 50 commands, 0 "
+              "e-mails, 0 events\n"
+              "<4>Action \"test\": too many matches; held back in the last minute: 50 commands, 0 "
+              "e-mails, 0 events\n");
     EXPECT_EQ(counters.heldBack, 100U);
 }
 
@@ -281,7 +286,7 @@ TEST_F(ActionsTest, KeepTheirCountsWhenOtherSettingsChange) {
     const std::string journal = journalOf([this] {
         configure({action("runCommand", {{"Command", "false"}})});
     });
-    EXPECT_THAT(journal, HasSubstr("held back within a minute: 1 commands"));
+    EXPECT_THAT(journal, HasSubstr("too many matches; held back in the last minute: 1 commands"));
     receive();
     EXPECT_EQ(commands.back().program, "false");
 }

@@ -127,7 +127,7 @@ TEST_F(CommandRunnerTest, SaysHowCommandsEnd) {
     constexpr Case kCases[] = {
         {"/bin/sh", "exit 0", ""},
         {"/bin/sh", "exit 3", "<4>Action \"name\": the command ended with status 3\n"},
-        {"/bin/sh", "kill -9 $$", "<4>Action \"name\": the command was ended by signal 9\n"},
+        {"/bin/sh", "kill -9 $$", "<4>Action \"name\": the command was killed by signal 9\n"},
         {"/bin/sh", "echo one; echo two >&2; printf 'th\\tree\\033[0m'",
          "<6>Action \"name\": one\n<6>Action \"name\": two\n<6>Action \"name\": th ree [0m\n"},
         {"/nonexistent/x", "",
@@ -158,7 +158,7 @@ TEST_F(CommandRunnerTest, BoundsWhatGoesToTheJournal) {
     ASSERT_TRUE(waitUntil([this] { return runner->started() == 1; }));
     const std::string text = journal();
     EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(text, 'x')), CommandRunner::kMostOutput);
-    EXPECT_THAT(text, HasSubstr("the command wrote more than that"));
+    EXPECT_THAT(text, HasSubstr("the rest of the command's output is left out"));
 }
 
 TEST_F(CommandRunnerTest, EndsWhatTakesTooLong) {
@@ -177,7 +177,7 @@ TEST_F(CommandRunnerTest, EndsWhatTakesTooLong) {
         return state.empty() || state.find(") Z ") != std::string::npos;
     }));
     const std::string text = journal();
-    constexpr std::string_view kSaid = "the command took too long and was ended";
+    constexpr std::string_view kSaid = "the command took too long and was stopped";
     EXPECT_NE(text.find(kSaid), text.rfind(kSaid));
 }
 
@@ -213,9 +213,12 @@ TEST_F(CommandRunnerTest, RunsAFewAtATimeAndDropsWhatIsTooMuch) {
     EXPECT_EQ(runner->started(), CommandRunner::kMostAtOnce);
     EXPECT_EQ(runner->notStarted(), 1U);
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_THAT(journal(), AllOf(HasSubstr("<4>256 commands of actions were not run\n"),
-                                 HasSubstr("the command was ended with the service"),
-                                 Not(HasSubstr("cannot be ended"))));
+    EXPECT_THAT(
+        journal(),
+        AllOf(
+            HasSubstr("<4>256 commands of actions were not run because the service is stopping\n"),
+            HasSubstr("the command was stopped because the service is stopping"),
+            Not(HasSubstr("could not be stopped"))));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 

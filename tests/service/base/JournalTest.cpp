@@ -70,7 +70,7 @@ TEST_F(JournalTest, AJournalThatNobodyReadsKeepsNobodyWaiting) {
     // Said once, when somebody reads again.
     say(JournalLevel::kError, "after");
     say(JournalLevel::kError, "last");
-    EXPECT_EQ(read(), "<4>Lines that were dropped because nobody read the journal: " +
+    EXPECT_EQ(read(), "<4>Journal lines that were dropped because nobody read them: " +
                           std::to_string(dropped) + "\n<3>after\n<3>last\n");
 }
 
@@ -82,7 +82,7 @@ TEST_F(JournalTest, AStreamThatIsClosedHurtsNobody) {
     dup2(pipe.get(), STDERR_FILENO);
     EXPECT_EQ(journalLinesDropped(), droppedBefore + 1);
     say(JournalLevel::kError, "after");
-    EXPECT_EQ(read(), "<4>Lines that were dropped because nobody read the journal: 1\n<3>after\n");
+    EXPECT_EQ(read(), "<4>Journal lines that were dropped because nobody read them: 1\n<3>after\n");
 }
 
 // What does not fit into a pipe at once could wait for it.

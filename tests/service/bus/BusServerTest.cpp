@@ -159,7 +159,7 @@ TEST_F(BusServerTest, AMailServerThatDoesNotAnswerKeepsNothingElseWaiting) {
     EXPECT_FALSE(worker->isIdle());
     mail.cancelSends();
     ASSERT_TRUE(runUntil([&] { return replies().size() == 3; }));
-    EXPECT_EQ(replies().back(), "The service is ending");
+    EXPECT_EQ(replies().back(), "The service is stopping");
     EXPECT_TRUE(worker->isIdle());
 }
 
@@ -284,8 +284,9 @@ TEST_F(BusServerTest, ComesBackAfterTheBus) {
     privateBus.start();
     ASSERT_TRUE(runUntil([&] { return queue.empty(); }));
     const std::string journal = ::testing::internal::GetCapturedStderr();
-    EXPECT_THAT(journal, ::testing::HasSubstr("The system bus"));
-    EXPECT_THAT(journal, ::testing::HasSubstr("On the system bus as com.Halvern.QuorbelSrv"));
+    EXPECT_THAT(journal, ::testing::HasSubstr("The connection to the system bus was lost"));
+    EXPECT_THAT(journal,
+                ::testing::HasSubstr("Connected to the system bus as com.Halvern.QuorbelSrv"));
 }
 
 TEST_F(BusServerTest, TakesItsNameWhenItsOwnerGoes) {
@@ -324,7 +325,7 @@ TEST_F(BusServerTest, CountsWhatTheConnectionHoldsWhenTheBusGoes) {
     ::testing::internal::CaptureStderr();
     privateBus.stop();
     ASSERT_TRUE(runUntil([&] { return server->bus() == RemovalTeller::Bus::kMissing; }));
-    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr("has gone"));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::HasSubstr("was lost"));
     // As many as the connection takes; the others wait for the next bus.
     EXPECT_EQ(queue.dropped(), kHeldByConnection);
     EXPECT_EQ(queue.size(), waiting);

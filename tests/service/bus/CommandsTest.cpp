@@ -45,10 +45,11 @@ TEST_F(CommandsTest, StoreOddFiltersAndNameThem) {
     const Dictionary mask{{"Name", "all"}, {"IP", "10.0.0.5"}, {"Mask", "0"}};
     const Dictionary odd{{"includeFiltersArray", Array{name}},
                          {"excludeFiltersArray", Array{mask}}};
-    EXPECT_EQ(save(odd),
-              "The settings are stored. The include filter \"lab\" can match nothing: \"lab-sw1\" "
-              "is no address; The exclude filter \"all\" is for any host: beside \"10.0.0.5\" its "
-              "mask is 0");
+    EXPECT_EQ(
+        save(odd),
+        "The settings are stored. The include filter \"lab\" can never match: \"lab-sw1\" "
+        "is not an address; The exclude filter \"all\" matches any host: its mask is 0, so the "
+        "address \"10.0.0.5\" is ignored");
     EXPECT_EQ(*settings.current(), odd);
     EXPECT_EQ(save({{"includeFiltersArray", Array{Dictionary{{"IP", "0.0.0.0"}}}}}), "OK");
 }
@@ -64,25 +65,26 @@ TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
         {{{"command", Null()}}, "The command has no name"},
         {{{"command", ""}}, "There is no such command"},
         {{{"command", "Save"}}, "There is no such command"},
-        {{{"command", "save"}}, "The settings to save are no dictionary"},
-        {{{"command", "save"}, {"Settings", Array()}}, "The settings to save are no dictionary"},
-        {{{"command", "update"}}, "The events to remove are no dictionary"},
-        {{{"command", "update"}, {"Events", "x"}}, "The events to remove are no dictionary"},
+        {{{"command", "save"}}, "The settings to save are not a dictionary"},
+        {{{"command", "save"}, {"Settings", Array()}}, "The settings to save are not a dictionary"},
+        {{{"command", "update"}}, "The events to remove are not a dictionary"},
+        {{{"command", "update"}, {"Events", "x"}}, "The events to remove are not a dictionary"},
         {{{"command", "update"}, {"Events", Dictionary{{"k\n", 1}}}},
-         "The number of events to remove is no number"},
+         "The number of events to remove is not a number"},
         {{{"command", "update"}, {"Events", Dictionary{{"k\n", "-1"}}}},
-         "The number of events to remove is no number"},
+         "The number of events to remove is not a number"},
         {{{"command", "update"}, {"Events", Dictionary{{"k\n", "1 "}}}},
-         "The number of events to remove is no number"},
+         "The number of events to remove is not a number"},
         {{{"command", "update"}, {"Events", Dictionary{{"k\n", "99999999999999999999"}}}},
-         "The number of events to remove is no number"},
+         "The number of events to remove is not a number"},
         {{{"command", "update"}, {"Events", Dictionary()}}, "OK"},
         {{{"command", "update"}, {"Events", Dictionary{{"", "1"}, {"\n", "1"}, {"x", "1"}}}}, "OK"},
         {{{"command", "email"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", "a@b"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", Array{"a@b", "c d@e"}}},
-         "No mail server is set; \"c d@e\" is no e-mail address"},
-        {{{"command", "email"}, {"Recipients", Array{"c d@e"}}}, "\"c d@e\" is no e-mail address"},
+         "No mail server is set; \"c d@e\" is not a valid e-mail address"},
+        {{{"command", "email"}, {"Recipients", Array{"c d@e"}}},
+         "\"c d@e\" is not a valid e-mail address"},
         {{{"command", "email"}, {"Recipients", Array{"a@b"}}}, "No mail server is set"},
     };
     for (const Case &c : cases) {
@@ -111,9 +113,8 @@ TEST_F(CommandsTest, SaveSetsADamagedDocumentAside) {
     ::testing::internal::CaptureStderr();
     settings.load();
     EXPECT_EQ(save({{"a", 1}}), "OK");
-    EXPECT_THAT(
-        ::testing::internal::GetCapturedStderr(),
-        ::testing::AllOf(HasSubstr("Quorbel.ini is damaged"), HasSubstr("were renamed to")));
+    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
+                ::testing::AllOf(HasSubstr("Quorbel.ini is damaged"), HasSubstr("was renamed to")));
     const auto names = listFolder(folder.path());
     ASSERT_EQ(names.size(), 2U);
     EXPECT_EQ(names[0], "Quorbel.ini");
@@ -306,7 +307,7 @@ TEST_F(CommandsTest, UpdateGivesUpWhenTheServiceEnds) {
     folder.write("2023-11-14.log", line + line);
     commands.stop();
     EXPECT_EQ(update({{"1700000000,User.Notice,h,a\n", "1"}}),
-              "The service is ending; not all of the events were removed");
+              "The service is stopping; not all of the events were removed");
     EXPECT_EQ(content("2023-11-14.log"), line + line);
 }
 
@@ -358,7 +359,7 @@ TEST_F(CommandsTest, CommandFilesMustBeSealedArchives) {
     EXPECT_THAT(commands.carryOut(memoryFile("no archive", kSealed)),
                 ::testing::StartsWith("The command cannot be read: "));
     EXPECT_EQ(commands.carryOut(memoryFile(writeKeyedArchive(Array{1, 2}), kSealed)),
-              "The command is no dictionary");
+              "The command is not a dictionary");
     const UniqueFd large(memfd_create("command", MFD_CLOEXEC | MFD_ALLOW_SEALING));
     ASSERT_EQ(ftruncate(large.get(), (off_t{1} << 30U) + 1), 0);
     ASSERT_EQ(fcntl(large.get(), F_ADD_SEALS, kSealed), 0);

@@ -229,7 +229,7 @@ TEST_F(CollectorTest, SaysForWhichConnectionsThereWasNoTimeAtTheEnd) {
     ::testing::internal::CaptureStderr();
     input.drain(std::chrono::steady_clock::now());
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>Connections that were closed before all that had arrived was read: 2\n");
+              "<4>Connections that were closed before everything that had arrived was read: 2\n");
     EXPECT_EQ(counters.closedUnread, 2U);
     EXPECT_THAT(messages(), IsEmpty());
 }

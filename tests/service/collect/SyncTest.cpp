@@ -149,8 +149,8 @@ TEST_F(SyncTest, CountsWhatAFailedSyncMayHaveLost) {
     m_store.reset();
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "<3>Events cannot be written to disk: Input/output error\n"
-              "<5>What is stored from now on is written to disk; 3 events stored before may be "
-              "lost when the machine stops\n");
+              "<5>Events are written to disk again; 3 events stored before that may be "
+              "lost if the machine stops\n");
 }
 
 /// The events are those of messages.

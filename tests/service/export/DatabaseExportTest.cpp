@@ -93,7 +93,7 @@ TEST_F(ExportTest, DatabaseLeavesOtherPeoplesFilesAlone) {
         std::string bytes;
         const char *problem;
     };
-    const std::string notOurs = "out.db is no database of events, and is left as it is";
+    const std::string notOurs = "out.db is not a database of events and was left as it is";
     const Case cases[] = {
         {"CREATE TABLE events (x); INSERT INTO events VALUES (1)", "", notOurs.c_str()},
         {"PRAGMA application_id = 7; PRAGMA user_version = 1", "", notOurs.c_str()},

@@ -99,7 +99,7 @@ TEST_F(ExporterTest, SaysAProblemOnceUntilItChanges) {
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "<3>Export: " + target.string() +
-                  " is no file that an export could replace\n<5>Export: " + target.string() +
+                  " is not a file that an export may replace\n<5>Export: " + target.string() +
                   " is up to date again\n");
 }
 

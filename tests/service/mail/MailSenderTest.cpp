@@ -105,7 +105,7 @@ TEST_F(MailSenderTest, LogsInWhenAUserIsSet) {
               "The mail server localhost refused the user name or the password: 535 5.7.8 Wrong "
               "user or password");
     EXPECT_EQ(sender.send(message, settingsFor(server, "STARTTLS")),
-              "The mail server localhost refused the mail: 530 Log in first");
+              "The mail server localhost refused the e-mail: 530 Log in first");
     EXPECT_THAT(::testing::internal::GetCapturedStderr(), IsEmpty());
     EXPECT_THAT(server.mails(), SizeIs(1));
 }
@@ -167,16 +167,18 @@ TEST_F(MailSenderTest, SaysWhatIsWrong) {
     };
     const Case cases[] = {
         {noRecipients, settings, "There are no recipients"},
-        {noAddress, settings, R"("nobody" is no e-mail address; "" is no e-mail address)"},
+        {noAddress, settings,
+         R"("nobody" is not a valid e-mail address; "" is not a valid e-mail address)"},
         {message, {}, "No mail server is set"},
-        {message, with(settings, "actionsEmailSender", ""), "The sender \"\" is no e-mail address"},
+        {message, with(settings, "actionsEmailSender", ""),
+         "The sender \"\" is not a valid e-mail address"},
         {message, with(settings, "actionsEmailSender", "me\r\nDATA"),
-         "The sender \"me??DATA\" is no e-mail address"},
+         "The sender \"me??DATA\" is not a valid e-mail address"},
         {message, with(settings, "actionsEmailSecurity", "TLS"),
-         R"(The mail server's connection security "TLS" is none of "None", "STARTTLS" and )"
+         R"(The mail server's connection security "TLS" is not one of "None", "STARTTLS" or )"
          R"("SSL/TLS")"},
         {message, with(settings, "actionsEmailServer", "a host/path\nx"),
-         "The mail server's name is none: a host/path?x"},
+         "The name of the mail server is not valid: a host/path?x"},
         {message, with(settings, "actionsEmailServer", noHost),
          "The mail server " + noHost + " is not known"},
         {message, with(settings, "actionsEmailPort", 1),
@@ -225,7 +227,7 @@ TEST_F(MailSenderTest, NamesTheRecipientsThatWereRefused) {
     server.answerRecipient("b@example.org", "");
     server.answerMails("554 " + std::string(500, 'x'));
     EXPECT_EQ(sender.send(message, settingsFor(server)),
-              "The mail server localhost refused the mail: 554 " + std::string(296, 'x'));
+              "The mail server localhost refused the e-mail: 554 " + std::string(296, 'x'));
     EXPECT_EQ(sender.sent(), 1U);
     EXPECT_EQ(sender.dropped(), 4U);
 }
@@ -233,7 +235,8 @@ TEST_F(MailSenderTest, NamesTheRecipientsThatWereRefused) {
 TEST_F(MailSenderTest, OneMalformedRecipientDoesNotStopTheOthers) {
     SmtpStandIn server;
     const MailMessage mixed{{"a@example.org", "no\nbody", "b@example.org", "x"}, "s", "b", false};
-    const std::string malformed = R"("no?body" is no e-mail address; "x" is no e-mail address)";
+    const std::string malformed =
+        R"("no?body" is not a valid e-mail address; "x" is not a valid e-mail address)";
     EXPECT_EQ(sender.send(mixed, settingsFor(server)), malformed);
     auto mails = server.mails();
     ASSERT_THAT(mails, SizeIs(1));
@@ -290,8 +293,8 @@ TEST_F(MailSenderTest, StopEndsWhatWaits) {
     ASSERT_TRUE(waitUntil([&] { return server.connections() == 1; }));
     patient.cancelSends();
     ASSERT_EQ(answer.wait_for(10s), std::future_status::ready);
-    EXPECT_EQ(answer.get(), "The service is ending");
-    EXPECT_EQ(patient.send(message, settingsFor(server)), "The service is ending");
+    EXPECT_EQ(answer.get(), "The service is stopping");
+    EXPECT_EQ(patient.send(message, settingsFor(server)), "The service is stopping");
 }
 
 TEST_F(MailSenderTest, QueuedMailIsSentInOrder) {
@@ -330,8 +333,8 @@ TEST_F(MailSenderTest, TriesAgainOnlyForThoseForWhomThereIsHope) {
         EXPECT_EQ(quick.sent(), 1U);
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>An e-mail to gone@b is not sent: 550 No such user\n"
-              "<4>An e-mail to busy@b is not sent yet and will be tried again: 451 Come back "
+              "<4>An e-mail to gone@b was not sent: 550 No such user\n"
+              "<4>An e-mail to busy@b could not be sent yet and will be tried again: 451 Come back "
               "later\n");
 }
 
@@ -347,13 +350,14 @@ TEST_F(MailSenderTest, GivesUpAfterFourTries) {
         EXPECT_EQ(server.connections(), 4U);
         EXPECT_EQ(quick.sent(), 0U);
     }
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>An e-mail to a@b, c@d is not sent yet and will be tried again: The mail server "
-              "localhost refused the mail: 451 Not now\n"
-              "<4>An e-mail to a@b is not sent: The mail server localhost refused the mail: "
-              "451 Not now\n"
-              "<4>An e-mail to c@d is not sent: The mail server localhost refused the mail: "
-              "451 Not now\n");
+    EXPECT_EQ(
+        ::testing::internal::GetCapturedStderr(),
+        "<4>An e-mail to a@b, c@d could not be sent yet and will be tried again: The mail server "
+        "localhost refused the e-mail: 451 Not now\n"
+        "<4>An e-mail to a@b was not sent: The mail server localhost refused the e-mail: "
+        "451 Not now\n"
+        "<4>An e-mail to c@d was not sent: The mail server localhost refused the e-mail: "
+        "451 Not now\n");
 }
 
 TEST_F(MailSenderTest, OtherSettingsAreTriedAtOnce) {
@@ -371,9 +375,10 @@ TEST_F(MailSenderTest, SaysAtOnceThatThereIsNoServer) {
     EXPECT_TRUE(patient.submit({{"a@b"}, "s", "", false}));
     // The first try, of which the next one is half a minute away.
     patient.finishFirstTries(std::chrono::steady_clock::now() + 1h);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>An e-mail to a@b is not sent yet and will be tried again: No mail server is "
-              "set\n");
+    EXPECT_EQ(
+        ::testing::internal::GetCapturedStderr(),
+        "<4>An e-mail to a@b could not be sent yet and will be tried again: No mail server is "
+        "set\n");
     EXPECT_EQ(patient.dropped(), 0U);
     ::testing::internal::CaptureStderr();
     patient.shutDown();
@@ -403,8 +408,9 @@ TEST_F(MailSenderTest, DrainsItsQueue) {
         EXPECT_EQ(patient.dropped(), 21U);
         EXPECT_FALSE(patient.submit({{"a@b"}, "s", "", false}));
     }
-    EXPECT_THAT(::testing::internal::GetCapturedStderr(),
-                ::testing::EndsWith("<4>The service is ending; e-mails that are not sent: 21\n"));
+    EXPECT_THAT(
+        ::testing::internal::GetCapturedStderr(),
+        ::testing::EndsWith("<4>The service is stopping; e-mails that were not sent: 21\n"));
 }
 
 TEST_F(MailSenderTest, TheQueueIsBounded) {
@@ -435,8 +441,8 @@ TEST_F(MailSenderTest, QueuedMailGoesToThoseWhoHaveAnAddress) {
     EXPECT_TRUE(waitUntil([&] { return sender.dropped() == 3; }));
     EXPECT_EQ(sender.sent(), 1U);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>An e-mail is not sent: \"x\" is no e-mail address\n"
-              "<4>An e-mail is not sent: \"y z@b\" is no e-mail address\n");
+              "<4>An e-mail was not sent: \"x\" is not a valid e-mail address\n"
+              "<4>An e-mail was not sent: \"y z@b\" is not a valid e-mail address\n");
 }
 
 }  // namespace

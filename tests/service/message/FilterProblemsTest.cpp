@@ -31,20 +31,20 @@ TEST(FilterProblems, AreSaidOfWhatCanMatchNothing) {
     };
     const Case cases[] = {
         {filter("a", "router", "32"),
-         R"(The exclude filter "a" can match nothing: "router" is no address)"},
-        {filter("", "", "8"), R"(The exclude filter "" can match nothing: "" is no address)"},
+         R"(The exclude filter "a" can never match: "router" is not an address)"},
+        {filter("", "", "8"), R"(The exclude filter "" can never match: "" is not an address)"},
         {filter("a", "10.0.0.0", "8", "Kernel"),
-         R"(The exclude filter "a" can match nothing: there is no facility "Kernel")"},
+         R"(The exclude filter "a" can never match: there is no facility "Kernel")"},
         {filter("a", "10.0.0.0", "8", "Any", "Alerting!"),
-         R"(The exclude filter "a" can match nothing: there is no severity "Alerting!")"},
+         R"(The exclude filter "a" can never match: there is no severity "Alerting!")"},
         {filter("a", "10.0.0.1", "33"),
-         "The exclude filter \"a\" has the mask 33, which counts as 32"},
+         "The exclude filter \"a\" has the mask 33, which is treated as 32"},
         {filter("a", "2001:db8::", 129),
-         "The exclude filter \"a\" has the mask 129, which counts as 128"},
+         "The exclude filter \"a\" has the mask 129, which is treated as 128"},
         {filter("a", "10.0.0.1", "0"),
-         R"(The exclude filter "a" is for any host: beside "10.0.0.1" its mask is 0)"},
+         R"(The exclude filter "a" matches any host: its mask is 0, so the address "10.0.0.1" is ignored)"},
         {filter("a", "router", "all"),
-         R"(The exclude filter "a" is for any host: beside "router" its mask is 0)"},
+         R"(The exclude filter "a" matches any host: its mask is 0, so the address "router" is ignored)"},
     };
     for (const Case &c : cases) {
         EXPECT_THAT(problemsOf(c.filter), ElementsAre(c.problem));
@@ -72,12 +72,12 @@ TEST(FilterProblems, AreNamedByTheirListsAndLimited) {
                                           {"excludeFiltersArray", many},
                                           {"actionsArray", Array{filter("c", "x", "8")}}});
     ASSERT_THAT(problems, SizeIs(kMostFilterProblems + 1));
-    EXPECT_EQ(problems[0], R"(The include filter "i" can match nothing: "x" is no address)");
-    EXPECT_EQ(problems[1], R"(The exclude filter "a" can match nothing: "x" is no address)");
-    EXPECT_EQ(problems.back(), "Filters besides these: 3");
+    EXPECT_EQ(problems[0], R"(The include filter "i" can never match: "x" is not an address)");
+    EXPECT_EQ(problems[1], R"(The exclude filter "a" can never match: "x" is not an address)");
+    EXPECT_EQ(problems.back(), "Other filters with problems: 3");
     EXPECT_THAT(
         filterProblems({{"actionsArray", Array{filter("c", "x", "8")}}}),
-        ElementsAre(R"(The filter of the action "c" can match nothing: "x" is no address)"));
+        ElementsAre(R"(The filter of the action "c" can never match: "x" is not an address)"));
 }
 
 TEST(FilterProblems, AreOneLineEachHoweverTheFieldsAre) {

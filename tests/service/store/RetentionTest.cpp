@@ -279,7 +279,8 @@ TEST_F(RetentionTest, EndsAlthoughNobodyTakesWhatItTells) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_EQ(content("2023-11-13.log"), "(no file)");
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "<4>1000 removed events could not be told to the front-end\n");
+              "<4>1000 removed events could not be reported to the window; open it again to see "
+              "what is stored\n");
 }
 
 TEST_F(RetentionTest, GoesOnWithoutAListenerAfterAWhile) {
