@@ -84,7 +84,7 @@ void makeLevels(AllSeverityControls &all, QBoxLayout &place) {
     QWidget *page = place.parentWidget();
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         const Maker maker(kSeverityClasses[i], page);
-        auto *level = maker.make<QComboBox>("severity", "", "Rating of events of severity %1");
+        auto *level = maker.make<QComboBox>("severity", "", "Rating of %1 events");
         for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
             level->addItem(toQString(severityLevelName(item)));
         }
@@ -98,10 +98,11 @@ void makeLevels(AllSeverityControls &all, QBoxLayout &place) {
 }
 
 void makeRemoval(SeverityControls &controls, const Maker &maker) {
-    controls.removal = maker.makeBox("removal", "", "Remove events of severity %1 after some time");
+    controls.removal = maker.makeBox("removal", "", "Remove %1 events after some time");
     controls.time = maker.make<QLineEdit>("removal", "Time", "How long %1 events are kept");
-    controls.stepper = maker.make<QSpinBox>("removal", "Stepper", "Steps of the time for %1");
-    controls.units = maker.make<QComboBox>("removal", "Units", "Unit of the time for %1");
+    controls.stepper =
+        maker.make<QSpinBox>("removal", "Stepper", "How long %1 events are kept, stepper");
+    controls.units = maker.make<QComboBox>("removal", "Units", "Unit of time for %1 events");
     for (const char *unit : {"Minutes", "Hours", "Days", "Weeks", "Months"}) {
         controls.units->addItem(QString::fromLatin1(unit));
     }

@@ -301,7 +301,7 @@ void ReportsView::print() {
                   {.message = QStringLiteral("No page was printed"),
                    .informativeText =
                        printer.pageCount() == 1
-                           ? QStringLiteral("The report has one page only.")
+                           ? QStringLiteral("The report has only one page.")
                            : QStringLiteral("The report has %1 pages.").arg(printer.pageCount()),
                    .checkBox = {},
                    .buttons = {}},

@@ -31,17 +31,17 @@ QString addressCount(unsigned freeBits) {
 /// the sheets have room.
 QString meaningOf(const SenderRange &senders) {
     if (senders.ignoresAddress()) {
-        return QStringLiteral("Any host: the mask is 0, so the address does not count");
+        return QStringLiteral("Any host: with a mask of 0, the address is ignored");
     }
     if (senders.isAnybody()) {
         return QStringLiteral("Any host; 192.168.1.0 / 24 is a whole network");
     }
     if (senders.isNobody()) {
-        return QStringLiteral("No valid address: matches nobody");
+        return QStringLiteral("Not a valid address: matches no host");
     }
     const QString count = addressCount(senders.freeBits());
     return senders.isMaskTooLong()
-               ? count + QStringLiteral("; the longest mask of this address is ") +
+               ? count + QStringLiteral("; the longest mask for this address is ") +
                      QString::number(senders.addressBits())
                : count;
 }

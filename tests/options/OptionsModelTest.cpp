@@ -174,7 +174,7 @@ private:
                 break;
             case 2:
                 if (m_model.popups.isOn) {
-                    // "0" cannot be typed: the field is empty then, which counts as 0.
+                    // "0" cannot be typed: the field is empty then, which is treated as 0.
                     m_model.seconds = type("popupEventsTime", 3601);
                 }
                 break;

@@ -132,7 +132,8 @@ private Q_SLOTS:
         m_service = std::make_unique<ServiceProcess>(setup);
         QVERIFY(m_service->isListening());
         // A command that comes earlier is refused, and not sent again.
-        QVERIFY2(m_service->waitForJournal("On the system bus"), m_service->journal().c_str());
+        QVERIFY2(m_service->waitForJournal("Connected to the system bus"),
+                 m_service->journal().c_str());
         m_delegate = std::make_unique<AppDelegate>();
         m_storyboard.add(QStringLiteral("filterView"),
                          [] { return std::make_unique<ToolsViewFilter>(); });

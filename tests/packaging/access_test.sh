@@ -83,7 +83,7 @@ END
     QUORBEL_LIBRARY=$scratch/library setpriv --reuid "$service_user" --regid "$service_user" \
         --clear-groups "$scratch/QuorbelSrv" --port 0 2>"$scratch/journal" &
     processes+=($!)
-    wait_for "$scratch/journal" "On the system bus"
+    wait_for "$scratch/journal" "Connected to the system bus"
     port=$(sed -n 's/.*Listening on port //p' "$scratch/journal")
 }
 

@@ -254,7 +254,7 @@ private Q_SLOTS:
         QTRY_VERIFY(m_page->findChild<QMessageBox *>(name("alertBox")) != nullptr);
         auto *box = m_page->findChild<QMessageBox *>(name("alertBox"));
         QCOMPARE(box->text(), name("No page was printed"));
-        QCOMPARE(box->informativeText(), name("The report has one page only."));
+        QCOMPARE(box->informativeText(), name("The report has only one page."));
         QCOMPARE(files(), QStringList{name("x.log")});
     }
 

@@ -186,8 +186,8 @@ private Q_SLOTS:
                 << QString::fromLatin1(address) << QString::fromLatin1(mask)
                 << QString::fromLatin1(meaning);
         };
-        const char *ignored = "Any host: the mask is 0, so the address does not count";
-        const char *nobody = "No valid address: matches nobody";
+        const char *ignored = "Any host: with a mask of 0, the address is ignored";
+        const char *nobody = "Not a valid address: matches no host";
         row("0.0.0.0", "0", "Any host; 192.168.1.0 / 24 is a whole network");
         row("", "", "Any host; 192.168.1.0 / 24 is a whole network");
         row("10.0.0.5", "0", ignored);
@@ -202,11 +202,11 @@ private Q_SLOTS:
         row("10.0.0.5", "24", "256 addresses");
         row("10.0.0.5", "24x", "256 addresses");
         row("10.0.0.5", "1", "2,147,483,648 addresses");
-        row("10.0.0.5", "33", "1 address; the longest mask of this address is 32");
-        row("10.0.0.5", "255.255.255.0", "1 address; the longest mask of this address is 32");
+        row("10.0.0.5", "33", "1 address; the longest mask for this address is 32");
+        row("10.0.0.5", "255.255.255.0", "1 address; the longest mask for this address is 32");
         row("2001:db8::1", "128", "1 address");
         row("2001:db8::1", "64", "2^64 addresses");
-        row("2001:db8::1", "200", "1 address; the longest mask of this address is 128");
+        row("2001:db8::1", "200", "1 address; the longest mask for this address is 128");
     }
     void saysWhichHostsAddressAndMaskStandFor() {
         QFETCH(QString, address);

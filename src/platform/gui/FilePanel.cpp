@@ -258,16 +258,17 @@ void FilePanel::confirmSaving(const QString &path) {
                QStringLiteral("Please choose another name."));
         return;
     }
-    openAlert(this,
-              {.message = QStringLiteral("“%1” already exists.").arg(name),
-               .informativeText = QStringLiteral("Replacing it overwrites what it holds now."),
-               .checkBox = {},
-               .buttons = {QStringLiteral("Replace"), QStringLiteral("Cancel")}},
-              [this, path](const AlertAnswer &answer) {
-                  if (answer.button == 0) {
-                      finishWith(path);
-                  }
-              });
+    openAlert(
+        this,
+        {.message = QStringLiteral("“%1” already exists.").arg(name),
+         .informativeText = QStringLiteral("Replacing it will overwrite its current contents."),
+         .checkBox = {},
+         .buttons = {QStringLiteral("Replace"), QStringLiteral("Cancel")}},
+        [this, path](const AlertAnswer &answer) {
+            if (answer.button == 0) {
+                finishWith(path);
+            }
+        });
 }
 
 void FilePanel::finishWith(const QString &path) {
