@@ -85,7 +85,7 @@ missing_tests() {
 }
 check "behaviour that is meant has its tests" test -z "$(missing_tests)"
 
-# The names of tests that CONTRIBUTING.md would have otherwise: "FOLDER NAME".
+# The names of tests that CONTRIBUTING.md would have otherwise: "FOLDER NAME", and "SUITE".
 odd_programs() {
     local list folder
     find "$project/tests" -mindepth 2 -name CMakeLists.txt | while read -r list; do
@@ -95,7 +95,12 @@ odd_programs() {
             grep -vE "^${folder}(_[a-z0-9_]+|_fit_\\$\{name\})?_test$" | sed "s/^/$folder /"
     done
 }
+odd_suites() {
+    grep -rhoE --include='*.cpp' '^TEST(_[FP])?\([A-Za-z0-9]+' "$project/tests" | sed 's/.*(//' |
+        grep -v 'Test$' | sort -u
+}
 check "test programs are named after their folder: $(odd_programs)" test -z "$(odd_programs)"
+check "suites end in Test: $(odd_suites)" test -z "$(odd_suites)"
 
 [ "$failures" -eq 0 ] && echo "All checks passed."
 exit "$((failures > 0))"

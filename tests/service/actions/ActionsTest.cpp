@@ -22,7 +22,7 @@ using ::testing::IsEmpty;
 
 constexpr std::int64_t kTime = 1'700'000'000;  // 2023-11-14 22:13:20 UTC
 
-TEST(StormGuard, LetsSoManyThroughEachMinute) {
+TEST(StormGuardTest, LetsSoManyThroughEachMinute) {
     StormGuard guard(2);
     const StormGuard::Clock::time_point start = StormGuard::Clock::now();
     EXPECT_TRUE(guard.allows(start));

@@ -12,7 +12,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-TEST(SplitArguments, DoesWhatAShellDoes) {
+TEST(SplitArgumentsTest, DoesWhatAShellDoes) {
     struct Case {
         std::string_view text;
         std::optional<Words> words;
@@ -59,7 +59,7 @@ TEST(SplitArguments, DoesWhatAShellDoes) {
     }
 }
 
-TEST(AddVariables, TakesEachLine) {
+TEST(AddVariablesTest, TakesEachLine) {
     struct Case {
         std::string_view lines;
         Environment added;
@@ -86,7 +86,7 @@ TEST(AddVariables, TakesEachLine) {
     }
 }
 
-TEST(SetVariable, ReplacesOneOfThatName) {
+TEST(SetVariableTest, ReplacesOneOfThatName) {
     Environment environment{"PATH=/bin", "A=1"};
     setVariable(environment, "PATH", "/usr/bin");
     setVariable(environment, "B", std::string_view("x\0y", 3));

@@ -11,7 +11,7 @@ std::string line(std::size_t number) {
     return "1,User.Notice,h," + std::to_string(number) + "\r\n";
 }
 
-TEST(NotificationQueue, GivesNotificationsInTheirOrder) {
+TEST(NotificationQueueTest, GivesNotificationsInTheirOrder) {
     NotificationQueue queue;
     EXPECT_TRUE(queue.empty());
     queue.push(NotificationType::kSet, line(1));
@@ -27,7 +27,7 @@ TEST(NotificationQueue, GivesNotificationsInTheirOrder) {
     EXPECT_EQ(queue.dropped(), 0U);
 }
 
-TEST(NotificationQueue, KeepsItsOrderWhileItIsFilledAndEmptied) {
+TEST(NotificationQueueTest, KeepsItsOrderWhileItIsFilledAndEmptied) {
     NotificationQueue queue;
     std::size_t pushed = 0;
     std::size_t popped = 0;
@@ -44,7 +44,7 @@ TEST(NotificationQueue, KeepsItsOrderWhileItIsFilledAndEmptied) {
     EXPECT_EQ(queue.dropped(), 0U);
 }
 
-TEST(NotificationQueue, DropsAndCountsTheOldestWhenThereAreTooMany) {
+TEST(NotificationQueueTest, DropsAndCountsTheOldestWhenThereAreTooMany) {
     NotificationQueue queue;
     for (std::size_t i = 0; i < NotificationQueue::kMostNotifications + 5; ++i) {
         queue.push(NotificationType::kSet, line(i));
@@ -54,7 +54,7 @@ TEST(NotificationQueue, DropsAndCountsTheOldestWhenThereAreTooMany) {
     EXPECT_EQ(queue.front().line, line(5));
 }
 
-TEST(NotificationQueue, CountsWhatIsDroppedAtTheEnd) {
+TEST(NotificationQueueTest, CountsWhatIsDroppedAtTheEnd) {
     NotificationQueue queue;
     for (std::size_t i = 0; i < 3; ++i) {
         queue.push(NotificationType::kSet, line(i));
@@ -65,7 +65,7 @@ TEST(NotificationQueue, CountsWhatIsDroppedAtTheEnd) {
     EXPECT_EQ(queue.dropped(), 2U);
 }
 
-TEST(NotificationQueue, DropsTheOldestWhenTheyTakeTooMuchRoom) {
+TEST(NotificationQueueTest, DropsTheOldestWhenTheyTakeTooMuchRoom) {
     NotificationQueue queue;
     const std::string large = std::string(1021, 'x') + "\r\n";
     const std::size_t many = 40'000;

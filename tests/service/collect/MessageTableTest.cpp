@@ -39,13 +39,13 @@ std::string lineOf(std::string_view priority, std::string_view message) {
     return line;
 }
 
-TEST(MessageTable, HoldsTheLinesOfRealMessages) {
+TEST(MessageTableTest, HoldsTheLinesOfRealMessages) {
     for (const RealMessage &c : kRealMessages) {
         EXPECT_EQ(linesOf(c.sent), lineOf(c.priority, c.message)) << c.sent;
     }
 }
 
-TEST(MessageTable, GivesReadersTheSameEvents) {
+TEST(MessageTableTest, GivesReadersTheSameEvents) {
     for (const RealMessage &c : kRealMessages) {
         std::vector<std::string> read;
         LogReader::readBytes(linesOf(c.sent), [&](const LogLine &line) {
@@ -57,7 +57,7 @@ TEST(MessageTable, GivesReadersTheSameEvents) {
 }
 
 // The same messages give the same events over every transport that can carry them.
-TEST(MessageTable, HoldsWhateverCarriesTheMessage) {
+TEST(MessageTableTest, HoldsWhateverCarriesTheMessage) {
     for (const RealMessage &c : kRealMessages) {
         std::vector<std::string> lines;
         FrameSplitter splitter([&](std::string_view frame, FrameSplitter::Kind /*kind*/) {
@@ -84,7 +84,7 @@ TEST(MessageTable, HoldsWhateverCarriesTheMessage) {
     }
 }
 
-TEST(MessageTable, CutsTheLargestMessageIntoWholeEvents) {
+TEST(MessageTableTest, CutsTheLargestMessageIntoWholeEvents) {
     // 64 KiB with their priority; the words have two bytes a letter, so that cuts may hurt.
     std::string text;
     while (text.size() < FrameSplitter::kMaxFrame - 8) {

@@ -79,7 +79,7 @@ const std::vector<Case> &cases() {
     return table;
 }
 
-TEST(FrameSplitter, TellsFramingsApartWhateverThePieces) {
+TEST(FrameSplitterTest, TellsFramingsApartWhateverThePieces) {
     for (const Case &c : cases()) {
         for (std::size_t step = 1; step <= c.stream.size() + 1; ++step) {
             SCOPED_TRACE(std::string(c.stream) + " in steps of " + std::to_string(step));
@@ -94,13 +94,13 @@ TEST(FrameSplitter, TellsFramingsApartWhateverThePieces) {
     }
 }
 
-TEST(FrameSplitter, HandsFramesOnAsSoonAsTheyAreComplete) {
+TEST(FrameSplitterTest, HandsFramesOnAsSoonAsTheyAreComplete) {
     Frames frames;
     frames.splitter.feed("<1>a\n4 <2>b<3>");
     EXPECT_THAT(frames.whole, ElementsAre("<1>a", "<2>b"));
 }
 
-TEST(FrameSplitter, KeepsTheLargestFrameWhole) {
+TEST(FrameSplitterTest, KeepsTheLargestFrameWhole) {
     const std::string large = "<1>" + std::string(FrameSplitter::kMaxFrame - 3, 'x');
     Frames frames;
     frames.splitter.feed(large + '\n' + std::to_string(large.size()) + ' ' + large + "<2>b\n");
@@ -108,7 +108,7 @@ TEST(FrameSplitter, KeepsTheLargestFrameWhole) {
     EXPECT_TRUE(frames.cut.empty());
 }
 
-TEST(FrameSplitter, CutsLongerFramesAndGoesOnBehindThem) {
+TEST(FrameSplitterTest, CutsLongerFramesAndGoesOnBehindThem) {
     const std::string kept = "<1>" + std::string(FrameSplitter::kMaxFrame - 3, 'x');
     const std::string large = kept + std::string(200'000, 'y');
     const std::string stream =
@@ -123,7 +123,7 @@ TEST(FrameSplitter, CutsLongerFramesAndGoesOnBehindThem) {
     }
 }
 
-TEST(FrameSplitter, ForgetsTheRestOfACutFrameAtTheEnd) {
+TEST(FrameSplitterTest, ForgetsTheRestOfACutFrameAtTheEnd) {
     Frames frames;
     frames.splitter.feed("<1>" + std::string(100'000, 'x'));
     frames.splitter.finish();

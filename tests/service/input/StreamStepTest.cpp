@@ -130,7 +130,7 @@ const std::vector<Case> &cases() {
     return table;
 }
 
-TEST(StreamStep, FindsTheNextFrameWhateverThePieces) {
+TEST(StreamStepTest, FindsTheNextFrameWhateverThePieces) {
     for (const Case &c : cases()) {
         for (std::size_t step = 1; step <= c.stream.size(); ++step) {
             EXPECT_EQ(framesOf(c.stream, [&] { return step; }), c.frames)
@@ -153,7 +153,7 @@ struct OddStream {
 };
 
 // Each of them once made one message of 64 KiB of everything behind it.
-TEST(StreamStep, StoresEachOf5000MessagesBehindAnOddFrame) {
+TEST(StreamStepTest, StoresEachOf5000MessagesBehindAnOddFrame) {
     struct Odd {
         std::string_view bytes;
         std::vector<std::string> frames;
@@ -198,7 +198,7 @@ TEST(StreamStep, StoresEachOf5000MessagesBehindAnOddFrame) {
 }
 
 // Too few for a message of 64 KiB: what they are is known when the stream ends.
-TEST(StreamStep, StoresEachOfAFewMessagesBehindAnOddBeginning) {
+TEST(StreamStepTest, StoresEachOfAFewMessagesBehindAnOddBeginning) {
     for (const std::string beginning : {"junk", "0 ", "\xFF\xFE\xFD", "3 <13>x", "  <", "13>x "}) {
         OddStream stream;
         stream.bytes = beginning;
@@ -212,7 +212,7 @@ TEST(StreamStep, StoresEachOfAFewMessagesBehindAnOddBeginning) {
     EXPECT_THAT(framesOf("junk 80 <13"), ElementsAre("junk 80 <13"));
 }
 
-TEST(StreamStep, HandsOnWhatTheNextFrameTellsAtOnce) {
+TEST(StreamStepTest, HandsOnWhatTheNextFrameTellsAtOnce) {
     std::vector<std::string> frames;
     FrameSplitter splitter(
         [&](std::string_view frame, FrameSplitter::Kind /*kind*/) { frames.emplace_back(frame); });
@@ -225,7 +225,7 @@ TEST(StreamStep, HandsOnWhatTheNextFrameTellsAtOnce) {
     EXPECT_EQ(frames.back(), "<13>see 9 <13>inner.");
 }
 
-TEST(StreamStep, CountsWhatATextThatIsTooLongLoses) {
+TEST(StreamStepTest, CountsWhatATextThatIsTooLongLoses) {
     constexpr std::size_t kLong = 200'000;
     for (const std::string_view begin : {"6 <13>ab"sv, ""sv}) {
         std::uint64_t skipped = 0;
@@ -315,7 +315,7 @@ private:
     std::mt19937 m_engine;
 };
 
-TEST(StreamStep, GivesTheSameFramesHoweverTheStreamIsCut) {
+TEST(StreamStepTest, GivesTheSameFramesHoweverTheStreamIsCut) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     StreamMaker make(seed);
@@ -354,7 +354,7 @@ TEST(StreamStep, GivesTheSameFramesHoweverTheStreamIsCut) {
 
 // However a sender is wrong in some messages, those that it counts right and that do not follow a
 // wrong one are stored as they are, whatever stands in them.
-TEST(StreamStep, KeepsWhatIsCountedRight) {
+TEST(StreamStepTest, KeepsWhatIsCountedRight) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     StreamMaker make(seed);

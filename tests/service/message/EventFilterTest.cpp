@@ -31,7 +31,7 @@ bool matches(const Dictionary &record, const Message &message) {
     return EventFilter(record).matches(message.subject);
 }
 
-TEST(EventFilter, ComparesTheSendersAddress) {
+TEST(EventFilterTest, ComparesTheSendersAddress) {
     struct Case {
         const char *ip;
         Value mask;
@@ -86,7 +86,7 @@ TEST(EventFilter, ComparesTheSendersAddress) {
     }
 }
 
-TEST(EventFilter, ComparesFacilityAndSeverity) {
+TEST(EventFilterTest, ComparesFacilityAndSeverity) {
     struct Case {
         Value facility;
         Value severity;
@@ -114,7 +114,7 @@ TEST(EventFilter, ComparesFacilityAndSeverity) {
     EXPECT_FALSE(matches({{"Severity", "Debug"}}, informational));
 }
 
-TEST(EventFilter, ComparesTheMessageAsItIsListed) {
+TEST(EventFilterTest, ComparesTheMessageAsItIsListed) {
     struct Case {
         Value pattern;
         std::string text;
@@ -144,7 +144,7 @@ TEST(EventFilter, ComparesTheMessageAsItIsListed) {
     }
 }
 
-TEST(EventFilter, WantsAllConditionsToHold) {
+TEST(EventFilterTest, WantsAllConditionsToHold) {
     const std::pair<const char *, const char *> fields[] = {
         {"IP", "10.1.2.4"}, {"Facility", "Kern"}, {"Severity", "Debug"}, {"Message", "other"}};
     const Dictionary whole{{"Name", "x"},          {"IP", "10.1.2.3"},    {"Mask", "32"},
@@ -159,7 +159,7 @@ TEST(EventFilter, WantsAllConditionsToHold) {
     }
 }
 
-TEST(FilterSubject, MakesItsTextsAnewForEachMessage) {
+TEST(FilterSubjectTest, MakesItsTextsAnewForEachMessage) {
     FilterSubject subject;
     const Message first("10.1.2.3", "First");
     const Message second("10.1.2.3", "Second");
@@ -171,7 +171,7 @@ TEST(FilterSubject, MakesItsTextsAnewForEachMessage) {
     EXPECT_EQ(subject.foldedMessage(), "second");
 }
 
-TEST(FilterSet, IncludesFirstAndExcludesThen) {
+TEST(FilterSetTest, IncludesFirstAndExcludesThen) {
     const auto filterFor = [](const char *pattern) { return Dictionary{{"Message", pattern}}; };
     struct Case {
         Array includes;

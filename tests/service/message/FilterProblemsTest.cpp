@@ -24,7 +24,7 @@ std::vector<std::string> problemsOf(const Dictionary &record) {
     return filterProblems({{"excludeFiltersArray", Array{record}}});
 }
 
-TEST(FilterProblems, AreSaidOfWhatCanMatchNothing) {
+TEST(FilterProblemsTest, AreSaidOfWhatCanMatchNothing) {
     struct Case {
         Dictionary filter;
         const char *problem;
@@ -51,7 +51,7 @@ TEST(FilterProblems, AreSaidOfWhatCanMatchNothing) {
     }
 }
 
-TEST(FilterProblems, AreNoneOfUsualFilters) {
+TEST(FilterProblemsTest, AreNoneOfUsualFilters) {
     for (const Dictionary &usual :
          {filter("a", "0.0.0.0", "0"), filter("a", "::", "0"), filter("a", "", ""),
           filter("a", "10.0.0.1", "32"), filter("a", "2001:db8::", "128", "Local7", "Error"),
@@ -63,7 +63,7 @@ TEST(FilterProblems, AreNoneOfUsualFilters) {
                 IsEmpty());
 }
 
-TEST(FilterProblems, AreNamedByTheirListsAndLimited) {
+TEST(FilterProblemsTest, AreNamedByTheirListsAndLimited) {
     Array many;
     for (int i = 0; i < 11; ++i) {
         many.emplace_back(filter("a", "x", "8"));
@@ -80,7 +80,7 @@ TEST(FilterProblems, AreNamedByTheirListsAndLimited) {
         ElementsAre(R"(The filter of the action "c" can never match: "x" is not an address)"));
 }
 
-TEST(FilterProblems, AreOneLineEachHoweverTheFieldsAre) {
+TEST(FilterProblemsTest, AreOneLineEachHoweverTheFieldsAre) {
     const auto nameOf = [](const std::string &name) {
         const std::string line = problemsOf(filter(name.c_str(), "x", "8")).at(0);
         const std::string before = "The exclude filter \"";

@@ -172,7 +172,7 @@ constexpr Case kCases[] = {
     {"<14>\xFF\xFE", "User.Informational", "\xFF\xFE"},
 };
 
-TEST(MessageParser, ReadsRealMessages) {
+TEST(MessageParserTest, ReadsRealMessages) {
     MessageParser parser;
     for (const Case &c : kCases) {
         SCOPED_TRACE(std::string(c.sent));
@@ -184,7 +184,7 @@ TEST(MessageParser, ReadsRealMessages) {
     }
 }
 
-TEST(MessageParser, FindsNothingInEmptyMessages) {
+TEST(MessageParserTest, FindsNothingInEmptyMessages) {
     MessageParser parser;
     for (const std::string_view sent : {""sv, "\n"sv, "\r\n"sv, "\0\0"sv, "\xEF\xBB\xBF"sv}) {
         EXPECT_FALSE(parser.parse(sent)) << sent.size();
@@ -193,7 +193,7 @@ TEST(MessageParser, FindsNothingInEmptyMessages) {
 
 // Whatever is cut off, nothing is read behind the end (the sanitizers see that) and a priority that
 // is whole stays what it is.
-TEST(MessageParser, TakesEveryBeginningOfAMessage) {
+TEST(MessageParserTest, TakesEveryBeginningOfAMessage) {
     MessageParser parser;
     for (const Case &c : kCases) {
         for (std::size_t length = 1; length < c.sent.size(); ++length) {
@@ -206,7 +206,7 @@ TEST(MessageParser, TakesEveryBeginningOfAMessage) {
     }
 }
 
-TEST(Priority, NamesAllFacilitiesAndSeverities) {
+TEST(PriorityTest, NamesAllFacilitiesAndSeverities) {
     constexpr std::string_view kFacilities[] = {
         "Kern",   "User",   "Mail",     "Daemon", "Auth",   "Syslog", "Lpr",     "News",
         "Uucp",   "Cron",   "Authpriv", "Ftp",    "Ntp",    "Audit",  "Console", "Clock",

@@ -47,7 +47,7 @@ std::string messageOf(std::string_view message) {
     return whole;
 }
 
-TEST(RecordWriter, WritesALine) {
+TEST(RecordWriterTest, WritesALine) {
     std::string lines = "before\r\n";
     const auto written =
         RecordWriter().append({1700000000, kLocal7Error, "10.0.0.5", "disk full, retrying"}, lines);
@@ -61,7 +61,7 @@ struct Case {
     std::string_view written;
 };
 
-TEST(RecordWriter, WritesMessagesSoThatTheyReadBack) {
+TEST(RecordWriterTest, WritesMessagesSoThatTheyReadBack) {
     constexpr Case kCases[] = {
         {"", "-"},
         {" ", " "},
@@ -95,7 +95,7 @@ TEST(RecordWriter, WritesMessagesSoThatTheyReadBack) {
     }
 }
 
-TEST(RecordWriter, WritesHostsWithoutSeparators) {
+TEST(RecordWriterTest, WritesHostsWithoutSeparators) {
     constexpr Case kCases[] = {
         {"", "-"},  {"fe80::1%eth0", "fe80::1%eth0"}, {"a,b", "a_b"},
         {",", "_"}, {"a\r\nb c\0d"sv, "a__b_c_d"},    {"h\xC3\xB6st", "h__st"},
@@ -108,7 +108,7 @@ TEST(RecordWriter, WritesHostsWithoutSeparators) {
     }
 }
 
-TEST(RecordWriter, FillsLinesToTheLastByte) {
+TEST(RecordWriterTest, FillsLinesToTheLastByte) {
     const std::size_t prefix = std::string_view("1700000000,Local7.Error,10.0.0.5,").size();
     const std::size_t room = 1023 - 2 - prefix;
     for (const std::size_t extra : {0U, 1U}) {
@@ -121,7 +121,7 @@ TEST(RecordWriter, FillsLinesToTheLastByte) {
     }
 }
 
-TEST(RecordWriter, SplitsBetweenCharactersAndNotWithinEscapes) {
+TEST(RecordWriterTest, SplitsBetweenCharactersAndNotWithinEscapes) {
     for (const std::string_view unit : {"\xC3\xA9"sv, "\xE2\x82\xAC"sv, "\xF0\x9F\x94\xA5"sv}) {
         for (std::size_t shift = 0; shift < 4; ++shift) {
             std::string message(shift, 'x');
@@ -167,7 +167,7 @@ private:
     std::mt19937_64 m_engine{20261121};
 };
 
-TEST(RecordWriter, LetsNoInputForgeLoseOrMergeARecord) {
+TEST(RecordWriterTest, LetsNoInputForgeLoseOrMergeARecord) {
     Input input;
     RecordWriter writer;
     for (int round = 0; round < 300; ++round) {

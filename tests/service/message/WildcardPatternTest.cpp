@@ -15,7 +15,7 @@ std::string folded(std::string_view text) {
     return result;
 }
 
-TEST(WildcardPattern, MatchesWholeTexts) {
+TEST(WildcardPatternTest, MatchesWholeTexts) {
     struct Case {
         std::string_view pattern;
         std::string_view text;
@@ -99,7 +99,7 @@ TEST(WildcardPattern, MatchesWholeTexts) {
     }
 }
 
-TEST(WildcardPattern, KnowsWhenEverythingMatches) {
+TEST(WildcardPatternTest, KnowsWhenEverythingMatches) {
     struct Case {
         const char *pattern;
         bool everything;
@@ -111,7 +111,7 @@ TEST(WildcardPattern, KnowsWhenEverythingMatches) {
     }
 }
 
-TEST(WildcardPattern, FoldsWhatIsNoUtf8AsItStands) {
+TEST(WildcardPatternTest, FoldsWhatIsNoUtf8AsItStands) {
     EXPECT_EQ(folded("A\xFF"
                      "B\xC3"),
               "a\xFF"
@@ -120,7 +120,7 @@ TEST(WildcardPattern, FoldsWhatIsNoUtf8AsItStands) {
 }
 
 // Patterns over which a matcher that tries again after each star would take ages.
-TEST(WildcardPattern, TakesNoAges) {
+TEST(WildcardPatternTest, TakesNoAges) {
     const std::string text(60'000, 'a');
     std::string stars;
     for (int i = 0; i < 50; ++i) {

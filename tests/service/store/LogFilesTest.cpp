@@ -31,7 +31,7 @@ struct TailCase {
     std::string after;
 };
 
-TEST(LogFiles, RepairTailLeavesWholeLinesOnly) {
+TEST(LogFilesTest, RepairTailLeavesWholeLinesOnly) {
     const std::string whole = "1700000000,User.Notice,h,first\r\n";
     const std::string longLine = "1,User.Notice,h," + std::string(3000, 'x');
     const std::vector<TailCase> cases{
@@ -68,7 +68,7 @@ TEST(LogFiles, RepairTailLeavesWholeLinesOnly) {
     }
 }
 
-TEST(LogFiles, CopyPartTakesRangesOut) {
+TEST(LogFilesTest, CopyPartTakesRangesOut) {
     std::mt19937_64 engine(7);
     const auto number = [&](std::size_t least, std::size_t most) {
         return std::uniform_int_distribution<std::size_t>(least, most)(engine);
@@ -99,14 +99,14 @@ TEST(LogFiles, CopyPartTakesRangesOut) {
     }
 }
 
-TEST(LogFiles, CopyPartFailsBehindTheEnd) {
+TEST(LogFilesTest, CopyPartFailsBehindTheEnd) {
     const TemporaryFolder folder;
     const UniqueFd from = openFile(folder.write("from", "abc"));
     const UniqueFd to = openFile(folder.path() / "to");
     EXPECT_FALSE(copyPart(from.get(), {0, 4}, {}, to.get()));
 }
 
-TEST(LogFiles, PiecesAreThoseOfTheReader) {
+TEST(LogFilesTest, PiecesAreThoseOfTheReader) {
     std::mt19937_64 engine(11);
     const auto number = [&](std::size_t least, std::size_t most) {
         return std::uniform_int_distribution<std::size_t>(least, most)(engine);
@@ -143,7 +143,7 @@ TEST(LogFiles, PiecesAreThoseOfTheReader) {
     }
 }
 
-TEST(LogFiles, PiecesEndWhenNoMoreAreWanted) {
+TEST(LogFilesTest, PiecesEndWhenNoMoreAreWanted) {
     const TemporaryFolder folder;
     const UniqueFd file = openFile(folder.write("x.log", "a\nb\nc\n"));
     std::string seen;
@@ -154,7 +154,7 @@ TEST(LogFiles, PiecesEndWhenNoMoreAreWanted) {
     EXPECT_EQ(seen, "a\nb\n");
 }
 
-TEST(LogFiles, NamesFilesByTheLocalDay) {
+TEST(LogFilesTest, NamesFilesByTheLocalDay) {
     // The test runs in UTC.
     EXPECT_EQ(logFileName(1700006399), "2023-11-14.log");
     EXPECT_EQ(logFileName(1700006400), "2023-11-15.log");
@@ -162,7 +162,7 @@ TEST(LogFiles, NamesFilesByTheLocalDay) {
 }
 
 // Days of 23 and 25 hours, and the turn of the year, where it is not midnight in UTC.
-TEST(LogFiles, NamesFilesByTheLocalDayWhereClocksChange) {
+TEST(LogFilesTest, NamesFilesByTheLocalDayWhereClocksChange) {
     std::optional<testing::ScopedVariable> zone;
     zone.emplace("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     tzset();

@@ -384,14 +384,14 @@ TEST_F(LogStoreTest, LosesNothingThatArrivesDuringACut) {
     EXPECT_EQ(next, appended + 1);
 }
 
-TEST(LogStore, ReportsNothingWhenNothingIsWrong) {
+TEST_F(LogStoreTest, ReportsNothingWhenNothingIsWrong) {
     ::testing::internal::CaptureStderr();
     {
-        const TemporaryFolder folder;
-        LogStore store(folder.path());
-        store.prepare();
-        store.append(line(1), kMonday, true);
-        store.append(line(1), kTuesday, false);
+        const TemporaryFolder ownFolder;
+        LogStore ownStore(ownFolder.path());
+        ownStore.prepare();
+        ownStore.append(line(1), kMonday, true);
+        ownStore.append(line(1), kTuesday, false);
     }
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }

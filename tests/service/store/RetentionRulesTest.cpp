@@ -31,7 +31,7 @@ RetentionRules rulesFor(const Value &amount, const Value &unit) {
 
 constexpr std::size_t kError = 3;
 
-TEST(RetentionRules, KeepForTheTimeThatTheSettingsGive) {
+TEST(RetentionRulesTest, KeepForTheTimeThatTheSettingsGive) {
     struct Case {
         int amount;
         int unit;
@@ -61,7 +61,7 @@ TEST(RetentionRules, KeepForTheTimeThatTheSettingsGive) {
     }
 }
 
-TEST(RetentionRules, KeepForEverWithoutAnAmountOrAUnit) {
+TEST(RetentionRulesTest, KeepForEverWithoutAnAmountOrAUnit) {
     struct Case {
         Value amount;
         Value unit;
@@ -76,7 +76,7 @@ TEST(RetentionRules, KeepForEverWithoutAnAmountOrAUnit) {
     EXPECT_TRUE(RetentionRules().keepsAll());
 }
 
-TEST(RetentionRules, ReadEachClassByItsOwnKeys) {
+TEST(RetentionRulesTest, ReadEachClassByItsOwnKeys) {
     constexpr const char *kKeys[] = {"Emergency", "Alerting",    "Critical", "Error",  "Warning",
                                      "Notice",    "Information", "Debug",    "Unknown"};
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
@@ -88,7 +88,7 @@ TEST(RetentionRules, ReadEachClassByItsOwnKeys) {
     }
 }
 
-TEST(RetentionRules, TakeTheLargestNumbers) {
+TEST(RetentionRulesTest, TakeTheLargestNumbers) {
     constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
     for (int unit = 0; unit <= 4; ++unit) {
         const auto rules = rulesFor(kMost, unit);
@@ -97,7 +97,7 @@ TEST(RetentionRules, TakeTheLargestNumbers) {
     }
 }
 
-TEST(RetentionRules, SayWhenAnEventIsDue) {
+TEST(RetentionRulesTest, SayWhenAnEventIsDue) {
     struct Case {
         int amount;
         int unit;
@@ -119,7 +119,7 @@ TEST(RetentionRules, SayWhenAnEventIsDue) {
 }
 
 // An event is due neither before limitsAt() says so nor much later, whatever day of a month it is.
-TEST(RetentionRules, AgreeWithThemselvesOnMonths) {
+TEST(RetentionRulesTest, AgreeWithThemselvesOnMonths) {
     constexpr std::int64_t kHour = 3600;
     for (const int months : {1, 2, 11, 12}) {
         const auto rules = rulesFor(months, 4);
@@ -132,7 +132,7 @@ TEST(RetentionRules, AgreeWithThemselvesOnMonths) {
     }
 }
 
-TEST(RetentionRules, RemoveInLargerStepsWhatIsKeptLonger) {
+TEST(RetentionRulesTest, RemoveInLargerStepsWhatIsKeptLonger) {
     struct Case {
         int amount;
         int unit;
