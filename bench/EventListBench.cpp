@@ -3,9 +3,9 @@
 
 #include "Measure.h"
 #include "SampleLog.h"
+#include "common/LogReader.h"
 #include "core/AppDelegate.h"
 #include "core/EventIntake.h"
-#include "common/LogReader.h"
 #include "events/ScanView.h"
 #include "platform/Files.h"
 #include "platform/gui/Storyboard.h"
@@ -49,7 +49,7 @@ constexpr Spread kYear{"one year", 31.5};
 /// The real page with the real intake over one folder of log files.
 class Fixture {
 public:
-    Fixture() : page(delegate, storyboard), intake(delegate.state, page, home) {
+    Fixture() : page(delegate, storyboard), intake(delegate.state, delegate.events, page, home) {
         page.viewDidLoad();
         page.resize(1200, 800);
     }
@@ -180,7 +180,7 @@ bool benchRemoving(const std::filesystem::path &folder, const Spread &spread) {
         const Removal removal = removeOldest(fixture, removed, removed + kNotices, spread.spacing);
         removed += kNotices;
         longestStall = std::max(longestStall, removal.longestStall);
-        const bool allFound = fixture.page.arrController().size() == 1'000'000 - removed;
+        const bool allFound = fixture.delegate.events.size() == 1'000'000 - removed;
         reached &= allFound;
         reached &= report("10,000 removal notices, " + std::string(spread.name) +
                               (allFound ? ", " : ", NOT ALL FOUND, ") + when,
@@ -219,7 +219,7 @@ bool benchDeleting(const std::filesystem::path &folder, const Spread &spread, bo
     const Stopwatch watch;
     fixture.press("Yes", false);
     const double seconds = watch.seconds();
-    if (fixture.page.arrController().size() != 0) {
+    if (fixture.delegate.events.size() != 0) {
         return false;
     }
     return report("deleting all of 1 million rows, " + std::string(spread.name) +

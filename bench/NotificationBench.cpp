@@ -3,8 +3,8 @@
 
 #include "Measure.h"
 #include "SampleLog.h"
-#include "core/EventList.h"
 #include "common/LogReader.h"
+#include "core/EventList.h"
 #include "platform/bus/BusNames.h"
 #include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
@@ -78,7 +78,7 @@ double bareRate(testing::ServiceStandIn &service) {
 struct FrontEnd : testing::FrontEnd {
     FrontEnd() {
         window->Scan();
-        list = &dynamic_cast<EventListPageLink &>(control<QWidget>("ScanView")).arrController();
+        list = &delegate.events;
         QApplication::processEvents();
     }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppState.h"
+#include "core/EventList.h"
 #include "core/PageLinks.h"
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
@@ -11,13 +12,16 @@
 
 namespace quorbel {
 
-/// The application's delegate: the state that all pages share, and the way to the service.
-/// Reached by every page; main thread only, but for the alert lock and what it guards.
+/// The application's delegate: the state and the events that all pages share, and the way to the
+/// service. Reached by every page; main thread only, but for the alert lock and what it guards.
 class AppDelegate {
 public:
     AppDelegate();
 
     AppState state;
+    /// The events: all of them, whatever a page shows of them. They outlive the pages, and so
+    /// whatever shows or awaits one of them.
+    EventList events;
 
     /// Replaces the four alert settings in `state` together: the alert worker never sees some of
     /// them old and some new. Once the worker runs, nothing else may write them.

@@ -41,8 +41,9 @@ EventFields decodeFields(const LogLine &line) {
 
 }  // namespace
 
-EventIntake::EventIntake(AppState &state, EventListPageLink &eventList, HomePageLink &home)
-    : m_state(state), m_eventList(eventList), m_home(home) {}
+EventIntake::EventIntake(AppState &state, EventList &events, EventListPageLink &page,
+                         HomePageLink &home)
+    : m_state(state), m_events(events), m_eventPage(page), m_homePage(home) {}
 
 void EventIntake::count(const PriorityClasses &classes) {
     for (unsigned long rest = classes.counted.to_ulong(); rest != 0; rest &= rest - 1) {
@@ -51,18 +52,17 @@ void EventIntake::count(const PriorityClasses &classes) {
 }
 
 EventId EventIntake::setNotification(const EventFields &event) {
-    EventList &list = m_eventList.arrController();
     const EventId id =
-        m_eventList.isOnScreen() ? m_eventList.insertEvent(event) : list.insertRaw(event);
-    count(list.classes(0));
-    if (m_home.isOnScreen()) {
-        m_home.setEventsStatus();
+        m_eventPage.isOnScreen() ? m_eventPage.insertEvent(event) : m_events.insertRaw(event);
+    count(m_events.classes(0));
+    if (m_homePage.isOnScreen()) {
+        m_homePage.setEventsStatus();
     }
     return id;
 }
 
 void EventIntake::removeNotification(const EventFields &announced) {
-    m_eventList.removeEvent(announced);
+    m_eventPage.removeEvent(announced);
 }
 
 void EventIntake::takeSettings() {
@@ -91,8 +91,7 @@ void EventIntake::initializeLog(const Progress &onProgress) {
     const auto files = logFiles();
     const std::uint64_t total = totalSize(files);
     std::uint64_t read = 0;
-    EventList &list = m_eventList.arrController();
-    list.beginBulkInsert();
+    m_events.beginBulkInsert();
     for (const auto &file : files) {
         LogReader::readFile(
             file,
@@ -108,7 +107,7 @@ void EventIntake::initializeLog(const Progress &onProgress) {
                 return true;
             });
     }
-    list.endBulkInsert();
+    m_events.endBulkInsert();
 }
 
 }  // namespace quorbel

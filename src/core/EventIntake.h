@@ -10,6 +10,8 @@
 
 namespace quorbel {
 
+class EventList;
+
 /// The one way in for events, live ones and those of the log files: counts each by severity and
 /// hands it to the event list and the home page. Main thread only.
 class EventIntake {
@@ -18,7 +20,8 @@ public:
     /// log files hold.
     using Progress = std::function<void(std::uint64_t read, std::uint64_t total)>;
 
-    EventIntake(AppState &state, EventListPageLink &eventList, HomePageLink &home);
+    /// All outlive the intake.
+    EventIntake(AppState &state, EventList &events, EventListPageLink &page, HomePageLink &home);
 
     /// Takes one new event in and returns the id under which the list holds it.
     EventId setNotification(const EventFields &event);
@@ -33,8 +36,9 @@ private:
     void takeSettings();
 
     AppState &m_state;
-    EventListPageLink &m_eventList;
-    HomePageLink &m_home;
+    EventList &m_events;
+    EventListPageLink &m_eventPage;
+    HomePageLink &m_homePage;
 };
 
 }  // namespace quorbel

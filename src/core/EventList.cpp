@@ -4,6 +4,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 namespace quorbel {
@@ -23,6 +24,10 @@ std::optional<std::int64_t> plainSeconds(std::string_view text) {
 }
 
 }  // namespace
+
+EventList::~EventList() {
+    assert(m_held.empty());
+}
 
 std::uint8_t EventList::shownClass(const EventRecord &record) const {
     return (record.priority == StringTable::kAbsent ? m_absentClasses : m_classes[record.priority])
@@ -98,31 +103,26 @@ void EventList::setDate(const Place &place, const std::optional<std::string_view
 }
 
 EventId EventList::insertRaw(const EventFields &fields) {
-    const bool tell = m_observer != nullptr && !m_inBulk;
-    if (tell) {
-        m_observer->rowWillBeInsertedAtTop();
-    }
-    add(fields);
-    if (tell) {
-        m_observer->rowWasInserted();
+    if (m_inBulk) {
+        add(fields);
+    } else {
+        tell(&EventListObserver::rowWillBeInsertedAtTop);
+        add(fields);
+        tell(&EventListObserver::rowWasInserted);
     }
     return m_nextId - 1;
 }
 
 EventId EventList::insertShown(const EventFields &fields, const AppState &state) {
     makeRoomForShowing();
-    if (m_observer != nullptr) {
-        m_observer->rowWillBeInsertedAtTop();
-    }
+    tell(&EventListObserver::rowWillBeInsertedAtTop);
     const Place place = add(fields);
     EventRecord &record = place.record();
     m_dates.showAtOnce(record, shownClass(record), state, fields.date.has_value());
     if (record.hasExtras != 0) {
         m_extras[m_nextId - 1].date.reset();
     }
-    if (m_observer != nullptr) {
-        m_observer->rowWasInserted();
-    }
+    tell(&EventListObserver::rowWasInserted);
     return m_nextId - 1;
 }
 

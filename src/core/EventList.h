@@ -56,10 +56,15 @@ std::vector<RowRange> joinRows(std::vector<std::size_t> rows);
 class EventList {
 public:
     EventList() = default;
+    /// No Event may be left of it.
+    ~EventList();
     EventList(const EventList &) = delete;
     EventList &operator=(const EventList &) = delete;
 
-    void setObserver(EventListObserver *observer) { m_observer = observer; }
+    /// Observers hear of a change in the order in which they were added. Each outlives the list or
+    /// is removed before it ends.
+    void addObserver(EventListObserver &observer) { m_observers.push_back(&observer); }
+    void removeObserver(EventListObserver &observer) { std::erase(m_observers, &observer); }
 
     [[nodiscard]] std::size_t size() const { return m_size; }
 
@@ -101,7 +106,7 @@ public:
     void markForRemoval(std::size_t row);
     void removeMarked();
 
-    /// Between these two, rows are added without a word to the observer.
+    /// Between these two, rows are added without a word to the observers.
     void beginBulkInsert();
     void endBulkInsert();
 
@@ -124,6 +129,14 @@ private:
         std::uint32_t handles = 0;
         std::unique_ptr<Fields> left;  // the fields, once the event has left the list
     };
+
+    /// Tells each observer.
+    template <typename... Parameters, typename... Arguments>
+    void tell(void (EventListObserver::*what)(Parameters...), Arguments... arguments) {
+        for (EventListObserver *observer : m_observers) {
+            (observer->*what)(arguments...);
+        }
+    }
 
     Place add(const EventFields &fields);
     void setDate(const Place &place, const std::optional<std::string_view> &text);
@@ -160,7 +173,7 @@ private:
     void release(EventId id);
     [[nodiscard]] std::optional<std::string> value(EventId id, std::string_view key);
 
-    EventListObserver *m_observer = nullptr;
+    std::vector<EventListObserver *> m_observers;
     bool m_inBulk = false;
     std::size_t m_size = 0;
     EventId m_nextId = 1;

@@ -11,16 +11,14 @@ void EventList::removeRows(const std::vector<RowRange> &ranges) {
     if (ranges.empty()) {
         return;
     }
-    if (m_observer == nullptr) {
+    if (ranges.size() == 1) {
+        tell(&EventListObserver::rowsWillBeRemoved, ranges.front().first, ranges.front().count);
         removeTogether(ranges);
-    } else if (ranges.size() == 1) {
-        m_observer->rowsWillBeRemoved(ranges.front().first, ranges.front().count);
-        removeTogether(ranges);
-        m_observer->rowsWereRemoved();
+        tell(&EventListObserver::rowsWereRemoved);
     } else {
-        m_observer->listWillChangeAtLarge();
+        tell(&EventListObserver::listWillChangeAtLarge);
         removeTogether(ranges);
-        m_observer->listChangedAtLarge();
+        tell(&EventListObserver::listChangedAtLarge);
     }
 }
 
@@ -137,16 +135,12 @@ EventList::Fields EventList::fieldsOf(const Place &place) {
 
 void EventList::beginBulkInsert() {
     m_inBulk = true;
-    if (m_observer != nullptr) {
-        m_observer->listWillChangeAtLarge();
-    }
+    tell(&EventListObserver::listWillChangeAtLarge);
 }
 
 void EventList::endBulkInsert() {
     m_inBulk = false;
-    if (m_observer != nullptr) {
-        m_observer->listChangedAtLarge();
-    }
+    tell(&EventListObserver::listChangedAtLarge);
 }
 
 void EventList::hold(EventId id) {

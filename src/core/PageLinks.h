@@ -4,8 +4,6 @@
 
 namespace quorbel {
 
-class EventList;
-
 // What the shell and the pages see of one another. A page includes no other page's header.
 
 /// The tabs of the main window, in their fixed order.
@@ -50,14 +48,12 @@ protected:
     HomePageLink &operator=(const HomePageLink &) = default;
 };
 
-/// The event list page, as the intake reaches it.
+/// The event list page, as the intake reaches it. The events themselves are the delegate's.
 class EventListPageLink {
 public:
     virtual ~EventListPageLink() = default;
 
     [[nodiscard]] virtual bool isOnScreen() const = 0;
-    /// The page's list controller: the events, newest first.
-    virtual EventList &arrController() = 0;
     /// Puts a new event at the top while the page is on screen, and returns its id.
     virtual EventId insertEvent(const EventFields &event) = 0;
     /// Takes out an event that the service removed, as it was announced.

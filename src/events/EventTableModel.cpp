@@ -25,11 +25,11 @@ EventTableModel::EventTableModel(EventList &list, QObject *parent)
         m_images[level] =
             severityIcon(toQString(severityLevelName(static_cast<std::int64_t>(level))));
     }
-    m_list.setObserver(this);
+    m_list.addObserver(*this);
 }
 
 EventTableModel::~EventTableModel() {
-    m_list.setObserver(nullptr);
+    m_list.removeObserver(*this);
 }
 
 int EventTableModel::rowCount(const QModelIndex &parent) const {

@@ -24,15 +24,13 @@ ScanView::ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget 
     : Page(parent),
       m_delegate(delegate),
       m_storyboard(storyboard),
-      m_model(std::make_unique<EventTableModel>(m_arrController)),
+      arrController(delegate.events),
+      m_model(std::make_unique<EventTableModel>(arrController)),
       ui(std::make_unique<Ui::ScanView>()) {
     ui->setupUi(this);
 }
 
-ScanView::~ScanView() {
-    // An event's handle must not outlive the list, as the children of this widget would.
-    qDeleteAll(findChildren<Sheet *>(Qt::FindDirectChildrenOnly));
-}
+ScanView::~ScanView() = default;
 
 void ScanView::viewDidLoad() {
     setWhiteBackground();
@@ -41,7 +39,7 @@ void ScanView::viewDidLoad() {
     ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
-    m_selection = std::make_unique<EventSelection>(m_arrController, *ui->tableView);
+    m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
     connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);
@@ -58,7 +56,7 @@ void ScanView::viewDidLoad() {
 
 void ScanView::viewWillAppear() {
     removeAnnounced();
-    m_arrController.show(m_delegate.state);
+    arrController.show(m_delegate.state);
     m_model->refreshAll();
     ui->tableView->scrollToTop();
     ui->tableView->selectionModel()->clear();
@@ -70,7 +68,7 @@ void ScanView::viewDidAppear() {
 }
 
 EventId ScanView::insertEvent(const EventFields &event) {
-    const EventId id = m_arrController.insertShown(event, m_delegate.state);
+    const EventId id = arrController.insertShown(event, m_delegate.state);
     // Who has scrolled down to read goes on seeing the same rows.
     QScrollBar *bar = ui->tableView->verticalScrollBar();
     if (bar->value() > 0) {
@@ -82,11 +80,11 @@ EventId ScanView::insertEvent(const EventFields &event) {
 }
 
 void ScanView::removeEvent(const EventFields &announced) {
-    const auto row = m_arrController.find(announced, m_delegate.state.newDateFormat);
+    const auto row = arrController.find(announced, m_delegate.state.newDateFormat);
     if (!row) {
         return;
     }
-    m_arrController.markForRemoval(*row);
+    arrController.markForRemoval(*row);
     if (!std::exchange(m_removalIsDue, true)) {
         QMetaObject::invokeMethod(this, &ScanView::removeAnnounced, Qt::QueuedConnection);
     }
@@ -94,7 +92,7 @@ void ScanView::removeEvent(const EventFields &announced) {
 
 void ScanView::removeAnnounced() {
     m_removalIsDue = false;
-    m_arrController.removeMarked();
+    arrController.removeMarked();
 }
 
 const QAbstractItemModel &ScanView::rowModel() {
@@ -110,17 +108,17 @@ int ScanView::selectedRow() {
 }
 
 int ScanView::rowOf(const Event &event) {
-    const auto row = m_arrController.rowOf(event.id());
+    const auto row = arrController.rowOf(event.id());
     return row ? static_cast<int>(*row) : -1;
 }
 
 int ScanView::placeOf(const Event &event) {
     // Later events have larger ids and stand above.
     std::size_t first = 0;
-    std::size_t last = m_arrController.size();
+    std::size_t last = arrController.size();
     while (first < last) {
         const std::size_t middle = first + (last - first) / 2;
-        if (m_arrController.idAt(middle) > event.id()) {
+        if (arrController.idAt(middle) > event.id()) {
             first = middle + 1;
         } else {
             last = middle;
@@ -130,7 +128,7 @@ int ScanView::placeOf(const Event &event) {
 }
 
 Event ScanView::eventAt(int row) {
-    return {m_arrController, m_arrController.idAt(static_cast<std::size_t>(row))};
+    return {arrController, arrController.idAt(static_cast<std::size_t>(row))};
 }
 
 Event ScanView::selectRow(int row) {
@@ -156,7 +154,7 @@ void ScanView::doubleClickTable() {
 }
 
 ScanView::Rows ScanView::allRows() const {
-    return m_arrController.size() == 0 ? Rows{} : Rows{{0, m_arrController.size()}};
+    return arrController.size() == 0 ? Rows{} : Rows{{0, arrController.size()}};
 }
 
 void ScanView::deleteEvents() {
@@ -200,8 +198,8 @@ void ScanView::confirmDeletion(const QString &what, std::function<Rows()> rows) 
 }
 
 void ScanView::deleteRows(const Rows &rows) {
-    Dictionary deleted = takeForDeletion(m_arrController, rows, m_delegate.state);
-    m_arrController.removeRows(rows);
+    Dictionary deleted = takeForDeletion(arrController, rows, m_delegate.state);
+    arrController.removeRows(rows);
     updateEvents(std::move(deleted));
     m_selection->clear();
 }
@@ -229,7 +227,7 @@ void ScanView::exportEvents() {
 void ScanView::writeEvents(const QString &path, const std::vector<EventId> &ids) {
     // By event: new ones may come on top, and others go, while many are written.
     const auto row = [this, &ids](std::size_t number) {
-        const auto found = m_arrController.rowOf(ids[number]);
+        const auto found = arrController.rowOf(ids[number]);
         return found ? m_model->index(static_cast<int>(*found), 0) : QModelIndex();
     };
     // A file that cannot be written stays as it was; nobody is told.
@@ -261,7 +259,7 @@ void ScanView::countChanged() {
 
 void ScanView::showCount() {
     m_countIsDue = false;
-    const auto count = static_cast<qlonglong>(m_arrController.size());
+    const auto count = static_cast<qlonglong>(arrController.size());
     ui->eventCount->setText(count == 1 ? QStringLiteral("1 event")
                                        : countText(count) + QStringLiteral(" events"));
 }

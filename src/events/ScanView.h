@@ -35,7 +35,6 @@ public:
     void viewDidAppear() override;
 
     [[nodiscard]] bool isOnScreen() const override { return isPageOnScreen(); }
-    EventList &arrController() override { return m_arrController; }
     EventId insertEvent(const EventFields &event) override;
     void removeEvent(const EventFields &announced) override;
 
@@ -73,7 +72,7 @@ private:
 
     AppDelegate &m_delegate;
     const Storyboard &m_storyboard;
-    EventList m_arrController;
+    EventList &arrController;  ///< the delegate's
     std::unique_ptr<EventTableModel> m_model;
     std::unique_ptr<Ui::ScanView> ui;
     std::unique_ptr<EventSelection> m_selection;

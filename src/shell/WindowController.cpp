@@ -71,9 +71,10 @@ WindowController::WindowController(AppDelegate &delegate, const Storyboard &stor
     for (const char *identifier : kPages) {
         ui->tabView->addWidget(m_storyboard.instantiate(QString::fromLatin1(identifier)).release());
     }
-    m_eventList = &dynamic_cast<EventListPageLink &>(*pageAt(Tab::kEvents));
-    m_home = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
-    m_intake = std::make_unique<EventIntake>(m_delegate.state, *m_eventList, *m_home);
+    m_eventPage = &dynamic_cast<EventListPageLink &>(*pageAt(Tab::kEvents));
+    m_homePage = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
+    m_intake = std::make_unique<EventIntake>(m_delegate.state, m_delegate.events, *m_eventPage,
+                                             *m_homePage);
     new NavigationRail(*ui->navigation);
     connectCommands();
     selectTab(Tab::kHome);
@@ -243,7 +244,7 @@ void WindowController::syslogNotify(const NotificationObserver::UserInfo &userIn
         const AppState &state = m_delegate.state;
         const bool alertsAreOn = state.iPopupEvents > 0 || !state.popupSound.empty();
         if (alertsAreOn && m_alertQueue != nullptr) {
-            m_alertQueue->append(Event(m_eventList->arrController(), id));
+            m_alertQueue->append(Event(m_delegate.events, id));
         }
     } else if (type == "Remove") {
         removeNotification(fields);

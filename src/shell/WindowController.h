@@ -91,11 +91,11 @@ private:
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::WindowController> ui;
     ScreenFit *m_screenFit = nullptr;          // owned by the window
-    EventListPageLink *m_eventList = nullptr;  // both owned by the tab container
-    HomePageLink *m_home = nullptr;
+    EventListPageLink *m_eventPage = nullptr;  // both owned by the tab container
+    HomePageLink *m_homePage = nullptr;
     std::unique_ptr<EventIntake> m_intake;
     SoundPlayer m_sound;
-    std::unique_ptr<PopupThread> m_popupThread;  // before the pages go: it holds events
+    std::unique_ptr<PopupThread> m_popupThread;
     AlertQueueLink *m_alertQueue = nullptr;
     std::function<bool()> m_isReopenable = [] { return false; };
     QPointer<QWidget> m_aboutSheet;

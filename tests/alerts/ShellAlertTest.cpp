@@ -5,12 +5,15 @@
 #include "platform/gui/Storyboard.h"
 #include "shell/MainStoryboard.h"
 #include "shell/WindowController.h"
+#include "support/FrontEnd.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
 #include <QApplication>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
+#include <QTableView>
 #include <QTest>
 
 #include <memory>
@@ -22,6 +25,24 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kPatienceMs = kPatience.count();
+
+/// No settings and no stored events, and no bus.
+void isolate(const TemporaryFolder &folder) {
+    qputenv("QUORBEL_LIBRARY", folder.path().c_str());
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + QByteArray(folder.path().c_str()) + "/x");
+}
+
+NotificationObserver::UserInfo warning(const char *message) {
+    return {{"Type", "Set"},
+            {"Date", "1700000000"},
+            {"Priority", "Local7.Warning"},
+            {"Host", "10.0.0.1"},
+            {"Message", message}};
+}
+
+EventFields fieldsOf(const NotificationObserver::UserInfo &userInfo) {
+    return {userInfo[1].second, userInfo[2].second, userInfo[3].second, userInfo[4].second, {}};
+}
 
 QWidget *shownWindow(const char *name) {
     for (QWidget *widget : QApplication::topLevelWidgets()) {
@@ -43,9 +64,7 @@ private Q_SLOTS:
 
     void raisesAPopupWhoseLinkOpensTheEvent() {
         const TemporaryFolder folder;
-        // No settings and no stored events, and no bus.
-        qputenv("QUORBEL_LIBRARY", folder.path().c_str());
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + QByteArray(folder.path().c_str()) + "/x");
+        isolate(folder);
         AppDelegate delegate;
         Storyboard storyboard;
         fillMainStoryboard(storyboard, delegate);
@@ -53,11 +72,7 @@ private Q_SLOTS:
         window->windowDidLoad();
         delegate.setAlertSettings({60, "", {"Warning"}, {}});
 
-        const NotificationObserver::UserInfo userInfo{{"Type", "Set"},
-                                                      {"Date", "1700000000"},
-                                                      {"Priority", "Local7.Warning"},
-                                                      {"Host", "10.0.0.1"},
-                                                      {"Message", "link down"}};
+        const NotificationObserver::UserInfo userInfo = warning("link down");
         // The worker needs a moment until it takes events.
         QTRY_VERIFY_WITH_TIMEOUT(
             (window->syslogNotify(userInfo), shownWindow("popupWindow") != nullptr), kPatienceMs);
@@ -82,6 +97,57 @@ private Q_SLOTS:
         window.reset();
         QVERIFY(shownWindow("popupWindow") == nullptr);
         QVERIFY(shownWindow("eventView") == nullptr);
+    }
+
+    /// Of each kind one holds an event when the program ends: the popup, its sheet, the page's
+    /// sheet, and what waits in the queue. The events come to their end last of all.
+    void endsWithAllThatHoldsAnEvent() {
+        const TemporaryFolder folder;
+        isolate(folder);
+        FrontEnd it;
+        it.window->setReopenable([] { return true; });
+        it.delegate.setAlertSettings({60, "", {"Warning"}, {}});
+        NotificationObserver::UserInfo userInfo = warning("link down");
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (it.window->syslogNotify(userInfo), shownWindow("popupWindow") != nullptr),
+            kPatienceMs);
+
+        it.window->Scan();
+        auto *table = it.control<QWidget>("ScanView").findChild<QTableView *>();
+        const auto row = [table] { return table->visualRect(table->model()->index(0, 4)); };
+        QTRY_VERIFY_WITH_TIMEOUT(table->viewport()->rect().contains(row().center()), kPatienceMs);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, row().center());
+        QTRY_VERIFY_WITH_TIMEOUT(table->selectionModel()->hasSelection(), kPatienceMs);
+        QTest::keyClick(table, Qt::Key_Return);
+        QPointer<QWidget> pageSheet = shownWindow("eventView");
+        QVERIFY(!pageSheet.isNull());
+        it.window->syslogNotify(warning("waits"));
+
+        // The popup's link is followed when its event has left the list and the window is closed.
+        userInfo.front().second = "Remove";
+        while (it.delegate.events.find(fieldsOf(userInfo), it.delegate.state.newDateFormat)) {
+            it.window->syslogNotify(userInfo);
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(it.delegate.events.size(), std::size_t{1}, kPatienceMs);
+        it.window->close();
+        QVERIFY(!it.window->isVisible());
+        shownWindow("popupWindow")->findChild<PopupView *>()->popupAbout();
+        QPointer<QWidget> popupSheet;
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == "eventView"_L1 && widget != pageSheet) {
+                popupSheet = widget;
+            }
+        }
+        QVERIFY(!popupSheet.isNull() && popupSheet->isVisible());
+        QCOMPARE(popupSheet->findChild<QPlainTextEdit *>(u"eventMessage"_s)->toPlainText(),
+                 u"link down"_s);
+        QVERIFY(!pageSheet.isNull());
+
+        it.window.reset();
+        QVERIFY(pageSheet.isNull());
+        QVERIFY(popupSheet.isNull());
+        QVERIFY(shownWindow("popupWindow") == nullptr);
+        QCOMPARE(it.delegate.events.size(), std::size_t{1});
     }
 };
 

@@ -18,9 +18,8 @@ namespace {
 
 class FakeEventListPage : public EventListPageLink {
 public:
-    explicit FakeEventListPage(const AppState &state) : m_state(state) {}
+    FakeEventListPage(const AppState &state, EventList &events) : list(events), m_state(state) {}
     [[nodiscard]] bool isOnScreen() const override { return onScreen; }
-    EventList &arrController() override { return list; }
     EventId insertEvent(const EventFields &event) override {
         ++inserted;
         return list.insertShown(event, m_state);
@@ -29,7 +28,7 @@ public:
         removed.emplace_back(announced.message.value_or(""));
     }
 
-    EventList list;
+    EventList &list;
     bool onScreen = false;
     int inserted = 0;
     std::vector<std::string> removed;
@@ -84,9 +83,10 @@ protected:
 
     testing::TemporaryFolder folder;
     AppState state;
-    FakeEventListPage page{state};
+    EventList events;
+    FakeEventListPage page{state, events};
     FakeHomePage home{state};
-    EventIntake intake{state, page, home};
+    EventIntake intake{state, events, page, home};
 };
 
 using Counters = std::vector<std::int64_t>;

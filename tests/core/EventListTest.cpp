@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -221,7 +223,7 @@ private:
 TEST(EventListTest, TellsItsObserverBeforeAndAfter) {
     EventList list;
     Recorder recorder(list);
-    list.setObserver(&recorder);
+    list.addObserver(recorder);
     list.insertRaw(fields("1"));
     list.insertShown(fields("2"), stateWith());
     EXPECT_EQ(recorder.calls, "i0;I1;i1;I2;");

@@ -52,7 +52,7 @@ protected:
         m_page->viewDidLoad();
         m_page->resize(1000, 600);
     }
-    EventList &list() { return m_page->arrController(); }
+    EventList &list() { return m_delegate->events; }
     QTableView *table() { return m_page->findChild<QTableView *>(name("tableView")); }
     QString cell(int row, int column) {
         return table()->model()->index(row, column).data().toString();

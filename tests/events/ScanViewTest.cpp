@@ -3,6 +3,7 @@
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
 
+#include <QLabel>
 #include <QScrollBar>
 #include <QTest>
 
@@ -53,6 +54,24 @@ private Q_SLOTS:
     void cleanupTestCase() {
         m_service.reset();
         m_bus.reset();
+    }
+
+    void theEventsOutliveThePage() {
+        m_page->insertEvent(fields("1700000000", "stays"));
+        m_page->insertEvent(fields("1700000001", "announced as removed"));
+        auto next = std::make_unique<ScanView>(*m_delegate, m_storyboard);
+        next->viewDidLoad();
+        m_page->removeEvent(fields("1700000001", "announced as removed"));
+        m_page = std::move(next);
+        show();
+        QCOMPARE(table()->model()->rowCount(), 1);
+        QCOMPARE(cell(0, 4), name("stays"));
+        const auto *count = m_page->findChild<QLabel *>(name("eventCount"));
+        QTRY_COMPARE(count->text(), name("1 event"));
+        m_page->insertEvent(fields("1700000002", "comes later"));
+        QCOMPARE(table()->model()->rowCount(), 2);
+        QCOMPARE(cell(0, 4), name("comes later"));
+        QTRY_COMPARE(count->text(), name("2 events"));
     }
 
     void controlsHaveTheirNames() {

@@ -36,10 +36,9 @@ public:
     explicit EventsStandIn(AppDelegate &delegate) : m_delegate(delegate) {}
 
     [[nodiscard]] bool isOnScreen() const override { return isPageOnScreen(); }
-    EventList &arrController() override { return m_list; }
     EventId insertEvent(const EventFields &event) override {
         ++insertedOnScreen;
-        return m_list.insertShown(event, m_delegate.state);
+        return m_delegate.events.insertShown(event, m_delegate.state);
     }
     void removeEvent(const EventFields &announced) override {
         removed.emplace_back(announced.message.value_or("(none)"));
@@ -52,7 +51,6 @@ public:
 
 private:
     AppDelegate &m_delegate;
-    EventList m_list;
 };
 
 class SettingsPageStandIn : public Page, public SettingsPageLink {};
@@ -85,7 +83,7 @@ struct Shell {
 
     HomeStandIn &home() { return page<HomeStandIn>(Tab::kHome); }
     EventsStandIn &events() { return page<EventsStandIn>(Tab::kEvents); }
-    EventList &list() { return events().arrController(); }
+    EventList &list() { return delegate.events; }
 
     QStackedWidget &tabs() {
         return *window.findChild<QStackedWidget *>(QStringLiteral("tabView"));
