@@ -5,7 +5,8 @@
 
 namespace quorbel {
 
-/// Tells a waiting thread that one popup has closed, whether it waits already or only begins to.
+/// Tells a waiting thread that one popup has closed, or will not come, whether it waits already or
+/// only begins to.
 class PopupCondition {
 public:
     void signal() {

@@ -27,8 +27,10 @@ PopupThread::~PopupThread() {
         const std::lock_guard lock(m_delegate.alertLock());
         m_stopping = true;
         m_wake.notify_all();
+        if (m_popupEnd) {
+            m_popupEnd->signal();
+        }
     }
-    // Its closing wakes a worker that waits for it.
     delete m_popup;
     for (const QPointer<QWidget> &sheet : m_eventSheets) {
         delete sheet;
@@ -86,7 +88,7 @@ void PopupThread::handleNextEvent() {
     auto event = std::make_unique<Event>(std::move(next->event));
     if (isSoundWanted(next->classes, settings)) {
         QMetaObject::invokeMethod(
-            &m_mainThread, [this, path = settings.popupSound] { m_playSound(path); },
+            &m_receiver, [this, path = settings.popupSound] { m_playSound(path); },
             Qt::QueuedConnection);
     }
     if (isPopupWanted(next->classes, settings)) {
@@ -94,51 +96,47 @@ void PopupThread::handleNextEvent() {
     } else {
         // Its end belongs to the main thread.
         QMetaObject::invokeMethod(
-            &m_mainThread, [event = std::move(event)] {}, Qt::QueuedConnection);
+            &m_receiver, [event = std::move(event)] {}, Qt::QueuedConnection);
     }
 }
 
 void PopupThread::showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event) {
+    const auto condition = std::make_shared<PopupCondition>();
+    {
+        const std::lock_guard lock(m_delegate.alertLock());
+        m_popupEnd = condition;
+        if (m_stopping) {
+            condition->signal();
+        }
+    }
+    // Also while it stops: the event's end belongs to the main thread.
     QMetaObject::invokeMethod(
-        &m_mainThread,
-        [this, popupTime, event = std::move(event)] {
-            auto condition = makePopup(popupTime, std::move(*event));
-            const std::lock_guard lock(m_delegate.alertLock());
-            m_condition = std::move(condition);
-            m_shown = true;
-            m_wake.notify_all();
+        &m_receiver,
+        [this, popupTime, condition, event = std::move(event)] {
+            makePopup(popupTime, std::move(*event), condition);
         },
         Qt::QueuedConnection);
-
-    std::shared_ptr<PopupCondition> condition;
-    {
-        std::unique_lock lock(m_delegate.alertLock());
-        m_wake.wait(lock, [this] { return m_shown || m_stopping; });
-        m_shown = false;
-        condition = std::move(m_condition);
-    }
-    if (condition) {
-        condition->wait();
-    }
+    condition->wait();
 }
 
-std::shared_ptr<PopupCondition> PopupThread::makePopup(std::int64_t popupTime, Event event) {
+void PopupThread::makePopup(std::int64_t popupTime, Event event,
+                            std::shared_ptr<PopupCondition> condition) {
     auto controller = m_storyboard.instantiate(QStringLiteral("popupWindow"));
     auto *window = dynamic_cast<PopupWindow *>(controller.get());
     if (window == nullptr) {
-        return nullptr;
+        condition->signal();
+        return;
     }
     m_popup = controller.release();
     PopupView &view = window->contentView();
     view.popupTime = popupTime;
     view.popupDict = std::move(event);
-    QObject::connect(&view, &PopupView::eventSheetOpened, &m_mainThread, [this](QWidget *sheet) {
+    view.setCondition(std::move(condition));
+    QObject::connect(&view, &PopupView::eventSheetOpened, &m_receiver, [this](QWidget *sheet) {
         std::erase_if(m_eventSheets, [](const auto &closed) { return closed.isNull(); });
         m_eventSheets.emplace_back(sheet);
     });
-    auto condition = view.condition();
     displayAlert(*window);
-    return condition;
 }
 
 void PopupThread::displayAlert(QWidget &popupWindow) {

@@ -67,7 +67,9 @@ private:
     void showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event);
 
     // On the main thread.
-    std::shared_ptr<PopupCondition> makePopup(std::int64_t popupTime, Event event);
+    /// Sees to it that `condition` is signalled when the popup ends, or at once if none can be
+    /// made.
+    void makePopup(std::int64_t popupTime, Event event, std::shared_ptr<PopupCondition> condition);
     static void displayAlert(QWidget &popupWindow);
 
     AppDelegate &m_delegate;
@@ -79,12 +81,12 @@ private:
     // Guarded by the delegate's alert lock.
     std::optional<std::deque<Entry>> popupArray;
     bool m_stopping = false;
-    bool m_shown = false;  ///< the main thread is through with the popup that it was asked for
-    std::shared_ptr<PopupCondition> m_condition;  ///< that popup's; null when there is none
-    std::condition_variable m_wake;
+    std::shared_ptr<PopupCondition> m_popupEnd;  ///< what the worker waits for, or waited for last
+    std::condition_variable m_wake;              ///< ends its pause
 
     std::thread m_thread;
-    QObject m_mainThread;  ///< the context of what the worker posts, which ends with it
+    QObject m_receiver;  ///< of what the worker posts to the main thread; what it has not got ends
+                         ///< with it
 };
 
 }  // namespace quorbel

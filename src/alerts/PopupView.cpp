@@ -75,20 +75,19 @@ void PopupView::viewDidLoad() {
     m_levels = preferredLevels();
     // A link without any target would not react to the pointer.
     ui->popupAbout->setText(QStringLiteral("<a href=\"#\">Learn more about this event...</a>"));
-    m_condition = std::make_shared<PopupCondition>();
 }
 
 void PopupView::viewWillAppear() {
     const QScreen *screen = QGuiApplication::primaryScreen();
     const QRect visible = screen != nullptr ? screen->availableGeometry() : QRect();
-    m_open.setSize(window()->size());
+    m_openPlace.setSize(window()->size());
     // From the visible width alone: beside a panel on the left, the popup keeps that panel's width
     // from the right edge too.
-    m_open.moveLeft(visible.width() - m_open.width());
-    m_open.moveBottom(visible.bottom());
+    m_openPlace.moveLeft(visible.width() - m_openPlace.width());
+    m_openPlace.moveBottom(visible.bottom());
     setDetails();
     setWindowHeight(0);
-    animateTo(m_open.height());
+    animateTo(m_openPlace.height());
 }
 
 void PopupView::viewWillDisappear() {
@@ -154,8 +153,8 @@ std::string PopupView::field(const char *key) const {
 
 void PopupView::setWindowHeight(int height) {
     // No window is without height; it closes as soon as it has come down to this.
-    QRect place = m_open;
-    place.setTop(m_open.bottom() + 1 - std::max(height, 1));
+    QRect place = m_openPlace;
+    place.setTop(m_openPlace.bottom() + 1 - std::max(height, 1));
     window()->setGeometry(place);
 }
 

@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Ui {
 class PopupView;
@@ -45,7 +46,11 @@ public:
     void popupTimeout();
     void popupAbout();
 
-    /// Signalled when this popup's window closes, however it comes to that; stays valid after it.
+    /// What to signal when this popup's window closes, however it comes to that. Set before it is
+    /// shown; serves this popup only.
+    void setCondition(std::shared_ptr<PopupCondition> condition) {
+        m_condition = std::move(condition);
+    }
     [[nodiscard]] std::shared_ptr<PopupCondition> condition() const { return m_condition; }
     /// How this popup rates its event (SeverityLevel, or what the preferences say instead).
     [[nodiscard]] std::int64_t level() const;
@@ -68,7 +73,7 @@ private:
     std::unique_ptr<Ui::PopupView> ui;
     SeverityLevels m_levels;
     std::shared_ptr<PopupCondition> m_condition;
-    QRect m_open;  ///< the window's place when it stands fully open
+    QRect m_openPlace;  ///< the window's place when it stands fully open
     bool m_closing = false;
     QVariantAnimation m_slide;
     QTimer m_timeout{this};

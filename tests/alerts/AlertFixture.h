@@ -75,6 +75,7 @@ struct AlertFixture {
         window->setAttribute(Qt::WA_DeleteOnClose, false);
         window->contentView().popupTime = popupTime;
         window->contentView().popupDict = event;
+        window->contentView().setCondition(std::make_shared<PopupCondition>());
         return window;
     }
 };
