@@ -11,24 +11,24 @@ class PopupCondition {
 public:
     void signal() {
         const std::lock_guard lock(m_mutex);
-        m_closed = true;
-        m_signalled.notify_all();
+        m_isSignalled = true;
+        m_changed.notify_all();
     }
 
     void wait() {
         std::unique_lock lock(m_mutex);
-        m_signalled.wait(lock, [this] { return m_closed; });
+        m_changed.wait(lock, [this] { return m_isSignalled; });
     }
 
     [[nodiscard]] bool isSignalled() const {
         const std::lock_guard lock(m_mutex);
-        return m_closed;
+        return m_isSignalled;
     }
 
 private:
     mutable std::mutex m_mutex;
-    std::condition_variable m_signalled;
-    bool m_closed = false;
+    std::condition_variable m_changed;
+    bool m_isSignalled = false;
 };
 
 }  // namespace quorbel

@@ -127,7 +127,7 @@ private:
     using Fields = std::map<std::string, std::string, std::less<>>;
     struct Held {
         std::uint32_t handles = 0;
-        std::unique_ptr<Fields> left;  // the fields, once the event has left the list
+        std::unique_ptr<Fields> fieldsAtLeaving;  // null while the list holds the event
     };
 
     /// Tells each observer.

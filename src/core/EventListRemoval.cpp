@@ -97,7 +97,7 @@ void EventList::letGo(const Place &place) {
     const EventRecord &record = place.record();
     if (!m_held.empty()) {
         if (const auto held = m_held.find(place.id()); held != m_held.end()) {
-            held->second.left = std::make_unique<Fields>(fieldsOf(place));
+            held->second.fieldsAtLeaving = std::make_unique<Fields>(fieldsOf(place));
         }
     }
     m_priorities.release(record.priority);
@@ -160,8 +160,9 @@ std::optional<std::string> EventList::value(EventId id, std::string_view key) {
     if (const auto place = placeOf(id)) {
         inList = fieldsOf(*place);
         fields = &inList;
-    } else if (const auto held = m_held.find(id); held != m_held.end() && held->second.left) {
-        fields = held->second.left.get();
+    } else if (const auto held = m_held.find(id);
+               held != m_held.end() && held->second.fieldsAtLeaving) {
+        fields = held->second.fieldsAtLeaving.get();
     }
     if (fields == nullptr) {
         return std::nullopt;
