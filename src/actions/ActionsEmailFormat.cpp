@@ -2,7 +2,6 @@
 
 #include "common/EmailTemplate.h"
 #include "common/SettingsDocument.h"
-#include "core/AppDelegate.h"
 #include "platform/gui/QtText.h"
 #include "ui_ActionsEmailFormat.h"
 
@@ -12,7 +11,7 @@
 namespace quorbel {
 
 ActionsEmailFormat::ActionsEmailFormat(AppDelegate &delegate, QWidget *parent)
-    : Sheet(parent), m_delegate(delegate), ui(std::make_unique<Ui::ActionsEmailFormat>()) {
+    : Sheet(parent), SettingsEditor(delegate), ui(std::make_unique<Ui::ActionsEmailFormat>()) {
     ui->setupUi(this);
 }
 
@@ -22,17 +21,22 @@ void ActionsEmailFormat::viewDidLoad() {
     setWindowTitle(QStringLiteral("Quorbel E-mail Format"));
     connect(ui->sendSubject, &QAbstractButton::clicked, this, &ActionsEmailFormat::sendSubject);
     connect(ui->sendBody, &QAbstractButton::clicked, this, &ActionsEmailFormat::sendBody);
-    connect(ui->onSave, &QAbstractButton::clicked, this, &ActionsEmailFormat::onSave);
+    connect(ui->onSave, &QAbstractButton::clicked, this, [this] { onSave(); });
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionsEmailFormat::onCancel);
 }
 
 void ActionsEmailFormat::viewWillAppear() {
+    loadSettings();
+    ui->textBlank->setFocus();
+}
+
+void ActionsEmailFormat::showSettings(const SettingsCycle &settings) {
     std::optional<std::string> subject(kDefaultFormatSubject);
     std::optional<std::string> body(kDefaultFormatBody);
-    if (m_settings.load(AppDelegate::readSettings())) {
+    if (settings.exists()) {
         // Even where there are none: the defaults are for a system without any settings.
-        subject = settingText(m_settings.working(), kFormatSubjectKey);
-        body = settingText(m_settings.working(), kFormatBodyKey);
+        subject = settingText(settings.working(), kFormatSubjectKey);
+        body = settingText(settings.working(), kFormatBodyKey);
     }
     if (subject) {
         showText(*ui->textSubject, toQString(*subject));
@@ -44,7 +48,6 @@ void ActionsEmailFormat::viewWillAppear() {
     ui->sendBody->setChecked(body && !body->empty());
     sendSubject();
     sendBody();
-    ui->textBlank->setFocus();
 }
 
 void ActionsEmailFormat::viewDidAppear() {
@@ -71,11 +74,9 @@ void ActionsEmailFormat::sendBody() {
     }
 }
 
-void ActionsEmailFormat::onSave() {
-    m_settings.set(kFormatSubjectKey, ui->textSubject->text().toStdString());
-    m_settings.set(kFormatBodyKey, ui->textBody->storedText());
-    m_delegate.saveSettings(m_settings.working());
-    close();
+void ActionsEmailFormat::takeSettings(SettingsCycle &settings) {
+    settings.set(kFormatSubjectKey, ui->textSubject->text().toStdString());
+    settings.set(kFormatBodyKey, ui->textBody->storedText());
 }
 
 void ActionsEmailFormat::onCancel() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/SettingsCycle.h"
 #include "platform/gui/Sheet.h"
+#include "settings/SettingsEditor.h"
 
 #include <memory>
 
@@ -11,10 +11,8 @@ class ActionsEmailFormat;
 
 namespace quorbel {
 
-class AppDelegate;
-
 /// The sheet that edits the templates of all e-mails.
-class ActionsEmailFormat : public Sheet {
+class ActionsEmailFormat : public Sheet, public SettingsEditor {
     Q_OBJECT
 
 public:
@@ -28,13 +26,14 @@ public:
 
     void sendSubject();
     void sendBody();
-    void onSave();
-    void onCancel();
+    void onCancel() override;
+
+protected:
+    void showSettings(const SettingsCycle &settings) override;
+    void takeSettings(SettingsCycle &settings) override;
 
 private:
-    AppDelegate &m_delegate;
     std::unique_ptr<Ui::ActionsEmailFormat> ui;
-    SettingsCycle m_settings;
 };
 
 }  // namespace quorbel

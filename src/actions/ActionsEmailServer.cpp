@@ -2,7 +2,6 @@
 
 #include "actions/StoredChoice.h"
 #include "common/SettingsDocument.h"
-#include "core/AppDelegate.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"
 #include "ui_ActionsEmailServer.h"
@@ -47,7 +46,7 @@ std::int64_t numberOr(const Dictionary &settings, std::string_view key, std::int
 }  // namespace
 
 ActionsEmailServer::ActionsEmailServer(AppDelegate &delegate, QWidget *parent)
-    : Sheet(parent), m_delegate(delegate), ui(std::make_unique<Ui::ActionsEmailServer>()) {
+    : Sheet(parent), SettingsEditor(delegate), ui(std::make_unique<Ui::ActionsEmailServer>()) {
     ui->setupUi(this);
 }
 
@@ -58,13 +57,17 @@ void ActionsEmailServer::viewDidLoad() {
     connect(ui->timeoutSlider, &QAbstractSlider::valueChanged, this,
             &ActionsEmailServer::timeoutChanged);
     connect(ui->showPassword, &QAbstractButton::clicked, this, &ActionsEmailServer::showPassword);
-    connect(ui->onSave, &QAbstractButton::clicked, this, &ActionsEmailServer::onSave);
+    connect(ui->onSave, &QAbstractButton::clicked, this, [this] { onSave(); });
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionsEmailServer::onCancel);
 }
 
 void ActionsEmailServer::viewWillAppear() {
-    m_settings.load(AppDelegate::readSettings());
-    const Dictionary &settings = m_settings.working();
+    loadSettings();
+    ui->serverBlank->setFocus();
+}
+
+void ActionsEmailServer::showSettings(const SettingsCycle &cycle) {
+    const Dictionary &settings = cycle.working();
     ui->serverPort->setText(QString::number(numberOr(settings, kPortKey, kDefaultPort)));
     const std::int64_t timeout = numberOr(settings, kTimeoutKey, kDefaultTimeout);
     ui->serverTimeout->setText(QString::number(timeout));
@@ -79,7 +82,6 @@ void ActionsEmailServer::viewWillAppear() {
         }
     }
     chooseStored(*ui->serverSecurity, settingText(settings, kSecurityKey));
-    ui->serverBlank->setFocus();
 }
 
 void ActionsEmailServer::timeoutChanged() {
@@ -91,18 +93,16 @@ void ActionsEmailServer::showPassword() {
                                                                   : QLineEdit::Password);
 }
 
-void ActionsEmailServer::onSave() {
+void ActionsEmailServer::takeSettings(SettingsCycle &settings) {
     const auto integer = [](const QLineEdit &field) {
         return integerValue(field.text().toStdString());
     };
-    m_settings.set(kPortKey, integer(*ui->serverPort));
-    m_settings.set(kTimeoutKey, integer(*ui->serverTimeout));
+    settings.set(kPortKey, integer(*ui->serverPort));
+    settings.set(kTimeoutKey, integer(*ui->serverTimeout));
     for (const TextField &field : kTextFields) {
-        m_settings.set(field.key, ((*ui).*field.control)->text().toStdString());
+        settings.set(field.key, ((*ui).*field.control)->text().toStdString());
     }
-    m_settings.set(kSecurityKey, ui->serverSecurity->currentText().toStdString());
-    m_delegate.saveSettings(m_settings.working());
-    close();
+    settings.set(kSecurityKey, ui->serverSecurity->currentText().toStdString());
 }
 
 void ActionsEmailServer::onCancel() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/SettingsCycle.h"
 #include "platform/gui/Sheet.h"
+#include "settings/SettingsEditor.h"
 
 #include <memory>
 
@@ -11,10 +11,8 @@ class ActionsEmailServer;
 
 namespace quorbel {
 
-class AppDelegate;
-
 /// The sheet that edits the mail server which all e-mails go through.
-class ActionsEmailServer : public Sheet {
+class ActionsEmailServer : public Sheet, public SettingsEditor {
     Q_OBJECT
 
 public:
@@ -26,15 +24,16 @@ public:
     void viewWillAppear() override;
 
     void timeoutChanged();
-    void onSave();
-    void onCancel();
+    void onCancel() override;
+
+protected:
+    void showSettings(const SettingsCycle &settings) override;
+    void takeSettings(SettingsCycle &settings) override;
 
 private:
     void showPassword();
 
-    AppDelegate &m_delegate;
     std::unique_ptr<Ui::ActionsEmailServer> ui;
-    SettingsCycle m_settings;
 };
 
 }  // namespace quorbel

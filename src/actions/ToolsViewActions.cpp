@@ -1,14 +1,12 @@
 #include "actions/ToolsViewActions.h"
 
 #include "common/SettingsDocument.h"
-#include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/Sheet.h"
 #include "settings/RecordList.h"
 #include "settings/RecordTableModel.h"
 #include "ui_ToolsViewActions.h"
 
-#include <QKeySequence>
 #include <QStringList>
 
 #include <array>
@@ -43,8 +41,7 @@ bool areEqualActions(const Value &left, const Value &right) {
 
 ToolsViewActions::ToolsViewActions(AppDelegate &delegate, const Storyboard &storyboard,
                                    QWidget *parent)
-    : Page(parent),
-      m_delegate(delegate),
+    : SettingsView(delegate, parent),
       m_storyboard(storyboard),
       ui(std::make_unique<Ui::ToolsViewActions>()) {
     ui->setupUi(this);
@@ -64,9 +61,8 @@ ToolsViewActions::ToolsViewActions(AppDelegate &delegate, const Storyboard &stor
 ToolsViewActions::~ToolsViewActions() = default;
 
 void ToolsViewActions::viewDidLoad() {
-    setWhiteBackground();
+    setUpPage(*ui->saveButton, *ui->onCancel);
     ContentArea::wrap(*this);
-    ui->saveButton->setShortcut(QKeySequence::Save);
     ui->actionsTable->setHint(
         QStringLiteral("No actions yet.\nAdd one to run a command, send an e-mail or set an event "
                        "when certain events arrive."));
@@ -81,15 +77,15 @@ void ToolsViewActions::viewDidLoad() {
     connect(ui->emailServer, &QAbstractButton::clicked, this, &ToolsViewActions::emailServer);
     connect(ui->emailFormat, &QAbstractButton::clicked, this, &ToolsViewActions::emailFormat);
     connect(ui->emailTest, &QAbstractButton::clicked, this, &ToolsViewActions::emailTest);
-    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewActions::onSave);
-    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewActions::onCancel);
 }
 
-void ToolsViewActions::viewWillAppear() {
-    ui->saveButton->setEnabled(false);
-    m_settings.load(AppDelegate::readSettings());
-    m_actionsArray = settingArray(m_settings.working(), kActionsKey);
+void ToolsViewActions::showSettings(const SettingsCycle &settings) {
+    m_actionsArray = settingArray(settings.working(), kActionsKey);
     m_actions->load();
+}
+
+void ToolsViewActions::takeSettings(SettingsCycle &settings) {
+    settings.set(kActionsKey, m_actionsArray);
 }
 
 void ToolsViewActions::viewDidAppear() {
@@ -109,7 +105,7 @@ void ToolsViewActions::automaticActions(const QAbstractButton &sender) {
 
 void ToolsViewActions::removeActions() {
     if (m_actions->removeSelected()) {
-        ui->saveButton->setEnabled(true);
+        enableSave();
     }
 }
 
@@ -135,19 +131,7 @@ std::optional<Dictionary> ToolsViewActions::selectedRecord() const {
 
 void ToolsViewActions::storeRecord(const Dictionary &record) {
     m_actions->store(record);
-    ui->saveButton->setEnabled(true);
-}
-
-void ToolsViewActions::onSave() {
-    m_settings.set(kActionsKey, m_actionsArray);
-    m_delegate.saveSettings(m_settings.working());
-    onCancel();
-}
-
-void ToolsViewActions::onCancel() {
-    if (MainWindowLink *window = m_delegate.mainWindow()) {
-        window->selectTab(parentTab);
-    }
+    enableSave();
 }
 
 }  // namespace quorbel

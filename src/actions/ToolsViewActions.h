@@ -1,8 +1,6 @@
 #pragma once
 
-#include "core/PageLinks.h"
-#include "core/SettingsCycle.h"
-#include "platform/gui/Page.h"
+#include "settings/SettingsView.h"
 
 #include <memory>
 #include <optional>
@@ -15,12 +13,11 @@ class ToolsViewActions;
 
 namespace quorbel {
 
-class AppDelegate;
 class RecordList;
 class Storyboard;
 
 /// The actions page: what the service does by itself when certain events arrive.
-class ToolsViewActions : public Page, public SettingsPageLink {
+class ToolsViewActions : public SettingsView {
     Q_OBJECT
 
 public:
@@ -30,7 +27,6 @@ public:
     ~ToolsViewActions() override;
 
     void viewDidLoad() override;
-    void viewWillAppear() override;
     void viewDidAppear() override;
 
     void automaticActionsTable();
@@ -41,8 +37,6 @@ public:
     void emailServer();
     void emailFormat();
     void emailTest();
-    void onSave();
-    void onCancel();
 
     // For the editor, which is presented over this page.
 
@@ -51,13 +45,15 @@ public:
     /// Puts a record in the place of the selected one, or at the end when no row is selected.
     void storeRecord(const Dictionary &record);
 
+protected:
+    void showSettings(const SettingsCycle &settings) override;
+    void takeSettings(SettingsCycle &settings) override;
+
 private:
     void present(const QString &sheet);
 
-    AppDelegate &m_delegate;
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::ToolsViewActions> ui;
-    SettingsCycle m_settings;
     Array m_actionsArray;
     RecordList *m_actions = nullptr;
 };

@@ -1,7 +1,6 @@
 #include "export/ToolsViewExport.h"
 
 #include "common/SettingsDocument.h"
-#include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"
@@ -9,7 +8,6 @@
 #include "ui_ToolsViewExport.h"
 
 #include <QFileInfo>
-#include <QKeySequence>
 
 #include <string_view>
 
@@ -48,7 +46,7 @@ const ExportKind &databaseKind() {
 }  // namespace
 
 ToolsViewExport::ToolsViewExport(AppDelegate &delegate, QWidget *parent)
-    : Page(parent), m_delegate(delegate), ui(std::make_unique<Ui::ToolsViewExport>()) {
+    : SettingsView(delegate, parent), ui(std::make_unique<Ui::ToolsViewExport>()) {
     ui->setupUi(this);
     m_text = {.kind = &textKind(),
               .box = ui->exportText,
@@ -69,9 +67,8 @@ ToolsViewExport::ToolsViewExport(AppDelegate &delegate, QWidget *parent)
 ToolsViewExport::~ToolsViewExport() = default;
 
 void ToolsViewExport::viewDidLoad() {
-    setWhiteBackground();
+    setUpPage(*ui->saveButton, *ui->onCancel);
     ContentArea::wrap(*this);
-    ui->saveButton->setShortcut(QKeySequence::Save);
     connectControls(m_text);
     connectControls(m_database);
     connect(ui->exportText, &QAbstractButton::clicked, this,
@@ -80,8 +77,6 @@ void ToolsViewExport::viewDidLoad() {
             [this] { exportDatabase(ui->exportDatabase); });
     connect(ui->textBrowse, &QAbstractButton::clicked, this, &ToolsViewExport::browseText);
     connect(ui->databaseBrowse, &QAbstractButton::clicked, this, &ToolsViewExport::browseDatabase);
-    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewExport::onSave);
-    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewExport::onCancel);
 }
 
 void ToolsViewExport::connectControls(Export &entry) {
@@ -93,22 +88,27 @@ void ToolsViewExport::connectControls(Export &entry) {
             [this, &entry] { controlTextDidChange(entry); });
 }
 
-void ToolsViewExport::viewWillAppear() {
-    ui->saveButton->setEnabled(false);
-    m_settings.load(AppDelegate::readSettings());
-    load(m_text);
+void ToolsViewExport::showSettings(const SettingsCycle &settings) {
+    load(m_text, settings.working());
     exportText();
-    load(m_database);
+    load(m_database, settings.working());
     exportDatabase();
+}
+
+void ToolsViewExport::takeSettings(SettingsCycle &settings) {
+    settings.set(m_text.kind->intervalKey, m_text.workingInterval);
+    settings.set(m_database.kind->intervalKey, m_database.workingInterval);
+    settings.setText(m_text.kind->locationKey, m_text.workingLocation);
+    settings.setText(m_database.kind->locationKey, m_database.workingLocation);
 }
 
 void ToolsViewExport::viewDidAppear() {
     ui->exportText->setFocus();
 }
 
-void ToolsViewExport::load(Export &entry) {
-    entry.workingInterval = settingInteger(m_settings.working(), entry.kind->intervalKey);
-    entry.workingLocation = settingText(m_settings.working(), entry.kind->locationKey);
+void ToolsViewExport::load(Export &entry, const Dictionary &settings) {
+    entry.workingInterval = settingInteger(settings, entry.kind->intervalKey);
+    entry.workingLocation = settingText(settings, entry.kind->locationKey);
     const bool on = entry.workingInterval != 0 && !entry.workingLocation.value_or("").empty();
     entry.box->setChecked(on);
     if (on) {
@@ -141,7 +141,7 @@ void ToolsViewExport::followTextBox(Export &entry, const QObject *sender) {
         entry.interval->setValue(kOfferedInterval);
     }
     if (sender != nullptr) {
-        ui->saveButton->setEnabled(true);
+        enableSave();
     }
 }
 
@@ -166,7 +166,7 @@ void ToolsViewExport::openPanel(Export &entry) {
                   [this, &entry](const QString &path) {
                       entry.workingLocation = path.toStdString();
                       setLocation(entry, path);
-                      ui->saveButton->setEnabled(true);
+                      enableSave();
                   });
 }
 
@@ -177,28 +177,13 @@ void ToolsViewExport::setLocation(Export &entry, const QString &path) {
 }
 
 void ToolsViewExport::exportInterval() {
-    ui->saveButton->setEnabled(true);
+    enableSave();
 }
 
 void ToolsViewExport::controlTextDidChange(Export &entry) {
     entry.workingLocation = entry.location->text().toStdString();
     entry.location->setPlaceholderText({});
-    ui->saveButton->setEnabled(true);
-}
-
-void ToolsViewExport::onSave() {
-    m_settings.set(m_text.kind->intervalKey, m_text.workingInterval);
-    m_settings.set(m_database.kind->intervalKey, m_database.workingInterval);
-    m_settings.setText(m_text.kind->locationKey, m_text.workingLocation);
-    m_settings.setText(m_database.kind->locationKey, m_database.workingLocation);
-    m_delegate.saveSettings(m_settings.working());
-    onCancel();
-}
-
-void ToolsViewExport::onCancel() {
-    if (MainWindowLink *window = m_delegate.mainWindow()) {
-        window->selectTab(parentTab);
-    }
+    enableSave();
 }
 
 }  // namespace quorbel

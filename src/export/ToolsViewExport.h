@@ -1,8 +1,6 @@
 #pragma once
 
-#include "core/PageLinks.h"
-#include "core/SettingsCycle.h"
-#include "platform/gui/Page.h"
+#include "settings/SettingsView.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,13 +17,12 @@ class ToolsViewExport;
 
 namespace quorbel {
 
-class AppDelegate;
 class NumberStepper;
 struct ExportKind;
 
 /// The export page: whether the service writes the events to a text file and to a database file,
 /// how often, and where.
-class ToolsViewExport : public Page, public SettingsPageLink {
+class ToolsViewExport : public SettingsView {
     Q_OBJECT
 
 public:
@@ -34,7 +31,6 @@ public:
     ~ToolsViewExport() override;
 
     void viewDidLoad() override;
-    void viewWillAppear() override;
     void viewDidAppear() override;
 
     // The two check boxes. Without a sender they only bring the controls in line. Both look at the
@@ -44,8 +40,10 @@ public:
     void browseText();
     void browseDatabase();
     void exportInterval();
-    void onSave();
-    void onCancel();
+
+protected:
+    void showSettings(const SettingsCycle &settings) override;
+    void takeSettings(SettingsCycle &settings) override;
 
 private:
     /// One of the two exports: its controls and the working values that are saved.
@@ -60,15 +58,13 @@ private:
     };
 
     void connectControls(Export &entry);
-    void load(Export &entry);
+    static void load(Export &entry, const Dictionary &settings);
     void followTextBox(Export &entry, const QObject *sender);
     void openPanel(Export &entry);
-    void setLocation(Export &entry, const QString &path);
+    static void setLocation(Export &entry, const QString &path);
     void controlTextDidChange(Export &entry);
 
-    AppDelegate &m_delegate;
     std::unique_ptr<Ui::ToolsViewExport> ui;
-    SettingsCycle m_settings;
     Export m_text;
     Export m_database;
 };

@@ -1,14 +1,13 @@
 #include "options/ToolsViewOptions.h"
 
 #include "common/Severity.h"
-#include "core/AppState.h"
+#include "core/AppDelegate.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/ScrolledControls.h"
 #include "settings/NumberStepper.h"
 #include "settings/RecordList.h"
 #include "ui_ToolsViewOptions.h"
 
-#include <QKeySequence>
 #include <QScrollBar>
 
 #include <utility>
@@ -43,8 +42,7 @@ std::optional<std::string> chosenItem(const QComboBox &chooser) {
 
 ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &storyboard,
                                    QWidget *parent)
-    : Page(parent),
-      m_delegate(delegate),
+    : SettingsView(delegate, parent),
       m_storyboard(storyboard),
       ui(std::make_unique<Ui::ToolsViewOptions>()) {
     ui->setupUi(this);
@@ -94,8 +92,7 @@ void ToolsViewOptions::setTabOrders() {
 }
 
 void ToolsViewOptions::viewDidLoad() {
-    setWhiteBackground();
-    ui->saveButton->setShortcut(QKeySequence::Save);
+    setUpPage(*ui->saveButton, *ui->onCancel);
     connectControls();
     connectSeverities();
     connectAlerts();
@@ -112,8 +109,6 @@ void ToolsViewOptions::connectControls() {
     for (const auto *chooser : {ui->userDateFormat, ui->userTimeFormat}) {
         connect(chooser, &QComboBox::activated, this, &ToolsViewOptions::enableSave);
     }
-    connect(ui->saveButton, &QAbstractButton::clicked, this, &ToolsViewOptions::onSave);
-    connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewOptions::onCancel);
 }
 
 void ToolsViewOptions::connectSeverities() {
@@ -130,11 +125,9 @@ void ToolsViewOptions::connectSeverities() {
     }
 }
 
-void ToolsViewOptions::viewWillAppear() {
-    ui->saveButton->setEnabled(false);
+void ToolsViewOptions::showSettings(const SettingsCycle &settings) {
     ui->scrollView->verticalScrollBar()->setValue(0);
-    m_settings.load(AppDelegate::readSettings());
-    m_values = OptionsValues::read(m_settings);
+    m_values = OptionsValues::read(settings);
     if (m_values.bHostsDisplay) {
         check(*ui->hostsDisplayName, *ui->hostsDisplayIP);
     } else {
@@ -192,10 +185,6 @@ void ToolsViewOptions::showRemoval() {
     }
 }
 
-void ToolsViewOptions::enableSave() {
-    ui->saveButton->setEnabled(true);
-}
-
 void ToolsViewOptions::hostsDisplay() {
     enableSave();
 }
@@ -241,19 +230,10 @@ void ToolsViewOptions::eventRemoval(std::size_t severity, QObject *sender) {
     enableSave();
 }
 
-void ToolsViewOptions::onSave() {
+void ToolsViewOptions::takeSettings(SettingsCycle &settings) {
     m_values.bHostsDisplay = ui->hostsDisplayName->isChecked();
     m_values.dateFormat = chosenDateFormat();
-    m_values.write(m_settings, chosenUnits());
-    m_delegate.saveSettings(m_settings.working());
-    updateApplication();
-    onCancel();
-}
-
-void ToolsViewOptions::onCancel() {
-    if (MainWindowLink *window = m_delegate.mainWindow()) {
-        window->selectTab(parentTab);
-    }
+    m_values.write(settings, chosenUnits());
 }
 
 std::string ToolsViewOptions::chosenDateFormat() const {
@@ -272,13 +252,13 @@ OptionsValues::Units ToolsViewOptions::chosenUnits() const {
     return units;
 }
 
-void ToolsViewOptions::updateApplication() {
-    AppState &state = m_delegate.state;
+void ToolsViewOptions::settingsSent() {
+    AppState &state = delegate().state;
     state.oldDateFormat = std::exchange(state.newDateFormat, m_values.dateFormat);
     for (const auto level : kSeverityLevels) {
         state.*level = m_values.*level;
     }
-    m_delegate.setAlertSettings({.iPopupEvents = m_values.iPopupEvents,
+    delegate().setAlertSettings({.iPopupEvents = m_values.iPopupEvents,
                                  .popupSound = m_values.popupSound.value_or(std::string()),
                                  .popupDisplayArray = m_values.popupDisplayArray,
                                  .popupPlayArray = m_values.popupPlayArray});

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "core/AppDelegate.h"
-#include "core/SettingsCycle.h"
 #include "options/FilterEditing.h"
 #include "options/OptionsValues.h"
 #include "options/SeverityControls.h"
-#include "platform/gui/Page.h"
+#include "settings/SettingsView.h"
 
 #include <cstddef>
 #include <memory>
@@ -24,7 +22,7 @@ class Storyboard;
 
 /// The options page: how events are shown, rated, kept, announced and filtered. It edits a private
 /// copy of the settings document, read anew each time the page is shown.
-class ToolsViewOptions : public Page, public SettingsPageLink, public FilterEditing {
+class ToolsViewOptions : public SettingsView, public FilterEditing {
     Q_OBJECT
 
 public:
@@ -34,7 +32,6 @@ public:
     ~ToolsViewOptions() override;
 
     void viewDidLoad() override;
-    void viewWillAppear() override;
     void viewDidAppear() override;
 
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const override;
@@ -59,8 +56,11 @@ public:
     void excludeFiltersTable();
     void includeFiltersRemove();
     void excludeFiltersRemove();
-    void onSave();
-    void onCancel();
+
+protected:
+    void showSettings(const SettingsCycle &settings) override;
+    void takeSettings(SettingsCycle &settings) override;
+    void settingsSent() override;
 
 private:
     using LabelBox = QCheckBox *SeverityControls::*;
@@ -78,11 +78,9 @@ private:
     void showRemoval();
     void showPopups();
     void showSound();
-    void enableSave();
 
     [[nodiscard]] std::string chosenDateFormat() const;
     [[nodiscard]] OptionsValues::Units chosenUnits() const;
-    void updateApplication();
 
     void showLabels(LabelBox box, const std::vector<std::string> &labels);
     void checkAll(LabelBox box, std::vector<std::string> &labels);
@@ -95,7 +93,6 @@ private:
     void presentFilter();
     void removeFilter(RecordList &filters);
 
-    AppDelegate &m_delegate;
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::ToolsViewOptions> ui;
     AllSeverityControls m_severities{};
@@ -103,7 +100,6 @@ private:
     RecordList *m_includeFilters = nullptr;
     RecordList *m_excludeFilters = nullptr;
 
-    SettingsCycle m_settings;
     OptionsValues m_values;
     // Which list the filter editor works on.
     bool m_bIncludeFilters = false;
