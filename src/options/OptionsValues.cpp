@@ -84,7 +84,7 @@ OptionsValues OptionsValues::read(const SettingsCycle &settings) {
     return values;
 }
 
-void OptionsValues::write(SettingsCycle &settings, const Units &chosenUnits) const {
+void OptionsValues::write(SettingsCycle &settings) const {
     settings.set("hostsDisplay", bHostsDisplay);
     settings.set("dateFormat", dateFormat);
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
@@ -94,7 +94,7 @@ void OptionsValues::write(SettingsCycle &settings, const Units &chosenUnits) con
         settings.set(removalKey(kSeverityClasses[i]), this->*kRemovalMembers[i].amount);
     }
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        settings.set(unitsKey(kSeverityClasses[i]), chosenUnits[i]);
+        settings.set(unitsKey(kSeverityClasses[i]), this->*kRemovalMembers[i].units);
     }
     settings.set("popupEvents", iPopupEvents);
     settings.setText("popupSound", popupSound);

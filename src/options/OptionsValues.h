@@ -13,7 +13,8 @@
 
 namespace quorbel {
 
-/// How long events of each severity class are kept: so many units; 0 means for good.
+/// How long events of each severity class are kept: so many units; 0 means for good. A unit is its
+/// index in the chooser; -1 for none.
 struct RemovalValues {
     std::int64_t iRemovalEmergency = 0;
     std::int64_t iRemovalAlerting = 0;
@@ -45,9 +46,6 @@ extern const std::array<RemovalMembers, kSeverityClassCount> kRemovalMembers;
 
 /// The working values of the options page: its private copy of the keys that it edits.
 struct OptionsValues : SeverityLevels, RemovalValues {
-    /// One index into the units for each severity class; -1 for none.
-    using Units = std::array<std::int64_t, kSeverityClassCount>;
-
     bool bHostsDisplay = false;
     std::string dateFormat;
     std::int64_t iPopupEvents = 0;
@@ -59,8 +57,8 @@ struct OptionsValues : SeverityLevels, RemovalValues {
 
     /// The values in the document, or the page's defaults when there is none.
     static OptionsValues read(const SettingsCycle &settings);
-    /// Writes all keys of the page. The units are those chosen, whatever was read.
-    void write(SettingsCycle &settings, const Units &chosenUnits) const;
+    /// Writes all keys of the page.
+    void write(SettingsCycle &settings) const;
 };
 
 /// The items of the two choosers that a date format stands for.

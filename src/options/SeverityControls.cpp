@@ -79,25 +79,8 @@ BlockFlow &addFlow(QBoxLayout &place, int columns) {
     return *flow;
 }
 
-void makeLevels(AllSeverityControls &all, QBoxLayout &place) {
-    BlockFlow &flow = addFlow(place, kColumns);
-    QWidget *page = place.parentWidget();
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const Maker maker(kSeverityClasses[i], page);
-        auto *level = maker.make<QComboBox>("severity", "", "Rating of %1 events");
-        for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
-            level->addItem(toQString(severityLevelName(item)));
-        }
-        auto *label = new QLabel(maker.label());
-        label->setBuddy(level);
-        QHBoxLayout *block = addBlock(flow, label, labelWidth(*page, 0));
-        block->addWidget(level);
-        block->addStretch();
-        all[i].level = level;
-    }
-}
-
-void makeRemoval(SeverityControls &controls, const Maker &maker) {
+RemovalControls makeRemoval(const Maker &maker) {
+    RemovalControls controls{};
     controls.removal = maker.makeBox("removal", "", "Remove %1 events after some time");
     controls.time = maker.make<QLineEdit>("removal", "Time", "How long %1 events are kept");
     controls.stepper =
@@ -111,14 +94,50 @@ void makeRemoval(SeverityControls &controls, const Maker &maker) {
     controls.stepper->setProperty("role", QStringLiteral("stepper"));
     controls.removalTime =
         new NumberStepper(controls.time, controls.stepper, 0, kLongestRemoval, controls.time);
+    return controls;
 }
 
-void makeRemovals(AllSeverityControls &all, QBoxLayout &place) {
+BoxControls makeBoxes(QBoxLayout &place, const char *behind, const char *accessibleName) {
+    BoxControls all{};
+    BlockFlow &flow = addFlow(place, kColumns);
+    QWidget *page = place.parentWidget();
+    const int width = labelWidth(*page, sizedToFont(kBoxWidth));
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        all[i] = Maker(kSeverityClasses[i], page).makeBox("popup", behind, accessibleName);
+        addBlock(flow, all[i], width)->addStretch();
+    }
+    return all;
+}
+
+}  // namespace
+
+LevelControls makeLevelControls(QBoxLayout &place) {
+    LevelControls all{};
+    BlockFlow &flow = addFlow(place, kColumns);
+    QWidget *page = place.parentWidget();
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        const Maker maker(kSeverityClasses[i], page);
+        auto *level = maker.make<QComboBox>("severity", "", "Rating of %1 events");
+        for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
+            level->addItem(toQString(severityLevelName(item)));
+        }
+        auto *label = new QLabel(maker.label());
+        label->setBuddy(level);
+        QHBoxLayout *block = addBlock(flow, label, labelWidth(*page, 0));
+        block->addWidget(level);
+        block->addStretch();
+        all[i] = level;
+    }
+    return all;
+}
+
+AllRemovalControls makeRemovalControls(QBoxLayout &place) {
+    AllRemovalControls all{};
     BlockFlow &flow = addFlow(place, kRemovalColumns);
     QWidget *page = place.parentWidget();
     const int firstWidth = labelWidth(*page, sizedToFont(kBoxWidth));
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        makeRemoval(all[i], Maker(kSeverityClasses[i], page));
+        all[i] = makeRemoval(Maker(kSeverityClasses[i], page));
         QHBoxLayout *block = addBlock(flow, all[i].removal, firstWidth);
         auto *time = new QHBoxLayout;
         time->setSpacing(2);
@@ -128,29 +147,15 @@ void makeRemovals(AllSeverityControls &all, QBoxLayout &place) {
         block->addWidget(all[i].units);
         block->addStretch();
     }
-}
-
-void makeBoxes(AllSeverityControls &all, QBoxLayout &place, QCheckBox *SeverityControls::*box,
-               const char *behind, const char *accessibleName) {
-    BlockFlow &flow = addFlow(place, kColumns);
-    QWidget *page = place.parentWidget();
-    const int width = labelWidth(*page, sizedToFont(kBoxWidth));
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        all[i].*box = Maker(kSeverityClasses[i], page).makeBox("popup", behind, accessibleName);
-        addBlock(flow, all[i].*box, width)->addStretch();
-    }
-}
-
-}  // namespace
-
-AllSeverityControls makeSeverityControls(const SeverityPlaces &places) {
-    AllSeverityControls all{};
-    makeLevels(all, *places.levels);
-    makeRemovals(all, *places.removal);
-    makeBoxes(all, *places.popupDisplay, &SeverityControls::popupDisplay, "Display",
-              "Popup for %1 events");
-    makeBoxes(all, *places.popupPlay, &SeverityControls::popupPlay, "Play", "Sound for %1 events");
     return all;
+}
+
+BoxControls makeDisplayControls(QBoxLayout &place) {
+    return makeBoxes(place, "Display", "Popup for %1 events");
+}
+
+BoxControls makePlayControls(QBoxLayout &place) {
+    return makeBoxes(place, "Play", "Sound for %1 events");
 }
 
 }  // namespace quorbel

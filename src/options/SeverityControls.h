@@ -2,8 +2,6 @@
 
 #include "common/Severity.h"
 
-#include <QList>
-
 #include <array>
 
 class QBoxLayout;
@@ -16,29 +14,27 @@ namespace quorbel {
 
 class NumberStepper;
 
-/// The controls that the options page has for one severity class.
-struct SeverityControls {
-    QComboBox *level;
+// The controls that the options page has for each severity class, in the classes' order. They are
+// made at the end of a layout of the page.
+
+/// Choosers of a rating.
+using LevelControls = std::array<QComboBox *, kSeverityClassCount>;
+LevelControls makeLevelControls(QBoxLayout &place);
+
+/// How long events are kept.
+struct RemovalControls {
     QCheckBox *removal;
     QLineEdit *time;
     QSpinBox *stepper;
     QComboBox *units;
     NumberStepper *removalTime;  ///< ties `time` and `stepper`
-    QCheckBox *popupDisplay;
-    QCheckBox *popupPlay;
 };
+using AllRemovalControls = std::array<RemovalControls, kSeverityClassCount>;
+AllRemovalControls makeRemovalControls(QBoxLayout &place);
 
-using AllSeverityControls = std::array<SeverityControls, kSeverityClassCount>;
-
-/// The places of the page that the controls are put into.
-struct SeverityPlaces {
-    QBoxLayout *levels;
-    QBoxLayout *removal;
-    QBoxLayout *popupDisplay;
-    QBoxLayout *popupPlay;
-};
-
-/// Makes the controls of all nine classes, in their order.
-AllSeverityControls makeSeverityControls(const SeverityPlaces &places);
+/// Check boxes that bear the severities' labels.
+using BoxControls = std::array<QCheckBox *, kSeverityClassCount>;
+BoxControls makeDisplayControls(QBoxLayout &place);
+BoxControls makePlayControls(QBoxLayout &place);
 
 }  // namespace quorbel

@@ -1,11 +1,14 @@
 #include "options/ToolsViewOptions.h"
 
-#include "common/Severity.h"
 #include "core/AppDelegate.h"
-#include "platform/gui/QtText.h"
+#include "options/FilterOptions.h"
+#include "options/LevelOptions.h"
+#include "options/PopupOptions.h"
+#include "options/RemovalOptions.h"
+#include "options/ShowingOptions.h"
+#include "options/SoundOptions.h"
 #include "platform/gui/ScrolledControls.h"
-#include "settings/NumberStepper.h"
-#include "settings/RecordList.h"
+#include "platform/gui/Sheet.h"
 #include "ui_ToolsViewOptions.h"
 
 #include <QScrollBar>
@@ -16,26 +19,14 @@ namespace quorbel {
 
 namespace {
 
-constexpr int kShortestPopup = 1;  // seconds
-constexpr int kLongestPopup = 3600;
-
-/// An index as stored, for a chooser: none where there is no such item.
-int itemIndex(const QComboBox &chooser, std::int64_t index) {
-    return index >= 0 && index < chooser.count() ? static_cast<int>(index) : -1;
-}
-
-/// Checks one of two radio buttons: the one that the Tab key leads to.
-void check(QRadioButton &chosen, QRadioButton &other) {
-    chosen.setChecked(true);
-    chosen.setFocusPolicy(Qt::StrongFocus);
-    other.setFocusPolicy(Qt::ClickFocus);
-}
-
-std::optional<std::string> chosenItem(const QComboBox &chooser) {
-    if (chooser.currentIndex() < 0) {
-        return std::nullopt;
+void joinTabOrders(const std::vector<OptionsGroup *> &groups) {
+    QWidgetList order;
+    for (const OptionsGroup *group : groups) {
+        order += group->tabOrder();
     }
-    return chooser.currentText().toStdString();
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    }
 }
 
 }  // namespace
@@ -46,210 +37,63 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
       m_storyboard(storyboard),
       ui(std::make_unique<Ui::ToolsViewOptions>()) {
     ui->setupUi(this);
-    makeControls();
+    auto *showing = new ShowingOptions({.hostsDisplayIP = ui->hostsDisplayIP,
+                                        .hostsDisplayName = ui->hostsDisplayName,
+                                        .localeDateFormat = ui->localeDateFormat,
+                                        .definedDateFormat = ui->definedDateFormat,
+                                        .userDateFormat = ui->userDateFormat,
+                                        .userTimeFormat = ui->userTimeFormat},
+                                       this);
+    auto *levels = new LevelOptions(makeLevelControls(*ui->levelsGroupLayout), this);
+    m_removal = new RemovalOptions(makeRemovalControls(*ui->removalGroupLayout), this);
+    m_popup = new PopupOptions({.popupEventsDisplay = ui->popupEventsDisplay,
+                                .popupEventsTime = ui->popupEventsTime,
+                                .popupEventsStepper = ui->popupEventsStepper,
+                                .boxes = makeDisplayControls(*ui->alertsGroupLayout)},
+                               this);
+    m_sound = new SoundOptions({.popupEventsPlay = ui->popupEventsPlay,
+                                .popupSoundFile = ui->popupSoundFile,
+                                .popupSoundBrowse = ui->popupSoundBrowse,
+                                .boxes = makePlayControls(*ui->soundGroupLayout)},
+                               this);
+    m_filters = new FilterOptions({ui->includeFiltersTable, ui->includeFiltersAdd,
+                                   ui->includeFiltersEdit, ui->includeFiltersRemove},
+                                  {ui->excludeFiltersTable, ui->excludeFiltersAdd,
+                                   ui->excludeFiltersEdit, ui->excludeFiltersRemove},
+                                  this);
+    m_groups = {showing, levels, m_removal, m_popup, m_sound, m_filters};
+    joinTabOrders(m_groups);
+    new ScrolledControls(*ui->scrollView);
 }
 
 ToolsViewOptions::~ToolsViewOptions() = default;
 
-void ToolsViewOptions::makeControls() {
-    m_severities = makeSeverityControls({.levels = ui->levelsGroupLayout,
-                                         .removal = ui->removalGroupLayout,
-                                         .popupDisplay = ui->alertsGroupLayout,
-                                         .popupPlay = ui->soundGroupLayout});
-    m_popupTime = new NumberStepper(ui->popupEventsTime, ui->popupEventsStepper, kShortestPopup,
-                                    kLongestPopup, this);
-    makeFilterLists();
-    setTabOrders();
-    new ScrolledControls(*ui->scrollView);
-}
-
-void ToolsViewOptions::setTabOrders() {
-    QWidget *last = ui->userTimeFormat;
-    const auto follow = [&last](QWidget *next) {
-        setTabOrder(last, next);
-        last = next;
-    };
-    for (const SeverityControls &severity : m_severities) {
-        follow(severity.level);
-    }
-    for (const SeverityControls &severity : m_severities) {
-        follow(severity.removal);
-        follow(severity.time);
-        follow(severity.units);
-    }
-    follow(ui->popupEventsDisplay);
-    follow(ui->popupEventsTime);
-    for (const SeverityControls &severity : m_severities) {
-        follow(severity.popupDisplay);
-    }
-    follow(ui->popupEventsPlay);
-    follow(ui->popupSoundFile);
-    follow(ui->popupSoundBrowse);
-    for (const SeverityControls &severity : m_severities) {
-        follow(severity.popupPlay);
-    }
-    follow(ui->includeFiltersTable);
-}
-
 void ToolsViewOptions::viewDidLoad() {
     setUpPage(*ui->saveButton, *ui->onCancel);
-    connectControls();
-    connectSeverities();
-    connectAlerts();
-    connectFilters();
-}
-
-void ToolsViewOptions::connectControls() {
-    for (const auto *button : {ui->hostsDisplayIP, ui->hostsDisplayName}) {
-        connect(button, &QAbstractButton::clicked, this, &ToolsViewOptions::hostsDisplay);
+    for (const OptionsGroup *group : m_groups) {
+        connect(group, &OptionsGroup::changed, this, &ToolsViewOptions::enableSave);
     }
-    for (const auto *button : {ui->localeDateFormat, ui->definedDateFormat}) {
-        connect(button, &QAbstractButton::clicked, this, &ToolsViewOptions::dateFormat);
-    }
-    for (const auto *chooser : {ui->userDateFormat, ui->userTimeFormat}) {
-        connect(chooser, &QComboBox::activated, this, &ToolsViewOptions::enableSave);
-    }
-}
-
-void ToolsViewOptions::connectSeverities() {
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const SeverityControls &controls = m_severities[i];
-        connect(controls.level, &QComboBox::activated, this, &ToolsViewOptions::eventsSeverity);
-        connect(controls.removal, &QAbstractButton::clicked, this,
-                [this, i] { eventRemoval(i, m_severities[i].removal); });
-        connect(controls.removalTime, &NumberStepper::edited, this, [this, i](std::int64_t value) {
-            m_values.*kRemovalMembers[i].amount = value;
-            eventsRemoval();
-        });
-        connect(controls.units, &QComboBox::activated, this, &ToolsViewOptions::eventsRemoval);
-    }
-}
-
-void ToolsViewOptions::showSettings(const SettingsCycle &settings) {
-    ui->scrollView->verticalScrollBar()->setValue(0);
-    m_values = OptionsValues::read(settings);
-    if (m_values.bHostsDisplay) {
-        check(*ui->hostsDisplayName, *ui->hostsDisplayIP);
-    } else {
-        check(*ui->hostsDisplayIP, *ui->hostsDisplayName);
-    }
-    showDateFormat();
-    showLevels();
-    showRemoval();
-    showPopups();
-    showSound();
-    m_bIncludeFilters = m_bExcludeFilters = false;
-    m_includeFilters->load();
-    m_excludeFilters->load();
+    connect(m_filters, &FilterOptions::editFilter, this,
+            [this] { presentSheet(m_storyboard, QStringLiteral("filterView"), this); });
 }
 
 void ToolsViewOptions::viewDidAppear() {
     ui->optionsBlank->setFocus();
 }
 
-void ToolsViewOptions::showDateFormat() {
-    const bool isDefined = !m_values.dateFormat.empty();
-    ui->userDateFormat->setEnabled(isDefined);
-    ui->userTimeFormat->setEnabled(isDefined);
-    if (!isDefined) {
-        check(*ui->localeDateFormat, *ui->definedDateFormat);
-        ui->userDateFormat->setCurrentIndex(-1);
-        ui->userTimeFormat->setCurrentIndex(-1);
-        return;
+void ToolsViewOptions::showSettings(const SettingsCycle &settings) {
+    ui->scrollView->verticalScrollBar()->setValue(0);
+    m_values = OptionsValues::read(settings);
+    for (OptionsGroup *group : m_groups) {
+        group->showValues(m_values);
     }
-    check(*ui->definedDateFormat, *ui->localeDateFormat);
-    const DateFormatItems items = dateFormatItems(m_values.dateFormat);
-    ui->userDateFormat->setCurrentIndex(ui->userDateFormat->findText(toQString(items.date)));
-    ui->userTimeFormat->setCurrentIndex(
-        items.time ? ui->userTimeFormat->findText(toQString(*items.time)) : -1);
-}
-
-void ToolsViewOptions::showLevels() {
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        QComboBox *level = m_severities[i].level;
-        level->setCurrentIndex(itemIndex(*level, m_values.*kSeverityLevels[i]));
-    }
-}
-
-void ToolsViewOptions::showRemoval() {
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const SeverityControls &controls = m_severities[i];
-        const std::int64_t amount = m_values.*kRemovalMembers[i].amount;
-        controls.removal->setChecked(amount != 0);
-        if (amount != 0) {
-            controls.removalTime->setValue(amount);
-            controls.units->setCurrentIndex(
-                itemIndex(*controls.units, m_values.*kRemovalMembers[i].units));
-        }
-        eventRemoval(i);
-    }
-}
-
-void ToolsViewOptions::hostsDisplay() {
-    enableSave();
-}
-
-void ToolsViewOptions::dateFormat() {
-    const bool isDefined = ui->definedDateFormat->isChecked();
-    for (QComboBox *chooser : {ui->userDateFormat, ui->userTimeFormat}) {
-        chooser->setEnabled(isDefined);
-        chooser->setCurrentIndex(isDefined ? 0 : -1);
-    }
-    enableSave();
-}
-
-void ToolsViewOptions::eventsSeverity() {
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        m_values.*kSeverityLevels[i] = m_severities[i].level->currentIndex();
-    }
-    enableSave();
-}
-
-void ToolsViewOptions::eventsRemoval() {
-    enableSave();
-}
-
-void ToolsViewOptions::eventRemoval(std::size_t severity, QObject *sender) {
-    const SeverityControls &controls = m_severities[severity];
-    const bool isOn = controls.removal->isChecked();
-    controls.removalTime->setEnabled(isOn);
-    controls.units->setEnabled(isOn);
-    if (!isOn) {
-        m_values.*kRemovalMembers[severity].amount = 0;
-        controls.removalTime->clear();
-        controls.units->setCurrentIndex(-1);
-    }
-    if (sender == nullptr) {
-        return;
-    }
-    if (isOn) {
-        m_values.*kRemovalMembers[severity].amount = 1;
-        controls.removalTime->setValue(1);
-        controls.units->setCurrentIndex(0);
-    }
-    enableSave();
 }
 
 void ToolsViewOptions::takeSettings(SettingsCycle &settings) {
-    m_values.bHostsDisplay = ui->hostsDisplayName->isChecked();
-    m_values.dateFormat = chosenDateFormat();
-    m_values.write(settings, chosenUnits());
-}
-
-std::string ToolsViewOptions::chosenDateFormat() const {
-    if (ui->localeDateFormat->isChecked()) {
-        return {};
+    for (const OptionsGroup *group : m_groups) {
+        group->takeValues(m_values);
     }
-    return composeDateFormat(chosenItem(*ui->userDateFormat), chosenItem(*ui->userTimeFormat),
-                             m_values.dateFormat);
-}
-
-OptionsValues::Units ToolsViewOptions::chosenUnits() const {
-    OptionsValues::Units units{};
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        units[i] = m_severities[i].units->currentIndex();
-    }
-    return units;
+    m_values.write(settings);
 }
 
 void ToolsViewOptions::settingsSent() {
@@ -262,6 +106,42 @@ void ToolsViewOptions::settingsSent() {
                                  .popupSound = m_values.popupSound.value_or(std::string()),
                                  .popupDisplayArray = m_values.popupDisplayArray,
                                  .popupPlayArray = m_values.popupPlayArray});
+}
+
+std::optional<Dictionary> ToolsViewOptions::filterToEdit() const {
+    return m_filters->filterToEdit();
+}
+
+void ToolsViewOptions::storeFilter(const Dictionary &record) {
+    m_filters->storeFilter(record);
+}
+
+void ToolsViewOptions::eventRemoval(std::size_t severity) {
+    m_removal->eventRemoval(severity);
+}
+
+void ToolsViewOptions::popupEvents() {
+    m_popup->popupEvents();
+}
+
+void ToolsViewOptions::popupEventsDisplay(std::size_t severity) {
+    m_popup->popupEventsDisplay(severity);
+}
+
+void ToolsViewOptions::popupSound() {
+    m_sound->popupSound();
+}
+
+void ToolsViewOptions::popupEventsPlay(std::size_t severity) {
+    m_sound->popupEventsPlay(severity);
+}
+
+void ToolsViewOptions::includeFiltersRemove() {
+    m_filters->includeFiltersRemove();
+}
+
+void ToolsViewOptions::excludeFiltersRemove() {
+    m_filters->excludeFiltersRemove();
 }
 
 }  // namespace quorbel

@@ -2,13 +2,10 @@
 
 #include "options/FilterEditing.h"
 #include "options/OptionsValues.h"
-#include "options/SeverityControls.h"
 #include "settings/SettingsView.h"
 
 #include <cstddef>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace Ui {
@@ -17,11 +14,15 @@ class ToolsViewOptions;
 
 namespace quorbel {
 
-class RecordList;
+class FilterOptions;
+class OptionsGroup;
+class PopupOptions;
+class RemovalOptions;
+class SoundOptions;
 class Storyboard;
 
-/// The options page: how events are shown, rated, kept, announced and filtered. It edits a private
-/// copy of the settings document, read anew each time the page is shown.
+/// The options page: how events are shown, rated, kept, announced and filtered. What each group of
+/// controls does is in a class of its own; the page joins them.
 class ToolsViewOptions : public SettingsView, public FilterEditing {
     Q_OBJECT
 
@@ -37,23 +38,12 @@ public:
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const override;
     void storeFilter(const Dictionary &record) override;
 
-    // The handlers of the controls. Those that take a sender are also run by the loading, without
-    // one: then they only bring the controls' state in line.
-    void hostsDisplay();
-    void dateFormat();
-    void eventsSeverity();
-    void eventsRemoval();
-    void eventRemoval(std::size_t severity, QObject *sender = nullptr);
-    void popupTimeout();
-    void popupEvents(QObject *sender = nullptr);
+    // Operations of the groups, by their names on the page.
+    void eventRemoval(std::size_t severity);
+    void popupEvents();
     void popupEventsDisplay(std::size_t severity);
-    void popupSound(QObject *sender = nullptr);
+    void popupSound();
     void popupEventsPlay(std::size_t severity);
-    void popupSoundBrowse();
-    void includeFilters(QObject *sender);
-    void excludeFilters(QObject *sender);
-    void includeFiltersTable();
-    void excludeFiltersTable();
     void includeFiltersRemove();
     void excludeFiltersRemove();
 
@@ -63,47 +53,14 @@ protected:
     void settingsSent() override;
 
 private:
-    using LabelBox = QCheckBox *SeverityControls::*;
-
-    void makeControls();
-    void makeFilterLists();
-    void setTabOrders();
-    void connectControls();
-    void connectSeverities();
-    void connectAlerts();
-    void connectFilters();
-
-    void showDateFormat();
-    void showLevels();
-    void showRemoval();
-    void showPopups();
-    void showSound();
-
-    [[nodiscard]] std::string chosenDateFormat() const;
-    [[nodiscard]] OptionsValues::Units chosenUnits() const;
-
-    void showLabels(LabelBox box, const std::vector<std::string> &labels);
-    void checkAll(LabelBox box, std::vector<std::string> &labels);
-    void uncheckAll(LabelBox box, std::vector<std::string> &labels);
-    void enableAll(LabelBox box, bool enabled);
-    void takeLabel(const QCheckBox &box, std::vector<std::string> &labels);
-
-    /// Whether this is the Add button, rather than the Edit button, of a list.
-    [[nodiscard]] static bool adds(const QObject *sender);
-    void presentFilter();
-    void removeFilter(RecordList &filters);
-
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::ToolsViewOptions> ui;
-    AllSeverityControls m_severities{};
-    NumberStepper *m_popupTime = nullptr;
-    RecordList *m_includeFilters = nullptr;
-    RecordList *m_excludeFilters = nullptr;
-
-    OptionsValues m_values;
-    // Which list the filter editor works on.
-    bool m_bIncludeFilters = false;
-    bool m_bExcludeFilters = false;
+    RemovalOptions *m_removal;
+    PopupOptions *m_popup;
+    SoundOptions *m_sound;
+    FilterOptions *m_filters;
+    std::vector<OptionsGroup *> m_groups;  ///< all, from top to bottom
+    OptionsValues m_values;                ///< as they were read, or last saved
 };
 
 }  // namespace quorbel
