@@ -8,6 +8,9 @@ target_compile_options(quorbel_flags INTERFACE
 # GCC 12 sees overlapping copies in inlined std::string operations where there are none (GCC bug
 # 105651).
 target_compile_options(quorbel_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# GCC has no such check: platform/ThreadAnnotations.h.
+target_compile_options(quorbel_flags INTERFACE
+    $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Wthread-safety-beta>)
 if(QUORBEL_SANITIZE)
     target_compile_options(quorbel_flags INTERFACE
         -fsanitize=${QUORBEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

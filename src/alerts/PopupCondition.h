@@ -1,7 +1,6 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
+#include "platform/Mutex.h"
 
 namespace quorbel {
 
@@ -10,25 +9,25 @@ namespace quorbel {
 class PopupCondition {
 public:
     void signal() {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_isSignalled = true;
-        m_changed.notify_all();
+        m_changed.notifyAll();
     }
 
     void wait() {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_isSignalled; });
+        MutexLock lock(m_mutex);
+        m_changed.wait(lock, [this]() REQUIRES(m_mutex) { return m_isSignalled; });
     }
 
     [[nodiscard]] bool isSignalled() const {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         return m_isSignalled;
     }
 
 private:
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_isSignalled = false;
+    mutable Mutex m_mutex;
+    Condition m_changed;
+    bool m_isSignalled GUARDED_BY(m_mutex) = false;
 };
 
 }  // namespace quorbel

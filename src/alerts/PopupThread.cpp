@@ -20,13 +20,16 @@ constexpr std::chrono::milliseconds kPause{200};
 }  // namespace
 
 PopupThread::PopupThread(AppDelegate &delegate, const Storyboard &storyboard, PlaySound playSound)
-    : m_delegate(delegate), m_storyboard(storyboard), m_playSound(std::move(playSound)) {}
+    : m_delegate(delegate),
+      m_alertLock(delegate.alertLock()),
+      m_storyboard(storyboard),
+      m_playSound(std::move(playSound)) {}
 
 PopupThread::~PopupThread() {
     {
-        const std::lock_guard lock(m_delegate.alertLock());
+        const MutexLock lock(m_alertLock);
         m_stopping = true;
-        m_wake.notify_all();
+        m_wake.notifyAll();
         if (m_popupEnd) {
             m_popupEnd->signal();
         }
@@ -45,13 +48,13 @@ void PopupThread::start() {
 }
 
 bool PopupThread::takesEvents() const {
-    const std::lock_guard lock(m_delegate.alertLock());
+    const MutexLock lock(m_alertLock);
     return popupArray.has_value();
 }
 
 void PopupThread::append(Event event) {
     const CountedClasses classes = classifyPriority(event.value("Priority").value_or("")).counted;
-    const std::lock_guard lock(m_delegate.alertLock());
+    const MutexLock lock(m_alertLock);
     if (popupArray) {
         popupArray->push_back({classes, std::move(event)});
     }
@@ -59,7 +62,7 @@ void PopupThread::append(Event event) {
 
 void PopupThread::run() {
     {
-        const std::lock_guard lock(m_delegate.alertLock());
+        const MutexLock lock(m_alertLock);
         popupArray.emplace();
     }
     do {
@@ -68,15 +71,15 @@ void PopupThread::run() {
 }
 
 bool PopupThread::pause() {
-    std::unique_lock lock(m_delegate.alertLock());
-    return !m_wake.wait_for(lock, kPause, [this] { return m_stopping; });
+    MutexLock lock(m_alertLock);
+    return !m_wake.waitFor(lock, kPause, [this]() REQUIRES(m_alertLock) { return m_stopping; });
 }
 
 void PopupThread::handleNextEvent() {
     std::optional<Entry> next;
     AlertSettings settings;
     {
-        const std::lock_guard lock(m_delegate.alertLock());
+        const MutexLock lock(m_alertLock);
         if (popupArray->empty()) {
             return;
         }
@@ -103,7 +106,7 @@ void PopupThread::handleNextEvent() {
 void PopupThread::showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event) {
     const auto condition = std::make_shared<PopupCondition>();
     {
-        const std::lock_guard lock(m_delegate.alertLock());
+        const MutexLock lock(m_alertLock);
         m_popupEnd = condition;
         if (m_stopping) {
             condition->signal();

@@ -5,17 +5,16 @@
 #include "core/AlertQueueLink.h"
 #include "core/AppState.h"
 #include "core/Event.h"
+#include "platform/Mutex.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QWidget>
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -73,16 +72,17 @@ private:
     static void displayAlert(QWidget &popupWindow);
 
     AppDelegate &m_delegate;
+    Mutex &m_alertLock;  ///< the delegate's
     const Storyboard &m_storyboard;
     PlaySound m_playSound;
     QPointer<QWidget> m_popup;
     std::vector<QPointer<QWidget>> m_eventSheets;
 
-    // Guarded by the delegate's alert lock.
-    std::optional<std::deque<Entry>> popupArray;
-    bool m_stopping = false;
-    std::shared_ptr<PopupCondition> m_popupEnd;  ///< what the worker waits for, or waited for last
-    std::condition_variable m_wake;              ///< ends its pause
+    std::optional<std::deque<Entry>> popupArray GUARDED_BY(m_alertLock);
+    bool m_stopping GUARDED_BY(m_alertLock) = false;
+    /// What the worker waits for, or waited for last.
+    std::shared_ptr<PopupCondition> m_popupEnd GUARDED_BY(m_alertLock);
+    Condition m_wake;  ///< ends its pause
 
     std::thread m_thread;
     QObject m_receiver;  ///< of what the worker posts to the main thread; what it has not got ends

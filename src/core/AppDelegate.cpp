@@ -15,7 +15,7 @@ AppDelegate::AppDelegate()
       }) {}
 
 void AppDelegate::setAlertSettings(AlertSettings settings) {
-    const std::lock_guard lock(m_alertLock);
+    const MutexLock lock(m_alertLock);
     static_cast<AlertSettings &>(state) = std::move(settings);
 }
 

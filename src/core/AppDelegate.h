@@ -3,10 +3,10 @@
 #include "core/AppState.h"
 #include "core/EventList.h"
 #include "core/PageLinks.h"
+#include "platform/Mutex.h"
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
 
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -28,7 +28,7 @@ public:
     void setAlertSettings(AlertSettings settings);
     /// Guards the alert settings and the alert worker's queue. The main thread may read the
     /// settings without it.
-    std::mutex &alertLock() { return m_alertLock; }
+    Mutex &alertLock() RETURNS_LOCK(m_alertLock) { return m_alertLock; }
 
     /// The bytes of the settings document, or nothing when it cannot be read.
     [[nodiscard]] static std::optional<std::string> readSettings();
@@ -50,7 +50,7 @@ public:
 private:
     void forward(void (MainWindowLink::*command)());
 
-    std::mutex m_alertLock;
+    Mutex m_alertLock;
     CommandSender m_sender;
     MainWindowLink *m_window = nullptr;
 };

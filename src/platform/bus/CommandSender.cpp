@@ -1,5 +1,6 @@
 #include "platform/bus/CommandSender.h"
 
+#include "platform/Mutex.h"
 #include "platform/bus/CommandDelivery.h"
 
 #include <poll.h>
@@ -8,11 +9,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -38,11 +37,11 @@ struct CommandSender::Impl {
     ReplyHandler onReply;
     int wake;
 
-    std::mutex mutex;
-    std::condition_variable becameIdle;
-    std::deque<Dictionary> queue;
-    std::size_t unfinished = 0;  // in the queue or on their way
-    bool ending = false;
+    Mutex mutex;
+    Condition becameIdle;
+    std::deque<Dictionary> queue GUARDED_BY(mutex);
+    std::size_t unfinished GUARDED_BY(mutex) = 0;  // in the queue or on their way
+    bool ending GUARDED_BY(mutex) = false;
 
     std::deque<std::unique_ptr<CommandDelivery>> deliveries;  // the thread's own, oldest first
     std::size_t started = 0;                                  // the thread's own, too
@@ -58,7 +57,7 @@ struct CommandSender::Impl {
 
     ~Impl() {
         {
-            const std::scoped_lock lock(mutex);
+            const MutexLock lock(mutex);
             ending = true;
         }
         eventfd_write(wake, 1);
@@ -71,7 +70,7 @@ struct CommandSender::Impl {
 
     void send(Dictionary command) {
         {
-            const std::scoped_lock lock(mutex);
+            const MutexLock lock(mutex);
             queue.push_back(std::move(command));
             ++unfinished;
         }
@@ -108,12 +107,12 @@ struct CommandSender::Impl {
     }
 
     bool isEnding() {
-        const std::scoped_lock lock(mutex);
+        const MutexLock lock(mutex);
         return ending;
     }
 
     std::optional<Dictionary> nextCommand() {
-        const std::scoped_lock lock(mutex);
+        const MutexLock lock(mutex);
         if (queue.empty()) {
             return std::nullopt;
         }
@@ -151,10 +150,10 @@ struct CommandSender::Impl {
     }
 
     void settle(std::size_t count) {
-        const std::scoped_lock lock(mutex);
+        const MutexLock lock(mutex);
         unfinished -= count;
         if (unfinished == 0) {
-            becameIdle.notify_all();
+            becameIdle.notifyAll();
         }
     }
 
@@ -183,8 +182,9 @@ void CommandSender::send(Dictionary command) {
 }
 
 bool CommandSender::waitUntilIdle(std::chrono::milliseconds limit) {
-    std::unique_lock lock(m_impl->mutex);
-    return m_impl->becameIdle.wait_for(lock, limit, [this] { return m_impl->unfinished == 0; });
+    MutexLock lock(m_impl->mutex);
+    return m_impl->becameIdle.waitFor(
+        lock, limit, [this]() REQUIRES(m_impl->mutex) { return m_impl->unfinished == 0; });
 }
 
 }  // namespace quorbel

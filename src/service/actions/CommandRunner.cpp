@@ -162,7 +162,7 @@ CommandRunner::CommandRunner(Limits limits)
 void CommandRunner::stop() {
     std::size_t givenUp = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_stop = true;
         givenUp = m_waiting.size();
         m_waiting.clear();
@@ -174,7 +174,7 @@ void CommandRunner::stop() {
                 " commands of actions were not run because the service is stopping");
     }
     eventfd_write(m_stopSignal.get(), 1);
-    m_wake.notify_all();
+    m_wake.notifyAll();
     for (std::thread &thread : m_threads) {
         thread.join();
     }
@@ -183,14 +183,14 @@ void CommandRunner::stop() {
 }
 
 bool CommandRunner::submit(Command command) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     startThreads();
     if (m_stop || m_waiting.size() >= kMostWaiting || m_threads.empty()) {
         ++m_notStarted;
         return false;
     }
     m_waiting.push_back(std::move(command));
-    m_wake.notify_one();
+    m_wake.notifyOne();
     return true;
 }
 
@@ -206,9 +206,9 @@ void CommandRunner::startThreads() {
 }
 
 void CommandRunner::work() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     for (;;) {
-        m_wake.wait(lock, [this] { return m_stop || !m_waiting.empty(); });
+        m_wake.wait(lock, [this]() REQUIRES(m_mutex) { return m_stop || !m_waiting.empty(); });
         if (m_stop) {
             return;
         }
@@ -231,14 +231,14 @@ void CommandRunner::run(const Command &command) {
     }
     ++m_started;
     if (!Watch(command, *child, m_limits, m_stopSignal.get()).follow()) {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_unended.push_back(std::move(*child));
     }
 }
 
 /// Something in the kernel kept them; nothing is to be left of them when it lets them go.
 void CommandRunner::reapUnended() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     std::erase_if(m_unended, [](const ChildProcess &child) { return child.tryReap(); });
 }
 

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "service/actions/ChildProcess.h"
 #include "service/actions/CommandLine.h"
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -58,7 +57,7 @@ public:
 private:
     class Watch;
 
-    void startThreads();
+    void startThreads() REQUIRES(m_mutex);
     void work();
     void run(const Command &command);
     void reapUnended();
@@ -68,12 +67,12 @@ private:
     std::atomic<std::uint64_t> m_started = 0;
     std::atomic<std::uint64_t> m_notStarted = 0;
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    // Under m_mutex.
-    std::deque<Command> m_waiting;
-    std::vector<ChildProcess> m_unended;  ///< killed, and still there after a while
-    bool m_stop = false;
+    Mutex m_mutex;
+    Condition m_wake;
+    std::deque<Command> m_waiting GUARDED_BY(m_mutex);
+    /// Killed, and still there after a while.
+    std::vector<ChildProcess> m_unended GUARDED_BY(m_mutex);
+    bool m_stop GUARDED_BY(m_mutex) = false;
 
     std::vector<std::thread> m_threads;
 };

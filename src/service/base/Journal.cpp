@@ -1,11 +1,12 @@
 #include "service/base/Journal.h"
 
+#include "platform/Mutex.h"
+
 #include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <mutex>
 #include <string>
 
 namespace quorbel {
@@ -16,9 +17,9 @@ namespace {
 constexpr std::size_t kLongestLine = PIPE_BUF;
 
 struct Drops {
-    std::mutex mutex;  ///< held while a line is written, too
-    std::uint64_t total = 0;
-    std::uint64_t unsaid = 0;
+    Mutex mutex;  ///< held while a line is written, too
+    std::uint64_t total GUARDED_BY(mutex) = 0;
+    std::uint64_t unsaid GUARDED_BY(mutex) = 0;
 };
 
 Drops &drops() {
@@ -42,7 +43,7 @@ std::string lineOf(JournalLevel level, std::string_view text) {
 
 void write(JournalLevel level, std::string_view text) {
     Drops &state = drops();
-    const std::lock_guard lock(state.mutex);
+    const MutexLock lock(state.mutex);
     if (state.unsaid > 0 &&
         writeWithoutWaiting(lineOf(JournalLevel::kWarning,
                                    "Journal lines that were dropped because nobody read them: " +
@@ -82,7 +83,7 @@ void say(JournalLevel level, std::string_view text) {
 
 std::uint64_t journalLinesDropped() {
     Drops &state = drops();
-    const std::lock_guard lock(state.mutex);
+    const MutexLock lock(state.mutex);
     return state.total;
 }
 

@@ -15,11 +15,11 @@ CommandWorker::CommandWorker(sd_event *loop, Commands &commands)
 
 CommandWorker::~CommandWorker() {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_stop = true;
     }
-    m_wake.notify_one();
-    m_wakeFinish.notify_one();
+    m_wake.notifyOne();
+    m_wakeFinish.notifyOne();
     m_thread.join();
     m_finishThread.join();
 }
@@ -29,18 +29,18 @@ bool CommandWorker::submit(Command command, ReplyHandler onReply) {
         return false;
     }
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_waiting.push_back({std::move(command), std::move(onReply), {}, {}});
     }
     ++m_unanswered;
-    m_wake.notify_one();
+    m_wake.notifyOne();
     return true;
 }
 
 void CommandWorker::work() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     for (;;) {
-        m_wake.wait(lock, [this] { return m_stop || !m_waiting.empty(); });
+        m_wake.wait(lock, [this]() REQUIRES(m_mutex) { return m_stop || !m_waiting.empty(); });
         if (m_stop) {
             return;
         }
@@ -55,7 +55,7 @@ void CommandWorker::work() {
             job.rest = std::move(*rest);
             m_unfinished.push_back(std::move(job));
             m_waiting.pop_front();
-            m_wakeFinish.notify_one();
+            m_wakeFinish.notifyOne();
         } else {
             job.reply = std::move(std::get<std::string>(outcome));
             endJob(m_waiting);
@@ -64,9 +64,10 @@ void CommandWorker::work() {
 }
 
 void CommandWorker::finish() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     for (;;) {
-        m_wakeFinish.wait(lock, [this] { return m_stop || !m_unfinished.empty(); });
+        m_wakeFinish.wait(lock,
+                          [this]() REQUIRES(m_mutex) { return m_stop || !m_unfinished.empty(); });
         if (m_stop) {
             return;
         }
@@ -78,7 +79,7 @@ void CommandWorker::finish() {
     }
 }
 
-/// Under m_mutex. The first of these jobs is done.
+/// The first of these jobs is done.
 void CommandWorker::endJob(std::deque<Job> &jobs) {
     m_done.push_back(std::move(jobs.front()));
     jobs.pop_front();
@@ -92,7 +93,7 @@ int CommandWorker::replyToDone(sd_event_source * /*source*/, int fd, std::uint32
     eventfd_read(fd, &count);
     std::deque<Job> done;
     {
-        const std::lock_guard lock(worker->m_mutex);
+        const MutexLock lock(worker->m_mutex);
         done = std::exchange(worker->m_done, {});
     }
     for (const Job &job : done) {

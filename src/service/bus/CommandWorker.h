@@ -1,14 +1,13 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "platform/Value.h"
 #include "service/base/SdEvent.h"
 #include "service/bus/Commands.h"
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <variant>
@@ -50,7 +49,7 @@ private:
 
     void work();
     void finish();
-    void endJob(std::deque<Job> &jobs);
+    void endJob(std::deque<Job> &jobs) REQUIRES(m_mutex);
     static int replyToDone(sd_event_source *source, int fd, std::uint32_t events, void *self);
 
     Commands &m_commands;
@@ -58,14 +57,14 @@ private:
     UniqueFd m_doneSignal;  ///< an eventfd
     EventSourcePointer m_doneSource;
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::condition_variable m_wakeFinish;
-    // Under m_mutex. A job's reply handler is called and destroyed on the loop's thread only.
-    std::deque<Job> m_waiting;
-    std::deque<Job> m_unfinished;  ///< begun, with a rest
-    std::deque<Job> m_done;
-    bool m_stop = false;
+    Mutex m_mutex;
+    Condition m_wake;
+    Condition m_wakeFinish;
+    // A job's reply handler is called and destroyed on the loop's thread only.
+    std::deque<Job> m_waiting GUARDED_BY(m_mutex);
+    std::deque<Job> m_unfinished GUARDED_BY(m_mutex);  ///< begun, with a rest
+    std::deque<Job> m_done GUARDED_BY(m_mutex);
+    bool m_stop GUARDED_BY(m_mutex) = false;
 
     std::thread m_thread;
     std::thread m_finishThread;

@@ -44,7 +44,7 @@ SettingsFile::SettingsFile(std::filesystem::path file, std::function<void()> onC
       m_current(std::make_shared<const Dictionary>()) {}
 
 void SettingsFile::load() {
-    const std::lock_guard lock(m_fileMutex);
+    const MutexLock lock(m_fileMutex);
     auto settings = decodeSettings(readFile(m_file));
     if (!settings && isThere(m_file)) {
         say(JournalLevel::kError,
@@ -56,7 +56,7 @@ void SettingsFile::load() {
 }
 
 std::optional<std::string> SettingsFile::save(const Dictionary &settings) {
-    const std::lock_guard lock(m_fileMutex);
+    const MutexLock lock(m_fileMutex);
     if (auto problem = setDamagedFileAside()) {
         return problem;
     }
@@ -68,19 +68,19 @@ std::optional<std::string> SettingsFile::save(const Dictionary &settings) {
 }
 
 std::shared_ptr<const Dictionary> SettingsFile::current() const {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_current;
 }
 
 std::vector<std::string> SettingsFile::dateFormats() const {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_dateFormats.empty() ? std::vector{dateFormatOf(*m_current)} : m_dateFormats;
 }
 
 void SettingsFile::putInForce(Dictionary settings) {
     auto current = std::make_shared<const Dictionary>(std::move(settings));
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_current = std::move(current);
         const std::string format = dateFormatOf(*m_current);
         std::erase(m_dateFormats, format);

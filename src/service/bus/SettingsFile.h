@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/Value.h"
 
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,17 +33,17 @@ public:
     [[nodiscard]] std::vector<std::string> dateFormats() const;
 
 private:
-    std::optional<std::string> setDamagedFileAside();
-    void putInForce(Dictionary settings);
+    std::optional<std::string> setDamagedFileAside() REQUIRES(m_fileMutex);
+    void putInForce(Dictionary settings) REQUIRES(m_fileMutex);
 
     const std::filesystem::path m_file;
     const std::function<void()> m_onChange;
 
-    std::mutex m_fileMutex;  ///< held while the file is read or written
-    mutable std::mutex m_mutex;
-    // Under m_mutex.
-    std::shared_ptr<const Dictionary> m_current;
-    std::vector<std::string> m_dateFormats;  ///< as dateFormats(); empty before the first settings
+    Mutex m_fileMutex LOCKED_BEFORE(m_mutex);  ///< held while the file is read or written
+    mutable Mutex m_mutex;
+    std::shared_ptr<const Dictionary> m_current GUARDED_BY(m_mutex);
+    /// As dateFormats(); empty before the first settings.
+    std::vector<std::string> m_dateFormats GUARDED_BY(m_mutex);
 };
 
 }  // namespace quorbel

@@ -33,10 +33,10 @@ Exporter::~Exporter() {
 
 void Exporter::stop() {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_stop = true;
     }
-    m_wake.notify_one();
+    m_wake.notifyOne();
 }
 
 void Exporter::configure(const Dictionary &settings) {
@@ -49,14 +49,14 @@ void Exporter::configure(const Dictionary &settings) {
                     {file, format}};
     };
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         plan(m_exports[0], planFor("textInterval", "textLocation"));
         plan(m_exports[1], planFor("databaseInterval", "databaseLocation"));
     }
-    m_wake.notify_one();
+    m_wake.notifyOne();
 }
 
-/// Under m_mutex. An export that goes on as before keeps its time, or gets an earlier one.
+/// An export that goes on as before keeps its time, or gets an earlier one.
 void Exporter::plan(Export &export_, Plan next) {
     const bool isNew =
         export_.plan.interval.count() == 0 || export_.plan.target.file != next.target.file;
@@ -65,7 +65,7 @@ void Exporter::plan(Export &export_, Plan next) {
     export_.plan = std::move(next);
 }
 
-/// Under m_mutex. The export that comes next; null when none is on.
+/// The export that comes next; null when none is on.
 Exporter::Export *Exporter::nextDue() {
     Export *next = nullptr;
     for (Export &export_ : m_exports) {
@@ -77,7 +77,7 @@ Exporter::Export *Exporter::nextDue() {
 }
 
 void Exporter::work() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     while (!m_stop) {
         Export *next = nextDue();
         if (next == nullptr) {
@@ -86,7 +86,7 @@ void Exporter::work() {
         }
         const Clock::time_point now = Clock::now();
         if (next->due > now) {
-            m_wake.wait_until(lock, Clock::time_point(next->due));
+            m_wake.waitUntil(lock, next->due);
             continue;
         }
         next->due = now + next->plan.interval;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/Value.h"
 #include "service/export/DatabaseExport.h"
 #include "service/export/TextExport.h"
@@ -8,9 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -52,9 +51,9 @@ private:
         std::function<std::optional<std::string>(const ExportTarget &, const LogSources &)> run;
     };
 
-    void plan(Export &export_, Plan next);
+    static void plan(Export &export_, Plan next);
     void work();
-    Export *nextDue();
+    Export *nextDue() REQUIRES(m_mutex);
     void runOne(Export &export_, ExportTarget target);
 
     LogStore &m_store;
@@ -62,9 +61,9 @@ private:
     std::atomic<bool> m_stop = false;
     TextExport m_textExport;
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::array<Export, 2> m_exports;
+    Mutex m_mutex;
+    Condition m_wake;
+    std::array<Export, 2> m_exports GUARDED_BY(m_mutex);
 
     std::thread m_thread;
 };

@@ -1,15 +1,14 @@
 #include "service/hosts/HostNames.h"
 
 #include "common/SettingsDocument.h"
+#include "platform/Mutex.h"
 #include "service/base/Journal.h"
 
 #include <netdb.h>
 
 #include <array>
 #include <atomic>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -51,9 +50,9 @@ struct HostNames::Shared {
     explicit Shared(Lookup lookup_) : lookup(std::move(lookup_)) {}
 
     void work() {
-        std::unique_lock lock(mutex);
+        MutexLock lock(mutex);
         for (;;) {
-            wake.wait(lock, [this] { return stop || !waiting.empty(); });
+            wake.wait(lock, [this]() REQUIRES(mutex) { return stop || !waiting.empty(); });
             if (stop) {
                 return;
             }
@@ -69,13 +68,12 @@ struct HostNames::Shared {
 
     const Lookup lookup;
     std::atomic<bool> hasAnswers = false;
-    std::mutex mutex;
-    std::condition_variable wake;
-    // Under the mutex.
-    bool started = false;
-    bool stop = false;
-    std::deque<IpAddress> waiting;
-    std::vector<Answer> answers;
+    Mutex mutex;
+    Condition wake;
+    bool started GUARDED_BY(mutex) = false;
+    bool stop GUARDED_BY(mutex) = false;
+    std::deque<IpAddress> waiting GUARDED_BY(mutex);
+    std::vector<Answer> answers GUARDED_BY(mutex);
 };
 
 HostNames::HostNames() : HostNames(askSystem) {}
@@ -84,10 +82,10 @@ HostNames::HostNames(Lookup lookup) : m_shared(std::make_shared<Shared>(std::mov
 
 HostNames::~HostNames() {
     {
-        const std::lock_guard lock(m_shared->mutex);
+        const MutexLock lock(m_shared->mutex);
         m_shared->stop = true;
     }
-    m_shared->wake.notify_all();
+    m_shared->wake.notifyAll();
 }
 
 void HostNames::configure(const Dictionary &settings) {
@@ -101,7 +99,7 @@ void HostNames::beginTurn(Clock::time_point now) {
     }
     std::vector<Shared::Answer> answers;
     {
-        const std::lock_guard lock(m_shared->mutex);
+        const MutexLock lock(m_shared->mutex);
         answers = std::exchange(m_shared->answers, {});
         m_shared->hasAnswers = false;
     }
@@ -136,13 +134,13 @@ bool HostNames::request(const IpAddress &address) {
         ++m_notLookedUp;
         return false;
     }
-    const std::lock_guard lock(m_shared->mutex);
+    const MutexLock lock(m_shared->mutex);
     if (!std::exchange(m_shared->started, true)) {
         startThreads();
     }
     m_shared->waiting.push_back(address);
     ++m_waiting;
-    m_shared->wake.notify_one();
+    m_shared->wake.notifyOne();
     return true;
 }
 

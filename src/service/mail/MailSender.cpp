@@ -166,7 +166,7 @@ void MailSender::cancelSends() {
 void MailSender::configure(const Dictionary &settings) {
     MailServer server = mailServerFrom(settings);
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (server == m_server) {
             return;
         }
@@ -176,7 +176,7 @@ void MailSender::configure(const Dictionary &settings) {
             job.due = Clock::now();
         }
     }
-    m_wake.notify_one();
+    m_wake.notifyOne();
 }
 
 std::string MailSender::send(const MailMessage &message, const Dictionary &settings) {
@@ -199,7 +199,7 @@ bool MailSender::submit(MailMessage message) {
         say(JournalLevel::kWarning, "An e-mail was not sent: " + noAddress(text));
     }
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (addresses.empty() || m_shuttingDown || m_queue.size() >= kMostQueued) {
             ++m_dropped;
             return false;
@@ -207,13 +207,13 @@ bool MailSender::submit(MailMessage message) {
         m_queue.push_back(
             {std::move(message), addresses, addresses, 0, false, !others.empty(), Clock::now()});
     }
-    m_wake.notify_one();
+    m_wake.notifyOne();
     return true;
 }
 
 void MailSender::finishFirstTries(Clock::time_point deadline) {
-    std::unique_lock lock(m_mutex);
-    m_tried.wait_until(lock, deadline, [this] {
+    MutexLock lock(m_mutex);
+    m_tried.waitUntil(lock, deadline, [this]() REQUIRES(m_mutex) {
         return std::ranges::none_of(m_queue, [](const Job &job) { return job.tries == 0; });
     });
 }
@@ -221,13 +221,14 @@ void MailSender::finishFirstTries(Clock::time_point deadline) {
 void MailSender::shutDown() {
     cancelSends();
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_shuttingDown = true;
     }
-    m_wake.notify_one();
+    m_wake.notifyOne();
     if (m_thread.joinable()) {
         m_thread.join();
     }
+    const MutexLock lock(m_mutex);
     if (m_queue.empty()) {
         return;
     }
@@ -245,7 +246,7 @@ std::list<MailSender::Job>::iterator MailSender::nextJob() {
 }
 
 void MailSender::work() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     while (!m_shuttingDown) {
         if (m_queue.empty()) {
             m_wake.wait(lock);
@@ -253,7 +254,7 @@ void MailSender::work() {
         }
         const auto next = nextJob();
         if (next->due > Clock::now()) {
-            m_wake.wait_until(lock, Clock::time_point(next->due));
+            m_wake.waitUntil(lock, next->due);
             continue;
         }
         const MailServer server = m_server;
@@ -270,7 +271,7 @@ void MailSender::work() {
             ++next->tries;
             next->due = server == m_server ? Clock::now() + *pause : next->due;
         }
-        m_tried.notify_all();
+        m_tried.notifyAll();
     }
 }
 

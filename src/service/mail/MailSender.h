@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/Value.h"
 #include "service/mail/MailMessage.h"
 #include "service/mail/MailServer.h"
@@ -7,11 +8,9 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <list>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -76,7 +75,7 @@ private:
     };
 
     void work();
-    std::list<Job>::iterator nextJob();
+    std::list<Job>::iterator nextJob() REQUIRES(m_mutex);
     std::optional<std::chrono::milliseconds> attempt(Job &job, const MailServer &server);
 
     const std::chrono::milliseconds m_minute;
@@ -85,12 +84,11 @@ private:
     std::atomic<std::uint64_t> m_sent = 0;
     std::atomic<std::uint64_t> m_dropped = 0;
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::condition_variable m_tried;
-    // Under m_mutex.
-    MailServer m_server;
-    std::list<Job> m_queue;
+    Mutex m_mutex;
+    Condition m_wake;
+    Condition m_tried;
+    MailServer m_server GUARDED_BY(m_mutex);
+    std::list<Job> m_queue GUARDED_BY(m_mutex);
 
     std::thread m_thread;
 };

@@ -53,7 +53,7 @@ std::optional<std::string> EventRemoval::run(LogStore &store, const std::atomic<
         problem = name + " could not be " + std::string(what) + ": " +
                   std::generic_category().message(errno);
     };
-    const auto lock = store.lockForEditing();
+    const MutexLock lock(store.editLock());
     const auto names = store.fileNames();
     if (!names) {
         note("The folder of the log files", "listed");

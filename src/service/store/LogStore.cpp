@@ -63,10 +63,10 @@ LogStore::LogStore(std::filesystem::path folder)
 
 LogStore::~LogStore() {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_stop = true;
     }
-    m_wakeSync.notify_one();
+    m_wakeSync.notifyOne();
     m_syncThread.join();
 }
 
@@ -106,7 +106,7 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
     int error = 0;
     bool wake = false;
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (openFor(m_name)) {
             result = write(lines);
         } else {
@@ -123,7 +123,7 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
         m_urgent = m_urgent || hurry;
     }
     if (wake) {
-        m_wakeSync.notify_one();
+        m_wakeSync.notifyOne();
     }
     noteState(seconds, result.notStored, error);
     return result;
@@ -220,13 +220,9 @@ std::filesystem::path LogStore::path(const std::string &name) const {
 }
 
 std::uint64_t LogStore::settledSize(const UniqueFd &file) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     struct stat status {};
     return ::fstat(file.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-std::unique_lock<std::mutex> LogStore::lockForEditing() {
-    return std::unique_lock(m_editMutex);
 }
 
 bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
@@ -257,7 +253,7 @@ bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
 /// Removes a file of which the ranges leave nothing: that works on a full disk, too.
 bool LogStore::removeWhole(const std::string &name, const UniqueFd &file,
                            const std::vector<ByteRange> &ranges) {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     struct stat status {};
     return ::fstat(file.get(), &status) == 0 &&
            static_cast<std::uint64_t>(status.st_size) == totalOf(ranges) &&
@@ -295,7 +291,7 @@ bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &r
 bool LogStore::swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
                     const std::vector<ByteRange> &ranges, std::uint64_t copied) {
     const std::filesystem::path target = path(name);
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     struct stat status {};
     if (!isSameFile(file, target) || ::fstat(file.get(), &status) != 0) {
         errno = ESTALE;
@@ -320,10 +316,10 @@ bool LogStore::syncFolder() const {
 
 void LogStore::syncWhenDirty() {
     constexpr std::chrono::seconds kDelay{1};
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     while (!m_stop || m_dirty) {
-        m_wakeSync.wait(lock, [this] { return m_dirty || m_stop; });
-        m_wakeSync.wait_for(lock, kDelay, [this] { return m_urgent || m_stop; });
+        m_wakeSync.wait(lock, [this]() REQUIRES(m_mutex) { return m_dirty || m_stop; });
+        m_wakeSync.waitFor(lock, kDelay, [this]() REQUIRES(m_mutex) { return m_urgent || m_stop; });
         const Dirty dirty = takeDirty();
         lock.unlock();
         const int error = sync(dirty);
@@ -340,7 +336,7 @@ LogStore::Dirty LogStore::takeDirty() {
     if (m_file.isOpen()) {
         m_spareForSync.refill();
         dirty.files.push_back(m_spareForSync.useFor(
-            [this] { return UniqueFd(::fcntl(m_file.get(), F_DUPFD_CLOEXEC, 0)); }));
+            [fd = m_file.get()] { return UniqueFd(::fcntl(fd, F_DUPFD_CLOEXEC, 0)); }));
     }
     m_dirty = false;
     m_urgent = false;

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
 #include "service/store/SpareDescriptor.h"
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,7 +55,7 @@ public:
 
     /// Whoever takes events out holds this from the search for them on: their places in a file are
     /// its own only as long as nobody else replaces it.
-    [[nodiscard]] std::unique_lock<std::mutex> lockForEditing();
+    [[nodiscard]] Mutex &editLock() RETURNS_LOCK(m_editMutex) { return m_editMutex; }
     /// Replaces a file by one without the ranges (ascending, disjoint, below a settled size), in
     /// one step. `file` is the file, open for reading. Events that arrive meanwhile are kept; they
     /// wait only when they arrive all the time, while the last of them are copied and synced. A
@@ -64,14 +63,14 @@ public:
     /// False when that fails, with errno; the file is as it was then. That is also how it ends,
     /// with ECANCELED, soon after `stop` was set.
     bool cutOut(const std::string &name, const UniqueFd &file, const std::vector<ByteRange> &ranges,
-                const std::atomic<bool> &stop = kNeverStop);
+                const std::atomic<bool> &stop = kNeverStop) REQUIRES(m_editMutex);
 
 private:
     static inline const std::atomic<bool> kNeverStop = false;
 
-    bool openFor(const std::string &name);
-    Result write(std::string_view lines);
-    void retireFile();
+    bool openFor(const std::string &name) REQUIRES(m_mutex);
+    Result write(std::string_view lines) REQUIRES(m_mutex);
+    void retireFile() REQUIRES(m_mutex);
     void noteState(std::int64_t seconds, std::size_t lost, int error);
     [[nodiscard]] bool repairFile(const std::string &name) const;
 
@@ -91,7 +90,7 @@ private:
         bool folderChanged = false;
     };
     void syncWhenDirty();
-    Dirty takeDirty();
+    Dirty takeDirty() REQUIRES(m_mutex);
     [[nodiscard]] int sync(const Dirty &dirty);
     void noteSync(const Dirty &dirty, int error);
 
@@ -111,22 +110,22 @@ private:
 
     std::atomic<std::uint64_t> m_unsynced = 0;
 
-    std::mutex m_editMutex;  ///< locked before m_mutex
+    Mutex m_editMutex LOCKED_BEFORE(m_mutex);
 
-    std::mutex m_mutex;
-    std::condition_variable m_wakeSync;
-    // All of this under m_mutex.
-    UniqueFd m_file;  ///< open for appending
-    std::string m_fileName;
+    Mutex m_mutex;
+    Condition m_wakeSync;
+    UniqueFd m_file GUARDED_BY(m_mutex);  ///< open for appending
+    std::string m_fileName GUARDED_BY(m_mutex);
     // Connections can take all others.
-    SpareDescriptor m_spareForFile;
-    SpareDescriptor m_spareForSync;
-    bool m_folderChanged = false;
-    std::vector<UniqueFd> m_retired;  ///< no longer appended to, not yet synced
-    bool m_dirty = false;
-    std::uint64_t m_dirtyEvents = 0;
-    bool m_urgent = false;
-    bool m_stop = false;
+    SpareDescriptor m_spareForFile GUARDED_BY(m_mutex);
+    SpareDescriptor m_spareForSync GUARDED_BY(m_mutex);
+    bool m_folderChanged GUARDED_BY(m_mutex) = false;
+    /// No longer appended to, not yet synced.
+    std::vector<UniqueFd> m_retired GUARDED_BY(m_mutex);
+    bool m_dirty GUARDED_BY(m_mutex) = false;
+    std::uint64_t m_dirtyEvents GUARDED_BY(m_mutex) = 0;
+    bool m_urgent GUARDED_BY(m_mutex) = false;
+    bool m_stop GUARDED_BY(m_mutex) = false;
 
     std::thread m_syncThread;
 };

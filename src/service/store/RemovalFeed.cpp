@@ -10,31 +10,32 @@ RemovalFeed::RemovalFeed(std::chrono::milliseconds patience)
     : m_patience(patience), m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 bool RemovalFeed::offer(std::string lines) {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     if (m_closed) {
         return false;
     }
     m_lines = std::move(lines);
     m_offered = true;
     eventfd_write(m_signal.get(), 1);
-    m_taken.wait_for(lock, m_patience, [this] { return m_closed || !m_offered; });
+    m_taken.waitFor(lock, m_patience,
+                    [this]() REQUIRES(m_mutex) { return m_closed || !m_offered; });
     return !m_offered.exchange(false);
 }
 
 std::optional<std::string> RemovalFeed::take() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (!m_offered) {
         return std::nullopt;
     }
     m_offered = false;
-    m_taken.notify_one();
+    m_taken.notifyOne();
     return std::move(m_lines);
 }
 
 void RemovalFeed::close() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_closed = true;
-    m_taken.notify_one();
+    m_taken.notifyOne();
 }
 
 }  // namespace quorbel

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -42,11 +41,11 @@ private:
     const UniqueFd m_signal;
     std::atomic<bool> m_offered = false;
 
-    std::mutex m_mutex;
-    std::condition_variable m_taken;
-    // Under m_mutex; m_offered changes with them.
-    std::string m_lines;
-    bool m_closed = false;
+    // m_offered changes under m_mutex, too.
+    Mutex m_mutex;
+    Condition m_taken;
+    std::string m_lines GUARDED_BY(m_mutex);
+    bool m_closed GUARDED_BY(m_mutex) = false;
 };
 
 }  // namespace quorbel

@@ -96,22 +96,22 @@ Retention::~Retention() {
 
 void Retention::configure(const Dictionary &settings) {
     const RetentionRules rules(settings);
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (rules != m_wantedRules) {
         m_wantedRules = rules;
         m_rulesChanged = true;
-        m_wake.notify_one();
+        m_wake.notifyOne();
     }
 }
 
 void Retention::stop() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_stop = true;
-    m_wake.notify_one();
+    m_wake.notifyOne();
 }
 
 void Retention::work() {
-    std::unique_lock lock(m_mutex);
+    MutexLock lock(m_mutex);
     while (!m_stop) {
         if (std::exchange(m_rulesChanged, false)) {
             m_rules = m_wantedRules;
@@ -120,7 +120,8 @@ void Retention::work() {
         lock.unlock();
         tendFiles(m_now());
         lock.lock();
-        m_wake.wait_for(lock, m_interval, [this] { return m_stop || m_rulesChanged; });
+        m_wake.waitFor(lock, m_interval,
+                       [this]() REQUIRES(m_mutex) { return m_stop || m_rulesChanged; });
     }
 }
 
@@ -201,7 +202,7 @@ bool Retention::tendOpened(const std::string &name, std::int64_t now, Known &kno
     // Something may be there when somebody has mended what went wrong.
     known.due = now + kIntervalSeconds;
     known.dueGrown = known.due;
-    auto lock = m_store.lockForEditing();
+    MutexLock lock(m_store.editLock());
     const UniqueFd file = openLogFile(m_store.path(name));
     Found found;
     if (!file.isOpen() || !search(file, m_rules.limitsAt(now), found)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "platform/Value.h"
 #include "service/store/ClockTrust.h"
@@ -11,11 +12,9 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -104,11 +103,10 @@ private:
     std::string m_priority;
     std::map<std::string, std::string> m_problems;  ///< what was last said of each file
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    // Under m_mutex.
-    RetentionRules m_wantedRules;
-    bool m_rulesChanged = false;
+    Mutex m_mutex;
+    Condition m_wake;
+    RetentionRules m_wantedRules GUARDED_BY(m_mutex);
+    bool m_rulesChanged GUARDED_BY(m_mutex) = false;
     std::atomic<bool> m_stop = false;  ///< set under m_mutex
 
     std::thread m_thread;

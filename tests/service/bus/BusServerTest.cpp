@@ -365,7 +365,7 @@ TEST_F(BusServerTest, AnswersWhateverAFileIsCalled) {
 TEST_F(BusServerTest, ReadsSettingsAnewOnTheThreadOfTheCommands) {
     folder.write("2023-11-14.log", line(1));
     folder.write(kSettingsFileName, writeKeyedArchive(Dictionary{{"key", "value"}}));
-    auto lock = store.lockForEditing();
+    MutexLock lock(store.editLock());
     std::vector<std::string> order;
     const auto note = [&order](const char *what) {
         return [&order, what](const std::string & /*reply*/) { order.emplace_back(what); };

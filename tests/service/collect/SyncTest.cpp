@@ -199,7 +199,7 @@ TEST_F(SyncTest, ARewrittenFileIsOnTheDiskBeforeItTakesItsPlace) {
     m_store->append(gone + line("stays"), kMonday, false);
     const std::string name = logFileName(kMonday);
     {
-        const auto lock = m_store->lockForEditing();
+        const MutexLock lock(m_store->editLock());
         const UniqueFd file = openLogFile(m_store->path(name));
         std::vector<ByteRange> ranges{{0, gone.size()}};
         // Each round of copying leaves something new behind it. What is left after the last one is

@@ -95,7 +95,7 @@ TEST_F(RetentionTest, LeavesTheFileInWorkAsItWasWhenItEnds) {
     const std::string lines =
         line(kNow - kDay, "Error", "old") + line(kNow - kDay, "Debug", "kept");
     folder.write("2023-11-13.log", lines);
-    auto lock = store.lockForEditing();
+    MutexLock lock(store.editLock());
     start(keepErrors(1, 1));
     ASSERT_TRUE(waitUntil([this] { return retention->isBusy(); }));
     ::testing::internal::CaptureStderr();
@@ -161,7 +161,7 @@ TEST_F(RetentionTest, DoesNotReadAgainWhatHasNotGrown) {
     ASSERT_EQ(content("2023-11-13.log"), dueLater + kept);
     {
         // No search could get past this, nor could a pass end then.
-        const auto lock = store.lockForEditing();
+        const MutexLock lock(store.editLock());
         for (int minutes = 10; minutes <= 60; minutes += 10) {
             now = kNow + minutes * kMinute;
             ASSERT_NO_FATAL_FAILURE(pass());
@@ -177,7 +177,7 @@ TEST_F(RetentionTest, DoesNotReadAgainWhatHasNotGrown) {
     // The slack of 2 days is 48 minutes.
     now = kNow + kDay + 48 * kMinute - 1;
     {
-        const auto lock = store.lockForEditing();
+        const MutexLock lock(store.editLock());
         ASSERT_NO_FATAL_FAILURE(pass());
     }
     now = kNow + kDay + 48 * kMinute;
@@ -321,7 +321,7 @@ TEST_F(RetentionTest, SaysOnceWhatGoesWrong) {
 
 TEST_F(RetentionTest, WaitsForWhoeverTakesEventsOut) {
     folder.write("2023-11-13.log", line(kNow - kDay, "Error", "a"));
-    auto lock = store.lockForEditing();
+    MutexLock lock(store.editLock());
     start(keepErrors(1, 1));
     ASSERT_TRUE(waitUntil([this] { return retention->isBusy(); }));
     EXPECT_NE(content("2023-11-13.log"), "(no file)");
