@@ -3,8 +3,8 @@
 add_library(quorbel_flags INTERFACE)
 target_compile_features(quorbel_flags INTERFACE cxx_std_20)
 target_compile_options(quorbel_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-    -Wnon-virtual-dtor -Woverloaded-virtual)
+    -Wall -Wextra -Wpedantic $<$<BOOL:${QUORBEL_WERROR}>:-Werror>
+    -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual)
 # GCC 12 sees overlapping copies in inlined std::string operations where there are none (GCC bug
 # 105651).
 target_compile_options(quorbel_flags INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
@@ -25,6 +25,10 @@ target_link_libraries(quorbel_qt_flags INTERFACE quorbel_flags Qt6::Widgets)
 target_compile_definitions(quorbel_qt_flags INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_KEYWORDS
     QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+
+# QUORBEL_VERSION, for what says it: one define of all sources would compile all of them anew.
+add_library(quorbel_version INTERFACE)
+target_compile_definitions(quorbel_version INTERFACE QUORBEL_VERSION="${PROJECT_VERSION}")
 
 # quorbel_headers(NAME SOURCE...)
 #
