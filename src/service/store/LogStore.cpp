@@ -309,9 +309,11 @@ UniqueFd LogStore::openFolder() const {
     return UniqueFd(::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-bool LogStore::syncFolder() const {
+void LogStore::syncFolder() const {
     const UniqueFd folder = openFolder();
-    return folder.isOpen() && ::fsync(folder.get()) == 0;
+    if (folder.isOpen()) {
+        ::fsync(folder.get());
+    }
 }
 
 void LogStore::syncWhenDirty() {

@@ -81,7 +81,7 @@ private:
     bool removeWhole(const std::string &name, const UniqueFd &file,
                      const std::vector<ByteRange> &ranges);
     [[nodiscard]] UniqueFd openFolder() const;
-    bool syncFolder() const;
+    void syncFolder() const;
 
     /// What was appended since the last sync.
     struct Dirty {
