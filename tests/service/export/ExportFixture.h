@@ -75,6 +75,7 @@ struct ExportTest : ::testing::Test {
         const std::size_t begin = bytes.find(wanted);
         ASSERT_NE(begin, std::string::npos);
         const UniqueFd file = openLogFile(folder.path() / name);
+        const MutexLock lock(store.editLock());
         ASSERT_TRUE(store.cutOut(name, file, {{begin, begin + wanted.size()}}));
     }
 

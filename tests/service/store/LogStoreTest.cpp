@@ -50,6 +50,12 @@ using ::testing::IsEmpty;
 using ::testing::Optional;
 using testing::TemporaryFolder;
 
+bool cutOut(LogStore &store, const std::string &name, const UniqueFd &file,
+            const std::vector<ByteRange> &ranges, const std::atomic<bool> &stop = false) {
+    const MutexLock lock(store.editLock());
+    return store.cutOut(name, file, ranges, stop);
+}
+
 constexpr std::int64_t kMonday = 1700000000;   // 2023-11-14, in UTC
 constexpr std::int64_t kTuesday = 1700092800;  // 2023-11-16
 
@@ -198,8 +204,8 @@ TEST_F(LogStoreTest, FollowsAClockThatIsSetBack) {
 TEST_F(LogStoreTest, CutsRangesOutOfAFile) {
     const std::size_t length = line(0).size();
     folder.write("2023-11-14.log", line(0) + line(1) + line(2) + line(3));
-    ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"),
-                             {{0, length}, {2 * length, 3 * length}}));
+    ASSERT_TRUE(cutOut(store, "2023-11-14.log", open("2023-11-14.log"),
+                       {{0, length}, {2 * length, 3 * length}}));
     EXPECT_EQ(content("2023-11-14.log"), line(1) + line(3));
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
     EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0640U);
@@ -207,7 +213,7 @@ TEST_F(LogStoreTest, CutsRangesOutOfAFile) {
 
 TEST_F(LogStoreTest, KeepsAppendingToAFileThatWasReplaced) {
     store.append(line(0) + line(1), kMonday, false);
-    ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+    ASSERT_TRUE(cutOut(store, "2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
     store.append(line(2), kMonday, false);
     EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2));
 }
@@ -217,8 +223,8 @@ TEST_F(LogStoreTest, RemovesAFileOfWhichNothingIsLeftEvenOnAFullDisk) {
     const std::size_t length = line(0).size();
     {
         const FileSizeLimit limit(0);
-        ASSERT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"),
-                                 {{0, length}, {length, 2 * length}}));
+        ASSERT_TRUE(cutOut(store, "2023-11-14.log", open("2023-11-14.log"),
+                           {{0, length}, {length, 2 * length}}));
     }
     EXPECT_THAT(listFolder(folder.path()), IsEmpty());
     store.append(line(2), kMonday, false);
@@ -229,7 +235,8 @@ TEST_F(LogStoreTest, LeavesTheFileAloneWhenItCannotBeReplaced) {
     store.append(line(0) + line(1), kMonday, false);
     {
         const FileSizeLimit limit(1);
-        EXPECT_FALSE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+        EXPECT_FALSE(
+            cutOut(store, "2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
         EXPECT_EQ(errno, EFBIG);
     }
     EXPECT_EQ(content("2023-11-14.log"), line(0) + line(1));
@@ -237,7 +244,7 @@ TEST_F(LogStoreTest, LeavesTheFileAloneWhenItCannotBeReplaced) {
     const UniqueFd before = open("2023-11-14.log");
     std::filesystem::remove(folder.path() / "2023-11-14.log");
     folder.write("2023-11-14.log", "another");
-    EXPECT_FALSE(store.cutOut("2023-11-14.log", before, {{0, line(0).size()}}));
+    EXPECT_FALSE(cutOut(store, "2023-11-14.log", before, {{0, line(0).size()}}));
     EXPECT_EQ(content("2023-11-14.log"), "another");
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
 }
@@ -247,7 +254,7 @@ TEST_F(LogStoreTest, GivesUpACutWhenAskedTo) {
     folder.write("2023-11-14.log", before);
     const std::atomic<bool> stop = true;
     EXPECT_FALSE(
-        store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}, stop));
+        cutOut(store, "2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}, stop));
     EXPECT_EQ(errno, ECANCELED);
     EXPECT_EQ(content("2023-11-14.log"), before);
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
@@ -264,7 +271,7 @@ TEST_F(LogStoreTest, DoesNotBeginACopyForWhichThereIsNoRoom) {
     {
         // Without the look at the room, this is what goes wrong.
         const FileSizeLimit limit(1 << 20);
-        EXPECT_FALSE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, 1}}));
+        EXPECT_FALSE(cutOut(store, "2023-11-14.log", open("2023-11-14.log"), {{0, 1}}));
         EXPECT_EQ(errno, ENOSPC);
     }
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
@@ -305,7 +312,7 @@ TEST_F(LogStoreTest, StoresWhatArrivesWhileACopyIsSynced) {
             hadToWait = arrivals.back().wait_for(testing::kPatience) != std::future_status::ready;
         }
     };
-    EXPECT_TRUE(store.cutOut("2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
+    EXPECT_TRUE(cutOut(store, "2023-11-14.log", open("2023-11-14.log"), {{0, line(0).size()}}));
     EXPECT_FALSE(hadToWait);
     EXPECT_EQ(arrivals.size(), kArriving);
     for (auto &arrival : arrivals) {
@@ -368,7 +375,7 @@ TEST_F(LogStoreTest, LosesNothingThatArrivesDuringACut) {
                                      }
                                      return true;
                                  }));
-        ASSERT_TRUE(store.cutOut("2023-11-14.log", file, ranges));
+        ASSERT_TRUE(cutOut(store, "2023-11-14.log", file, ranges));
     }
     flood.request_stop();
     flood.join();
