@@ -11,6 +11,8 @@ class AppDelegate;
 class SettingsEditor {
 public:
     virtual ~SettingsEditor() = default;
+    SettingsEditor(const SettingsEditor &) = delete;
+    SettingsEditor &operator=(const SettingsEditor &) = delete;
 
     /// Sends the whole document with what was edited to the service, and leaves as onCancel() does.
     void onSave();
@@ -20,8 +22,6 @@ public:
 protected:
     /// `delegate` outlives the object.
     explicit SettingsEditor(AppDelegate &delegate) : m_delegate(delegate) {}
-    SettingsEditor(const SettingsEditor &) = delete;
-    SettingsEditor &operator=(const SettingsEditor &) = delete;
 
     /// Reads the document anew and has it shown.
     void loadSettings();
