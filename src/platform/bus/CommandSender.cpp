@@ -1,11 +1,11 @@
 #include "platform/bus/CommandSender.h"
 
 #include "platform/Mutex.h"
+#include "platform/UniqueFd.h"
 #include "platform/bus/CommandDelivery.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -35,7 +35,7 @@ constexpr std::size_t kConnectionLimit = 64;
 
 struct CommandSender::Impl {
     ReplyHandler onReply;
-    int wake;
+    UniqueFd wake;
 
     Mutex mutex;
     Condition becameIdle;
@@ -49,7 +49,7 @@ struct CommandSender::Impl {
 
     explicit Impl(ReplyHandler handler)
         : onReply(std::move(handler)), wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-        if (wake < 0) {
+        if (!wake.isOpen()) {
             throw std::system_error(errno, std::generic_category(), "eventfd");
         }
         thread = std::thread([this] { work(); });
@@ -60,9 +60,8 @@ struct CommandSender::Impl {
             const MutexLock lock(mutex);
             ending = true;
         }
-        eventfd_write(wake, 1);
+        eventfd_write(wake.get(), 1);
         thread.join();
-        close(wake);
     }
 
     Impl(const Impl &) = delete;
@@ -74,7 +73,7 @@ struct CommandSender::Impl {
             queue.push_back(std::move(command));
             ++unfinished;
         }
-        eventfd_write(wake, 1);
+        eventfd_write(wake.get(), 1);
     }
 
     void work() {
@@ -158,7 +157,7 @@ struct CommandSender::Impl {
     }
 
     void waitForInput(std::optional<Clock::time_point> end) const {
-        std::vector<pollfd> inputs{{wake, POLLIN, 0}};
+        std::vector<pollfd> inputs{{wake.get(), POLLIN, 0}};
         Clock::time_point until = end.value_or(Clock::time_point::max());
         for (const auto &delivery : deliveries) {
             inputs.push_back(delivery->input());
@@ -168,7 +167,7 @@ struct CommandSender::Impl {
         poll(inputs.data(), inputs.size(),
              limited ? static_cast<int>(bus::remaining(until).count()) : -1);
         eventfd_t ignored = 0;
-        eventfd_read(wake, &ignored);
+        eventfd_read(wake.get(), &ignored);
     }
 };
 
