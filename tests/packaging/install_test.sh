@@ -25,14 +25,30 @@ policies=/etc/dbus-1/system.d
 DESTDIR=$root cmake --install "$build" >/dev/null
 expected="\
 $policies/com.Halvern.QuorbelSrv.conf 644
+$prefix/bin/Quorbel 755
 $prefix/lib/sysctl.d/60-quorbel.conf 644
 $prefix/lib/systemd/system/quorbelsrv.service 644
 $prefix/lib/sysusers.d/quorbel.conf 644
 $prefix/lib/tmpfiles.d/quorbel.conf 644
 $prefix/sbin/QuorbelSrv 755
-$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644"
+$prefix/share/applications/com.Halvern.Quorbel.desktop 644
+$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644
+$prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml 644"
+icons=$prefix/share/icons/hicolor
+for size in 16 22 24 32 48 64 128 256 512; do
+    expected+="
+$icons/${size}x$size/apps/com.Halvern.Quorbel.png 644"
+done
+expected+="
+$icons/scalable/apps/com.Halvern.Quorbel.svg 644"
 installed=$(cd "$root" && find . -type f -printf '/%P %m\n' | sort)
 check "exactly our files are installed" diff <(sort <<<"$expected") <(echo "$installed")
+
+# A library must be found where the system looks for it, or not at all.
+for program in bin/Quorbel sbin/QuorbelSrv; do
+    check "$program has no search path of its own" test -z \
+        "$(readelf -d "$root$prefix/$program" | grep -E 'RUNPATH|RPATH')"
+done
 
 unit=$root$prefix/lib/systemd/system/quorbelsrv.service
 bus_unit=$root$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service
@@ -54,6 +70,25 @@ check "the unit holds nothing that is unknown" quietly systemd-analyze verify --
     --recursive-errors=no "$root/verified/quorbelsrv.service"
 check "the unit exposes at most 2.0" quietly systemd-analyze security --no-pager \
     --offline=true --threshold=20 "$unit"
+
+desktop=$root$prefix/share/applications/com.Halvern.Quorbel.desktop
+check "the desktop takes the entry" quietly desktop-file-validate "$desktop"
+check "software centres take the description" quietly appstreamcli validate --no-net \
+    "$root$prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml"
+check "it says how to start what is described" grep -q \
+    "<launchable type=\"desktop-id\">$(basename "$desktop")</launchable>" \
+    "$root$prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml"
+for size in 16 22 24 32 48 64 128 256 512; do
+    check "the icon of $size pixels has them" test "$(identify -format %wx%h \
+        "$root$icons/${size}x$size/apps/com.Halvern.Quorbel.png")" = "${size}x$size"
+done
+
+# The prefix of an installation counts, not that of the configuration.
+DESTDIR=$root/moved cmake --install "$build" --prefix /usr >/dev/null
+check "the unit starts what was installed elsewhere" grep -qx "ExecStart=/usr/sbin/QuorbelSrv" \
+    "$root/moved/usr/lib/systemd/system/quorbelsrv.service"
+check "the policy of /usr stands in /usr" \
+    test -f "$root/moved/usr/share/dbus-1/system.d/com.Halvern.QuorbelSrv.conf"
 
 mkdir -p "$root/etc"
 check "the user can be made" quietly \
