@@ -33,6 +33,9 @@ $prefix/lib/tmpfiles.d/quorbel.conf 644
 $prefix/sbin/QuorbelSrv 755
 $prefix/share/applications/com.Halvern.Quorbel.desktop 644
 $prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644
+$prefix/share/man/man1/Quorbel.1 644
+$prefix/share/man/man5/quorbel-files.5 644
+$prefix/share/man/man8/QuorbelSrv.8 644
 $prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml 644"
 icons=$prefix/share/icons/hicolor
 for size in 16 22 24 32 48 64 128 256 512; do
@@ -82,6 +85,27 @@ for size in 16 22 24 32 48 64 128 256 512; do
     check "the icon of $size pixels has them" test "$(identify -format %wx%h \
         "$root$icons/${size}x$size/apps/com.Halvern.Quorbel.png")" = "${size}x$size"
 done
+
+# formats PAGE: neither groff nor man has anything to say about it.
+# shellcheck disable=SC2317  # check() calls it
+formats() {
+    local said
+    said=$(groff -ww -man -Kutf8 -Tutf8 "$1" 2>&1 >/dev/null
+        LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings --local-file "$1" 2>&1 >/dev/null)
+    [ -z "$said" ] || { echo "$said"; return 1; }
+}
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+for page in "$root$prefix"/share/man/man?/*; do
+    check "${page##*/} is well-formed" formats "$page"
+    check "${page##*/} can be found" quietly lexgrog "$page"
+    check "${page##*/} is of this version" grep -q "^\.TH .* \"Quorbel $version\" " "$page"
+done
+# Every option that the service knows stands on its page, and no other.
+options=$("$root$prefix/sbin/QuorbelSrv" --help | grep -o -e '--[a-z-]*' | sort)
+check "the page of QuorbelSrv tells of its options" test "$(
+    sed -n '/^\.SH OPTIONS/,/^\.SH SIGNALS/s/^\.BI\? \(\\-\\-[a-z\\-]*\).*/\1/p' \
+        "$root$prefix/share/man/man8/QuorbelSrv.8" | sed -e 's/\\//g' -e '/help\|version/d' |
+        sort)" = "$options"
 
 # The prefix of an installation counts, not that of the configuration.
 DESTDIR=$root/moved cmake --install "$build" --prefix /usr >/dev/null

@@ -27,8 +27,12 @@ check "run explains itself" gives 0 "^Usage: ./run" "$project/run" --help
 check "run refuses what it does not know" gives 2 "^Usage: ./run" "$project/run" --nonsense
 check "run wants a file for a picture" gives 1 "needs a file name" "$project/run" --shot
 check "test refuses an unknown preset" gives 1 "^Usage: ./test" "$project/test" release
+check "packages explains itself" gives 0 "^Usage: tools/packages" "$project/tools/packages" --help
+check "packages refuses what it does not know" gives 2 "^Usage: tools/packages" \
+    "$project/tools/packages" --nonsense
+check "packages wants a build to pack" gives 1 "no build in" "$project/tools/packages" --from /
 
-purposes="build run display test check tidy"
+purposes="build run display test check package tidy"
 duplicates() { grep -v '^#' "$project/packages.txt" | awk 'NF { print $1 }' | sort | uniq -d; }
 malformed() {
     awk -v known=" $purposes " '
