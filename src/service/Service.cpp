@@ -20,6 +20,7 @@ namespace quorbel {
 namespace {
 
 constexpr std::uint64_t kReportMicroseconds = 60'000'000;
+constexpr std::chrono::seconds kLongestDrain{1};
 
 using Clock = std::chrono::steady_clock;
 
@@ -33,8 +34,10 @@ EventLoopPointer makeLoop() {
 
 }  // namespace
 
-Service::Service(const std::filesystem::path &folder, ListenSockets sockets, std::uint16_t tlsPort)
+Service::Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
+                 std::uint16_t tlsPort)
     : m_loop(makeLoop()),
+      m_leavesSockets(isHeld),
       m_store(folder),
       m_settingsSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_settings(folder / kSettingsFileName, [this] { eventfd_write(m_settingsSignal.get(), 1); }),
@@ -48,11 +51,12 @@ Service::Service(const std::filesystem::path &folder, ListenSockets sockets, std
           [this](CommandRunner::Command command) { m_commandRunner.submit(std::move(command)); },
           [this](MailMessage mail) { m_mail.submit(std::move(mail)); }, m_counters),
       m_collector(m_store, m_notifications, m_names, m_actions, m_counters),
-      m_udp(m_loop.get(), std::move(sockets.udp), m_collector),
-      m_tcp(m_loop.get(), std::move(sockets.tcp), m_collector, m_counters, m_shares),
+      m_udp(m_loop.get(), std::move(sockets.plain.value().udp), m_collector),
+      m_tcp(m_loop.get(), std::move(sockets.plain.value().tcp), m_collector, m_counters, m_shares),
       m_tls(m_loop.get(), folder / "tls", tlsPort, m_collector, m_counters, m_shares) {
     m_store.prepare();
     m_settings.load();
+    resume(std::move(sockets));
     configure();
     m_terminate = watchSignal(SIGTERM, onStopSignal);
     m_interrupt = watchSignal(SIGINT, onStopSignal);
@@ -65,6 +69,17 @@ Service::Service(const std::filesystem::path &folder, ListenSockets sockets, std
     sd_event_add_time_relative(m_loop.get(), &timer, CLOCK_MONOTONIC, kReportMicroseconds, 0,
                                onReportTime, this);
     m_reportTimer = required(EventSourcePointer(timer));
+}
+
+/// Goes on where the process before has stopped.
+void Service::resume(PassedSockets sockets) {
+    if (m_leavesSockets) {
+        m_udp.resume(sockets.udpDrops);
+    }
+    m_tls.resume(std::move(sockets.tls));
+    for (PassedSockets::Stream &stream : sockets.streams) {
+        m_tcp.resume(std::move(stream));
+    }
 }
 
 EventSourcePointer Service::watchSignal(int number, sd_event_signal_handler_t handler) {
@@ -153,10 +168,7 @@ void Service::stop() {
     m_exporter.stop();
     // A mail server may take long, and a command waits for it.
     m_mail.cancelSends();
-    // A connection may never be quiet, so there is less time for these.
-    m_udp.drain(Clock::now() + std::chrono::seconds(5));
-    m_tcp.drain(Clock::now() + std::chrono::seconds(1));
-    m_tls.drain(Clock::now() + std::chrono::seconds(1));
+    m_leavesSockets ? leaveInputs() : drainInputs();
     finishTelling();
     m_bus.giveUp();
     m_commands.stop();
@@ -166,6 +178,22 @@ void Service::stop() {
     m_mail.shutDown();
     updateCounters();
     say(JournalLevel::kInformation, describe(m_counters));
+}
+
+/// Takes in what the kernel holds: nobody else will.
+void Service::drainInputs() {
+    m_udp.drain(Clock::now() + std::chrono::seconds(5));
+    // A connection may never be quiet, so there is less time for these.
+    m_tcp.drain(Clock::now() + kLongestDrain);
+    m_tls.drain(Clock::now() + kLongestDrain);
+}
+
+void Service::leaveInputs() {
+    SocketKeeper keeper;
+    const std::uint32_t drops = m_udp.leave();
+    m_tcp.leave(Clock::now() + kLongestDrain, &keeper);
+    m_tls.leave(Clock::now() + kLongestDrain, keeper);
+    keeper.finish(drops);
 }
 
 /// Lets commands that were taken on end, and the bus take what it can.

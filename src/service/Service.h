@@ -14,6 +14,7 @@
 #include "service/export/Exporter.h"
 #include "service/hosts/HostNames.h"
 #include "service/input/ListenSockets.h"
+#include "service/input/PassedSockets.h"
 #include "service/input/TcpInput.h"
 #include "service/input/TlsInput.h"
 #include "service/input/UdpInput.h"
@@ -32,7 +33,10 @@ namespace quorbel {
 class Service {
 public:
     /// `folder` holds the settings, the log files and, in "tls", what TLS needs.
-    Service(const std::filesystem::path &folder, ListenSockets sockets, std::uint16_t tlsPort);
+    /// `sockets.plain` must be there. When it `isHeld` by somebody else, it is left to the next
+    /// process, with all that is connected.
+    Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
+            std::uint16_t tlsPort);
     ~Service();
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
@@ -44,12 +48,15 @@ public:
 
 private:
     EventSourcePointer watchSignal(int number, sd_event_signal_handler_t handler);
+    void resume(PassedSockets sockets);
     void configure();
     void sayFilterProblems(const Dictionary &settings);
     [[nodiscard]] std::uint64_t idleMicroseconds() const;
     [[nodiscard]] bool hasToTell() const;
     bool turn(std::uint64_t timeoutMicroseconds);
     void stop();
+    void drainInputs();
+    void leaveInputs();
     void finishTelling();
     void updateCounters();
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
@@ -62,6 +69,7 @@ private:
 
     EventLoopPointer m_loop;
     bool m_stopping = false;
+    const bool m_leavesSockets;  ///< to the next process
     Counters m_counters;
     Counters m_reported;                        ///< as they were said last
     std::vector<std::string> m_filterProblems;  ///< the same

@@ -78,14 +78,18 @@ void prepareProcess() {
 
 int serve(Ports ports) {
     const FolderLock lock(libraryFolder());
-    auto sockets = openListenSockets(ports.plain);
-    if (const auto *problem = std::get_if<std::string>(&sockets)) {
-        say(JournalLevel::kError, *problem);
-        return EXIT_FAILURE;
+    PassedSockets sockets = PassedSockets::take();
+    const bool isHeld = sockets.plain.has_value();
+    if (!isHeld) {
+        auto opened = openListenSockets(ports.plain);
+        if (const auto *problem = std::get_if<std::string>(&opened)) {
+            say(JournalLevel::kError, *problem);
+            return EXIT_FAILURE;
+        }
+        sockets.plain = std::move(std::get<ListenSockets>(opened));
     }
-    auto &opened = std::get<ListenSockets>(sockets);
-    const std::uint16_t bound = opened.port;
-    Service service(libraryFolder(), std::move(opened), ports.tls);
+    const std::uint16_t bound = sockets.plain->port;
+    Service service(libraryFolder(), std::move(sockets), isHeld, ports.tls);
     say(JournalLevel::kInformation, "Listening on port " + std::to_string(bound));
     return service.run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

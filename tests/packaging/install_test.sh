@@ -26,7 +26,8 @@ DESTDIR=$root cmake --install "$build" >/dev/null
 expected="\
 $policies/com.Halvern.QuorbelSrv.conf 644
 $prefix/bin/Quorbel 755
-$prefix/lib/sysctl.d/60-quorbel.conf 644
+$prefix/lib/systemd/system/quorbelsrv-tcp.socket 644
+$prefix/lib/systemd/system/quorbelsrv-udp.socket 644
 $prefix/lib/systemd/system/quorbelsrv.service 644
 $prefix/lib/sysusers.d/quorbel.conf 644
 $prefix/lib/tmpfiles.d/quorbel.conf 644
@@ -62,17 +63,21 @@ check "the bus starts it for our name" \
     grep -qx "Name=$(basename "$bus_unit" .service)" "$bus_unit"
 check "the policy is about our name only" \
     test "$(grep -o 'com\.[A-Za-z.]*' "$policy" | sort -u)" = "$(basename "$bus_unit" .service)"
-check "no capability but for low ports" \
-    test "$(sed -n 's/^\(Ambient\|Bounding\).*=//p; s/^CapabilityBoundingSet=//p' "$unit" |
-        sort -u)" = CAP_NET_BIND_SERVICE
+check "it has no capability" grep -qx CapabilityBoundingSet= "$unit"
+check "and is given none" test "$(grep -c Capabilities= "$unit")" = 0
 
 # The program that it starts has to be there.
 mkdir "$root/verified"
 sed "s|^ExecStart=|&$root|" "$unit" >"$root/verified/quorbelsrv.service"
+cp -- "${unit%/*}"/*.socket "$root/verified/"
 check "the unit holds nothing that is unknown" quietly systemd-analyze verify --man=no \
     --recursive-errors=no "$root/verified/quorbelsrv.service"
-check "the unit exposes at most 2.0" quietly systemd-analyze security --no-pager \
-    --offline=true --threshold=20 "$unit"
+for socket in "$root"/verified/*.socket; do
+    check "${socket##*/} holds nothing that is unknown" quietly systemd-analyze verify --man=no \
+        --recursive-errors=no "$socket"
+done
+check "the unit exposes at most 1.4" quietly systemd-analyze security --no-pager \
+    --offline=true --threshold=14 "$unit"
 
 desktop=$root$prefix/share/applications/com.Halvern.Quorbel.desktop
 check "the desktop takes the entry" quietly desktop-file-validate "$desktop"

@@ -49,6 +49,22 @@ std::vector<char *> pointersTo(std::vector<std::string> &texts) {
     return pointers;
 }
 
+/// Puts them where a service manager does: from 3 on, in this order. Allocates nothing.
+void passAsListeners(const std::vector<int> &descriptors) {
+    constexpr int kFirst = 3;
+    const int count = static_cast<int>(descriptors.size());
+    // First out of the way of those places.
+    constexpr int kMost = 64;
+    std::array<int, kMost> aside{};
+    for (int i = 0; i < count && i < kMost; ++i) {
+        aside.at(static_cast<std::size_t>(i)) =
+            fcntl(descriptors[static_cast<std::size_t>(i)], F_DUPFD_CLOEXEC, kFirst + kMost);
+    }
+    for (int i = 0; i < count && i < kMost; ++i) {
+        dup2(aside.at(static_cast<std::size_t>(i)), kFirst + i);
+    }
+}
+
 }  // namespace
 
 ServiceProcess::ServiceProcess(const Setup &setup) {
@@ -72,6 +88,11 @@ ServiceProcess::~ServiceProcess() {
 
 void ServiceProcess::start(const Setup &setup) {
     std::vector<std::string> arguments{QUORBEL_SRV_PATH};
+    if (!setup.passed.empty()) {
+        // The manager's variables name the process, which nobody knows before it is there.
+        arguments.insert(arguments.begin(),
+                         {"/bin/sh", "-c", "export LISTEN_PID=$$; exec \"$0\" \"$@\""});
+    }
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
     std::vector<std::string> environment = environmentFor(setup);
     const std::vector<char *> argumentPointers = pointersTo(arguments);
@@ -94,6 +115,7 @@ void ServiceProcess::start(const Setup &setup) {
             const rlimit limit{setup.descriptors, setup.descriptors};
             setrlimit(RLIMIT_NOFILE, &limit);
         }
+        passAsListeners(setup.passed);
         if (getppid() == parent) {
             execve(argumentPointers[0], argumentPointers.data(), environmentPointers.data());
         }

@@ -28,6 +28,7 @@ public:
         std::uint64_t largestFile = 0;  ///< no file may grow beyond that many bytes; 0: any size
         std::uint64_t descriptors = 0;  ///< that it may open; 0: as many as the test
         std::vector<std::string> environment{};  ///< "NAME=value", in place of the test's own
+        std::vector<int> passed{};  ///< descriptors that it gets as its service manager's
     };
 
     /// Returns when the service listens, or when it has ended without doing so.

@@ -47,6 +47,12 @@ public:
     /// The stream has ended: an unfinished frame is handed on as it is.
     void finish();
 
+    /// All that it knows of the stream and holds of it, for another splitter to go on.
+    [[nodiscard]] std::string state() const;
+    /// Goes on where a splitter was that has handed on nothing of what comes now. False, and
+    /// nothing changes, when this is no state of one of the same version.
+    bool resume(std::string_view state);
+
     /// How many bytes were handed on in no frame: the rest of those that were too long.
     [[nodiscard]] std::uint64_t skipped() const { return m_skipped; }
 

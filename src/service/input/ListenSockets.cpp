@@ -54,16 +54,6 @@ bool bindTo(const UniqueFd &fd, int family, std::uint16_t port) {
     return ::bind(fd.get(), reinterpret_cast<const sockaddr *>(&address), length) == 0;
 }
 
-std::uint16_t boundPort(const UniqueFd &fd) {
-    sockaddr_storage address{};
-    socklen_t length = sizeof address;
-    ::getsockname(fd.get(), reinterpret_cast<sockaddr *>(&address), &length);
-    // The port stands at the same place for both families.
-    sockaddr_in bound{};
-    std::memcpy(&bound, &address, sizeof bound);
-    return ntohs(bound.sin_port);
-}
-
 // These give nothing, with errno, when the port is taken or the family is not there.
 
 std::optional<StreamListener> tryToListen(int family, std::uint16_t port) {
@@ -120,6 +110,25 @@ std::variant<ListenSockets, std::string> openListenSockets(std::uint16_t port) {
 
 std::variant<StreamListener, std::string> openStreamListener(std::uint16_t port) {
     return openFor(port, 1, tryToListen);
+}
+
+std::variant<StreamListener, std::string> useOrOpenListener(UniqueFd listener, std::uint16_t port) {
+    const std::uint16_t bound = listener.isOpen() ? boundPort(listener) : 0;
+    if (bound != 0 && (port == 0 || port == bound)) {
+        return StreamListener{std::move(listener), bound};
+    }
+    listener.reset();
+    return openStreamListener(port);
+}
+
+std::uint16_t boundPort(const UniqueFd &fd) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    ::getsockname(fd.get(), reinterpret_cast<sockaddr *>(&address), &length);
+    // The port stands at the same place for both families.
+    sockaddr_in bound{};
+    std::memcpy(&bound, &address, sizeof bound);
+    return ntohs(bound.sin_port);
 }
 
 }  // namespace quorbel

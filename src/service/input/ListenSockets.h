@@ -26,5 +26,10 @@ struct StreamListener {
     std::uint16_t port = 0;
 };
 std::variant<StreamListener, std::string> openStreamListener(std::uint16_t port);
+/// The same, or `listener`, if that is one on this port already.
+std::variant<StreamListener, std::string> useOrOpenListener(UniqueFd listener, std::uint16_t port);
+
+/// The port that a socket is bound to.
+std::uint16_t boundPort(const UniqueFd &socket);
 
 }  // namespace quorbel

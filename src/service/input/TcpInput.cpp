@@ -71,6 +71,9 @@ public:
         m_splitter.finish();
         noteSkipped();
     }
+    /// What another process had of the stream, if it was another's.
+    void resume(std::string_view state) { m_splitter.resume(state); }
+    [[nodiscard]] std::string state() const { return m_splitter.state(); }
     /// Something came.
     void touch() { m_input.m_shares.touch(m_share); }
     void makeRoom() override { m_input.makeRoom(m_place); }
@@ -232,13 +235,14 @@ void TcpInput::leaveReserve(UniqueFd &socket, const IpAddress &sender) {
     }
 }
 
-void TcpInput::add(UniqueFd socket, const IpAddress &sender) {
+void TcpInput::add(UniqueFd socket, const IpAddress &sender, std::string_view state) {
     auto channel = m_makeChannel(std::move(socket), sender.text());
     if (!channel) {
         return;
     }
     m_connections.emplace_back(*this, std::move(channel), sender);
     const auto place = std::prev(m_connections.end());
+    place->resume(state);
     EventSourcePointer source = watchInput(m_loop, place->channel().fd(), onReady, &*place);
     EventSourcePointer handshakeEnd;
     if (!place->channel().isEstablished()) {
@@ -340,25 +344,55 @@ std::size_t TcpInput::countUnreadInBacklog() const {
 
 void TcpInput::drain(std::chrono::steady_clock::time_point deadline) {
     m_source.reset();
-    const auto isTime = [deadline] { return std::chrono::steady_clock::now() >= deadline; };
-    while (!isTime() && acceptOne()) {
+    while (std::chrono::steady_clock::now() < deadline && acceptOne()) {
     }
-    std::size_t unread = countUnreadInBacklog();
+    const std::size_t unread = countUnreadInBacklog();
     // Whoever comes now is to know that nobody takes anything.
     m_listener.reset();
+    sayUnread(unread + endAll(deadline, nullptr));
+}
+
+void TcpInput::leave(std::chrono::steady_clock::time_point deadline, SocketKeeper *keeper) {
+    m_source.reset();
+    sayUnread(endAll(deadline, keeper));
+}
+
+/// Reads what the kernel holds by now, and gives all connections away, or closes them. How many
+/// were closed with something in them, because it was time.
+std::size_t TcpInput::endAll(std::chrono::steady_clock::time_point deadline, SocketKeeper *keeper) {
+    std::size_t unread = 0;
     while (!m_connections.empty()) {
         const auto connection = m_connections.begin();
-        const bool late = isTime();
-        unread += late && isUnread(connection->channel()) ? 1U : 0U;
-        if (late || readSlice(connection) == Slice::kQuiet) {
+        const bool late = std::chrono::steady_clock::now() >= deadline;
+        if (!late && readSlice(connection) != Slice::kQuiet) {
+            continue;
+        }
+        StreamChannel &channel = connection->channel();
+        if (keeper != nullptr && keeper->keepStream(channel.fd(), connection->state())) {
+            m_connections.erase(connection);
+        } else {
+            unread += late && isUnread(channel) ? 1U : 0U;
             close(connection);
         }
     }
+    return unread;
+}
+
+void TcpInput::sayUnread(std::size_t unread) {
     if (unread > 0) {
         m_counters.closedUnread += unread;
         say(JournalLevel::kWarning,
             "Connections that were closed before everything that had arrived was read: " +
                 std::to_string(unread));
+    }
+}
+
+void TcpInput::resume(PassedSockets::Stream stream) {
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    // The interface of sockets casts one address type to another.
+    if (::getpeername(stream.socket.get(), reinterpret_cast<sockaddr *>(&address), &length) == 0) {
+        add(std::move(stream.socket), IpAddress::of(address), stream.state);
     }
 }
 

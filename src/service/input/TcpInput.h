@@ -5,6 +5,7 @@
 #include "service/collect/Collector.h"
 #include "service/input/ConnectionShares.h"
 #include "service/input/FrameSplitter.h"
+#include "service/input/PassedSockets.h"
 #include "service/input/StreamChannel.h"
 
 #include <chrono>
@@ -37,6 +38,16 @@ public:
     /// connections. No new ones are taken after that. One line in the journal says how many still
     /// held something when the time was up.
     void drain(std::chrono::steady_clock::time_point deadline);
+    /// For a listener that somebody else goes on holding: those that wait to be accepted go on
+    /// waiting. Reads what the kernel holds now of the others, until `deadline` at the latest, and
+    /// gives them to `keeper` for resume() of the next process. Closes those that it cannot take,
+    /// all of them when it is null.
+    void leave(std::chrono::steady_clock::time_point deadline, SocketKeeper *keeper);
+    /// Goes on with a connection that another process has left.
+    void resume(PassedSockets::Stream stream);
+
+    /// -1 after drain().
+    [[nodiscard]] int listener() const { return m_listener.get(); }
 
 private:
     class Connection;
@@ -45,7 +56,9 @@ private:
     bool acceptOne();
     bool recoverFrom(int error);
     void leaveReserve(UniqueFd &socket, const IpAddress &sender);
-    void add(UniqueFd socket, const IpAddress &sender);
+    void add(UniqueFd socket, const IpAddress &sender, std::string_view state = {});
+    std::size_t endAll(std::chrono::steady_clock::time_point deadline, SocketKeeper *keeper);
+    void sayUnread(std::size_t unread);
     enum class Slice { kRead, kQuiet, kClosed };
     Slice readSlice(Connections::iterator connection);
     void close(Connections::iterator connection);

@@ -64,7 +64,7 @@ std::string TlsInput::reload() {
 
 /// The same.
 std::string TlsInput::listen() {
-    auto opened = openStreamListener(m_port);
+    auto opened = useOrOpenListener(std::exchange(m_passed, {}), m_port);
     if (auto *problem = std::get_if<std::string>(&opened)) {
         return std::move(*problem);
     }
@@ -90,6 +90,14 @@ void TlsInput::noteRefusal(const std::string &host, const std::string &reason) {
     if (now - m_refusalSaid >= kRefusalPause) {
         m_refusalSaid = now;
         say(JournalLevel::kWarning, "A TLS connection from " + host + " failed: " + reason);
+    }
+}
+
+void TlsInput::leave(std::chrono::steady_clock::time_point deadline, SocketKeeper &keeper) {
+    if (m_input && keeper.keepTls(m_input->listener())) {
+        m_input->leave(deadline, nullptr);
+    } else {
+        drain(deadline);
     }
 }
 

@@ -34,8 +34,13 @@ public:
     /// last one stays in use.
     void configure();
 
+    /// The listener to begin with, if it is on the port wanted; before configure().
+    void resume(UniqueFd listener) { m_passed = std::move(listener); }
+
     /// As TcpInput::drain().
     void drain(std::chrono::steady_clock::time_point deadline);
+    /// Gives the listener to `keeper`, and ends the connections: nobody else could go on with them.
+    void leave(std::chrono::steady_clock::time_point deadline, SocketKeeper &keeper);
 
 private:
     std::string reload();
@@ -51,6 +56,7 @@ private:
     ConnectionShares &m_shares;
     std::string m_lastProblem;
     std::chrono::steady_clock::time_point m_refusalSaid;
+    UniqueFd m_passed;
     std::optional<TlsContext> m_context;
     std::unique_ptr<TcpInput> m_input;
 };

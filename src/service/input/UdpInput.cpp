@@ -88,7 +88,24 @@ void UdpInput::drain(std::chrono::steady_clock::time_point deadline) {
     }
 }
 
+std::uint32_t UdpInput::leave() {
+    m_source.reset();
+    noteDrops();
+    return m_lastDropCount;
+}
+
+void UdpInput::resume(std::optional<std::uint32_t> drops) {
+    noteDrops();
+    m_dropped = 0;
+    m_lastDropCount = drops.value_or(m_lastDropCount);
+}
+
 std::uint64_t UdpInput::dropped() {
+    noteDrops();
+    return m_dropped;
+}
+
+void UdpInput::noteDrops() {
     std::array<std::uint32_t, SK_MEMINFO_VARS> information{};
     socklen_t length = sizeof information;
     if (::getsockopt(m_socket.get(), SOL_SOCKET, SO_MEMINFO, information.data(), &length) == 0) {
@@ -97,7 +114,6 @@ std::uint64_t UdpInput::dropped() {
         m_dropped += count - m_lastDropCount;
         m_lastDropCount = count;
     }
-    return m_dropped;
 }
 
 }  // namespace quorbel

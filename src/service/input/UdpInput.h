@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace quorbel {
 
@@ -25,6 +26,12 @@ public:
     /// Reads what the kernel holds now, until `deadline` at the latest, and nothing after that.
     /// What is left then counts as dropped.
     void drain(std::chrono::steady_clock::time_point deadline);
+    /// For a socket that somebody else goes on holding: reads nothing any more. Returns the
+    /// kernel's count of what it has dropped, for resume() of the next process.
+    std::uint32_t leave();
+    /// For a socket that somebody else has read: what was dropped before counts only from
+    /// `drops` on. Without it, nobody knows since when, and only what comes counts.
+    void resume(std::optional<std::uint32_t> drops);
     /// How many datagrams were dropped so far: because the kernel's buffer was full, or by drain().
     [[nodiscard]] std::uint64_t dropped();
 
@@ -34,6 +41,7 @@ private:
     bool readTurn();
     bool readBatch();
     std::size_t fetchBatch();
+    void noteDrops();
     static int onReadable(sd_event_source *source, int fd, std::uint32_t events, void *self);
 
     UniqueFd m_socket;

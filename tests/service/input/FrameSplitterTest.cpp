@@ -94,6 +94,52 @@ TEST(FrameSplitterTest, TellsFramingsApartWhateverThePieces) {
     }
 }
 
+/// The frames of a stream that another splitter goes on with from `cut` on.
+std::vector<std::string> framesInTwoParts(std::string_view stream, std::size_t cut) {
+    Frames first;
+    first.splitter.feed(stream.substr(0, cut));
+    Frames second;
+    EXPECT_TRUE(second.splitter.resume(first.splitter.state()));
+    second.splitter.feed(stream.substr(cut));
+    second.splitter.finish();
+    std::vector<std::string> all = first.all;
+    all.insert(all.end(), second.all.begin(), second.all.end());
+    return all;
+}
+
+std::vector<std::string> framesOf(std::string_view stream) {
+    Frames frames;
+    frames.splitter.feed(stream);
+    frames.splitter.finish();
+    return frames.all;
+}
+
+TEST(FrameSplitterTest, GoesOnInAnotherOneWhereverTheStreamIsCut) {
+    for (const Case &c : cases()) {
+        for (std::size_t cut = 0; cut <= c.stream.size(); ++cut) {
+            SCOPED_TRACE(std::string(c.stream) + " cut at " + std::to_string(cut));
+            EXPECT_EQ(framesInTwoParts(c.stream, cut), framesOf(c.stream));
+        }
+    }
+    // Within what is skipped, counted or not.
+    const std::string large = "<1>" + std::string(FrameSplitter::kMaxFrame + 9000, 'x');
+    const std::string stream = large + "\n<2>b\n" + std::to_string(large.size()) + ' ' + large +
+                               "<3>c\n" + "4 <1>a" + large + "4 <1>b";
+    for (std::size_t cut = 0; cut < stream.size(); cut += 1500) {
+        SCOPED_TRACE(cut);
+        EXPECT_EQ(framesInTwoParts(stream, cut), framesOf(stream));
+    }
+}
+
+TEST(FrameSplitterTest, BeginsAnewWithAStateOfAnotherVersion) {
+    for (const std::string_view state : {"", "splitter", "another9 1 2 3\n<1>a", "splitter1"}) {
+        Frames frames;
+        EXPECT_FALSE(frames.splitter.resume(state)) << state;
+        frames.splitter.feed("<2>b\n");
+        EXPECT_THAT(frames.all, ElementsAre("<2>b"));
+    }
+}
+
 TEST(FrameSplitterTest, HandsFramesOnAsSoonAsTheyAreComplete) {
     Frames frames;
     frames.splitter.feed("<1>a\n4 <2>b<3>");
