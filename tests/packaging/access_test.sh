@@ -22,8 +22,9 @@ cp -- "$probe" "$scratch/bus_probe"
 failures=0
 
 # Users and groups that every Debian system has take the places of our own.
-service_user=daemon group=games
+service_user=daemon group=games readers=tape
 member=(setpriv --reuid nobody --regid nogroup --groups "$group")
+reader=(setpriv --reuid nobody --regid nogroup --groups "$readers")
 outsider=(setpriv --reuid nobody --regid nogroup --clear-groups)
 root=(env)
 
@@ -51,7 +52,7 @@ start_bus() {
     mkdir -m 750 "$scratch/library"
     chown "$service_user:" "$scratch/library"
     sed -e "s/user=\"quorbel\"/user=\"$service_user\"/" -e "s/group=\"quorbel\"/group=\"$group\"/" \
-        "$1" >"$scratch/bus/policy.conf"
+        -e "s/group=\"quorbel-readers\"/group=\"$readers\"/" "$1" >"$scratch/bus/policy.conf"
     cat >"$scratch/bus/bus.conf" <<END
 <!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -104,15 +105,15 @@ listen() {
     wait_for "$scratch/$1.out" listening
 }
 
-# hear: prints how often outsider, member and root hear of one message.
+# hear: prints how often outsider, reader, member and root hear of one message.
 hear() {
     local user end ends=()
-    for user in outsider member root; do listen "$user"; done
+    for user in outsider reader member root; do listen "$user"; done
     echo "<13>for the group" >"/dev/udp/127.0.0.1/$port"
     # The bus hands a signal to all who may hear it in one go.
     wait_for "$scratch/root.out" heard
     for end in "${ends[@]}"; do exec {end}>&-; done
-    for user in outsider member root; do
+    for user in outsider reader member root; do
         wait_for "$scratch/$user.out" '^[0-9]'
         printf '%s ' "$user" "$(tail -n 1 "$scratch/$user.out")"
         rm -- "$scratch/$user.end" "$scratch/$user.out"
@@ -127,11 +128,13 @@ answer=$("${root[@]}" "$scratch/bus_probe" command) || true
 check "root is answered" "$reply" "$answer"
 check "a member sends commands" "$reply" "$("${member[@]}" "$scratch/bus_probe" command || true)"
 check "others send none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
-for user in member outsider root; do
+check "readers send none" "$denied" "$("${reader[@]}" "$scratch/bus_probe" command || true)"
+for user in member reader outsider root; do
     declare -n who=$user
     check "$user takes no name" "$denied" "$("${who[@]}" "$scratch/bus_probe" own || true)"
 done
-check "only members and root hear notifications" "outsider 0 member 1 root 1 " "$(hear)"
+check "only members, readers and root hear notifications" \
+    "outsider 0 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 
 # The same checks notice a policy that is open.
@@ -140,7 +143,7 @@ sed -e 's/<deny send_destination/<allow send_destination/' \
 start_bus "$scratch/open.conf"
 check "others send with an open policy" "$reply" \
     "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
-check "others hear with an open policy" "outsider 1 member 1 root 1 " "$(hear)"
+check "others hear with an open policy" "outsider 1 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 
 [ "$failures" -eq 0 ] && echo "All checks passed."

@@ -125,7 +125,10 @@ check "the user can be made" quietly \
 check "the user owns the folder" grep -q '^quorbel:.*:/Library/Quorbel:' "$root/etc/passwd"
 check "the user cannot log in" grep -q '^quorbel:.*/nologin$' "$root/etc/passwd"
 check "the group is there" grep -q '^quorbel:' "$root/etc/group"
+check "and that of the readers" grep -q '^quorbel-readers:' "$root/etc/group"
 if [ "$(id -u)" -eq 0 ]; then
+    # Names in access lists are looked up on this machine, which need not have the group.
+    sed -i 's/group:quorbel-readers:/group:games:/' "$root$prefix/lib/tmpfiles.d/quorbel.conf"
     check "the folder can be made" quietly \
         systemd-tmpfiles --root="$root" --create "$root$prefix/lib/tmpfiles.d/quorbel.conf"
     id=$(awk -F: '$1 == "quorbel" { print $3 }' "$root/etc/passwd")

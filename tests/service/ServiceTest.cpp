@@ -105,7 +105,7 @@ TEST_F(ServiceTest, StoresTheFrontEndsTestMessage) {
     EXPECT_LE(seconds, std::time(nullptr));
     struct stat status {};
     ASSERT_EQ(stat((folder.path() / names[0]).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0640U);
+    EXPECT_EQ(status.st_mode & 07777U, 0644U);
 }
 
 TEST_F(ServiceTest, ShowsSendersByTheirAddress) {

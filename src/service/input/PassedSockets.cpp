@@ -133,8 +133,15 @@ PassedSockets PassedSockets::take() {
     if (sorted.states.isOpen()) {
         readStates(contentOf(sorted.states), passed);
     }
-    for (const char *name : {kStreamName, kTlsName, kStatesName}) {
-        takeBack(name);
+    // Nothing of it may be passed once more, or stay open when this process closes it.
+    if (!passed.streams.empty()) {
+        takeBack(kStreamName);
+    }
+    if (passed.tls.isOpen()) {
+        takeBack(kTlsName);
+    }
+    if (sorted.states.isOpen()) {
+        takeBack(kStatesName);
     }
     return passed;
 }

@@ -93,6 +93,11 @@ std::size_t takeOut(std::string &block, std::size_t size, std::uint64_t offset,
     return kept;
 }
 
+bool isClosedToOthers(const std::filesystem::path &folder) {
+    struct stat status {};
+    return ::stat(folder.c_str(), &status) == 0 && (status.st_mode & S_IRWXO) == 0;
+}
+
 }  // namespace
 
 std::string logFileName(std::int64_t seconds) {
@@ -145,7 +150,12 @@ UniqueFd openLogFile(const std::filesystem::path &path) {
 
 UniqueFd openForAppending(const std::filesystem::path &path, int flags) {
     constexpr mode_t kMode = 0640;
-    return openRegular(path, O_RDWR | O_APPEND | flags, kMode);
+    UniqueFd file = openRegular(path, O_RDWR | O_APPEND | flags, kMode);
+    if (file.isOpen() && isClosedToOthers(path.parent_path())) {
+        // Those whom the folder lets in, and nobody else.
+        ::fchmod(file.get(), kMode | S_IROTH);
+    }
+    return file;
 }
 
 ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLineBegin) {

@@ -45,7 +45,7 @@ bool makeLogFolder(const std::filesystem::path &folder);
 /// Opens a log file for reading; it is not open when it is no regular file.
 UniqueFd openLogFile(const std::filesystem::path &path);
 /// The same for reading and appending, with further flags of open(2). Neither waits, whatever
-/// stands under that name.
+/// stands under that name. Whoever may enter the folder may read the file, unless anybody may.
 UniqueFd openForAppending(const std::filesystem::path &path, int flags);
 
 /// What to take out of a log file with a piece of it. Behind the first piece of an over-long line,

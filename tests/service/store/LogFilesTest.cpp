@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <ctime>
 #include <optional>
@@ -178,6 +179,25 @@ TEST(LogFilesTest, NamesFilesByTheLocalDayWhereClocksChange) {
     }
     zone.reset();
     tzset();
+}
+
+mode_t modeOf(const UniqueFd &file) {
+    struct stat status {};
+    fstat(file.get(), &status);
+    return status.st_mode & 07777;
+}
+
+TEST(LogFilesTest, WhoeverMayEnterTheFolderMayReadTheFiles) {
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.path() / "2026-11-22.log";
+    // Anybody may: only the group reads.
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    EXPECT_EQ(modeOf(openForAppending(file, O_CREAT)), 0640U);
+    EXPECT_EQ(modeOf(openForAppending(file, 0)) & S_IRWXO, 0U);
+    // The folder says who may; a file that is there already follows.
+    ASSERT_EQ(chmod(folder.path().c_str(), 0750), 0);
+    EXPECT_EQ(modeOf(openForAppending(file, 0)), 0644U);
+    EXPECT_EQ(modeOf(openForAppending(folder.path() / "2026-11-23.log", O_CREAT)), 0644U);
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ TEST_F(LogStoreTest, AppendsToTheFileOfTheDay) {
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log", "2023-11-16.log"));
     EXPECT_EQ(content("2023-11-14.log"), line(1) + line(2) + line(4));
     EXPECT_EQ(content("2023-11-16.log"), line(3));
-    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0640U);
+    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0644U);
 }
 
 TEST_F(LogStoreTest, PreparesItsFolder) {
@@ -208,7 +208,7 @@ TEST_F(LogStoreTest, CutsRangesOutOfAFile) {
                        {{0, length}, {2 * length, 3 * length}}));
     EXPECT_EQ(content("2023-11-14.log"), line(1) + line(3));
     EXPECT_THAT(listFolder(folder.path()), ElementsAre("2023-11-14.log"));
-    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0640U);
+    EXPECT_EQ(modeOf(folder.path() / "2023-11-14.log"), 0644U);
 }
 
 TEST_F(LogStoreTest, KeepsAppendingToAFileThatWasReplaced) {
