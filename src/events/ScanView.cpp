@@ -1,6 +1,7 @@
 #include "events/ScanView.h"
 
 #include "core/AppDelegate.h"
+#include "events/EventCommands.h"
 #include "events/EventDeletion.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
@@ -41,6 +42,7 @@ void ScanView::viewDidLoad() {
     ui->tableView->setModel(m_model.get());
     m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
+    addEventCommands(*ui->tableView, [this] { deleteEvents(); });
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
     connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);
     connect(ui->testSyslog, &QAbstractButton::clicked, this, &ScanView::testSyslog);
