@@ -2,9 +2,13 @@
 
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/RowCopy.h"
 #include "ui_ScanViewEvent.h"
 
 #include <QAbstractItemModel>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QKeySequence>
 
 namespace quorbel {
@@ -93,6 +97,29 @@ void ScanViewEvent::step(int distance) {
         m_dict = list()->selectRow(*row);
     }
     setDetails();
+}
+
+void ScanViewEvent::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Copy)) {
+        copyEvent();
+    } else if (event->keyCombination() == (Qt::CTRL | Qt::SHIFT | Qt::Key_C)) {
+        copyMessage();
+    } else {
+        Sheet::keyPressEvent(event);
+    }
+}
+
+void ScanViewEvent::copyEvent() const {
+    QStringList cells;
+    for (const LongTextField *field : {ui->eventDate, ui->eventPriority, ui->eventHost}) {
+        cells.append(copiedCell(field->wholeText()));
+    }
+    cells.append(copiedCell(ui->eventMessage->wholeText()));
+    QGuiApplication::clipboard()->setText(cells.join(u'\t'));
+}
+
+void ScanViewEvent::copyMessage() const {
+    QGuiApplication::clipboard()->setText(ui->eventMessage->wholeText());
 }
 
 void ScanViewEvent::onUp() {

@@ -33,7 +33,14 @@ public:
     void onOK();
     void onCancel();
 
+protected:
+    /// Where no text is selected that a field would copy, Copy (Ctrl+C) copies the event as a row
+    /// and Ctrl+Shift+C its message, as in the list (see RowCommands).
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    void copyEvent() const;
+    void copyMessage() const;
     [[nodiscard]] SteppableList *list() const;
     /// The row that a step of `distance` rows leads to; nothing when the list ends before.
     [[nodiscard]] std::optional<int> rowBeside(int distance) const;

@@ -343,6 +343,33 @@ private Q_SLOTS:
         QCOMPARE(line("eventHost"), QString());
         QCOMPARE(message(), QString());
     }
+
+    void copiesTheEventWhereNoTextIsSelected_data() {
+        QTest::addColumn<QString>("focus");
+        for (const char *control : {"onOK", "eventUp", "eventDate", "eventHost", "eventMessage"}) {
+            QTest::newRow(control) << name(control);
+        }
+    }
+    void copiesTheEventWhereNoTextIsSelected() {
+        QFETCH(QString, focus);
+        list().insertRaw(fields("1700000000", "older"));
+        list().insertRaw(fields("1700000000", "one\ttwo\nthree", "Kern.Alert"));
+        list().insertRaw(fields("1700000000", "newer"));
+        show();
+        doubleClickRow(1);
+        auto *control = sheet()->findChild<QWidget *>(focus);
+        control->setFocus(Qt::OtherFocusReason);
+        QGuiApplication::clipboard()->clear();
+        QTest::keySequence(control, QKeySequence::Copy);
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 name("2023-11-14 22:13:20\tKern.Alert\t10.0.0.5\tone two three"));
+        QTest::keySequence(control, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+        QCOMPARE(QGuiApplication::clipboard()->text(), name("one\ttwo\nthree"));
+        // What is shown now counts.
+        press("eventDown");
+        QTest::keySequence(sheet(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+        QCOMPARE(QGuiApplication::clipboard()->text(), name("older"));
+    }
 };
 
 }  // namespace quorbel

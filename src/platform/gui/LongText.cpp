@@ -40,6 +40,15 @@ void LongTextView::setWholeText(const QString &text) {
     setPlainText(m_painted.paintLines(kPortion));
 }
 
+void LongTextView::keyPressEvent(QKeyEvent *event) {
+    if (event->matches(QKeySequence::Copy) && !textCursor().hasSelection() &&
+        !document()->isEmpty()) {
+        event->ignore();
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
+}
+
 void LongTextView::paintEvent(QPaintEvent *event) {
     QPlainTextEdit::paintEvent(event);
     if (m_painted.isComplete()) {
@@ -83,6 +92,7 @@ void LongTextField::copySelection(QClipboard::Mode mode) const {
 
 void LongTextField::keyPressEvent(QKeyEvent *event) {
     if (event->matches(QKeySequence::Copy)) {
+        event->setAccepted(hasSelectedText() || text().isEmpty());
         copySelection(QClipboard::Clipboard);
     } else {
         QLineEdit::keyPressEvent(event);

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] const QString &wholeText() const { return m_painted.text(); }
 
 protected:
+    /// Leaves copying to the sheet while nothing of its text is selected, as does LongTextField.
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
 
