@@ -67,6 +67,16 @@ ReportTableModel::Marker ReportTableModel::marker(int row) const {
     return m_rows.isExpanded(place.group) ? Marker::kExpanded : Marker::kCollapsed;
 }
 
+std::optional<QString> ReportTableModel::message(int row) const {
+    const ReportRows::Place place = placeOf(row);
+    if (m_columns[0] == ReportField::kMessage) {
+        return toQString(m_report->groupText(place.group));
+    }
+    return !place.detail ? std::nullopt
+                         : std::optional(toQString(m_report->detailText(place.group, *place.detail,
+                                                                        ReportField::kMessage)));
+}
+
 void ReportTableModel::toggle(int row) {
     const Marker before = marker(row);
     if (before == Marker::kNone) {

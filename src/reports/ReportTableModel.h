@@ -37,6 +37,8 @@ public:
     void setReport(std::unique_ptr<const ReportEngine> report);
 
     [[nodiscard]] Marker marker(int row) const;
+    /// The message of a detail, or of the group in a report by messages; else nothing.
+    [[nodiscard]] std::optional<QString> message(int row) const;
     /// Expands a group that is collapsed, collapses one that is expanded; nothing for a detail.
     void toggle(int row);
 

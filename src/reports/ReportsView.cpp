@@ -9,6 +9,7 @@
 #include "platform/gui/Icons.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/RowCommands.h"
 #include "platform/gui/TableExport.h"
 #include "reports/ReportPrinter.h"
 #include "reports/ReportTableModel.h"
@@ -88,6 +89,7 @@ void ReportsView::viewDidLoad() {
     ui->exportResults->setIcon(lineIcon(QStringLiteral("export")));
     ui->printResults->setIcon(lineIcon(QStringLiteral("print")));
     ui->tableView->setModel(m_model.get());
+    new RowCommands(*ui->tableView, [this](int row) { return m_model->message(row); });
     connectControls();
 }
 
