@@ -6,6 +6,7 @@
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/RowCommands.h"
 #include "platform/gui/ScreenFit.h"
 #include "platform/gui/Sheet.h"
 #include "shell/NavigationRail.h"
@@ -100,6 +101,16 @@ void WindowController::connectCommands() {
     connect(ui->applicationHelp, &QAction::triggered, this, &WindowController::Help);
     connect(ui->closeWindow, &QAction::triggered, this, &QWidget::close);
     connect(ui->applicationQuit, &QAction::triggered, this, [] { endProgram(); });
+    connect(ui->tabView, &QStackedWidget::currentChanged, this, &WindowController::fillEditMenu);
+    fillEditMenu();
+}
+
+void WindowController::fillEditMenu() {
+    ui->editMenu->clear();
+    if (auto *commands = ui->tabView->currentWidget()->findChild<RowCommands *>()) {
+        commands->addTo(*ui->editMenu);
+    }
+    ui->editMenu->menuAction()->setEnabled(!ui->editMenu->isEmpty());
 }
 
 QList<QAction *> WindowController::applicationCommands() const {

@@ -85,6 +85,8 @@ protected:
 
 private:
     void connectCommands();
+    /// The commands of the page in sight, whatever it has.
+    void fillEditMenu();
     [[nodiscard]] QWidget *pageAt(Tab page) const;
 
     AppDelegate &m_delegate;

@@ -1,0 +1,119 @@
+#include "platform/ScopedVariable.h"
+#include "support/FrontEnd.h"
+#include "support/TemporaryFolder.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTableView>
+#include <QTest>
+
+#include <memory>
+#include <optional>
+
+namespace quorbel {
+
+using namespace Qt::StringLiterals;
+using namespace testing;
+
+/// The Edit menu of the real window over the real pages.
+class EditMenuTest : public QObject {
+    Q_OBJECT
+
+    QMenu &menu() { return m_frontEnd->control<QMenu>("editMenu"); }
+    QTableView &table() {
+        auto *page = m_frontEnd->window->findChild<QWidget *>(u"ScanView"_s);
+        return *page->findChild<QTableView *>();
+    }
+    QStringList texts() {
+        QStringList result;
+        for (const QAction *entry : menu().actions()) {
+            result += entry->isSeparator() ? u"-"_s : entry->text().remove(u'&');
+        }
+        return result;
+    }
+    QAction *action(const char *command) {
+        for (QAction *found : menu().actions()) {
+            if (found->objectName() == QLatin1String(command)) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    void activate() {
+        m_frontEnd->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_frontEnd->window.get()));
+    }
+    // Opens it by its key.
+    void open() {
+        activate();
+        QTest::keyClick(m_frontEnd->window.get(), Qt::Key_E, Qt::AltModifier);
+        QTRY_VERIFY(menu().isVisible());
+    }
+    void choose(const char *command) {
+        QTest::mouseClick(&menu(), Qt::LeftButton, {},
+                          menu().actionGeometry(action(command)).center());
+        QTRY_VERIFY(!menu().isVisible());
+    }
+
+private Q_SLOTS:
+    void init() {
+        m_library.write("one.log",
+                        "1700000000,Local7.Error,10.0.0.5,first\n"
+                        "1700000001,Local7.Error,10.0.0.6,second\n");
+        m_frontEnd = std::make_unique<FrontEnd>();
+        m_frontEnd->delegate.state.newDateFormat = m_frontEnd->delegate.state.oldDateFormat =
+            "yyyy-MM-dd HH:mm:ss";
+        activate();
+    }
+    void cleanup() { m_frontEnd.reset(); }
+
+    void holdsTheCommandsOfThePageInSight() {
+        QVERIFY(!menu().menuAction()->isEnabled());
+        m_frontEnd->window->Scan();
+        QVERIFY(menu().menuAction()->isEnabled());
+        const QStringList events{u"Copy"_s, u"Copy Message"_s, u"-"_s, u"Details\tReturn"_s,
+                                 u"-"_s,    u"Delete..."_s};
+        QCOMPARE(texts(), events);
+        m_frontEnd->window->Reports();
+        QCOMPARE(texts(), (QStringList{u"Copy"_s, u"Copy Message"_s}));
+        m_frontEnd->window->Tools();
+        QVERIFY(texts().isEmpty());
+        QVERIFY(!menu().menuAction()->isEnabled());
+        m_frontEnd->window->Scan();
+        QCOMPARE(texts(), events);
+    }
+
+    void runsThemForTheSelectedRows() {
+        m_frontEnd->window->Scan();
+        QTRY_VERIFY(table().hasFocus());
+        open();
+        QVERIFY(!action("copyRows")->isEnabled());
+        QVERIFY(action("deleteSelected")->isEnabled());
+        QTest::keyClick(&menu(), Qt::Key_Escape);
+        QTRY_VERIFY(!menu().isVisible());
+        table().selectRow(0);
+        open();
+        choose("copyRows");
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 u"Moderate\t2023-11-14 22:13:21\tLocal7.Error\t10.0.0.6\tsecond"_s);
+        open();
+        choose("deleteSelected");
+        QTRY_VERIFY(m_frontEnd->window->findChild<QMessageBox *>() != nullptr);
+        QCOMPARE(m_frontEnd->control<QMessageBox>("alertBox").text(),
+                 u"Are you sure you want to delete selected events?"_s);
+    }
+
+private:
+    TemporaryFolder m_library;
+    ScopedVariable m_variable{"QUORBEL_LIBRARY", m_library.path().c_str()};
+    std::unique_ptr<FrontEnd> m_frontEnd;
+};
+
+}  // namespace quorbel
+
+QTEST_MAIN(quorbel::EditMenuTest)
+#include "EditMenuTest.moc"
