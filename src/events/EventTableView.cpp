@@ -35,6 +35,11 @@ EventTableView::EventTableView(QWidget *parent) : RowTableView(parent) {
             fitColumns();
         }
     });
+    connect(horizontalHeader(), &QHeaderView::sectionMoved, this, [this] {
+        m_isSetByUser = true;
+        // The header gives the last column its rest only now.
+        QMetaObject::invokeMethod(this, &EventTableView::makeRoomForMessage, Qt::QueuedConnection);
+    });
 }
 
 void EventTableView::setModel(QAbstractItemModel *model) {
@@ -88,17 +93,37 @@ void EventTableView::fitColumns() {
     }
     const QScopedValueRollback fitting(m_isFitting, true);
     QHeaderView *header = horizontalHeader();
-    const int share = kMessageShare * fontMetrics().averageCharWidth();
+    const int last = header->logicalIndex(header->count() - 1);
+    const int share = leastWidth(last);
     const int width = viewport()->width() - share;
     if (!m_isSetByUser) {
         const int room = width - header->sectionPosition(EventTableModel::kHost);
         setColumnWidth(EventTableModel::kHost, std::clamp(room, m_narrowHost, m_widestHost));
     }
     // In a narrow window the table scrolls sideways, rather than show a message of a few letters.
-    const bool hasRoom = header->sectionPosition(EventTableModel::kMessage) <= width;
+    const bool hasRoom = header->sectionPosition(last) <= width;
     if (hasRoom != header->stretchLastSection()) {
         header->setStretchLastSection(hasRoom);
-        setColumnWidth(EventTableModel::kMessage, share);
+        setColumnWidth(last, share);
+    }
+}
+
+int EventTableView::leastWidth(int column) const {
+    return column == EventTableModel::kMessage
+               ? kMessageShare * fontMetrics().averageCharWidth()
+               : widthFor(QString::fromLatin1(kUsualTexts[static_cast<std::size_t>(column)]));
+}
+
+/// Where the message does not stand last any more, it takes the rest from there.
+void EventTableView::makeRoomForMessage() {
+    fitColumns();
+    const QHeaderView *header = horizontalHeader();
+    const int last = header->logicalIndex(header->count() - 1);
+    const int message = columnWidth(EventTableModel::kMessage);
+    const int share = leastWidth(EventTableModel::kMessage);
+    if (last != EventTableModel::kMessage && message <= share) {
+        const int others = header->sectionPosition(last) - message + leastWidth(last);
+        setColumnWidth(EventTableModel::kMessage, std::max(share, viewport()->width() - others));
     }
 }
 

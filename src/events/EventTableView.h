@@ -8,7 +8,8 @@ namespace quorbel {
 ///
 /// Its columns are as wide as their texts need in its font, and the message takes the rest. The
 /// hosts' column widens to the longest host that comes into sight, up to a full IPv6 address, as
-/// far as that leaves the message its share. Once the user has set a width, all stay as they are.
+/// far as that leaves the message its share. Once the user has set a width or moved a column, all
+/// stay as they are, and the last one takes the rest.
 class EventTableView : public RowTableView {
     Q_OBJECT
 
@@ -36,6 +37,8 @@ private:
     [[nodiscard]] int widthFor(const QString &text) const;
     [[nodiscard]] int widestHostInSight() const;
     void fitColumns();
+    [[nodiscard]] int leastWidth(int column) const;
+    void makeRoomForMessage();
 
     int m_narrowHost = 0;
     int m_widestHost = 0;  // at least the narrow one

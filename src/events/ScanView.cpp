@@ -7,6 +7,7 @@
 #include "events/EventTableModel.h"
 #include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
+#include "platform/gui/ColumnMemory.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
@@ -42,6 +43,7 @@ void ScanView::viewDidLoad() {
     ui->tableView->setModel(m_model.get());
     m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
+    (new ColumnMemory(*ui->tableView))->recall(QStringLiteral("Events"));
     addEventCommands(*ui->tableView, [this] { deleteEvents(); });
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
     connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);

@@ -36,7 +36,7 @@ public:
         }
         painter->save();
         painter->setClipRect(option.rect, Qt::IntersectClip);
-        RowDelegate::paint(painter, overAllColumns(option, index), index.siblingAtColumn(0));
+        RowDelegate::paint(painter, overAllColumns(option), index.siblingAtColumn(0));
         painter->restore();
     }
 
@@ -45,7 +45,7 @@ public:
         if (markerOf(index) == Marker::kNone) {
             return RowDelegate::helpEvent(event, view, option, index);
         }
-        return RowDelegate::helpEvent(event, view, overAllColumns(option, index),
+        return RowDelegate::helpEvent(event, view, overAllColumns(option),
                                       index.siblingAtColumn(0));
     }
 
@@ -58,13 +58,11 @@ protected:
     }
 
 private:
-    static QStyleOptionViewItem overAllColumns(const QStyleOptionViewItem &option,
-                                               const QModelIndex &index) {
+    static QStyleOptionViewItem overAllColumns(const QStyleOptionViewItem &option) {
         QStyleOptionViewItem all = option;
         if (const auto *table = qobject_cast<const QTableView *>(option.widget)) {
-            const int last = index.model()->columnCount() - 1;
             all.rect.setLeft(table->columnViewportPosition(0));
-            all.rect.setRight(table->columnViewportPosition(last) + table->columnWidth(last) - 1);
+            all.rect.setWidth(table->horizontalHeader()->length());
         }
         return all;
     }

@@ -3,6 +3,7 @@
 #include "common/LogReader.h"
 #include "core/AppDelegate.h"
 #include "platform/gui/AlertBox.h"
+#include "platform/gui/ColumnMemory.h"
 #include "platform/gui/FileIcons.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/FontSize.h"
@@ -33,6 +34,10 @@ constexpr int kColumnWidth = 120;
 constexpr int kDateWidth = 140;
 constexpr int kDateGroupWidth = 165;
 constexpr int kOtherColumns = 380;  // beside a column of messages
+
+// By ReportKind: where what the user made of the columns is remembered.
+constexpr const char *kMemoryNames[] = {"ReportByHost", "ReportByMessage", "ReportByPriority",
+                                        "ReportByDate"};
 
 /// The dialog would look into files to complete a name, and choose one in a nested event loop, with
 /// a panel that deletes.
@@ -90,6 +95,9 @@ void ReportsView::viewDidLoad() {
     ui->printResults->setIcon(lineIcon(QStringLiteral("print")));
     ui->tableView->setModel(m_model.get());
     new RowCommands(*ui->tableView, [this](int row) { return m_model->message(row); });
+    m_columnMemory = new ColumnMemory(*ui->tableView);
+    // A group's value begins there.
+    ui->tableView->horizontalHeader()->setFirstSectionMovable(false);
     connectControls();
 }
 
@@ -190,6 +198,7 @@ void ReportsView::showColumns(std::optional<ReportKind> kind) {
     } else {
         ui->tableView->horizontalHeader()->setStretchLastSection(true);
     }
+    m_columnMemory->recall(QString::fromLatin1(kMemoryNames[static_cast<std::size_t>(*kind)]));
 }
 
 void ReportsView::displayReport() {
@@ -275,7 +284,8 @@ void ReportsView::printResults() {
 
 void ReportsView::print() {
     QList<int> columns;
-    for (int column = 0; column < m_model->columnCount(); ++column) {
+    for (int place = 0; place < m_model->columnCount(); ++place) {
+        const int column = ui->tableView->horizontalHeader()->logicalIndex(place);
         if (!ui->tableView->isColumnHidden(column)) {
             columns.append(column);
         }

@@ -19,6 +19,7 @@ class ReportsView;
 namespace quorbel {
 
 class AppDelegate;
+class ColumnMemory;
 class ReportTableModel;
 
 /// The reports page: the stored events, grouped by one of their fields.
@@ -57,6 +58,7 @@ private:
     AppDelegate &m_delegate;
     std::unique_ptr<ReportTableModel> m_model;
     std::unique_ptr<Ui::ReportsView> ui;
+    ColumnMemory *m_columnMemory = nullptr;  // the table's
     std::unique_ptr<QPrinter> m_printer;  // of the last print dialog
     unsigned m_resets = 0;                // how often the page was emptied
 };

@@ -5,7 +5,9 @@
 #include "core/AppState.h"
 #include "events/ScanView.h"
 #include "events/ScanViewEvent.h"
+#include "platform/ScopedVariable.h"
 #include "platform/gui/Storyboard.h"
+#include "support/TemporaryFolder.h"
 #include "support/WindowStandIn.h"
 
 #include <QCheckBox>
@@ -40,6 +42,14 @@ protected:
 
     // A page that was never shown, with the default levels and a fixed date format.
     void makePage() {
+        m_configurationFolder.reset();
+        m_configuration = std::make_unique<TemporaryFolder>();
+        m_configurationFolder =
+            std::make_unique<ScopedVariable>("XDG_CONFIG_HOME", m_configuration->path().string());
+        makeNextPage();
+    }
+    // The page of the same user's next start.
+    void makeNextPage() {
         m_page.reset();
         m_delegate = std::make_unique<AppDelegate>();
         m_delegate->setMainWindow(&m_window);
@@ -100,6 +110,9 @@ protected:
         QFAIL(qPrintable(QStringLiteral("No such button: ") + title));
     }
 
+    // What the user makes of the columns is remembered here.
+    std::unique_ptr<TemporaryFolder> m_configuration;
+    std::unique_ptr<ScopedVariable> m_configurationFolder;
     WindowStandIn m_window;
     Storyboard m_storyboard;
     std::unique_ptr<AppDelegate> m_delegate;

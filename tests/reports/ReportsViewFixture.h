@@ -34,6 +34,14 @@ protected:
         dropPage();
         m_folder = std::make_unique<TemporaryFolder>();
         m_library = std::make_unique<ScopedVariable>("QUORBEL_LIBRARY", m_folder->path().c_str());
+        m_configuration = std::make_unique<TemporaryFolder>();
+        m_configurationFolder =
+            std::make_unique<ScopedVariable>("XDG_CONFIG_HOME", m_configuration->path().string());
+        makeNextPage();
+    }
+    // The page of the same user's next start.
+    void makeNextPage() {
+        m_page.reset();
         m_delegate = std::make_unique<AppDelegate>();
         m_delegate->state.newDateFormat = "yyyy-MM-dd HH:mm:ss";
         m_page = std::make_unique<ReportsView>(*m_delegate);
@@ -44,6 +52,8 @@ protected:
         m_page.reset();
         m_delegate.reset();
         m_library.reset();
+        m_configurationFolder.reset();
+        m_configuration.reset();
         m_folder.reset();
     }
     void show() {
@@ -159,6 +169,8 @@ protected:
 
     std::unique_ptr<TemporaryFolder> m_folder;
     std::unique_ptr<ScopedVariable> m_library;
+    std::unique_ptr<TemporaryFolder> m_configuration;
+    std::unique_ptr<ScopedVariable> m_configurationFolder;
     std::unique_ptr<AppDelegate> m_delegate;
     std::unique_ptr<ReportsView> m_page;
 };
