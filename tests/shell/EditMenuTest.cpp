@@ -98,8 +98,8 @@ private Q_SLOTS:
         table().selectRow(0);
         open();
         choose("copyRows");
-        QCOMPARE(QGuiApplication::clipboard()->text(),
-                 u"Moderate\t2023-11-14 22:13:21\tLocal7.Error\t10.0.0.6\tsecond"_s);
+        QTRY_COMPARE(QGuiApplication::clipboard()->text(),
+                     u"Moderate\t2023-11-14 22:13:21\tLocal7.Error\t10.0.0.6\tsecond"_s);
         open();
         choose("deleteSelected");
         QTRY_VERIFY(m_frontEnd->window->findChild<QMessageBox *>() != nullptr);
