@@ -5,6 +5,7 @@
 #include "events/EventDeletion.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
+#include "events/ReadingPlace.h"
 #include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/ColumnMemory.h"
@@ -14,8 +15,6 @@
 #include "platform/gui/Storyboard.h"
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
-
-#include <QScrollBar>
 
 #include <algorithm>
 #include <utility>
@@ -41,6 +40,7 @@ void ScanView::viewDidLoad() {
     ui->testSyslog->setIcon(lineIcon(QStringLiteral("message-test")));
 
     ui->tableView->setModel(m_model.get());
+    m_place = std::make_unique<ReadingPlace>(*ui->tableView);
     m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     (new ColumnMemory(*ui->tableView))->recall(QStringLiteral("Events"));
@@ -73,12 +73,7 @@ void ScanView::viewDidAppear() {
 
 EventId ScanView::insertEvent(const EventFields &event) {
     const EventId id = arrController.insertShown(event, m_delegate.state);
-    // Who has scrolled down to read goes on seeing the same rows.
-    QScrollBar *bar = ui->tableView->verticalScrollBar();
-    if (bar->value() > 0) {
-        bar->setMaximum(bar->maximum() + 1);
-        bar->setValue(bar->value() + 1);
-    }
+    m_place->noteArrival();
     m_selection->clearForArrival();
     return id;
 }

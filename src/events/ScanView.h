@@ -19,6 +19,7 @@ namespace quorbel {
 class AppDelegate;
 class EventSelection;
 class EventTableModel;
+class ReadingPlace;
 class Storyboard;
 
 /// The event list page: all events, newest first, and what one does with them.
@@ -75,6 +76,7 @@ private:
     EventList &arrController;  ///< the delegate's
     std::unique_ptr<EventTableModel> m_model;
     std::unique_ptr<Ui::ScanView> ui;
+    std::unique_ptr<ReadingPlace> m_place;
     std::unique_ptr<EventSelection> m_selection;
     bool m_removalIsDue = false;
     bool m_countIsDue = false;

@@ -5,6 +5,7 @@
 
 #include <QLabel>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -154,6 +155,50 @@ private Q_SLOTS:
         m_page->insertEvent(fields("1700002000", "newest"));
         QTest::qWait(0);
         QCOMPARE(table()->model()->index(table()->rowAt(1), 4).data().toString(), name("newest"));
+    }
+
+    void aFloodMovesTheTableOnceAndNotOnceAnEvent() {
+        for (int i = 0; i < 300; ++i) {
+            list().insertRaw(fields("1700000000", std::to_string(i)));
+        }
+        show();
+        QScrollBar *bar = table()->verticalScrollBar();
+        bar->setValue(50);
+        const QString first = cell(table()->rowAt(1), 4);
+        const QSignalSpy moves(bar, &QScrollBar::valueChanged);
+        for (int i = 0; i < 1000; ++i) {
+            m_page->insertEvent(fields("1700001000"));
+        }
+        QTRY_COMPARE(bar->value(), 1050);
+        QCOMPARE(moves.size(), 1);
+        QCOMPARE(cell(table()->rowAt(1), 4), first);
+    }
+
+    void arrivalsAndScatteredRemovalsInOneTurnKeepThePlace() {
+        for (int i = 0; i < 300; ++i) {
+            list().insertRaw(fields("1700000000", std::to_string(i)));
+        }
+        show();
+        table()->verticalScrollBar()->setValue(100);
+        const QString first = cell(table()->rowAt(1), 4);
+        for (const char *message : {"298", "290", "10"}) {
+            m_page->removeEvent(fields("1700000000", message));
+            m_page->insertEvent(fields("1700001000"));
+        }
+        QTRY_COMPARE(list().size(), std::size_t{300});
+        QCOMPARE(cell(table()->rowAt(1), 4), first);
+    }
+
+    void whoGoesToTheTopWhileEventsArriveStaysThere() {
+        for (int i = 0; i < 300; ++i) {
+            list().insertRaw(fields("1700000000"));
+        }
+        show();
+        table()->verticalScrollBar()->setValue(100);
+        m_page->insertEvent(fields("1700001000"));
+        table()->scrollToTop();
+        QCoreApplication::processEvents();
+        QCOMPARE(table()->verticalScrollBar()->value(), 0);
     }
 
     void aRemovalTakesTheFirstMatchingRowOnly() {
