@@ -49,7 +49,9 @@ constexpr Spread kYear{"one year", 31.5};
 /// The real page with the real intake over one folder of log files.
 class Fixture {
 public:
-    Fixture() : page(delegate, storyboard), intake(delegate.state, delegate.events, page, home) {
+    Fixture()
+        : page(delegate, storyboard),
+          intake(delegate.state, delegate.events, delegate.hold, page, home) {
         page.viewDidLoad();
         page.resize(1200, 800);
     }

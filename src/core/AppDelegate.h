@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AppState.h"
+#include "core/EventHold.h"
 #include "core/EventList.h"
 #include "core/PageLinks.h"
 #include "platform/Mutex.h"
@@ -22,6 +23,8 @@ public:
     /// The events: all of them, whatever a page shows of them. They outlive the pages, and so
     /// whatever shows or awaits one of them.
     EventList events;
+    /// What is new while the user has the list held.
+    EventHold hold{events};
 
     /// Replaces the four alert settings in `state` together: the alert worker never sees some of
     /// them old and some new. Once the worker runs, nothing else may write them.

@@ -14,6 +14,12 @@ using EventId = std::uint64_t;
 
 class EventList;
 
+/// Names an event with the list that has it.
+struct EventPlace {
+    EventList &list;
+    EventId id;
+};
+
 /// One event, shared by reference: the list, the alert queue, a details sheet and a popup that hold
 /// the same event see the same fields. It stays readable after it left the list, as it was then.
 ///
@@ -22,6 +28,7 @@ class EventList;
 class Event {
 public:
     Event(EventList &list, EventId id);
+    explicit Event(const EventPlace &place) : Event(place.list, place.id) {}
     ~Event();
     Event(const Event &other);
     Event(Event &&other) noexcept;

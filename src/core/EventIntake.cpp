@@ -4,6 +4,7 @@
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
 #include "core/AppDelegate.h"
+#include "core/EventHold.h"
 #include "core/EventList.h"
 #include "platform/Text.h"
 
@@ -41,9 +42,9 @@ EventFields decodeFields(const LogLine &line) {
 
 }  // namespace
 
-EventIntake::EventIntake(AppState &state, EventList &events, EventListPageLink &page,
-                         HomePageLink &home)
-    : m_state(state), m_events(events), m_eventPage(page), m_homePage(home) {}
+EventIntake::EventIntake(AppState &state, EventList &events, EventHold &hold,
+                         EventListPageLink &page, HomePageLink &home)
+    : m_state(state), m_events(events), m_hold(hold), m_eventPage(page), m_homePage(home) {}
 
 void EventIntake::count(const PriorityClasses &classes) {
     for (unsigned long rest = classes.counted.to_ulong(); rest != 0; rest &= rest - 1) {
@@ -51,18 +52,29 @@ void EventIntake::count(const PriorityClasses &classes) {
     }
 }
 
-EventId EventIntake::setNotification(const EventFields &event) {
-    const EventId id =
-        m_eventPage.isOnScreen() ? m_eventPage.insertEvent(event) : m_events.insertRaw(event);
-    count(m_events.classes(0));
+EventPlace EventIntake::listOrHold(const EventFields &event) {
+    if (m_hold.delays()) {
+        return {m_hold.waiting(), m_hold.addArrival(event)};
+    }
+    return {m_events,
+            m_eventPage.isOnScreen() ? m_eventPage.insertEvent(event) : m_events.insertRaw(event)};
+}
+
+EventPlace EventIntake::setNotification(const EventFields &event) {
+    const EventPlace place = listOrHold(event);
+    count(place.list.classes(0));
     if (m_homePage.isOnScreen()) {
         m_homePage.setEventsStatus();
     }
-    return id;
+    return place;
 }
 
 void EventIntake::removeNotification(const EventFields &announced) {
-    m_eventPage.removeEvent(announced);
+    if (m_hold.delays()) {
+        m_hold.addRemoval(announced);
+    } else {
+        m_eventPage.removeEvent(announced);
+    }
 }
 
 void EventIntake::takeSettings() {

@@ -10,6 +10,7 @@
 
 namespace quorbel {
 
+class EventHold;
 class EventList;
 
 /// The one way in for events, live ones and those of the log files: counts each by severity and
@@ -21,22 +22,26 @@ public:
     using Progress = std::function<void(std::uint64_t read, std::uint64_t total)>;
 
     /// All outlive the intake.
-    EventIntake(AppState &state, EventList &events, EventListPageLink &page, HomePageLink &home);
+    EventIntake(AppState &state, EventList &events, EventHold &hold, EventListPageLink &page,
+                HomePageLink &home);
 
-    /// Takes one new event in and returns the id under which the list holds it.
-    EventId setNotification(const EventFields &event);
-    /// Hands an announced removal on; counters stay as they are.
+    /// Takes one new event in and says where it is: in the list, or with the hold while that delays
+    /// it. It is counted either way.
+    EventPlace setNotification(const EventFields &event);
+    /// Hands an announced removal on, to wait where events do; counters stay as they are.
     void removeNotification(const EventFields &announced);
     /// The start-up load: counters to zero, the settings into the state, every log file into the
     /// list, oldest file first.
     void initializeLog(const Progress &onProgress = {});
 
 private:
+    EventPlace listOrHold(const EventFields &event);
     void count(const PriorityClasses &classes);
     void takeSettings();
 
     AppState &m_state;
     EventList &m_events;
+    EventHold &m_hold;
     EventListPageLink &m_eventPage;
     HomePageLink &m_homePage;
 };

@@ -211,6 +211,15 @@ std::optional<std::string_view> EventList::message(std::size_t row) {
     return place.chunk->message(place.record());
 }
 
+std::vector<std::pair<std::string_view, std::string_view>> EventList::others(std::size_t row) {
+    const Place place = placeOfRow(row);
+    if (place.record().hasExtras == 0) {
+        return {};
+    }
+    const auto &others = m_extras[place.id()].others;
+    return {others.begin(), others.end()};
+}
+
 std::string_view EventList::image(std::size_t row) {
     const Place place = placeOfRow(row);
     settle(place);
@@ -250,6 +259,21 @@ std::optional<std::size_t> EventList::rowOf(EventId id) {
     const auto chunk = static_cast<std::size_t>(
         std::ranges::upper_bound(m_chunks, id, {}, &EventChunk::first) - m_chunks.begin() - 1);
     return m_size - 1 - place->position - (chunk == 0 ? 0 : m_countUpTo[chunk - 1]);
+}
+
+std::size_t EventList::rowFor(EventId id) {
+    // Later events have larger ids and stand above.
+    std::size_t first = 0;
+    std::size_t last = m_size;
+    while (first < last) {
+        const std::size_t middle = first + (last - first) / 2;
+        if (idAt(middle) > id) {
+            first = middle + 1;
+        } else {
+            last = middle;
+        }
+    }
+    return first;
 }
 
 EventDates::FormatId EventList::formatId(std::string_view setting) {

@@ -80,6 +80,9 @@ public:
     [[nodiscard]] std::optional<std::string_view> priority(std::size_t row);
     [[nodiscard]] std::optional<std::string_view> host(std::size_t row);
     [[nodiscard]] std::optional<std::string_view> message(std::size_t row);
+    /// What came with it beside these, and its date. Valid until the list changes.
+    [[nodiscard]] std::vector<std::pair<std::string_view, std::string_view>> others(
+        std::size_t row);
     /// The severity image's name; empty when the event has none.
     [[nodiscard]] std::string_view image(std::size_t row);
     /// How the row's priority is classified.
@@ -92,6 +95,9 @@ public:
     [[nodiscard]] EventId idAt(std::size_t row);
     /// Nothing when the event has left the list.
     [[nodiscard]] std::optional<std::size_t> rowOf(EventId id);
+    /// The row where an event of that id stands or, when it has left the list, would stand: that of
+    /// the next older one, size() when there is none.
+    [[nodiscard]] std::size_t rowFor(EventId id);
     /// The first row, not marked for removal, whose rendered date is the given moment rendered in
     /// the same format, or in `dateFormat` when the row's date came as text, and whose other fields
     /// equal the given ones. An absent field equals nothing.
@@ -105,6 +111,10 @@ public:
     /// so removals that come one by one are better made together.
     void markForRemoval(std::size_t row);
     void removeMarked();
+
+    /// An event of this list was added to another one, where it is `newId`: those who hold it see
+    /// that one from now on.
+    void leadOn(EventId id, EventList &other, EventId newId);
 
     /// Between these two, rows are added without a word to the observers.
     void beginBulkInsert();
@@ -128,6 +138,7 @@ private:
     struct Held {
         std::uint32_t handles = 0;
         std::unique_ptr<Fields> fieldsAtLeaving;  // null while the list holds the event
+        std::unique_ptr<Event> successor;         // null but for one that went to another list
     };
 
     /// Tells each observer.

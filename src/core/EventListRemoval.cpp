@@ -96,7 +96,8 @@ void EventList::removeFrom(EventChunk &chunk, const std::vector<EventChunk::Posi
 void EventList::letGo(const Place &place) {
     const EventRecord &record = place.record();
     if (!m_held.empty()) {
-        if (const auto held = m_held.find(place.id()); held != m_held.end()) {
+        if (const auto held = m_held.find(place.id());
+            held != m_held.end() && !held->second.successor) {
             held->second.fieldsAtLeaving = std::make_unique<Fields>(fieldsOf(place));
         }
     }
@@ -154,14 +155,26 @@ void EventList::release(EventId id) {
     }
 }
 
+void EventList::leadOn(EventId id, EventList &other, EventId newId) {
+    if (m_held.empty()) {
+        return;
+    }
+    if (const auto held = m_held.find(id); held != m_held.end()) {
+        held->second.successor = std::make_unique<Event>(other, newId);
+    }
+}
+
 std::optional<std::string> EventList::value(EventId id, std::string_view key) {
     Fields inList;
     const Fields *fields = nullptr;
+    const auto held = m_held.find(id);
+    if (held != m_held.end() && held->second.successor) {
+        return held->second.successor->value(key);
+    }
     if (const auto place = placeOf(id)) {
         inList = fieldsOf(*place);
         fields = &inList;
-    } else if (const auto held = m_held.find(id);
-               held != m_held.end() && held->second.fieldsAtLeaving) {
+    } else if (held != m_held.end() && held->second.fieldsAtLeaving) {
         fields = held->second.fieldsAtLeaving.get();
     }
     if (fields == nullptr) {

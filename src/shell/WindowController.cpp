@@ -74,8 +74,8 @@ WindowController::WindowController(AppDelegate &delegate, const Storyboard &stor
     }
     m_eventPage = &dynamic_cast<EventListPageLink &>(*pageAt(Tab::kEvents));
     m_homePage = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
-    m_intake = std::make_unique<EventIntake>(m_delegate.state, m_delegate.events, *m_eventPage,
-                                             *m_homePage);
+    m_intake = std::make_unique<EventIntake>(m_delegate.state, m_delegate.events, m_delegate.hold,
+                                             *m_eventPage, *m_homePage);
     new NavigationRail(*ui->navigation);
     connectCommands();
     selectTab(Tab::kHome);
@@ -229,7 +229,7 @@ QWidget *WindowController::pageAt(Tab page) const {
     return ui->tabView->widget(static_cast<int>(page));
 }
 
-EventId WindowController::setNotification(const EventFields &event) {
+EventPlace WindowController::setNotification(const EventFields &event) {
     return m_intake->setNotification(event);
 }
 
@@ -251,11 +251,11 @@ void WindowController::syslogNotify(const NotificationObserver::UserInfo &userIn
     const EventFields fields = eventFields(userInfo, others);
     const std::string_view type = typeOf(userInfo);
     if (type == "Set") {
-        const EventId id = setNotification(fields);
+        const EventPlace place = setNotification(fields);
         const AppState &state = m_delegate.state;
         const bool alertsAreOn = state.iPopupEvents > 0 || !state.popupSound.empty();
         if (alertsAreOn && m_alertQueue != nullptr) {
-            m_alertQueue->append(Event(m_delegate.events, id));
+            m_alertQueue->append(Event(place));
         }
     } else if (type == "Remove") {
         removeNotification(fields);

@@ -75,7 +75,7 @@ public:
     void selectTab(Tab page) override;
 
     // Events.
-    EventId setNotification(const EventFields &event);
+    EventPlace setNotification(const EventFields &event);
     void removeNotification(const EventFields &announced);
     void initializeLog();
     void syslogNotify(const NotificationObserver::UserInfo &userInfo);

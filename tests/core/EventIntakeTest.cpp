@@ -1,4 +1,5 @@
 #include "common/Severity.h"
+#include "core/EventHold.h"
 #include "core/EventIntake.h"
 #include "core/EventList.h"
 #include "platform/Files.h"
@@ -86,7 +87,8 @@ protected:
     EventList events;
     FakeEventListPage page{state, events};
     FakeHomePage home{state};
-    EventIntake intake{state, events, page, home};
+    EventHold hold{events};
+    EventIntake intake{state, events, hold, page, home};
 };
 
 using Counters = std::vector<std::int64_t>;
@@ -125,9 +127,10 @@ TEST_F(EventIntakeTest, ListsRawWhileThePageIsHidden) {
 
 TEST_F(EventIntakeTest, HandsToThePageWhileItIsShown) {
     page.onScreen = true;
-    const EventId id = intake.setNotification({"1700000000", "Local7.Error", "h", "m", {}});
+    const EventPlace place = intake.setNotification({"1700000000", "Local7.Error", "h", "m", {}});
     EXPECT_EQ(page.inserted, 1);
-    EXPECT_EQ(page.list.rowOf(id), 0U);
+    EXPECT_EQ(&place.list, &events);
+    EXPECT_EQ(page.list.rowOf(place.id), 0U);
     EXPECT_EQ(page.list.date(0), "2023-11-14 22:13:20");
 }
 
