@@ -5,6 +5,7 @@
 #include "events/EventDeletion.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
+#include "events/NewestButton.h"
 #include "events/ReadingPlace.h"
 #include "events/TestMessage.h"
 #include "platform/gui/AlertBox.h"
@@ -41,6 +42,8 @@ void ScanView::viewDidLoad() {
 
     ui->tableView->setModel(m_model.get());
     m_place = std::make_unique<ReadingPlace>(*ui->tableView);
+    new NewestButton(arrController, *ui->tableView);
+    ui->holdEvents->attach(m_delegate.hold, *this);
     m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     (new ColumnMemory(*ui->tableView))->recall(QStringLiteral("Events"));
@@ -112,18 +115,7 @@ int ScanView::rowOf(const Event &event) {
 }
 
 int ScanView::placeOf(const Event &event) {
-    // Later events have larger ids and stand above.
-    std::size_t first = 0;
-    std::size_t last = arrController.size();
-    while (first < last) {
-        const std::size_t middle = first + (last - first) / 2;
-        if (arrController.idAt(middle) > event.id()) {
-            first = middle + 1;
-        } else {
-            last = middle;
-        }
-    }
-    return static_cast<int>(first);
+    return static_cast<int>(arrController.rowFor(event.id()));
 }
 
 Event ScanView::eventAt(int row) {

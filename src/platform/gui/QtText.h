@@ -26,6 +26,16 @@ inline QString countText(qint64 count) {
     return QLocale().toString(count);
 }
 
+/// The same where there is little room: from a million on in tenths of a million, "1.2M". Never
+/// more than there are.
+inline QString shortCountText(qint64 count) {
+    constexpr qint64 kMillion = 1'000'000;
+    return count < kMillion
+               ? countText(count)
+               : QLocale().toString(static_cast<double>(count / (kMillion / 10)) / 10, 'f', 1) +
+                     QLatin1Char('M');
+}
+
 /// Shows a text in a field; one that is too long for it is seen from its beginning.
 inline void showText(QLineEdit &field, const QString &text) {
     field.setText(text);
