@@ -35,7 +35,7 @@ HoldButton::HoldButton(QWidget *parent)
       m_play(lineIcon(QStringLiteral("play"))) {
     setCheckable(true);
     setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard with the table
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleName(tr("Hold new events"));
     // Not the button's own, which a change of its text takes away and which works with a delay.
     new QShortcut(kShortcut, this, this, [this] { toggle(); });
@@ -122,18 +122,17 @@ void HoldButton::showState() {
     tip += QStringLiteral(" (%1)").arg(kShortcut.toString(QKeySequence::NativeText));
     setAccessibleDescription(tip);
     setToolTip(tip);
+    setMaximumWidth(QPushButton::sizeHint().width());
     updateGeometry();
 }
 
-QSize HoldButton::minimumSizeHint() const {
-    const QSize full = sizeHint();
-    const int text = fontMetrics().horizontalAdvance(this->text());
-    return {full.width() - text, full.height()};
+QSize HoldButton::sizeHint() const {
+    const QSize full = QPushButton::sizeHint();
+    return {full.width() - fontMetrics().horizontalAdvance(text()), full.height()};
 }
 
 QString HoldButton::fittingText() const {
-    const int missing = sizeHint().width() - width();
-    const int room = fontMetrics().horizontalAdvance(text()) - missing;
+    const int room = width() - sizeHint().width();
     const QString number = text().mid(text().indexOf(QLatin1Char(':')) + 1).trimmed();
     for (const QString &fitting : {text(), number, number.section(QLatin1Char(' '), 0, 0)}) {
         if (fontMetrics().horizontalAdvance(fitting) <= room) {

@@ -28,7 +28,10 @@ public:
     /// or still hands on stays so.
     void attach(EventHold &hold, EventListPageLink &page);
 
-    [[nodiscard]] QSize minimumSizeHint() const override;
+    /// As small as its icon; its largest width is what its text needs. So it is the first in a row
+    /// to give way.
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -381,11 +381,11 @@ private Q_SLOTS:
         QTRY_COMPARE(holdEvents().text(), name("Held: 1,204 new"));
         QCoreApplication::processEvents();
         const int wide = holdEvents().width();
-        QCOMPARE(wide, holdEvents().sizeHint().width());
+        QCOMPARE(wide, holdEvents().maximumWidth());
+        const int link = m_page->findChild<QWidget *>(name("scanActions"))->width();
         m_page->resize(560, 400);
         QTRY_VERIFY(holdEvents().width() < wide);
-        QVERIFY(holdEvents().width() >= holdEvents().minimumSizeHint().width());
-        QVERIFY(m_page->minimumSizeHint().width() <= 560);
+        QCOMPARE(m_page->findChild<QWidget *>(name("scanActions"))->width(), link);
     }
 
     void newEventsAboveAreCountedAndAClickLeadsToThem() {
