@@ -14,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QScreen>
 #include <QScrollArea>
@@ -114,6 +115,14 @@ void waitForPopup(const Stage &stage, const char *priority, const char *message)
     QTest::qWait(1400);  // until it has grown
 }
 
+/// Opens the menu over the current row, as the Menu key does.
+void openRowMenu(QTableView &table) {
+    const QPoint place = table.visualRect(table.currentIndex()).center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, place, table.mapToGlobal(place));
+    QCoreApplication::sendEvent(&table, &event);
+    QTest::qWait(kSettleMs);
+}
+
 void openOptions(const Stage &stage) {
     stage.click("Tools");
     stage.click("toolsOptions");
@@ -206,6 +215,17 @@ std::vector<Picture> pictures() {
         {"events-empty", Sample::kEmpty, "WindowController", events},
         {"events", Sample::kBad, "WindowController", events},
         {"events-long", Sample::kLongTexts, "WindowController", events},
+        {"events-menu", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.clickRow("ScanView", "tableView", 3);
+             openRowMenu(*stage.control<QWidget>("ScanView").findChild<QTableView *>());
+         }},
+        {"events-held", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.click("holdEvents");
+         }},
         {"details", Sample::kBad, "eventView",
          [](Stage &stage) {
              stage.click("Scan");

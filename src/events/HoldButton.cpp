@@ -85,8 +85,7 @@ QString HoldButton::stateText() const {
         return {};
     }
     const bool nothingWaits = m_hold->arrivals() + m_hold->removals() == 0;
-    const QString waiting =
-        nothingWaits ? QString() : briefly(m_hold->arrivals(), m_hold->removals());
+    QString waiting = nothingWaits ? QString() : briefly(m_hold->arrivals(), m_hold->removals());
     if (!m_hold->isOn()) {
         return waiting;
     }

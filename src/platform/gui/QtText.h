@@ -30,10 +30,11 @@ inline QString countText(qint64 count) {
 /// more than there are.
 inline QString shortCountText(qint64 count) {
     constexpr qint64 kMillion = 1'000'000;
-    return count < kMillion
-               ? countText(count)
-               : QLocale().toString(static_cast<double>(count / (kMillion / 10)) / 10, 'f', 1) +
-                     QLatin1Char('M');
+    if (count < kMillion) {
+        return countText(count);
+    }
+    const qint64 tenths = count / (kMillion / 10);
+    return QLocale().toString(static_cast<double>(tenths) / 10, 'f', 1) + QLatin1Char('M');
 }
 
 /// Shows a text in a field; one that is too long for it is seen from its beginning.

@@ -69,7 +69,7 @@ private:
     bool takeFrame(std::string_view &rest);
     bool takeCounted(std::string_view &rest, const FrameHeader &header);
     Answer findTail(std::string_view rest, const FrameHeader &header, std::size_t &length) const;
-    Answer isBoundary(std::string_view rest, std::size_t at) const;
+    [[nodiscard]] Answer isBoundary(std::string_view rest, std::size_t at) const;
     Answer findBareCount(std::string_view rest);
     Answer followCounts(std::string_view rest);
     bool takeBareCounted(std::string_view &rest);
