@@ -59,8 +59,8 @@ private:
     std::unique_ptr<ReportTableModel> m_model;
     std::unique_ptr<Ui::ReportsView> ui;
     ColumnMemory *m_columnMemory = nullptr;  // the table's
-    std::unique_ptr<QPrinter> m_printer;  // of the last print dialog
-    unsigned m_resets = 0;                // how often the page was emptied
+    std::unique_ptr<QPrinter> m_printer;     // of the last print dialog
+    unsigned m_resets = 0;                   // how often the page was emptied
 };
 
 }  // namespace quorbel
