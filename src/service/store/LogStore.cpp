@@ -59,7 +59,9 @@ std::size_t countLines(std::string_view lines) {
 }  // namespace
 
 LogStore::LogStore(std::filesystem::path folder)
-    : m_folder(std::move(folder)), m_syncThread([this] { syncWhenDirty(); }) {}
+    : m_folder(std::move(folder)),
+      m_syncedFolder(openFolder()),
+      m_syncThread([this] { syncWhenDirty(); }) {}
 
 LogStore::~LogStore() {
     {
@@ -138,11 +140,11 @@ bool LogStore::openFor(const std::string &name) {
         return true;
     }
     retireFile();
-    m_spareForFile.refill();
+    m_sparesForFile.refill();
     const auto open = [&file] { return openForAppending(file, O_CREAT); };
-    m_file = m_spareForFile.useFor(open);
+    m_file = m_sparesForFile.useFor(open);
     if (!m_file.isOpen() && errno == ENOENT && ::mkdir(m_folder.c_str(), kFolderMode) == 0) {
-        m_file = m_spareForFile.useFor(open);
+        m_file = m_sparesForFile.useFor(open);
     }
     if (!m_file.isOpen()) {
         return false;
@@ -322,23 +324,23 @@ void LogStore::syncWhenDirty() {
     while (!m_stop || m_dirty) {
         m_wakeSync.wait(lock, [this]() REQUIRES(m_mutex) { return m_dirty || m_stop; });
         m_wakeSync.waitFor(lock, kDelay, [this]() REQUIRES(m_mutex) { return m_urgent || m_stop; });
-        const Dirty dirty = takeDirty();
+        Dirty dirty = takeDirty();
         lock.unlock();
         const int error = sync(dirty);
         noteSync(dirty, error);
         lock.lock();
         // A file that is on the disk without its name is lost, too.
         m_folderChanged = m_folderChanged || (dirty.folderChanged && error != 0);
+        giveBack(std::move(dirty));
     }
 }
 
 LogStore::Dirty LogStore::takeDirty() {
-    Dirty dirty{std::exchange(m_retired, {}), std::exchange(m_dirtyEvents, 0),
+    Dirty dirty{std::exchange(m_retired, {}), std::nullopt, std::exchange(m_dirtyEvents, 0),
                 std::exchange(m_folderChanged, false)};
     if (m_file.isOpen()) {
         m_spareForSync.refill();
-        dirty.files.push_back(m_spareForSync.useFor(
-            [fd = m_file.get()] { return UniqueFd(::fcntl(fd, F_DUPFD_CLOEXEC, 0)); }));
+        dirty.file = m_spareForSync.duplicate(m_file.get());
     }
     m_dirty = false;
     m_urgent = false;
@@ -348,15 +350,35 @@ LogStore::Dirty LogStore::takeDirty() {
 /// The last error; 0 when all went well.
 int LogStore::sync(const Dirty &dirty) {
     int error = 0;
-    for (const UniqueFd &file : dirty.files) {
+    for (const UniqueFd &file : dirty.retired) {
         error = ::fdatasync(file.get()) == 0 ? error : errno;
     }
+    if (dirty.file) {
+        error = ::fdatasync(dirty.file->get()) == 0 ? error : errno;
+    }
     if (dirty.folderChanged) {
-        m_spareForFolder.refill();
-        const UniqueFd folder = m_spareForFolder.useFor([this] { return openFolder(); });
-        error = folder.isOpen() && ::fsync(folder.get()) == 0 ? error : errno;
+        error = syncOwnFolder() ? error : errno;
     }
     return error;
+}
+
+bool LogStore::syncOwnFolder() {
+    // Somebody may have moved it and made another one.
+    if (!isSameFile(m_syncedFolder, m_folder)) {
+        m_syncedFolder.reset();
+        m_syncedFolder = openFolder();
+    }
+    return m_syncedFolder.isOpen() && ::fsync(m_syncedFolder.get()) == 0;
+}
+
+/// Closes the files, and keeps the descriptors that were kept for them.
+void LogStore::giveBack(Dirty dirty) {
+    for (UniqueFd &file : dirty.retired) {
+        m_sparesForFile.refillWith(std::move(file));
+    }
+    if (dirty.file) {
+        m_spareForSync.refillWith(*std::move(dirty.file));
+    }
 }
 
 void LogStore::noteSync(const Dirty &dirty, int error) {

@@ -3,7 +3,7 @@
 #include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
-#include "service/store/SpareDescriptor.h"
+#include "service/store/SpareDescriptors.h"
 
 #include <atomic>
 #include <cstdint>
@@ -85,13 +85,16 @@ private:
 
     /// What was appended since the last sync.
     struct Dirty {
-        std::vector<UniqueFd> files;
+        std::vector<UniqueFd> retired;
+        std::optional<UniqueFd> file;  ///< closed when there was no descriptor for it
         std::uint64_t events = 0;
         bool folderChanged = false;
     };
     void syncWhenDirty();
     Dirty takeDirty() REQUIRES(m_mutex);
     [[nodiscard]] int sync(const Dirty &dirty);
+    bool syncOwnFolder();
+    void giveBack(Dirty dirty) REQUIRES(m_mutex);
     void noteSync(const Dirty &dirty, int error);
 
     const std::filesystem::path m_folder;
@@ -106,7 +109,7 @@ private:
     // Of the thread that syncs alone.
     bool m_syncWorks = true;
     std::uint64_t m_unsyncedNow = 0;  ///< since syncing last worked
-    SpareDescriptor m_spareForFolder;
+    UniqueFd m_syncedFolder;          ///< stays open: later, there may be no descriptor for it
 
     std::atomic<std::uint64_t> m_unsynced = 0;
 
@@ -116,9 +119,9 @@ private:
     Condition m_wakeSync;
     UniqueFd m_file GUARDED_BY(m_mutex);  ///< open for appending
     std::string m_fileName GUARDED_BY(m_mutex);
-    // Connections can take all others.
-    SpareDescriptor m_spareForFile GUARDED_BY(m_mutex);
-    SpareDescriptor m_spareForSync GUARDED_BY(m_mutex);
+    // Connections can take all others. While a file is begun, the one before waits for its sync.
+    SpareDescriptors m_sparesForFile GUARDED_BY(m_mutex){2};
+    SpareDescriptors m_spareForSync GUARDED_BY(m_mutex){1};
     bool m_folderChanged GUARDED_BY(m_mutex) = false;
     /// No longer appended to, not yet synced.
     std::vector<UniqueFd> m_retired GUARDED_BY(m_mutex);

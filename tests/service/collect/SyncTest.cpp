@@ -104,20 +104,26 @@ class NoDescriptors {
 public:
     NoDescriptors() {
         getrlimit(RLIMIT_NOFILE, &m_limit);
-        UniqueFd first(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        m_taken.emplace_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
         constexpr rlim_t kMore = 8;
-        const rlimit few{static_cast<rlim_t>(first.get()) + kMore, m_limit.rlim_max};
+        const rlimit few{static_cast<rlim_t>(m_taken.front().get()) + kMore, m_limit.rlim_max};
         setrlimit(RLIMIT_NOFILE, &few);
-        while (first.isOpen()) {
-            m_taken.push_back(std::move(first));
-            first = UniqueFd(fcntl(m_taken.front().get(), F_DUPFD_CLOEXEC, 0));
-        }
+        takeAll();
     }
     ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &m_limit); }
     NoDescriptors(const NoDescriptors &) = delete;
     NoDescriptors &operator=(const NoDescriptors &) = delete;
 
+    /// Also those that were closed meanwhile.
+    void takeAll() {
+        for (UniqueFd more = another(); more.isOpen(); more = another()) {
+            m_taken.push_back(std::move(more));
+        }
+    }
+
 private:
+    UniqueFd another() { return UniqueFd(fcntl(m_taken.front().get(), F_DUPFD_CLOEXEC, 0)); }
+
     rlimit m_limit{};
     std::vector<UniqueFd> m_taken;
 };
@@ -127,6 +133,23 @@ TEST_F(SyncTest, ANewFileAndItsFolderAreSyncedWithoutADescriptorLeft) {
     ASSERT_EQ(m_store->append(line("first"), kMonday, true).stored, 1U);
     EXPECT_TRUE(waitUntil([this] { return m_disk.synced(m_folder.path()) > 0; }));
     EXPECT_TRUE(isSynced(kMonday));
+    EXPECT_EQ(m_store->unsynced(), 0U);
+}
+
+TEST_F(SyncTest, LosesNoDescriptorToWhoTakesAllOthers) {
+    NoDescriptors none;
+    for (int i = 0; i < 50; ++i) {
+        m_disk.reset();
+        for (int j = 0; j < 3; ++j) {
+            ASSERT_EQ(m_store->append(line("urgent"), kMonday, true).stored, 1U) << i;
+            ASSERT_TRUE(waitUntil([&] {
+                none.takeAll();
+                return isSynced(kMonday) && m_disk.synced(m_folder.path()) > 0;
+            })) << i;
+        }
+        // The next event makes another file.
+        std::filesystem::remove(m_store->path(logFileName(kMonday)));
+    }
     EXPECT_EQ(m_store->unsynced(), 0U);
 }
 
