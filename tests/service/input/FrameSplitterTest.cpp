@@ -131,12 +131,30 @@ TEST(FrameSplitterTest, GoesOnInAnotherOneWhereverTheStreamIsCut) {
     }
 }
 
-TEST(FrameSplitterTest, BeginsAnewWithAStateOfAnotherVersion) {
-    for (const std::string_view state : {"", "splitter", "another9 1 2 3\n<1>a", "splitter1"}) {
+TEST(FrameSplitterTest, BeginsAnewWithWhatIsNoStateOfItsVersion) {
+    Frames before;
+    before.splitter.feed("<1>a");
+    const std::string good = before.splitter.state();
+    ASSERT_EQ(good, "splitter1 0 0 0 0 0 4 0 0 0\n<1>a");
+    ASSERT_TRUE(Frames().splitter.resume(good));
+    for (const std::string &state :
+         {std::string(), std::string("splitter"), std::string("splitter1"),
+          std::string("splitter1 0 0 0 0 0 4 0 0 0"), std::string("another9 1 2 3\n<1>a"),
+          std::string("splitter1\n<1>a"), std::string("splitter10 1 0 0 0 0 4 0 0 0\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 0 0\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 0 0 0 0\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 0 0 0 \n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 0 0 -1\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 0 0 x\n<1>a"),
+          std::string("splitter1 3 0 0 0 0 4 0 0 0\n<1>a"),
+          std::string("splitter1 0 2 0 0 0 4 0 0 0\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 5 0 0 0\n<1>a"),
+          std::string("splitter1 0 0 0 0 0 4 5 0 0\n<1>a"),
+          good + std::string(2 * FrameSplitter::kMaxFrame, 'x')}) {
         Frames frames;
-        EXPECT_FALSE(frames.splitter.resume(state)) << state;
+        EXPECT_FALSE(frames.splitter.resume(state)) << state.substr(0, 40);
         frames.splitter.feed("<2>b\n");
-        EXPECT_THAT(frames.all, ElementsAre("<2>b"));
+        EXPECT_THAT(frames.all, ElementsAre("<2>b")) << state.substr(0, 40);
     }
 }
 
