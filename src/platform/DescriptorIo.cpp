@@ -28,6 +28,30 @@ ssize_t readSome(int fd, char *buffer, std::size_t room) {
     return count;
 }
 
+std::optional<std::string> readToEnd(int fd) {
+    struct stat status {};
+    if (::fstat(fd, &status) != 0) {
+        return std::nullopt;
+    }
+    // One byte more than a file holds, so that its end is met without growing the buffer. The size
+    // is a hint only: files in /proc say 0, and a log file may grow while it is read.
+    constexpr std::size_t kSmallestRead = 4096;
+    std::string bytes(std::max(static_cast<std::size_t>(status.st_size) + 1, kSmallestRead), '\0');
+    std::size_t length = 0;
+    ssize_t count = 0;
+    while ((count = readSome(fd, bytes.data() + length, bytes.size() - length)) > 0) {
+        length += static_cast<std::size_t>(count);
+        if (length == bytes.size()) {
+            bytes.resize(2 * bytes.size());
+        }
+    }
+    if (count < 0) {
+        return std::nullopt;
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
 std::size_t writeFully(int fd, std::string_view bytes) {
     std::size_t written = 0;
     while (written < bytes.size()) {

@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace quorbel {
@@ -19,6 +21,9 @@ UniqueFd openRegular(const std::filesystem::path &path, int flags, mode_t mode =
 
 /// As read(2), begun anew when a signal interrupts it.
 ssize_t readSome(int fd, char *buffer, std::size_t room);
+
+/// All that is left to read; nothing when reading fails.
+std::optional<std::string> readToEnd(int fd);
 
 /// How many of the bytes could be written: all of them, or as many as there were before an error.
 std::size_t writeFully(int fd, std::string_view bytes);

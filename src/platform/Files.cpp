@@ -61,31 +61,7 @@ bool isThere(const std::filesystem::path &file) {
 
 std::optional<std::string> readFile(const std::filesystem::path &file) {
     const UniqueFd input = openRegular(file, O_RDONLY);
-    struct stat status {};
-    if (!input.isOpen() || ::fstat(input.get(), &status) != 0) {
-        return std::nullopt;
-    }
-    // One byte more than the file holds, so that its end is met without growing the buffer. The
-    // size is a hint only: files in /proc say 0, and a log file may grow while it is read.
-    constexpr std::size_t kSmallestRead = 4096;
-    std::string bytes;
-    std::size_t length = 0;
-    bytes.resize(std::max(static_cast<std::size_t>(status.st_size) + 1, kSmallestRead));
-    while (true) {
-        if (length == bytes.size()) {
-            bytes.resize(2 * bytes.size());
-        }
-        const ssize_t count = readSome(input.get(), bytes.data() + length, bytes.size() - length);
-        if (count < 0) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        length += static_cast<std::size_t>(count);
-    }
-    bytes.resize(length);
-    return bytes;
+    return input.isOpen() ? readToEnd(input.get()) : std::nullopt;
 }
 
 bool replaceFile(const std::filesystem::path &file, std::string_view bytes, unsigned mode) {

@@ -42,15 +42,9 @@ void takeBack(const char *name) {
     ::sd_notify(0, text.c_str());
 }
 
+/// From its beginning: whoever wrote it has left off at its end.
 std::string contentOf(const UniqueFd &file) {
-    std::string content;
-    std::string block(std::size_t{64} * 1024, '\0');
-    ssize_t count = 0;
-    while ((count = ::pread(file.get(), block.data(), block.size(),
-                            static_cast<off_t>(content.size()))) > 0) {
-        content.append(block, 0, static_cast<std::size_t>(count));
-    }
-    return content;
+    return ::lseek(file.get(), 0, SEEK_SET) == 0 ? readToEnd(file.get()).value_or("") : "";
 }
 
 /// A number and the character behind it, off the front.
