@@ -3,6 +3,8 @@
 # access_test.sh POLICY QUORBELSRV BUS_PROBE. Needs root, because it becomes other users; 77 says
 # that it was skipped.
 set -eu
+# shellcheck source=tests/support/checks.sh
+source "$(dirname -- "$0")/../support/checks.sh"
 policy=$1 server=$2 probe=$3
 [ "$(id -u)" -eq 0 ] || { echo "Skipped: only root can act as other users."; exit 77; }
 command -v setpriv >/dev/null || { echo "Skipped: there is no setpriv here."; exit 77; }
@@ -19,7 +21,6 @@ trap clean_up EXIT
 chmod 755 "$scratch"
 cp -- "$server" "$scratch/QuorbelSrv"
 cp -- "$probe" "$scratch/bus_probe"
-failures=0
 
 # Users and groups that every Debian system has take the places of our own.
 service_user=daemon group=games readers=tape
@@ -38,11 +39,6 @@ wait_for() {
     echo "No \"$2\" in $1:"
     cat -- "$1"
     return 1
-}
-
-# check WHAT WANTED GOT
-check() {
-    [ "$2" = "$3" ] || { echo "FAILED: $1: wanted \"$2\", got \"$3\""; failures=$((failures + 1)); }
 }
 
 # start_bus POLICY: with the defaults of a system bus, and then the service.
@@ -125,15 +121,15 @@ reply='There is no such command'
 
 start_bus "$policy"
 answer=$("${root[@]}" "$scratch/bus_probe" command) || true
-check "root is answered" "$reply" "$answer"
-check "a member sends commands" "$reply" "$("${member[@]}" "$scratch/bus_probe" command || true)"
-check "others send none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
-check "readers send none" "$denied" "$("${reader[@]}" "$scratch/bus_probe" command || true)"
+check_equal "root is answered" "$reply" "$answer"
+check_equal "a member sends commands" "$reply" "$("${member[@]}" "$scratch/bus_probe" command || true)"
+check_equal "others send none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
+check_equal "readers send none" "$denied" "$("${reader[@]}" "$scratch/bus_probe" command || true)"
 for user in member reader outsider root; do
     declare -n who=$user
-    check "$user takes no name" "$denied" "$("${who[@]}" "$scratch/bus_probe" own || true)"
+    check_equal "$user takes no name" "$denied" "$("${who[@]}" "$scratch/bus_probe" own || true)"
 done
-check "only members, readers and root hear notifications" \
+check_equal "only members, readers and root hear notifications" \
     "outsider 0 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 
@@ -141,10 +137,9 @@ stop_bus
 sed -e 's/<deny send_destination/<allow send_destination/' \
     -e 's/<deny receive_sender/<allow receive_sender/' "$policy" >"$scratch/open.conf"
 start_bus "$scratch/open.conf"
-check "others send with an open policy" "$reply" \
+check_equal "others send with an open policy" "$reply" \
     "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
-check "others hear with an open policy" "outsider 1 reader 1 member 1 root 1 " "$(hear)"
+check_equal "others hear with an open policy" "outsider 1 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 
-[ "$failures" -eq 0 ] && echo "All checks passed."
-exit "$((failures > 0))"
+end_checks

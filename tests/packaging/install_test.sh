@@ -2,22 +2,11 @@
 # What an installation puts in place, and whether the system's own tools take it:
 # install_test.sh BUILD
 set -eu
+# shellcheck source=tests/support/checks.sh
+source "$(dirname -- "$0")/../support/checks.sh"
 build=$1
 root=$(mktemp -d)
 trap 'rm -rf -- "$root"' EXIT
-failures=0
-
-check() { # check WHAT COMMAND...
-    local what=$1
-    shift
-    "$@" || { echo "FAILED: $what"; failures=$((failures + 1)); }
-}
-# quietly COMMAND...: its output only when it fails.
-# shellcheck disable=SC2317  # check() calls it
-quietly() {
-    local output
-    output=$("$@" 2>&1) || { echo "$output"; return 1; }
-}
 
 prefix=$(sed -n 's/^CMAKE_INSTALL_PREFIX:PATH=//p' "$build/CMakeCache.txt")
 policies=/etc/dbus-1/system.d
@@ -138,5 +127,4 @@ if [ "$(id -u)" -eq 0 ]; then
     check "the folder above it is root's" test "$(stat -c '%a %u' "$root/Library")" = "755 0"
 fi
 
-[ "$failures" -eq 0 ] && echo "All checks passed."
-exit "$((failures > 0))"
+end_checks

@@ -1,22 +1,11 @@
 #!/usr/bin/env bash
 # The Debian packages that are made of a build: packages_test.sh PROJECT BUILD
 set -eu
+# shellcheck source=tests/support/checks.sh
+source "$(dirname -- "$0")/../support/checks.sh"
 project=$1 build=$2
 scratch=$(mktemp -d)
 trap 'rm -rf -- "$scratch"' EXIT
-failures=0
-
-check() { # check WHAT COMMAND...
-    local what=$1
-    shift
-    "$@" || { echo "FAILED: $what"; failures=$((failures + 1)); }
-}
-# quietly COMMAND...: its output only when it fails.
-# shellcheck disable=SC2317  # check() calls it
-quietly() {
-    local output
-    output=$("$@" 2>&1) || { echo "$output"; return 1; }
-}
 
 check "they are made, and twice the same" quietly "$project/tools/packages" --from "$build" \
     --twice --version 7.5 --output "$scratch"
@@ -70,5 +59,4 @@ if [ -e "${overrides[0]}" ]; then
     check "each exception is explained" test -z "$(unexplained)"
 fi
 
-[ "$failures" -eq 0 ] && echo "All checks passed."
-exit "$((failures > 0))"
+end_checks

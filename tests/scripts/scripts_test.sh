@@ -1,18 +1,10 @@
 #!/usr/bin/env bash
 # The project's scripts as far as they go without installing or building: scripts_test.sh PROJECT
 set -u
+# shellcheck source=tests/support/checks.sh
+source "$(dirname -- "$0")/../support/checks.sh"
 cd /
 project=$1
-failures=0
-
-check() { # check WHAT COMMAND...
-    local what=$1
-    shift
-    if ! "$@"; then
-        echo "FAILED: $what"
-        failures=$((failures + 1))
-    fi
-}
 
 # shellcheck disable=SC2317  # check() calls it
 # gives STATUS PATTERN COMMAND...: ends with the status and prints a line that matches.
@@ -106,5 +98,4 @@ odd_suites() {
 check "test programs are named after their folder: $(odd_programs)" test -z "$(odd_programs)"
 check "suites end in Test: $(odd_suites)" test -z "$(odd_suites)"
 
-[ "$failures" -eq 0 ] && echo "All checks passed."
-exit "$((failures > 0))"
+end_checks
