@@ -9,6 +9,7 @@
 #include "events/ScanView.h"
 #include "platform/Files.h"
 #include "platform/gui/Storyboard.h"
+#include "support/NoHomePage.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -28,13 +29,6 @@
 
 namespace quorbel::bench {
 namespace {
-
-class NoHomePage : public HomePageLink {
-public:
-    [[nodiscard]] bool isOnScreen() const override { return false; }
-    void setEventsStatus() override {}
-    [[nodiscard]] int severityStatus() const override { return 0; }
-};
 
 /// Over how long a time a million events spread.
 struct Spread {
@@ -90,7 +84,7 @@ public:
     AppDelegate delegate;
     Storyboard storyboard;
     ScanView page;
-    NoHomePage home;
+    testing::NoHomePage home;
     EventIntake intake;
 };
 

@@ -7,6 +7,7 @@
 #include "core/PageLinks.h"
 #include "platform/gui/Sheet.h"
 #include "platform/gui/Storyboard.h"
+#include "support/ConfigurationFolder.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -29,23 +30,9 @@ public:
     bool hideButtons = false;
 };
 
-/// The user's preferences are those of a temporary folder while the object lives.
-class PreferencesFolder {
-public:
-    PreferencesFolder() { qputenv("XDG_CONFIG_HOME", m_folder.path().c_str()); }
-    ~PreferencesFolder() { qunsetenv("XDG_CONFIG_HOME"); }
-    PreferencesFolder(const PreferencesFolder &) = delete;
-    PreferencesFolder &operator=(const PreferencesFolder &) = delete;
-
-    void write(std::string_view lines) const { m_folder.write("Quorbel.ini", lines); }
-
-private:
-    TemporaryFolder m_folder;
-};
-
 /// A storyboard with the popup and a stand-in for the details sheet, and a list for its events.
 struct AlertFixture {
-    PreferencesFolder preferences;
+    ConfigurationFolder preferences;
     Storyboard storyboard;
     EventList list;
 

@@ -99,7 +99,7 @@ private Q_SLOTS:
         QFETCH(const QString, priority);
         QFETCH(const int, level);
         AlertFixture it;
-        it.preferences.write(preferences.toStdString());
+        it.preferences.write("Quorbel.ini", preferences.toStdString());
         const auto window = it.popup(it.event(priority.toStdString()));
         QCOMPARE(window->contentView().level(), level);
     }
@@ -118,7 +118,7 @@ private Q_SLOTS:
         QFETCH(const QString, image);
         QFETCH(const QColor, colour);
         AlertFixture it;
-        it.preferences.write("severityAlerting=" + std::to_string(level) + "\n");
+        it.preferences.write("Quorbel.ini", "severityAlerting=" + std::to_string(level) + "\n");
         const auto window = it.popup(it.event("Kern.Alert"));
         window->contentView().setDetails();
 

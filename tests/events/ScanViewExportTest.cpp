@@ -1,5 +1,6 @@
 #include "events/ScanViewFixture.h"
 #include "platform/gui/ProgressWindow.h"
+#include "support/ConfigurationFolder.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -258,8 +259,7 @@ private:
 
 int main(int argc, char **argv) {
     // Where file dialogs keep their history.
-    const quorbel::testing::TemporaryFolder configuration;
-    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(configuration.path().string()));
+    const quorbel::testing::ConfigurationFolder configuration;
     const QApplication application(argc, argv);
     quorbel::ScanViewExportTest test;
     return QTest::qExec(&test, argc, argv);

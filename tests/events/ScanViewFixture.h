@@ -5,8 +5,9 @@
 #include "core/AppState.h"
 #include "events/ScanView.h"
 #include "events/ScanViewEvent.h"
-#include "platform/ScopedVariable.h"
 #include "platform/gui/Storyboard.h"
+#include "support/ConfigurationFolder.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 #include "support/WindowStandIn.h"
 
@@ -42,10 +43,8 @@ protected:
 
     // A page that was never shown, with the default levels and a fixed date format.
     void makePage() {
-        m_configurationFolder.reset();
-        m_configuration = std::make_unique<TemporaryFolder>();
-        m_configurationFolder =
-            std::make_unique<ScopedVariable>("XDG_CONFIG_HOME", m_configuration->path().string());
+        m_configuration.reset();
+        m_configuration = std::make_unique<ConfigurationFolder>();
         makeNextPage();
     }
     // The page of the same user's next start.
@@ -111,8 +110,7 @@ protected:
     }
 
     // What the user makes of the columns is remembered here.
-    std::unique_ptr<TemporaryFolder> m_configuration;
-    std::unique_ptr<ScopedVariable> m_configurationFolder;
+    std::unique_ptr<ConfigurationFolder> m_configuration;
     WindowStandIn m_window;
     Storyboard m_storyboard;
     std::unique_ptr<AppDelegate> m_delegate;

@@ -3,6 +3,7 @@
 #include "core/EventIntake.h"
 #include "events/ScanViewFixture.h"
 #include "platform/DateFormat.h"
+#include "support/NoHomePage.h"
 
 #include <QHeaderView>
 #include <QLabel>
@@ -18,13 +19,6 @@ namespace quorbel {
 using namespace testing;
 
 namespace {
-
-class NoHomePage : public HomePageLink {
-public:
-    [[nodiscard]] bool isOnScreen() const override { return false; }
-    void setEventsStatus() override {}
-    [[nodiscard]] int severityStatus() const override { return 0; }
-};
 
 /// What the list is to hold, done at once and one by one.
 class PlainPage {
@@ -193,7 +187,7 @@ private:
     }
 
     std::unique_ptr<EventIntake> m_intake;
-    NoHomePage m_home;
+    testing::NoHomePage m_home;
     std::mt19937 m_random{11};
     PlainPage m_plain;
     std::int64_t m_counted = 0;

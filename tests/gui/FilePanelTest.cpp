@@ -1,4 +1,5 @@
 #include "platform/gui/FilePanel.h"
+#include "support/ConfigurationFolder.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -399,8 +400,7 @@ private:
 
 int main(int argc, char **argv) {
     // Where file dialogs keep their history.
-    const quorbel::testing::TemporaryFolder configuration;
-    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(configuration.path().string()));
+    const quorbel::testing::ConfigurationFolder configuration;
     const QApplication application(argc, argv);
     quorbel::FilePanelTest test;
     return QTest::qExec(&test, argc, argv);

@@ -1,5 +1,5 @@
 #include "platform/Files.h"
-#include "platform/ScopedVariable.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

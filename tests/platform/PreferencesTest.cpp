@@ -1,5 +1,6 @@
 #include "platform/Preferences.h"
-#include "platform/ScopedVariable.h"
+#include "support/ConfigurationFolder.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 namespace quorbel {
 namespace {
 
+using testing::ConfigurationFolder;
 using ::testing::Optional;
 using testing::ScopedVariable;
 using testing::TemporaryFolder;
@@ -19,8 +21,7 @@ class PreferencesTest : public ::testing::Test {
 protected:
     void store(std::string_view text) { m_folder.write("Quorbel.ini", text); }
 
-    TemporaryFolder m_folder;
-    ScopedVariable m_variable{"XDG_CONFIG_HOME", m_folder.path().string()};
+    ConfigurationFolder m_folder;
 };
 
 TEST_F(PreferencesTest, ReadsTexts) {

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "core/AppDelegate.h"
-#include "platform/ScopedVariable.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "reports/ReportsView.h"
+#include "support/ConfigurationFolder.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
 #include <QAbstractButton>
@@ -34,9 +35,7 @@ protected:
         dropPage();
         m_folder = std::make_unique<TemporaryFolder>();
         m_library = std::make_unique<ScopedVariable>("QUORBEL_LIBRARY", m_folder->path().c_str());
-        m_configuration = std::make_unique<TemporaryFolder>();
-        m_configurationFolder =
-            std::make_unique<ScopedVariable>("XDG_CONFIG_HOME", m_configuration->path().string());
+        m_configuration = std::make_unique<ConfigurationFolder>();
         makeNextPage();
     }
     // The page of the same user's next start.
@@ -52,7 +51,6 @@ protected:
         m_page.reset();
         m_delegate.reset();
         m_library.reset();
-        m_configurationFolder.reset();
         m_configuration.reset();
         m_folder.reset();
     }
@@ -169,8 +167,7 @@ protected:
 
     std::unique_ptr<TemporaryFolder> m_folder;
     std::unique_ptr<ScopedVariable> m_library;
-    std::unique_ptr<TemporaryFolder> m_configuration;
-    std::unique_ptr<ScopedVariable> m_configurationFolder;
+    std::unique_ptr<ConfigurationFolder> m_configuration;
     std::unique_ptr<AppDelegate> m_delegate;
     std::unique_ptr<ReportsView> m_page;
 };

@@ -1,5 +1,5 @@
-#include "platform/ScopedVariable.h"
 #include "support/FrontEnd.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
 #include <QAction>

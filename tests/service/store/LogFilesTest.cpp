@@ -1,8 +1,8 @@
 #include "common/LogReader.h"
 #include "platform/Files.h"
-#include "platform/ScopedVariable.h"
 #include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
+#include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
 #include <fcntl.h>
