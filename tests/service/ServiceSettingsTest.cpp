@@ -348,7 +348,7 @@ TEST_F(ServiceSettingsTest, SetsTheEventsOfActionsAndHoldsThemBackInAStorm) {
         service->journal(),
         AllOf(
             HasSubstr(
-                "too many matches; held back in the last minute: 0 commands, 0 e-mails, 21 events"),
+                "too many matches; held back in the last minute: commands 0, e-mails 0, events 21"),
             HasSubstr("Received 31, malformed 0, stored 41, "),
             HasSubstr("events set 10, actions held back 21, ")));
 }
@@ -377,7 +377,7 @@ TEST_F(ServiceSettingsTest, SendsTheEmailsOfActions) {
                                          HasSubstr("disk " + std::to_string(i))));
     }
     EXPECT_EQ(service->terminate(), 0);
-    EXPECT_THAT(service->journal(), HasSubstr("0 commands, 3 e-mails, 0 events"));
+    EXPECT_THAT(service->journal(), HasSubstr("commands 0, e-mails 3, events 0"));
 }
 
 TEST_F(ServiceSettingsTest, EndsCommandsThatRunWhenItEnds) {
@@ -400,7 +400,7 @@ TEST_F(ServiceSettingsTest, EndsCommandsThatRunWhenItEnds) {
     EXPECT_THAT(
         service->journal(),
         AllOf(HasSubstr("the command was stopped because the service is stopping"),
-              HasSubstr("2 commands of actions were not run because the service is stopping"),
+              HasSubstr("The service is stopping; commands of actions that were not run: 2"),
               HasSubstr("commands run 4, commands not run 2, ")));
     for (const pid_t id : ids()) {
         EXPECT_EQ(::kill(id, 0), -1);

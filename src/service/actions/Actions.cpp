@@ -253,10 +253,9 @@ void Actions::report(Clock::time_point now) {
         const std::uint64_t mails = takeDue(action->mailGuard);
         const std::uint64_t events = takeDue(action->eventGuard);
         if (commands + mails + events > 0) {
-            sayOf(action->name,
-                  "too many matches; held back in the last minute: " + std::to_string(commands) +
-                      " commands, " + std::to_string(mails) + " e-mails, " +
-                      std::to_string(events) + " events");
+            sayOf(action->name, "too many matches; held back in the last minute: commands " +
+                                    std::to_string(commands) + ", e-mails " +
+                                    std::to_string(mails) + ", events " + std::to_string(events));
         }
         for (const StormGuard *guard : action->guards()) {
             noteReportTime(*guard);

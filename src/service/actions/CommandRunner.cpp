@@ -170,8 +170,8 @@ void CommandRunner::stop() {
     m_notStarted += givenUp;
     if (givenUp > 0) {
         say(JournalLevel::kWarning,
-            std::to_string(givenUp) +
-                " commands of actions were not run because the service is stopping");
+            "The service is stopping; commands of actions that were not run: " +
+                std::to_string(givenUp));
     }
     eventfd_write(m_stopSignal.get(), 1);
     m_wake.notifyAll();

@@ -239,11 +239,12 @@ TEST_F(ActionsTest, HoldBackWhatComesTooOften) {
     ASSERT_EQ(actions.reportTime(), now + seconds(60));
 
     EXPECT_EQ(journalOf([this] { actions.report(now + seconds(59)); }), "");
-    EXPECT_EQ(journalOf([this] { actions.report(now + seconds(60)); }),
-              "<4>Action \"test\": too many matches; held back in the last minute: 15 commands, 20 "
-              "e-mails, 15 events\n"
-              "<4>Action \"test\": too many matches; held back in the last minute: 15 commands, 0 "
-              "e-mails, 0 events\n");
+    EXPECT_EQ(
+        journalOf([this] { actions.report(now + seconds(60)); }),
+        "<4>Action \"test\": too many matches; held back in the last minute: commands 15, e-mails "
+        "20, events 15\n"
+        "<4>Action \"test\": too many matches; held back in the last minute: commands 15, e-mails "
+        "0, events 0\n");
     EXPECT_FALSE(actions.reportTime());
     EXPECT_EQ(counters.heldBack, 15U + 20 + 15 + 15);
     ASSERT_EQ(mails.size(), Actions::kMailsPerMinute + 1);
@@ -266,11 +267,12 @@ TEST_F(ActionsTest, TellOfAMinuteBeforeTheNextBegins) {
         }
     });
     EXPECT_EQ(commands.size(), 3 * Actions::kCommandsPerMinute);
-    EXPECT_EQ(journal,
-              "<4>Action \"test\": too many matches; held back in the last minute: 50 commands, 0 "
-              "e-mails, 0 events\n"
-              "<4>Action \"test\": too many matches; held back in the last minute: 50 commands, 0 "
-              "e-mails, 0 events\n");
+    EXPECT_EQ(
+        journal,
+        "<4>Action \"test\": too many matches; held back in the last minute: commands 50, e-mails "
+        "0, events 0\n"
+        "<4>Action \"test\": too many matches; held back in the last minute: commands 50, e-mails "
+        "0, events 0\n");
     EXPECT_EQ(counters.heldBack, 100U);
 }
 
@@ -286,7 +288,7 @@ TEST_F(ActionsTest, KeepTheirCountsWhenOtherSettingsChange) {
     const std::string journal = journalOf([this] {
         configure({action("runCommand", {{"Command", "false"}})});
     });
-    EXPECT_THAT(journal, HasSubstr("too many matches; held back in the last minute: 1 commands"));
+    EXPECT_THAT(journal, HasSubstr("too many matches; held back in the last minute: commands 1,"));
     receive();
     EXPECT_EQ(commands.back().program, "false");
 }
