@@ -21,6 +21,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -266,6 +267,58 @@ bool benchExporting(const std::filesystem::path &folder) {
     return reached;
 }
 
+/// Hands events to the intake in slices as long as the program's; the longest turn.
+double arrive(Fixture &fixture, std::uint64_t count, double spacing) {
+    constexpr std::chrono::milliseconds kSlice{8};
+    double longest = 0;
+    for (std::uint64_t number = 0; number < count;) {
+        const Stopwatch turn;
+        const auto end = std::chrono::steady_clock::now() + kSlice;
+        for (; number < count && std::chrono::steady_clock::now() < end; ++number) {
+            const std::string line = sampleLine(number, spacing);
+            const auto fields = splitLogLine(line);
+            fixture.intake.setNotification(
+                {fields->date, fields->priority, fields->host, fields->message, {}});
+        }
+        QApplication::processEvents();
+        longest = std::max(longest, turn.seconds());
+    }
+    return longest;
+}
+
+/// A million events that arrive while the list is held, and their way into it afterwards.
+bool benchHolding(const std::filesystem::path &folder, const Spread &spread) {
+    constexpr std::uint64_t kEvents = 1'000'000;
+    writeSampleLog(folder / "sample.log", 1'000'000, spread.spacing);
+    Fixture direct;
+    direct.load();
+    direct.show();
+    const Stopwatch arriving;
+    arrive(direct, kEvents, spread.spacing);
+    const double arrival = arriving.seconds();
+
+    Fixture fixture;
+    fixture.load();
+    fixture.show();
+    auto *button = fixture.page.findChild<QPushButton *>(QStringLiteral("holdEvents"));
+    button->click();
+    double longest = arrive(fixture, kEvents, spread.spacing);
+    const Stopwatch releasing;
+    button->click();
+    while (fixture.delegate.hold.delays()) {
+        const Stopwatch turn;
+        QApplication::processEvents();
+        longest = std::max(longest, turn.seconds());
+    }
+    const double release = releasing.seconds();
+    const std::string over = ", " + std::string(spread.name);
+    bool reached = fixture.delegate.events.size() == direct.delegate.events.size();
+    reached &= report("releasing 1 million held events, times their arrival" + over,
+                      release / arrival, "of the time", true, 1);
+    reached &= report("longest turn while held and released" + over, longest, "s", true, 0.1);
+    return reached;
+}
+
 int run(const std::filesystem::path &folder, const std::string &part) {
     setenv("QUORBEL_LIBRARY", folder.c_str(), 1);                    // NOLINT
     setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);  // NOLINT
@@ -286,6 +339,9 @@ int run(const std::filesystem::path &folder, const std::string &part) {
             reached &= benchDeleting(folder, spread, true);
         }
     }
+    if (part.empty() || part == "hold") {
+        reached &= benchHolding(folder, kDay);
+    }
     if (part.empty() || part == "export") {
         reached &= benchExporting(folder);
     }
@@ -298,7 +354,8 @@ int run(const std::filesystem::path &folder, const std::string &part) {
 int main(int argc, char **argv) {
     const QApplication application(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s EMPTY-FOLDER [load|show|remove|delete|export]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s EMPTY-FOLDER [load|show|remove|delete|hold|export]\n",
+                     argv[0]);
         return 2;
     }
     return quorbel::bench::run(argv[1], argc > 2 ? argv[2] : "");
