@@ -42,12 +42,10 @@ private:
     };
     enum class Form { kRow, kLines };
 
-    void paintUpTo(qsizetype end, Form form, QString &result);
     void paintCharacter(Form form, QString &result);
     void substitute(const QString &painted, qsizetype takenLength, QString &result);
     [[nodiscard]] char32_t codeAt(qsizetype position) const;
     [[nodiscard]] char32_t codeBefore(qsizetype position) const;
-    [[nodiscard]] qsizetype endOfPart(qsizetype longest) const;
     [[nodiscard]] qsizetype originalPosition(qsizetype painted, bool isEnd) const;
 
     QString m_text;
