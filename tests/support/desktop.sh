@@ -17,11 +17,15 @@ desktop_folder=$(mktemp -d)
 trap 'rm -rf -- "$desktop_folder"' EXIT
 
 # on_desktop SIZE LEFT BOTTOM COMMAND...: with panels of so many pixels at two edges, as far as
-# windows are concerned.
+# windows are concerned. Their titles have $QUORBEL_TEST_TITLE_SIZE points.
 on_desktop() {
-    local size=$1
+    local size=$1 title="<name>sans</name><size>${QUORBEL_TEST_TITLE_SIZE:-9}</size>"
     cat >"$desktop_folder/openbox.xml" <<END
 <openbox_config xmlns="http://openbox.org/3.4/rc">
+  <theme>
+    <font place="ActiveWindow">$title</font>
+    <font place="InactiveWindow">$title</font>
+  </theme>
   <margins><top>0</top><bottom>$3</bottom><left>$2</left><right>0</right></margins>
 </openbox_config>
 END
