@@ -1,6 +1,7 @@
 #include "platform/bus/BusNames.h"
 #include "platform/bus/CommandDelivery.h"
 #include "platform/bus/CommandSender.h"
+#include "platform/bus/SdBus.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
 
@@ -78,6 +79,14 @@ private:
     std::vector<std::string> m_replies;
     std::set<std::thread::id> m_threads;
 };
+
+/// Takes about as long as sending a command, however busy the machine is.
+void askTheBus() {
+    const bus::BusPointer connection = bus::openSystemBus();
+    EXPECT_GE(sd_bus_call_method(connection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                 "org.freedesktop.DBus", "GetId", nullptr, nullptr, ""),
+              0);
+}
 
 class BusCommandSenderTest : public ::testing::Test {
 protected:
@@ -341,6 +350,10 @@ TEST_F(BusCommandSenderTest, TheEndLosesNothingWhileTheServiceStarts) {
     }
     std::thread end([&sender] { sender.reset(); });
     ASSERT_TRUE(waitUntil([this] { return m_bus.hasStarted(bus::kServiceName); }));
+    // By then all is sent, and an end that did not wait for the service would be over.
+    for (int i = 0; i < 10 * kCount; ++i) {
+        askTheBus();
+    }
     const ServiceStandIn service;
     end.join();
     EXPECT_EQ(service.waitForCommands(kCount), expected);
