@@ -32,6 +32,20 @@ TEST(KeyedArchiveLimitsTest, LimitsDepth) {
     EXPECT_TRUE(std::holds_alternative<ArchiveError>(readKeyedArchive(nested(20000))));
 }
 
+/// An object of many fields, through which one looks for its class, named as many times.
+std::string slow() {
+    constexpr int kMany = 20000;
+    Node fields = plist_new_dict();
+    Node names = plist_new_array();
+    for (int number = 0; number < kMany; ++number) {
+        plist_dict_set_item(fields, std::to_string(number).c_str(), boolean(true));
+        plist_array_append_item(names, uid(2));
+    }
+    plist_dict_set_item(fields, "$class", uid(4));
+    return archiveOf({instance(3, {{"NS.objects", names}}), fields,
+                      classEntry({"NSArray", "NSObject"}), classEntry({"NSNull", "NSObject"})});
+}
+
 TEST(KeyedArchiveLimitsTest, LimitsWhatSharingUnfoldsTo) {
     // Forty levels of arrays, each of which names the next one ten times.
     Nodes wide;
@@ -51,7 +65,7 @@ TEST(KeyedArchiveLimitsTest, LimitsWhatSharingUnfoldsTo) {
     }
     const Nodes heavy{instance(3, {{"NS.objects", names}}), text(big.c_str()),
                       classEntry({"NSArray", "NSObject"})};
-    for (const std::string &bytes : {archiveOf(wide), archiveOf(heavy)}) {
+    for (const std::string &bytes : {archiveOf(wide), archiveOf(heavy), slow()}) {
         const std::clock_t start = std::clock();
         const AllocationMeter meter;
         EXPECT_TRUE(std::holds_alternative<ArchiveError>(readKeyedArchive(bytes)));
