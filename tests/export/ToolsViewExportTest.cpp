@@ -309,6 +309,24 @@ private Q_SLOTS:
                  chosen);
     }
 
+    void browseOffersANameWhereThereIsNone_data() {
+        QTest::addColumn<QByteArray>("kind");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("text") << QByteArray("text") << u"Quorbel events.txt"_s;
+        QTest::newRow("database") << QByteArray("database") << u"Quorbel events.db"_s;
+    }
+    void browseOffersANameWhereThereIsNone() {
+        QFETCH(QByteArray, kind);
+        QFETCH(QString, name);
+        show(document(0, 0, kNone, kNone));
+        m_page->click("exportText");
+        m_page->click("exportDatabase");
+        openPanel(kind + "Browse");
+        QCOMPARE(panel()->findChild<QLineEdit *>(u"fileNameEdit"_s)->text(), name);
+        press(QDialogButtonBox::Cancel);
+        QCOMPARE(m_page->text(kind + "Location"), QString());
+    }
+
     void cancelDropsTheChanges() {
         const Dictionary stored = document(10, 60, "/t.txt", "/d.db");
         show(stored);
