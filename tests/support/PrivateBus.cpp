@@ -137,7 +137,7 @@ void PrivateBus::stop() {
 
 void PrivateBus::startOnDemand(const std::string &name) {
     const std::string mark = (m_folder.path() / (name + ".started")).string();
-    const std::string wait = "/bin/sh -c ': > " + mark + "; exec sleep 30'";
+    const std::string wait = "/bin/sh -c ': > " + mark + "; exec sleep 30 >/dev/null 2>&1'";
     m_folder.write(std::string(kServiceFolder) + "/" + name + ".service",
                    "[D-BUS Service]\nName=" + name + "\nExec=" + wait + "\nUser=root\n");
 }
