@@ -1,11 +1,12 @@
 #include "service/mail/SmtpDelivery.h"
 
+#include "platform/Number.h"
+
 #include <curl/curl.h>
 #include <openssl/ssl.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -57,12 +58,11 @@ void Exchange::gotLine(std::string_view line) {
     constexpr std::size_t kCodeLength = 3;
     constexpr std::size_t kLongestAnswer = 300;
     line = line.substr(0, line.find_first_of("\r\n"));
-    int code = 0;
-    std::from_chars(line.data(), line.data() + std::min(line.size(), kCodeLength), code);
-    if (code < 400 || code > 599 || line.size() < kCodeLength) {
+    const auto code = readNumber<int>(line.substr(0, kCodeLength));
+    if (!code || *code < 400 || *code > 599) {
         return;
     }
-    answerCode = code;
+    answerCode = *code;
     answer += answer.empty() ? line.substr(0, kCodeLength) : "";
     answer += ' ';
     answer += line.substr(std::min(line.size(), kCodeLength + 1));
