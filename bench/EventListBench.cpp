@@ -21,7 +21,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -139,26 +138,36 @@ struct Removal {
     double longestStall = 0;
 };
 
-/// Announces events as removed, the oldest ones as the service's retention does, in slices as
-/// long as the program's.
-Removal removeOldest(Fixture &fixture, std::uint64_t first, std::uint64_t end, double spacing) {
+/// Calls `handle(number)` for each of the numbers, in slices as long as the program's, between
+/// which the window's events are handled. The longest turn.
+template <typename Handle>
+double inSlices(std::uint64_t first, std::uint64_t end, const Handle &handle) {
     constexpr double kSlice = 0.008;
+    double longest = 0;
+    for (std::uint64_t number = first; number < end;) {
+        const Stopwatch turn;
+        for (; number < end && turn.seconds() < kSlice; ++number) {
+            handle(number);
+        }
+        QApplication::processEvents();
+        longest = std::max(longest, turn.seconds());
+    }
+    return longest;
+}
+
+/// Announces events as removed, the oldest ones as the service's retention does.
+Removal removeOldest(Fixture &fixture, std::uint64_t first, std::uint64_t end, double spacing) {
     std::vector<std::string> lines;
     for (std::uint64_t number = first; number < end; ++number) {
         lines.push_back(sampleLine(number, spacing));
     }
     Removal removal;
     const Stopwatch watch;
-    for (auto line = lines.begin(); line != lines.end();) {
-        const Stopwatch slice;
-        while (line != lines.end() && slice.seconds() < kSlice) {
-            const auto fields = splitLogLine(*line++);
-            fixture.intake.removeNotification(
-                {fields->date, fields->priority, fields->host, fields->message, {}});
-        }
-        QApplication::processEvents();
-        removal.longestStall = std::max(removal.longestStall, slice.seconds());
-    }
+    removal.longestStall = inSlices(0, lines.size(), [&](std::uint64_t number) {
+        const auto fields = splitLogLine(lines[number]);
+        fixture.intake.removeNotification(
+            {fields->date, fields->priority, fields->host, fields->message, {}});
+    });
     removal.seconds = watch.seconds();
     return removal;
 }
@@ -267,23 +276,14 @@ bool benchExporting(const std::filesystem::path &folder) {
     return reached;
 }
 
-/// Hands events to the intake in slices as long as the program's; the longest turn.
+/// Hands events to the intake; the longest turn.
 double arrive(Fixture &fixture, std::uint64_t count, double spacing) {
-    constexpr std::chrono::milliseconds kSlice{8};
-    double longest = 0;
-    for (std::uint64_t number = 0; number < count;) {
-        const Stopwatch turn;
-        const auto end = std::chrono::steady_clock::now() + kSlice;
-        for (; number < count && std::chrono::steady_clock::now() < end; ++number) {
-            const std::string line = sampleLine(number, spacing);
-            const auto fields = splitLogLine(line);
-            fixture.intake.setNotification(
-                {fields->date, fields->priority, fields->host, fields->message, {}});
-        }
-        QApplication::processEvents();
-        longest = std::max(longest, turn.seconds());
-    }
-    return longest;
+    return inSlices(0, count, [&](std::uint64_t number) {
+        const std::string line = sampleLine(number, spacing);
+        const auto fields = splitLogLine(line);
+        fixture.intake.setNotification(
+            {fields->date, fields->priority, fields->host, fields->message, {}});
+    });
 }
 
 /// A million events that arrive while the list is held, and their way into it afterwards.

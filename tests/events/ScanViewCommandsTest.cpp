@@ -41,6 +41,15 @@ class ScanViewCommandsTest : public QObject, private EventSheetFixture {
     void press(const QKeySequence &key) { QTest::keySequence(table(), key); }
     void pressCopyMessage() { press(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C)); }
     void selectAll() { press(QKeySequence::SelectAll); }
+    // Of more rows than a slice copies.
+    void startLongCopy() {
+        for (int i = 0; i < 100'000; ++i) {
+            add("text");
+        }
+        showActive();
+        selectAll();
+        press(QKeySequence::Copy);
+    }
     // What is there once a copy has ended; on a busy machine, any takes more than a slice.
     QString clipboard() {
         if (!QTest::qWaitFor([this] { return !rowCopy()->isRunning(); })) {
@@ -223,12 +232,7 @@ private Q_SLOTS:
     }
 
     void whatIsCopiedElsewhereMeanwhileStays() {
-        for (int i = 0; i < 100'000; ++i) {
-            add("text");
-        }
-        showActive();
-        selectAll();
-        press(QKeySequence::Copy);
+        startLongCopy();
         QVERIFY(rowCopy()->isRunning());
         QGuiApplication::clipboard()->setText(name("other"));
         QTRY_VERIFY(!rowCopy()->isRunning());
@@ -255,12 +259,7 @@ private Q_SLOTS:
     }
 
     void rowsThatChangeAtLargeEndTheCopy() {
-        for (int i = 0; i < 100'000; ++i) {
-            add("text");
-        }
-        showActive();
-        selectAll();
-        press(QKeySequence::Copy);
+        startLongCopy();
         QVERIFY(rowCopy()->isRunning());
         list().beginBulkInsert();
         list().endBulkInsert();
