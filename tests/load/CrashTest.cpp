@@ -5,6 +5,7 @@
 #include "load/LoadSender.h"
 #include "load/SoakForm.h"
 #include "service/ServiceFixture.h"
+#include "support/Seed.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -105,7 +106,7 @@ TEST_F(CrashTest, LosesNothingThatIsOlderThanAMoment) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizers' libraries must be loaded before any other";
 #endif
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = testing::seed();
     std::mt19937 random(seed);
     SCOPED_TRACE("seed " + std::to_string(seed));
     const int rounds = load::soakOr(100, 10);

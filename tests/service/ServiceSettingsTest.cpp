@@ -7,6 +7,7 @@
 #include "service/actions/CommandRunner.h"
 #include "service/store/LogFiles.h"
 #include "support/PrivateBus.h"
+#include "support/Seed.h"
 #include "support/SmtpStandIn.h"
 
 #include <arpa/inet.h>
@@ -155,7 +156,7 @@ TEST_F(ServiceSettingsTest, ReadsTheSettingsAtTheStartAndWhenAsked) {
 }
 
 TEST_F(ServiceSettingsTest, AKillAmidSavesLeavesTheOldSettingsOrTheNew) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = testing::seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     // Large enough that writing takes its time.

@@ -10,6 +10,7 @@
 #include "service/message/RecordWriter.h"
 #include "service/message/WrittenText.h"
 #include "service/store/LogStore.h"
+#include "support/Seed.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -178,7 +179,7 @@ struct RecordPropertyTest : ::testing::Test {
         EXPECT_EQ(next, read.size());
     }
 
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = testing::seed();
     Input input{seed};
     testing::TemporaryFolder folder;
     LogStore store{folder.path()};

@@ -1,6 +1,7 @@
 // Streams that are out of step: what their senders do, and what nobody can make of a text.
 
 #include "service/input/FrameSplitter.h"
+#include "support/Seed.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -316,7 +317,7 @@ private:
 };
 
 TEST(StreamStepTest, GivesTheSameFramesHoweverTheStreamIsCut) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = testing::seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     StreamMaker make(seed);
     for (int i = 0; i < 4'000 && !::testing::Test::HasFailure(); ++i) {
@@ -355,7 +356,7 @@ TEST(StreamStepTest, GivesTheSameFramesHoweverTheStreamIsCut) {
 // However a sender is wrong in some messages, those that it counts right and that do not follow a
 // wrong one are stored as they are, whatever stands in them.
 TEST(StreamStepTest, KeepsWhatIsCountedRight) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = testing::seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     StreamMaker make(seed);
     for (int i = 0; i < 2'000 && !::testing::Test::HasFailure(); ++i) {
