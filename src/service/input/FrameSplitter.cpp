@@ -197,18 +197,22 @@ FrameSplitter::Answer FrameSplitter::findBareCount(std::string_view rest) {
 }
 
 /// Goes from count to count until there is a header. What nobody has counted before is a line when
-/// its end comes first.
+/// its end comes first, which is looked for as far as a frame can reach.
 FrameSplitter::Answer FrameSplitter::followCounts(std::string_view rest) {
     const bool known = m_framing == Framing::kCounted;
     while (true) {
+        const bool far = m_counts > kMaxFrame;
         if (!known) {
-            const std::string_view within = rest.substr(0, m_counts + 1);
+            const std::string_view within = rest.substr(0, std::min(m_counts, kMaxFrame) + 1);
             m_searched = findEndOf(within, m_searched, false);
             if (m_searched < within.size()) {
                 return Answer::kNo;
             }
+            if (far && within.size() <= kMaxFrame && !m_ended) {
+                return Answer::kOpen;
+            }
         }
-        if (m_counts > kMaxFrame) {
+        if (far) {
             return m_links > 2 ? Answer::kYes : Answer::kNo;
         }
         while (known && m_counts < rest.size() && isLineEnd(rest[m_counts])) {

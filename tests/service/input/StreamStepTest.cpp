@@ -76,6 +76,7 @@ const std::vector<Case> &cases() {
         {"5 hello\n6 <13>ab", {"5 hello", "<13>ab"}},
         {"3 of 5 items\n<13>x\n", {"3 of 5 items", "<13>x"}},
         {"12 errors found\n", {"12 errors found"}},
+        {"1 12 <180805 x\n6 <13>ab", {"1 12 <180805 x", "<13>ab"}},
         // A count that is too small, by bytes of characters or otherwise.
         {"6 <13>\xC3\xA4x6 <13>cd", {"<13>\xC3\xA4", "~x", "<13>cd"}},
         {"6 <13>abc def6 <13>cd", {"<13>ab", "~c def", "<13>cd"}},
