@@ -67,11 +67,20 @@ std::optional<std::size_t> EventChunk::positionOf(EventId id) const {
     if (slot >= m_used || (m_present[word] & bit) == 0) {
         return std::nullopt;
     }
-    auto position = static_cast<std::size_t>(std::popcount(m_present[word] & (bit - 1)));
-    for (std::size_t i = 0; i < word; ++i) {
-        position += static_cast<std::size_t>(std::popcount(m_present[i]));
+    return countBefore(id);
+}
+
+std::size_t EventChunk::countBefore(EventId id) const {
+    const std::size_t slot = id <= m_first ? 0 : std::min(id - m_first, m_used);
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < slot / kWordBits; ++i) {
+        count += static_cast<std::size_t>(std::popcount(m_present[i]));
     }
-    return position;
+    if (const std::size_t rest = slot % kWordBits; rest > 0) {
+        const std::uint64_t below = (std::uint64_t{1} << rest) - 1;
+        count += static_cast<std::size_t>(std::popcount(m_present[slot / kWordBits] & below));
+    }
+    return count;
 }
 
 std::optional<std::string_view> EventChunk::message(const EventRecord &record) const {

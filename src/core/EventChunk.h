@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -44,7 +45,18 @@ public:
     EventChunk(EventId first, std::size_t expectedBytes);
 
     [[nodiscard]] EventId first() const { return m_first; }
+    /// One more than the largest id that an event of it has or had.
+    [[nodiscard]] EventId endOfIds() const { return m_first + m_used; }
     [[nodiscard]] EventId idAt(std::size_t position) const;
+    /// Calls `visit(id)` for the events from `position` on, one after the other, `count` of them.
+    template <typename Visit>
+    void visitIds(std::size_t position, std::size_t count, Visit visit) const;
+    [[nodiscard]] bool holds(EventId id) const {
+        const std::size_t slot = id - m_first;
+        return slot < m_used && (m_present[slot / 64] >> (slot % 64) & 1U) != 0;
+    }
+    /// How many of its events have smaller ids.
+    [[nodiscard]] std::size_t countBefore(EventId id) const;
     [[nodiscard]] std::optional<std::size_t> positionOf(EventId id) const;
     [[nodiscard]] std::size_t size() const { return m_records.size(); }
     [[nodiscard]] std::size_t messageBytes() const { return m_bytes.size(); }
@@ -57,6 +69,8 @@ public:
     }
     /// Valid until the chunk changes.
     [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
+    /// The bytes of all messages, in the order of the records, with others between them.
+    [[nodiscard]] std::string_view bytes() const { return {m_bytes.data(), m_bytes.size()}; }
 
     /// Adds the next event. Precondition: not full.
     EventRecord &append(const std::optional<std::string_view> &message);
@@ -111,5 +125,21 @@ private:
     bool m_hasIndex = false;
     HashIndex m_index;  // slots by the hash of their fields
 };
+
+template <typename Visit>
+void EventChunk::visitIds(std::size_t position, std::size_t count, Visit visit) const {
+    if (count == 0) {
+        return;
+    }
+    const EventId from = idAt(position);
+    std::size_t word = (from - m_first) / 64;
+    std::uint64_t bits = m_present[word] & (~std::uint64_t{0} << ((from - m_first) % 64));
+    for (; count > 0; --count, bits &= bits - 1) {
+        while (bits == 0) {
+            bits = m_present[++word];
+        }
+        visit(m_first + word * 64 + static_cast<std::size_t>(std::countr_zero(bits)));
+    }
+}
 
 }  // namespace quorbel

@@ -50,6 +50,7 @@ public:
     /// The id of a date format as the settings hold it.
     FormatId formatId(std::string_view setting);
     [[nodiscard]] const DateFormat &format(FormatId id) const { return *m_formats[id - 1].format; }
+    [[nodiscard]] std::string_view setting(FormatId id) const { return m_formats[id - 1].setting; }
 
     /// The minute of the local clock in which a date's moment is, as a number that no showing
     /// changes. Nothing when that cannot be said: of text, of odd moments, and once there was a

@@ -122,6 +122,7 @@ public:
 
 private:
     friend class Event;
+    friend class EventReader;
 
     /// Where a record is. Good until the next change.
     struct Place {

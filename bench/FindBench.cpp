@@ -1,0 +1,178 @@
+// Finding among two million events: the time until a result stands, beside ripgrep's over the same
+// log file.
+
+#include "Measure.h"
+#include "SampleLog.h"
+#include "common/LogReader.h"
+#include "core/ArrangedEvents.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace quorbel::bench {
+namespace {
+
+constexpr std::uint64_t kLines = 2'000'000;
+constexpr double kSpacing = 0.04;
+constexpr int kRounds = 5;
+
+struct Search {
+    double seconds = 1e9;
+    double longestSlice = 0;
+    std::size_t found = 0;
+};
+
+/// Searches in slices as long as the window's, after `before`.
+Search timeOf(ArrangedEvents &events, const EventFilter &before, const EventFilter &filter) {
+    Search best;
+    for (int round = 0; round < kRounds; ++round) {
+        events.setFilter(before);
+        events.search([] { return false; });
+        double longest = 0;
+        const Stopwatch watch;
+        Stopwatch slice;
+        const auto endSlice = [&] {
+            longest = std::max(longest, slice.seconds());
+            slice = {};
+        };
+        events.setFilter(filter);
+        while (events.isSearching()) {
+            events.search([&] { return slice.seconds() > 0.008; });
+            endSlice();
+        }
+        endSlice();
+        best.seconds = std::min(best.seconds, watch.seconds());
+        best.longestSlice = std::max(best.longestSlice, longest);
+    }
+    best.found = events.size();
+    return best;
+}
+
+EventFilter textFilter(const std::string &text, bool isExpression = false) {
+    EventFilter filter;
+    filter.texts.push_back({{text, false, isExpression}, false});
+    return filter;
+}
+
+double bestOf(const std::string &command) {
+    double best = 1e9;
+    secondsOf(command);
+    for (int round = 0; round < kRounds; ++round) {
+        best = std::min(best, secondsOf(command));
+    }
+    return best;
+}
+
+void load(EventList &list, const std::filesystem::path &file) {
+    list.beginBulkInsert();
+    std::ifstream in(file);
+    for (std::string line; std::getline(in, line);) {
+        line += '\n';
+        const auto fields = splitLogLine(line);
+        list.insertRaw({fields->date, fields->priority, fields->host, fields->message, {}});
+    }
+    list.endBulkInsert();
+    AppState state;
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        state.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
+    }
+    state.newDateFormat = state.oldDateFormat = "yyyy-MM-dd HH:mm:ss";
+    list.show(state);
+}
+
+class FindBench {
+public:
+    FindBench(EventList &list, std::filesystem::path file)
+        : m_list(list), m_events(list), m_file(std::move(file)) {}
+
+    bool text(const std::string &text, bool isExpression) {
+        const double ripgrep =
+            bestOf(std::string(isExpression ? "rg -c -i '" : "rg -c -i -F '") + text + "' '" +
+                   m_file.string() + "' > /dev/null || [ $? = 1 ]");
+        const Search search = timeOf(m_events, {}, textFilter(text, isExpression));
+        std::printf("%s: %zu found in %.3f s, ripgrep %.3f s\n", text.c_str(), search.found,
+                    search.seconds, ripgrep);
+        bool reached = report("finding " + text, search.seconds / ripgrep, "of rg", true, 1);
+        reached &= report("longest slice meanwhile", search.longestSlice, "s", true, 0.05);
+        return reached;
+    }
+    bool narrowed(const std::string &before, const std::string &text) {
+        const Search search = timeOf(m_events, textFilter(before), textFilter(text));
+        return report("one more letter, " + text, search.seconds, "s", true, 0.05);
+    }
+    bool alone(const char *what, const EventFilter &filter) {
+        const Search search = timeOf(m_events, {}, filter);
+        std::printf("%s: %zu found\n", what, search.found);
+        bool reached = report(what, search.seconds, "s", true, 0.02);
+        reached &= report("longest slice meanwhile", search.longestSlice, "s", true, 0.05);
+        return reached;
+    }
+    bool arrivals() {
+        const double without = arrivalsTake({});
+        return report("an arrival with a filter, times one without",
+                      arrivalsTake(textFilter("sshd")) / without, "", true, 1.1);
+    }
+
+private:
+    double arrivalsTake(const EventFilter &filter) {
+        m_events.setFilter(filter);
+        m_events.search([] { return false; });
+        AppState state;
+        state.newDateFormat = "yyyy-MM-dd HH:mm:ss";
+        const Stopwatch watch;
+        for (int i = 0; i < 100'000; ++i) {
+            m_list.insertShown({"1767225600",
+                                "Kern.Warning",
+                                "10.0.0.1",
+                                "sshd[1]: Accepted publickey for operator from 10.20.1.7",
+                                {}},
+                               state);
+        }
+        return watch.seconds();
+    }
+
+    EventList &m_list;
+    ArrangedEvents m_events;
+    std::filesystem::path m_file;
+};
+
+int run(const std::filesystem::path &folder) {
+    const auto file = folder / "sample.log";
+    writeSampleLog(file, kLines, kSpacing);
+    EventList list;
+    load(list, file);
+    FindBench bench(list, file);
+    bool reached = bench.text("vlan120", false);
+    reached &= bench.text("0x7f0000ab", false);
+    reached &= bench.text("e", false);
+    reached &= bench.text("changed state 12[0-9]{3}", true);
+    reached &= bench.text("(accepted|denied).*52144", true);
+    reached &= bench.narrowed("0x7f0000a", "0x7f0000ab");
+    EventFilter filter;
+    filter.ratings.set(3);
+    reached &= bench.alone("severe alone", filter);
+    filter = {};
+    filter.host = "10.0.1?.*";
+    reached &= bench.alone("host alone", filter);
+    filter = {};
+    filter.from = 1767225600 + 20'000;
+    filter.until = *filter.from + 3600;
+    reached &= bench.alone("time alone", filter);
+    reached &= bench.arrivals();
+    std::filesystem::remove(file);
+    return reached ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace quorbel::bench
+
+int main(int argc, char **argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s EMPTY-FOLDER\n", argv[0]);
+        return 2;
+    }
+    return quorbel::bench::run(argv[1]);
+}

@@ -1,0 +1,318 @@
+#include "core/ArrangedEvents.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+const EventFilter kNoFilter;
+
+/// Looking up candidates one by one pays while they are few.
+constexpr std::size_t kFewOfAll = 8;
+
+auto firstFrom(const std::vector<EventMatch> &matches, EventId id) {
+    return std::ranges::lower_bound(matches, id, {}, &EventMatch::id);
+}
+
+}  // namespace
+
+ArrangedEvents::ArrangedEvents(EventList &list) : m_list(list), m_reader(list) {
+    m_list.addObserver(*this);
+}
+
+ArrangedEvents::~ArrangedEvents() {
+    m_list.removeObserver(*this);
+}
+
+EventId ArrangedEvents::idAt(std::size_t row) const {
+    return isFiltered() ? rows()[rows().size() - 1 - row].id() : m_list.idAt(row);
+}
+
+std::optional<std::size_t> ArrangedEvents::rowOf(EventId id) const {
+    if (!isFiltered()) {
+        return m_list.rowOf(id);
+    }
+    const auto found = firstFrom(rows(), id);
+    if (found == rows().end() || found->id() != id) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(rows().end() - found - 1);
+}
+
+std::size_t ArrangedEvents::placeOf(EventId id) const {
+    // Later events have larger ids and stand above.
+    std::size_t first = 0;
+    std::size_t last = size();
+    while (first < last) {
+        const std::size_t middle = first + (last - first) / 2;
+        if (idAt(middle) > id) {
+            first = middle + 1;
+        } else {
+            last = middle;
+        }
+    }
+    return first;
+}
+
+std::size_t ArrangedEvents::listRow(std::size_t row) const {
+    return isFiltered() ? m_list.rowOf(idAt(row)).value_or(0) : row;
+}
+
+std::vector<RowRange> ArrangedEvents::listRows(const std::vector<RowRange> &rows) const {
+    if (!isFiltered()) {
+        return rows;
+    }
+    std::vector<std::size_t> inList;
+    for (const RowRange &range : rows) {
+        for (std::size_t row = range.first; row < range.first + range.count; ++row) {
+            inList.push_back(listRow(row));
+        }
+    }
+    return joinRows(std::move(inList));
+}
+
+const EventFilter &ArrangedEvents::filter() const {
+    return m_search ? m_search->matcher.filter() : filterInForce();
+}
+
+const EventFilter &ArrangedEvents::filterInForce() const {
+    return m_inForce ? m_inForce->filter() : kNoFilter;
+}
+
+bool ArrangedEvents::choosesRatings() const {
+    return filterInForce().ratings.any();
+}
+
+std::string ArrangedEvents::setFilter(const EventFilter &filter) {
+    EventMatcher matcher(m_list, filter);
+    if (!matcher.error().empty()) {
+        return matcher.error();
+    }
+    if (filter == this->filter()) {
+        return {};
+    }
+    if (!filter.isInUse() && m_inForce) {
+        tell(&EventListObserver::listWillChangeAtLarge);
+        m_inForce.reset();
+        m_matches = {};
+        m_chosen = {};
+        tell(&EventListObserver::listChangedAtLarge);
+    }
+    m_search.reset();
+    if (filter == filterInForce()) {
+        return {};
+    }
+    EventFilter sameRatings = filter;
+    sameRatings.ratings = filterInForce().ratings;
+    if (m_inForce && sameRatings == filterInForce()) {
+        tell(&EventListObserver::listWillChangeAtLarge);
+        m_inForce = std::make_unique<EventMatcher>(std::move(matcher));
+        choose();
+        tell(&EventListObserver::listChangedAtLarge);
+        return {};
+    }
+    const bool isNarrowing = m_inForce && isNarrowerThan(sameRatings, filterInForce()) &&
+                             m_matches.size() < m_list.size() / kFewOfAll;
+    startSearch(std::move(matcher), isNarrowing);
+    return {};
+}
+
+void ArrangedEvents::startSearch(EventMatcher matcher, bool isNarrowing) {
+    m_search = std::make_unique<Search>(Search{std::move(matcher), isNarrowing});
+}
+
+void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
+    while (m_search) {
+        const auto start = std::chrono::steady_clock::now();
+        if (!(m_search->isNarrowing ? narrowRun() : searchRun())) {
+            finishSearch();
+            return;
+        }
+        adjustRun(std::chrono::steady_clock::now() - start);
+        if (isTimeUp()) {
+            return;
+        }
+    }
+}
+
+/// An expression can need ten thousand times as long for a record as a plain text does.
+void ArrangedEvents::adjustRun(std::chrono::steady_clock::duration taken) {
+    std::size_t &length = m_search->runLength;
+    if (taken < std::chrono::microseconds(500)) {
+        length = std::min(2 * length, EventMatcher::kMostRecords);
+    } else if (taken > std::chrono::milliseconds(2)) {
+        length = std::max<std::size_t>(length / 4, 1);
+    }
+}
+
+bool ArrangedEvents::searchRun() {
+    const std::size_t number = m_reader.chunkFrom(m_search->next);
+    if (number == m_reader.chunkCount()) {
+        return false;
+    }
+    EventChunk &chunk = m_reader.chunk(number);
+    const std::size_t first = chunk.countBefore(m_search->next);
+    const std::size_t last = EventMatcher::endOfRun(chunk, first, m_search->runLength);
+    if (first < last) {
+        m_search->matcher.match(chunk, first, last, m_search->matches);
+    }
+    m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
+    return true;
+}
+
+bool ArrangedEvents::narrowRun() {
+    auto candidate = firstFrom(m_matches, m_search->next);
+    for (std::size_t i = 0; i < m_search->runLength && candidate != m_matches.end();
+         ++i, ++candidate) {
+        EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
+        const std::size_t position = chunk.countBefore(candidate->id());
+        m_search->matcher.match(chunk, position, position + 1, m_search->matches);
+        m_search->next = candidate->id() + 1;
+    }
+    return candidate != m_matches.end();
+}
+
+void ArrangedEvents::finishSearch() {
+    tell(&EventListObserver::listWillChangeAtLarge);
+    const std::unique_ptr<Search> done = std::move(m_search);
+    m_inForce = std::make_unique<EventMatcher>(std::move(done->matcher));
+    m_matches = std::move(done->matches);
+    count();
+    choose();
+    tell(&EventListObserver::listChangedAtLarge);
+}
+
+void ArrangedEvents::refresh() {
+    if (filter().isInUse()) {
+        startSearch(EventMatcher(m_list, filter()), false);
+    }
+}
+
+void ArrangedEvents::choose() {
+    m_chosen.clear();
+    if (choosesRatings()) {
+        std::ranges::copy_if(m_matches, std::back_inserter(m_chosen), [this](EventMatch match) {
+            return filterInForce().ratings[match.rating()];
+        });
+    }
+}
+
+void ArrangedEvents::count() {
+    m_counts.fill(0);
+    for (const EventMatch match : m_matches) {
+        ++m_counts[match.rating()];
+    }
+}
+
+void ArrangedEvents::rowWillBeInsertedAtTop() {
+    if (!isFiltered()) {
+        tell(&EventListObserver::rowWillBeInsertedAtTop);
+    }
+}
+
+void ArrangedEvents::rowWasInserted() {
+    if (!isFiltered()) {
+        tell(&EventListObserver::rowWasInserted);
+        return;
+    }
+    EventChunk &chunk = m_reader.chunk(m_reader.chunkCount() - 1);
+    m_arrived.clear();
+    m_inForce->match(chunk, chunk.size() - 1, chunk.size(), m_arrived);
+    if (m_arrived.empty()) {
+        return;
+    }
+    const EventMatch match = m_arrived.front();
+    ++m_counts[match.rating()];
+    const bool isShown = !choosesRatings() || filterInForce().ratings[match.rating()];
+    if (isShown) {
+        tell(&EventListObserver::rowWillBeInsertedAtTop);
+    }
+    m_matches.push_back(match);
+    if (choosesRatings() && isShown) {
+        m_chosen.push_back(match);
+    }
+    if (isShown) {
+        tell(&EventListObserver::rowWasInserted);
+    }
+}
+
+void ArrangedEvents::rowsWillBeRemoved(std::size_t first, std::size_t count) {
+    m_firstLeaving = m_list.idAt(first + count - 1);
+    m_lastLeaving = m_list.idAt(first);
+    if (!isFiltered()) {
+        tell(&EventListObserver::rowsWillBeRemoved, first, count);
+        return;
+    }
+    const auto begin = firstFrom(rows(), m_firstLeaving);
+    const auto end = firstFrom(rows(), m_lastLeaving + 1);
+    m_rowsLeave = begin != end;
+    if (m_rowsLeave) {
+        tell(&EventListObserver::rowsWillBeRemoved, static_cast<std::size_t>(rows().end() - end),
+             static_cast<std::size_t>(end - begin));
+    }
+}
+
+void ArrangedEvents::rowsWereRemoved() {
+    if (m_search) {
+        eraseLeaving(m_search->matches);
+        m_search->matcher.forgetTexts();
+    }
+    if (!isFiltered()) {
+        tell(&EventListObserver::rowsWereRemoved);
+        return;
+    }
+    m_inForce->forgetTexts();
+    for (auto match = firstFrom(m_matches, m_firstLeaving);
+         match != m_matches.end() && match->id() <= m_lastLeaving; ++match) {
+        --m_counts[match->rating()];
+    }
+    eraseLeaving(m_matches);
+    eraseLeaving(m_chosen);
+    if (std::exchange(m_rowsLeave, false)) {
+        tell(&EventListObserver::rowsWereRemoved);
+    }
+}
+
+void ArrangedEvents::eraseLeaving(Matches &matches) const {
+    matches.erase(firstFrom(matches, m_firstLeaving), firstFrom(matches, m_lastLeaving + 1));
+}
+
+void ArrangedEvents::listWillChangeAtLarge() {
+    const std::size_t chunks = m_reader.chunkCount();
+    m_endBeforeChange = chunks == 0 ? 0 : m_reader.chunk(chunks - 1).endOfIds();
+    tell(&EventListObserver::listWillChangeAtLarge);
+}
+
+void ArrangedEvents::listChangedAtLarge() {
+    if (m_search) {
+        eraseGone(m_search->matches);
+        m_search->matcher.forgetTexts();
+    }
+    if (isFiltered()) {
+        m_inForce->forgetTexts();
+        eraseGone(m_matches);
+        count();
+        choose();
+        // Events may have come as well, thousands at once.
+        if (!m_search && m_reader.chunkFrom(m_endBeforeChange) < m_reader.chunkCount()) {
+            startSearch(EventMatcher(m_list, filterInForce()), false);
+        }
+    }
+    tell(&EventListObserver::listChangedAtLarge);
+}
+
+void ArrangedEvents::eraseGone(Matches &matches) const {
+    std::size_t number = 0;
+    std::erase_if(matches, [&](EventMatch match) {
+        const EventId id = match.id();
+        while (number < m_reader.chunkCount() && m_reader.chunk(number).endOfIds() <= id) {
+            ++number;
+        }
+        return number == m_reader.chunkCount() || id < m_reader.chunk(number).first() ||
+               !m_reader.chunk(number).holds(id);
+    });
+}
+
+}  // namespace quorbel

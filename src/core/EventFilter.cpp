@@ -1,0 +1,31 @@
+#include "core/EventFilter.h"
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+bool isNarrower(const TextCondition &narrow, const TextCondition &wide) {
+    if (narrow == wide) {
+        return true;
+    }
+    const bool arePlain = !narrow.isNegated && !wide.isNegated && !narrow.pattern.isExpression &&
+                          !wide.pattern.isExpression;
+    return arePlain && (narrow.pattern.isCaseSensitive || !wide.pattern.isCaseSensitive) &&
+           narrow.pattern.text.find(wide.pattern.text) != std::string::npos;
+}
+
+}  // namespace
+
+bool isNarrowerThan(const EventFilter &narrow, const EventFilter &wide) {
+    EventFilter others = narrow;
+    others.texts = wide.texts;
+    return others == wide && std::ranges::all_of(wide.texts, [&](const TextCondition &text) {
+               return std::ranges::any_of(narrow.texts, [&](const TextCondition &candidate) {
+                   return isNarrower(candidate, text);
+               });
+           });
+}
+
+}  // namespace quorbel

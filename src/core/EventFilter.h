@@ -1,0 +1,47 @@
+#pragma once
+
+#include "core/TextPattern.h"
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// How an event is rated: 0 for one without an image, else 1 + SeverityLevel.
+using EventRating = std::uint8_t;
+inline constexpr std::size_t kRatingCount = 4;
+
+/// A text that some shown field of an event (rating, date, priority, host, message) has to contain,
+/// or that none of them may.
+struct TextCondition {
+    TextPattern::Spec pattern;
+    bool isNegated = false;
+    bool operator==(const TextCondition &) const = default;
+};
+
+/// Which events are meant: those that meet every condition. One that is left empty is met by all.
+struct EventFilter {
+    std::vector<TextCondition> texts;
+    std::bitset<kRatingCount> ratings;
+    /// A severity class (see kSeverityClasses) that an event's has to be, or a worse one.
+    std::optional<std::uint8_t> leastSeverity;
+    /// What stands before the point in the priority.
+    std::string facility;
+    /// See HostPattern.
+    std::string host;
+    std::optional<std::int64_t> from;   ///< the first moment, in seconds since 1970
+    std::optional<std::int64_t> until;  ///< the moment that is past the last one
+
+    [[nodiscard]] bool isInUse() const { return *this != EventFilter(); }
+    bool operator==(const EventFilter &) const = default;
+};
+
+/// Whether every event that the first filter means is meant by the second one, as far as that can
+/// be said at a glance. So it is while somebody types on.
+bool isNarrowerThan(const EventFilter &narrow, const EventFilter &wide);
+
+}  // namespace quorbel

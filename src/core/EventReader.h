@@ -1,0 +1,59 @@
+#pragma once
+
+#include "core/EventList.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// Reads a list's events in the order in which they came, as they are kept: by the chunk, texts
+/// that many share by number. For what looks at all of them. Chunk numbers are good until the list
+/// changes. Main thread only.
+class EventReader {
+public:
+    /// `list` outlives the reader.
+    explicit EventReader(EventList &list) : m_list(list) {}
+
+    [[nodiscard]] std::size_t chunkCount() const { return m_list.m_chunks.size(); }
+    [[nodiscard]] EventChunk &chunk(std::size_t number) const { return m_list.m_chunks[number]; }
+    /// The chunk that holds the event, or what came next after it; chunkCount() when nothing did.
+    [[nodiscard]] std::size_t chunkFrom(EventId id) const {
+        const auto after = std::ranges::upper_bound(m_list.m_chunks, id, {}, &EventChunk::first);
+        const auto number = static_cast<std::size_t>(after - m_list.m_chunks.begin());
+        return number > 0 && id < chunk(number - 1).endOfIds() ? number - 1 : number;
+    }
+
+    /// A record whose date and image are as they are shown now.
+    [[nodiscard]] const EventRecord &settled(EventChunk &chunk, std::size_t position) const {
+        m_list.settle({&chunk, position});
+        return chunk.record(position);
+    }
+    [[nodiscard]] std::optional<std::string> date(EventChunk &chunk, std::size_t position) const {
+        return m_list.dateText({&chunk, position});
+    }
+    /// The date format, as the settings hold it, that a rendered date's record names.
+    [[nodiscard]] std::string_view dateSetting(EventDates::FormatId format) const {
+        return m_list.m_dates.setting(format);
+    }
+
+    /// Empty for an absent one. Ids may come to mean another text when events have been removed.
+    [[nodiscard]] std::string_view priority(StringTable::Id id) const {
+        return m_list.m_priorities.text(id);
+    }
+    [[nodiscard]] std::string_view host(StringTable::Id id) const {
+        return m_list.m_hosts.text(id);
+    }
+    [[nodiscard]] const PriorityClasses &classes(StringTable::Id priority) const {
+        return priority == StringTable::kAbsent ? m_list.m_absentClasses
+                                                : m_list.m_classes[priority];
+    }
+
+private:
+    EventList &m_list;
+};
+
+}  // namespace quorbel

@@ -1,0 +1,77 @@
+#include "core/HostPattern.h"
+
+#include "platform/Number.h"
+
+#include <cctype>
+#include <string>
+
+namespace quorbel {
+
+namespace {
+
+/// The pattern as a regular expression of the whole name.
+std::string expressionFor(std::string_view pattern) {
+    std::string expression = "(?s)\\A";
+    for (const char character : pattern) {
+        const auto code = static_cast<unsigned char>(character);
+        if (character == '*') {
+            expression += ".*";
+        } else if (character == '?') {
+            expression += '.';
+        } else {
+            if (code < 0x80U && std::isalnum(code) == 0) {
+                expression += '\\';
+            }
+            expression += character;
+        }
+    }
+    return expression + "\\z";
+}
+
+/// The number of leading ones of a mask as "255.255.0.0", counted from the start of an IPv4 address
+/// within IPv6.
+std::optional<unsigned> bitsOfMask(std::string_view text) {
+    const auto mask = IpAddress::parse(text);
+    const auto ones = IpAddress::parse("255.255.255.255");
+    for (unsigned bits = IpAddress::kV4Begin; mask && bits <= IpAddress::kBits; ++bits) {
+        const IpAddress network = ones->network(bits);
+        if (network == *mask || (bits == IpAddress::kV4Begin && text == "0.0.0.0")) {
+            return bits;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+HostPattern::HostPattern(std::string_view pattern)
+    : m_network(networkOf(pattern)),
+      m_name({expressionFor(pattern), /*isCaseSensitive=*/false, /*isExpression=*/true}) {}
+
+std::optional<HostPattern::Network> HostPattern::networkOf(std::string_view pattern) {
+    const std::size_t slash = pattern.find('/');
+    if (slash == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto address = IpAddress::parse(pattern.substr(0, slash));
+    const std::string_view mask = pattern.substr(slash + 1);
+    if (!address) {
+        return std::nullopt;
+    }
+    const unsigned before = address->isV4() ? IpAddress::kV4Begin : 0;
+    if (const auto bits = readNumber<unsigned>(mask); bits && *bits <= IpAddress::kBits - before) {
+        return Network{*address, before + *bits};
+    }
+    const auto bits = address->isV4() ? bitsOfMask(mask) : std::nullopt;
+    return bits ? std::optional(Network{*address, *bits}) : std::nullopt;
+}
+
+bool HostPattern::matches(std::string_view host) const {
+    if (!m_network) {
+        return m_name.error().empty() && m_name.isIn(host);
+    }
+    const auto address = IpAddress::parse(host);
+    return address && address->sharesPrefix(m_network->address, m_network->bits);
+}
+
+}  // namespace quorbel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace re2 {
+class RE2;
+}
+
+namespace quorbel {
+
+/// A text to look for, compiled: as it stands, or as a regular expression.
+///
+/// All texts are UTF-8. Capital and small letters are alike, beyond ASCII too, unless asked
+/// otherwise. Time and memory of a search grow with the text searched and are bounded by the
+/// pattern's length, whatever the expression says; bytes that are no UTF-8 match nothing.
+class TextPattern {
+public:
+    struct Spec {
+        std::string text;
+        bool isCaseSensitive = false;
+        bool isExpression = false;
+        bool operator==(const Spec &) const = default;
+    };
+    struct Span {
+        std::size_t begin;
+        std::size_t end;
+    };
+
+    explicit TextPattern(const Spec &spec);
+    ~TextPattern();
+    TextPattern(TextPattern &&) noexcept;
+    TextPattern &operator=(TextPattern &&) noexcept;
+
+    /// What is wrong with the expression, in English; empty when nothing is. Nothing else may be
+    /// called then.
+    [[nodiscard]] std::string error() const;
+    [[nodiscard]] bool isIn(std::string_view text) const;
+    /// The first match that begins at `from` or later; "^" and "\b" see what stands before.
+    [[nodiscard]] std::optional<Span> find(std::string_view text, std::size_t from = 0) const;
+    /// False when it is certain that no text made of these characters alone, capital or small, has
+    /// a match. They are ASCII.
+    [[nodiscard]] bool mayBeInTextOf(std::string_view characters) const;
+
+private:
+    Spec m_spec;
+    std::unique_ptr<re2::RE2> m_expression;
+};
+
+}  // namespace quorbel
