@@ -51,6 +51,17 @@ public:
         return priority == StringTable::kAbsent ? m_list.m_absentClasses
                                                 : m_list.m_classes[priority];
     }
+    /// Calls `visit(classes, events)` for each priority there is, and for none at all.
+    template <typename Visit>
+    void visitPriorities(Visit visit) const {
+        std::size_t others = m_list.size();
+        for (StringTable::Id id = 1; id < m_list.m_priorities.idLimit(); ++id) {
+            const auto uses = static_cast<std::size_t>(m_list.m_priorities.uses(id));
+            others -= uses;
+            visit(classes(id), uses);
+        }
+        visit(m_list.m_absentClasses, others);
+    }
 
 private:
     EventList &m_list;

@@ -17,8 +17,8 @@ RowRange rangeOf(const QItemSelectionRange &range) {
 
 }  // namespace
 
-EventSelection::EventSelection(EventList &list, EventTableView &table)
-    : m_list(list), m_table(table) {
+EventSelection::EventSelection(ArrangedEvents &events, EventTableView &table)
+    : m_events(events), m_table(table) {
     const QAbstractItemModel *model = table.model();
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &EventSelection::rememberView);
     connect(model, &QAbstractItemModel::modelReset, this, &EventSelection::restoreView);
@@ -73,11 +73,11 @@ void EventSelection::clear() {
 void EventSelection::noteChoice() {
     const int chosen = row();
     m_choice =
-        chosen < 0 ? std::nullopt : std::optional(m_list.idAt(static_cast<std::size_t>(chosen)));
+        chosen < 0 ? std::nullopt : std::optional(m_events.idAt(static_cast<std::size_t>(chosen)));
 }
 
 void EventSelection::openChoice() {
-    const auto row = m_choice ? m_list.rowOf(*m_choice) : std::nullopt;
+    const auto row = m_choice ? m_events.rowOf(*m_choice) : std::nullopt;
     if (!row) {
         return;
     }
@@ -91,7 +91,7 @@ void EventSelection::openChoice() {
 void EventSelection::rememberView() {
     m_rememberedSelection = idsOf(rows());
     const int top = m_table.rowAt(0);
-    m_rememberedTop = top > 0 ? m_list.idAt(static_cast<std::size_t>(top)) : 0;
+    m_rememberedTop = top > 0 ? m_events.idAt(static_cast<std::size_t>(top)) : 0;
 }
 
 void EventSelection::restoreView() {
@@ -105,7 +105,7 @@ void EventSelection::restoreView() {
     const auto choice = m_choice;
     m_table.selectionModel()->select(selection, QItemSelectionModel::Select);
     m_choice = choice;
-    if (const auto top = m_list.rowOf(m_rememberedTop)) {
+    if (const auto top = m_events.rowOf(m_rememberedTop)) {
         m_table.scrollTo(model.index(static_cast<int>(*top), 0), QAbstractItemView::PositionAtTop);
     }
 }
@@ -114,7 +114,7 @@ std::vector<EventId> EventSelection::idsOf(const Rows &rows) const {
     std::vector<EventId> ids;
     for (const RowRange &range : rows) {
         for (std::size_t row = range.first; row < range.first + range.count; ++row) {
-            ids.push_back(m_list.idAt(row));
+            ids.push_back(m_events.idAt(row));
         }
     }
     return ids;
@@ -123,7 +123,7 @@ std::vector<EventId> EventSelection::idsOf(const Rows &rows) const {
 std::vector<std::size_t> EventSelection::rowsOf(const std::vector<EventId> &ids) const {
     std::vector<std::size_t> rows;
     for (const EventId id : ids) {
-        if (const auto row = m_list.rowOf(id)) {
+        if (const auto row = m_events.rowOf(id)) {
             rows.push_back(*row);
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventList.h"
+#include "core/ArrangedEvents.h"
 
 #include <QObject>
 
@@ -20,8 +20,8 @@ class EventSelection : public QObject {
 public:
     using Rows = std::vector<RowRange>;
 
-    /// The table shows the list in a model that it has already. Both outlive this.
-    EventSelection(EventList &list, EventTableView &table);
+    /// The table shows the events in a model that it has already. Both outlive this.
+    EventSelection(ArrangedEvents &events, EventTableView &table);
 
     /// The selected rows, ascending.
     [[nodiscard]] Rows rows() const;
@@ -36,7 +36,7 @@ public:
     void clear();
 
     [[nodiscard]] std::vector<EventId> idsOf(const Rows &rows) const;
-    /// Those of the events that the list still holds.
+    /// Those of the events that are arranged still.
     [[nodiscard]] std::vector<std::size_t> rowsOf(const std::vector<EventId> &ids) const;
 
 Q_SIGNALS:
@@ -52,7 +52,7 @@ private:
     void rememberView();
     void restoreView();
 
-    EventList &m_list;
+    ArrangedEvents &m_events;
     EventTableView &m_table;
     std::optional<EventId> m_choice;
     std::vector<EventId> m_rememberedSelection;

@@ -20,20 +20,25 @@ QString orEmpty(const std::optional<std::string_view> &text) {
 }  // namespace
 
 EventTableModel::EventTableModel(EventList &list, QObject *parent)
-    : QAbstractTableModel(parent), m_list(list) {
+    : EventTableModel(*new ArrangedEvents(list), parent) {
+    m_own.reset(&m_events);
+}
+
+EventTableModel::EventTableModel(ArrangedEvents &events, QObject *parent)
+    : QAbstractTableModel(parent), m_events(events), m_list(events.list()) {
     for (std::size_t level = 0; level < m_images.size(); ++level) {
         m_images[level] =
             severityIcon(toQString(severityLevelName(static_cast<std::int64_t>(level))));
     }
-    m_list.addObserver(*this);
+    m_events.addObserver(*this);
 }
 
 EventTableModel::~EventTableModel() {
-    m_list.removeObserver(*this);
+    m_events.removeObserver(*this);
 }
 
 int EventTableModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_list.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_events.size());
 }
 
 int EventTableModel::columnCount(const QModelIndex &parent) const {
@@ -73,7 +78,7 @@ QVariant EventTableModel::data(const QModelIndex &index, int role) const {
     if (!index.isValid()) {
         return {};
     }
-    const auto row = static_cast<std::size_t>(index.row());
+    const std::size_t row = m_events.listRow(static_cast<std::size_t>(index.row()));
     if (role == Qt::DisplayRole) {
         return text(row, index.column());
     }

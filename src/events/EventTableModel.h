@@ -1,22 +1,25 @@
 #pragma once
 
-#include "core/EventList.h"
+#include "core/ArrangedEvents.h"
 
 #include <QAbstractTableModel>
 #include <QIcon>
 
 #include <array>
+#include <memory>
 
 namespace quorbel {
 
-/// The event list as the table shows it: one row an event, newest first.
+/// The arranged events as the table shows them: one row an event, newest first.
 class EventTableModel : public QAbstractTableModel, private EventListObserver {
     Q_OBJECT
 
 public:
     enum Column { kRating, kDate, kPriority, kHost, kMessage, kColumnCount };
 
-    /// Observes `list`, which outlives the model.
+    /// Observes `events`, which outlive the model.
+    explicit EventTableModel(ArrangedEvents &events, QObject *parent = nullptr);
+    /// Shows all events of `list`, which outlives the model.
     explicit EventTableModel(EventList &list, QObject *parent = nullptr);
     ~EventTableModel() override;
     EventTableModel(const EventTableModel &) = delete;
@@ -41,6 +44,8 @@ private:
 
     [[nodiscard]] QString text(std::size_t row, int column) const;
 
+    std::unique_ptr<ArrangedEvents> m_own;
+    ArrangedEvents &m_events;
     EventList &m_list;
     std::array<QIcon, 3> m_images;  // by SeverityLevel
 };

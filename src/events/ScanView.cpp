@@ -3,6 +3,7 @@
 #include "core/AppDelegate.h"
 #include "events/EventCommands.h"
 #include "events/EventDeletion.h"
+#include "events/EventFinder.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
 #include "events/NewestButton.h"
@@ -17,17 +18,32 @@
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
+#include <QShortcut>
+
 #include <algorithm>
 #include <utility>
 
 namespace quorbel {
+
+namespace {
+
+std::size_t countOf(const std::vector<RowRange> &rows) {
+    std::size_t count = 0;
+    for (const RowRange &range : rows) {
+        count += range.count;
+    }
+    return count;
+}
+
+}  // namespace
 
 ScanView::ScanView(AppDelegate &delegate, const Storyboard &storyboard, QWidget *parent)
     : Page(parent),
       m_delegate(delegate),
       m_storyboard(storyboard),
       arrController(delegate.events),
-      m_model(std::make_unique<EventTableModel>(arrController)),
+      m_events(arrController),
+      m_model(std::make_unique<EventTableModel>(m_events)),
       ui(std::make_unique<Ui::ScanView>()) {
     ui->setupUi(this);
 }
@@ -44,7 +60,7 @@ void ScanView::viewDidLoad() {
     m_place = std::make_unique<ReadingPlace>(*ui->tableView);
     new NewestButton(arrController, *ui->tableView);
     ui->holdEvents->attach(m_delegate.hold, *this);
-    m_selection = std::make_unique<EventSelection>(arrController, *ui->tableView);
+    m_selection = std::make_unique<EventSelection>(m_events, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     (new ColumnMemory(*ui->tableView))->recall(QStringLiteral("Events"));
     addEventCommands(*ui->tableView, [this] { deleteEvents(); });
@@ -53,11 +69,12 @@ void ScanView::viewDidLoad() {
     connect(ui->testSyslog, &QAbstractButton::clicked, this, &ScanView::testSyslog);
     connect(ui->scanActions, &QAbstractButton::clicked, this, &ScanView::syslogActions);
     connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
-    for (const auto signal :
-         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
-        connect(m_model.get(), signal, this, &ScanView::countChanged);
-    }
-    connect(m_model.get(), &QAbstractItemModel::modelReset, this, &ScanView::countChanged);
+    m_finder =
+        std::make_unique<EventFinder>(m_events, m_delegate.state, *ui->findBar, *ui->tableView);
+    connect(m_finder.get(), &EventFinder::countChanged, this, &ScanView::showCount);
+    connect(
+        new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+        &QShortcut::activated, ui->findBar, &FindBar::open);
     showCount();
 }
 
@@ -65,6 +82,7 @@ void ScanView::viewWillAppear() {
     removeAnnounced();
     arrController.show(m_delegate.state);
     m_model->refreshAll();
+    m_finder->refresh();
     ui->tableView->scrollToTop();
     ui->tableView->selectionModel()->clear();
     m_selection->clear();
@@ -75,7 +93,11 @@ void ScanView::viewDidAppear() {
 }
 
 EventId ScanView::insertEvent(const EventFields &event) {
+    const std::size_t rows = m_events.size();
     const EventId id = arrController.insertShown(event, m_delegate.state);
+    if (m_events.size() == rows) {
+        return id;
+    }
     m_place->noteArrival();
     m_selection->clearForArrival();
     return id;
@@ -110,16 +132,16 @@ int ScanView::selectedRow() {
 }
 
 int ScanView::rowOf(const Event &event) {
-    const auto row = arrController.rowOf(event.id());
+    const auto row = m_events.rowOf(event.id());
     return row ? static_cast<int>(*row) : -1;
 }
 
 int ScanView::placeOf(const Event &event) {
-    return static_cast<int>(arrController.rowFor(event.id()));
+    return static_cast<int>(m_events.placeOf(event.id()));
 }
 
 Event ScanView::eventAt(int row) {
-    return {arrController, arrController.idAt(static_cast<std::size_t>(row))};
+    return {arrController, m_events.idAt(static_cast<std::size_t>(row))};
 }
 
 Event ScanView::selectRow(int row) {
@@ -145,20 +167,37 @@ void ScanView::doubleClickTable() {
 }
 
 ScanView::Rows ScanView::allRows() const {
-    return arrController.size() == 0 ? Rows{} : Rows{{0, arrController.size()}};
+    return m_events.size() == 0 ? Rows{} : Rows{{0, m_events.size()}};
 }
 
 void ScanView::deleteEvents() {
     removeAnnounced();
     const Rows selection = m_selection->rows();
     if (!selection.empty()) {
-        confirmDeletion(QStringLiteral("selected"), [this, chosen = m_selection->idsOf(selection)] {
-            return joinRows(m_selection->rowsOf(chosen));
-        });
+        confirmDeletion(QStringLiteral("selected"), countOf(selection), rowsLaterOf(selection));
         return;
     }
-    offerAll(QStringLiteral("Delete all events"),
-             [this] { confirmDeletion(QStringLiteral("all"), [this] { return allRows(); }); });
+    offerAll(QStringLiteral("Delete all events"), [this] { confirmDeletionOfAll(); });
+}
+
+void ScanView::confirmDeletionOfAll() {
+    const Rows all = allRows();
+    // Of a filter's result just those go that were counted in the question.
+    confirmDeletion(
+        QStringLiteral("all"), countOf(all),
+        m_events.isFiltered() ? rowsLaterOf(all) : [this] { return m_events.listRows(allRows()); });
+}
+
+std::function<ScanView::Rows()> ScanView::rowsLaterOf(const Rows &rows) const {
+    return [this, ids = m_selection->idsOf(rows)] {
+        std::vector<std::size_t> inList;
+        for (const EventId id : ids) {
+            if (const auto row = arrController.rowOf(id)) {
+                inList.push_back(*row);
+            }
+        }
+        return joinRows(std::move(inList));
+    };
 }
 
 void ScanView::offerAll(const QString &checkBox, std::function<void()> onTicked) {
@@ -174,18 +213,20 @@ void ScanView::offerAll(const QString &checkBox, std::function<void()> onTicked)
               });
 }
 
-void ScanView::confirmDeletion(const QString &what, std::function<Rows()> rows) {
-    openAlert(this,
-              {QStringLiteral("Are you sure you want to delete %1 events?").arg(what),
-               QStringLiteral("By clicking 'Yes' you will permanently delete %1 events.").arg(what),
-               {},
-               {QStringLiteral("Yes"), QStringLiteral("No")}},
-              [this, rows = std::move(rows)](const AlertAnswer &answer) {
-                  if (answer.button == 0) {
-                      removeAnnounced();
-                      deleteRows(rows());
-                  }
-              });
+void ScanView::confirmDeletion(const QString &what, std::size_t count, std::function<Rows()> rows) {
+    openAlert(
+        this,
+        {QStringLiteral("Are you sure you want to delete %1 events?").arg(what),
+         QStringLiteral("By clicking 'Yes' you will permanently delete %1 events.").arg(what) +
+             m_finder->deletionNote(count),
+         {},
+         {QStringLiteral("Yes"), QStringLiteral("No")}},
+        [this, rows = std::move(rows)](const AlertAnswer &answer) {
+            if (answer.button == 0) {
+                removeAnnounced();
+                deleteRows(rows());
+            }
+        });
 }
 
 void ScanView::deleteRows(const Rows &rows) {
@@ -216,13 +257,15 @@ void ScanView::exportEvents() {
 }
 
 void ScanView::writeEvents(const QString &path, const std::vector<EventId> &ids) {
-    // By event: new ones may come on top, and others go, while many are written.
-    const auto row = [this, &ids](std::size_t number) {
+    // By event: new ones may come on top, and others go, while many are written; and the filter may
+    // change, so the rows are those of all events.
+    const EventTableModel all(arrController);
+    const auto row = [this, &ids, &all](std::size_t number) {
         const auto found = arrController.rowOf(ids[number]);
-        return found ? m_model->index(static_cast<int>(*found), 0) : QModelIndex();
+        return found ? all.index(static_cast<int>(*found), 0) : QModelIndex();
     };
     // A file that cannot be written stays as it was; nobody is told.
-    exportTable(path, *m_model, {ids.size(), row}, this);
+    exportTable(path, all, {ids.size(), row}, this);
 }
 
 void ScanView::testSyslog() {
@@ -241,18 +284,8 @@ void ScanView::syslogOptions() {
     }
 }
 
-void ScanView::countChanged() {
-    // Thousands of events may arrive between two looks at the label.
-    if (!std::exchange(m_countIsDue, true)) {
-        QMetaObject::invokeMethod(this, &ScanView::showCount, Qt::QueuedConnection);
-    }
-}
-
 void ScanView::showCount() {
-    m_countIsDue = false;
-    const auto count = static_cast<qlonglong>(arrController.size());
-    ui->eventCount->setText(count == 1 ? QStringLiteral("1 event")
-                                       : countText(count) + QStringLiteral(" events"));
+    ui->eventCount->setText(m_finder->countText());
 }
 
 }  // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventList.h"
+#include "core/ArrangedEvents.h"
 #include "core/PageLinks.h"
 #include "events/SteppableList.h"
 #include "platform/Value.h"
@@ -17,6 +17,7 @@ class ScanView;
 namespace quorbel {
 
 class AppDelegate;
+class EventFinder;
 class EventSelection;
 class EventTableModel;
 class ReadingPlace;
@@ -64,22 +65,24 @@ private:
     void offerAll(const QString &checkBox, std::function<void()> onTicked);
     /// Asks first. `rows` tells which events are meant once "Yes" was pressed: the list goes on
     /// changing while a question stands.
-    void confirmDeletion(const QString &what, std::function<Rows()> rows);
+    void confirmDeletion(const QString &what, std::size_t count, std::function<Rows()> rows);
+    void confirmDeletionOfAll();
+    [[nodiscard]] std::function<Rows()> rowsLaterOf(const Rows &rows) const;
     void deleteRows(const Rows &rows);
     void updateEvents(Dictionary deleted);
     void writeEvents(const QString &path, const std::vector<EventId> &ids);
-    void countChanged();
     void showCount();
 
     AppDelegate &m_delegate;
     const Storyboard &m_storyboard;
     EventList &arrController;  ///< the delegate's
+    ArrangedEvents m_events;   ///< what is displayed of it
     std::unique_ptr<EventTableModel> m_model;
     std::unique_ptr<Ui::ScanView> ui;
     std::unique_ptr<ReadingPlace> m_place;
     std::unique_ptr<EventSelection> m_selection;
+    std::unique_ptr<EventFinder> m_finder;
     bool m_removalIsDue = false;
-    bool m_countIsDue = false;
 };
 
 }  // namespace quorbel

@@ -1,0 +1,154 @@
+#include "events/EventFinder.h"
+
+#include "core/EventReader.h"
+#include "events/EventTableView.h"
+#include "events/FindBar.h"
+#include "events/MatchDelegate.h"
+#include "platform/gui/QtText.h"
+
+#include <QElapsedTimer>
+#include <QItemSelectionModel>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kSliceMilliseconds = 8;
+
+QString events(std::size_t count) {
+    return count == 1
+               ? QStringLiteral("1 event")
+               : quorbel::countText(static_cast<qlonglong>(count)) + QStringLiteral(" events");
+}
+
+}  // namespace
+
+EventFinder::EventFinder(ArrangedEvents &events, const AppState &state, FindBar &bar,
+                         EventTableView &table)
+    : m_events(events),
+      m_state(state),
+      m_bar(bar),
+      m_table(table),
+      m_delegate(new MatchDelegate(&table)),
+      m_hint(table.hint()) {
+    m_table.setItemDelegate(m_delegate);
+    connect(&m_slices, &QTimer::timeout, this, &EventFinder::search);
+    connect(&m_bar, &FindBar::filterChanged, this, &EventFinder::applyFilter);
+    connect(&m_bar, &FindBar::left, &m_table, qOverload<>(&QWidget::setFocus));
+    const QAbstractItemModel *model = m_table.model();
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &EventFinder::rememberSelected);
+    connect(model, &QAbstractItemModel::modelReset, this, &EventFinder::restoreSelected);
+    m_events.list().addObserver(*this);
+    showCounts();
+}
+
+EventFinder::~EventFinder() {
+    m_events.list().removeObserver(*this);
+}
+
+QString EventFinder::countText() const {
+    const std::size_t all = m_events.list().size();
+    return m_events.isFiltered() ? quorbel::countText(static_cast<qlonglong>(m_events.size())) +
+                                       QStringLiteral(" of ") + events(all)
+                                 : events(all);
+}
+
+QString EventFinder::deletionNote(std::size_t count) const {
+    if (!m_events.isFiltered()) {
+        return {};
+    }
+    return count == 1 ? QStringLiteral("\n\nOnly the 1 event that matches is deleted.")
+                      : QStringLiteral("\n\nOnly the %1 events that match are deleted.")
+                            .arg(quorbel::countText(static_cast<qlonglong>(count)));
+}
+
+void EventFinder::refresh() {
+    m_events.refresh();
+    applyFilter();
+}
+
+void EventFinder::applyFilter() {
+    const QScopedValueRollback mine(m_isMine, true);
+    m_bar.showError(toQString(m_events.setFilter(m_bar.filter())));
+    if (m_events.isSearching()) {
+        m_slices.start(0);
+    } else {
+        m_slices.stop();
+    }
+    showResult();
+}
+
+void EventFinder::search() {
+    const QScopedValueRollback mine(m_isMine, true);
+    QElapsedTimer time;
+    time.start();
+    m_events.search([&time] { return time.elapsed() >= kSliceMilliseconds; });
+    if (!m_events.isSearching()) {
+        m_slices.stop();
+        showResult();
+    }
+}
+
+void EventFinder::showResult() {
+    m_delegate->mark(m_events.filterInForce());
+    m_table.setHint(m_events.isFiltered() && m_events.list().size() > 0
+                        ? QStringLiteral("No events match.")
+                        : m_hint);
+    noteChange();
+}
+
+void EventFinder::noteChange() {
+    // Thousands of events may arrive between two looks at the counts.
+    if (!std::exchange(m_isChangeNoted, true)) {
+        QMetaObject::invokeMethod(this, &EventFinder::showCounts, Qt::QueuedConnection);
+    }
+}
+
+void EventFinder::showCounts() {
+    m_isChangeNoted = false;
+    if (m_events.isSearching() && !m_slices.isActive()) {
+        m_slices.start(0);  // many events came at once
+    }
+    m_bar.showCounts(m_events.isFiltered() ? m_events.ratingCounts() : countsOfAll());
+    Q_EMIT countChanged();
+}
+
+std::array<std::size_t, kRatingCount> EventFinder::countsOfAll() const {
+    const EventReader reader(m_events.list());
+    std::array<std::size_t, kRatingCount> counts{};
+    reader.visitPriorities([&](const PriorityClasses &classes, std::size_t uses) {
+        const std::int64_t level = m_state.*kSeverityLevels[classes.shown];
+        counts[severityLevelName(level).empty() ? 0 : static_cast<std::size_t>(level) + 1] += uses;
+    });
+    return counts;
+}
+
+void EventFinder::rememberSelected() {
+    m_selected.reset();
+    const QModelIndex current = m_table.currentIndex();
+    if (m_isMine && m_table.selectionModel()->isSelected(current)) {
+        const int pageRows = std::max(m_table.verticalScrollBar()->pageStep(), 1);
+        m_selected = m_events.idAt(static_cast<std::size_t>(current.row()));
+        m_selectedPlace =
+            std::clamp(current.row() - m_table.verticalScrollBar()->value(), 0, pageRows - 1);
+    }
+}
+
+void EventFinder::restoreSelected() {
+    const auto row = m_selected ? m_events.rowOf(*m_selected) : std::nullopt;
+    if (!row) {
+        return;
+    }
+    const QModelIndex index = m_table.model()->index(static_cast<int>(*row), 0);
+    m_table.selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    m_table.scrollTo(index, QAbstractItemView::PositionAtTop);
+    QScrollBar *bar = m_table.verticalScrollBar();
+    bar->setValue(index.row() - m_selectedPlace);
+}
+
+}  // namespace quorbel

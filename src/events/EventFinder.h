@@ -1,0 +1,72 @@
+#pragma once
+
+#include "core/AppState.h"
+#include "core/ArrangedEvents.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <array>
+#include <optional>
+
+namespace quorbel {
+
+class EventTableView;
+class FindBar;
+class MatchDelegate;
+
+/// Lets the table show what the bar asks for: searches between the window's own events, and keeps
+/// the selected event in sight when the rows change.
+class EventFinder : public QObject, private EventListObserver {
+    Q_OBJECT
+
+public:
+    /// The table shows `events` already. All of them outlive this.
+    EventFinder(ArrangedEvents &events, const AppState &state, FindBar &bar, EventTableView &table);
+    ~EventFinder() override;
+    EventFinder(const EventFinder &) = delete;
+    EventFinder &operator=(const EventFinder &) = delete;
+
+    /// "312 of 1,207 events" while a filter is in use, else "1,207 events".
+    [[nodiscard]] QString countText() const;
+    /// What a question before a deletion adds while a filter is in use, after a blank line; empty
+    /// when there is none. `count` is how many events are to be deleted.
+    [[nodiscard]] QString deletionNote(std::size_t count) const;
+    /// To be called each time the list is shown.
+    void refresh();
+
+Q_SIGNALS:
+    /// The text of countText() may be another one now.
+    void countChanged();
+
+private:
+    void rowWillBeInsertedAtTop() override {}
+    void rowWasInserted() override { noteChange(); }
+    void rowsWillBeRemoved(std::size_t, std::size_t) override {}
+    void rowsWereRemoved() override { noteChange(); }
+    void listWillChangeAtLarge() override {}
+    void listChangedAtLarge() override { noteChange(); }
+
+    void applyFilter();
+    void search();
+    void showResult();
+    void noteChange();
+    void showCounts();
+    [[nodiscard]] std::array<std::size_t, kRatingCount> countsOfAll() const;
+    void rememberSelected();
+    void restoreSelected();
+
+    ArrangedEvents &m_events;
+    const AppState &m_state;
+    FindBar &m_bar;
+    EventTableView &m_table;
+    MatchDelegate *m_delegate;
+    QTimer m_slices;
+    QString m_hint;
+    bool m_isChangeNoted = false;
+    std::optional<EventId> m_selected;
+    int m_selectedPlace = 0;  // rows from the top
+    bool m_isMine = false;    // whether it is the filter that changes the rows
+};
+
+}  // namespace quorbel
