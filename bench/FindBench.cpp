@@ -26,7 +26,7 @@ struct Search {
 };
 
 /// Searches in slices as long as the window's, after `before`.
-Search timeOf(ArrangedEvents &events, const EventFilter &before, const EventFilter &filter) {
+Search timeOf(ArrangedEvents &events, const EventQuery &before, const EventQuery &filter) {
     Search best;
     for (int round = 0; round < kRounds; ++round) {
         events.setFilter(before);
@@ -51,8 +51,8 @@ Search timeOf(ArrangedEvents &events, const EventFilter &before, const EventFilt
     return best;
 }
 
-EventFilter textFilter(const std::string &text, bool isExpression = false) {
-    EventFilter filter;
+EventQuery textFilter(const std::string &text, bool isExpression = false) {
+    EventQuery filter;
     filter.texts.push_back({{text, false, isExpression}, false});
     return filter;
 }
@@ -103,7 +103,7 @@ public:
         const Search search = timeOf(m_events, textFilter(before), textFilter(text));
         return report("one more letter, " + text, search.seconds, "s", true, 0.05);
     }
-    bool alone(const char *what, const EventFilter &filter) {
+    bool alone(const char *what, const EventQuery &filter) {
         const Search search = timeOf(m_events, {}, filter);
         std::printf("%s: %zu found\n", what, search.found);
         bool reached = report(what, search.seconds, "s", true, 0.02);
@@ -117,7 +117,7 @@ public:
     }
 
 private:
-    double arrivalsTake(const EventFilter &filter) {
+    double arrivalsTake(const EventQuery &filter) {
         m_events.setFilter(filter);
         m_events.search([] { return false; });
         AppState state;
@@ -151,7 +151,7 @@ int run(const std::filesystem::path &folder) {
     reached &= bench.text("changed state 12[0-9]{3}", true);
     reached &= bench.text("(accepted|denied).*52144", true);
     reached &= bench.narrowed("0x7f0000a", "0x7f0000ab");
-    EventFilter filter;
+    EventQuery filter;
     filter.ratings.set(3);
     reached &= bench.alone("severe alone", filter);
     filter = {};

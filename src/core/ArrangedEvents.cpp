@@ -7,7 +7,7 @@ namespace quorbel {
 
 namespace {
 
-const EventFilter kNoFilter;
+const EventQuery kNoFilter;
 
 /// Looking up candidates one by one pays while they are few.
 constexpr std::size_t kFewOfAll = 8;
@@ -73,11 +73,11 @@ std::vector<RowRange> ArrangedEvents::listRows(const std::vector<RowRange> &rows
     return joinRows(std::move(inList));
 }
 
-const EventFilter &ArrangedEvents::filter() const {
+const EventQuery &ArrangedEvents::filter() const {
     return m_search ? m_search->matcher.filter() : filterInForce();
 }
 
-const EventFilter &ArrangedEvents::filterInForce() const {
+const EventQuery &ArrangedEvents::filterInForce() const {
     return m_inForce ? m_inForce->filter() : kNoFilter;
 }
 
@@ -85,7 +85,7 @@ bool ArrangedEvents::choosesRatings() const {
     return filterInForce().ratings.any();
 }
 
-std::string ArrangedEvents::setFilter(const EventFilter &filter) {
+std::string ArrangedEvents::setFilter(const EventQuery &filter) {
     EventMatcher matcher(m_list, filter);
     if (!matcher.error().empty()) {
         return matcher.error();
@@ -104,7 +104,7 @@ std::string ArrangedEvents::setFilter(const EventFilter &filter) {
     if (filter == filterInForce()) {
         return {};
     }
-    EventFilter sameRatings = filter;
+    EventQuery sameRatings = filter;
     sameRatings.ratings = filterInForce().ratings;
     if (m_inForce && sameRatings == filterInForce()) {
         tell(&EventListObserver::listWillChangeAtLarge);

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/EventFilter.h"
 #include "core/EventList.h"
 #include "core/EventMatcher.h"
+#include "core/EventQuery.h"
 
 #include <array>
 #include <chrono>
@@ -46,11 +46,11 @@ public:
 
     /// Asks for another filter. Returns what is wrong with one of its expressions, in English; then
     /// everything stays as it is. Otherwise search() has work to do, unless isSearching() is false.
-    std::string setFilter(const EventFilter &filter);
+    std::string setFilter(const EventQuery &filter);
     /// The one asked for last.
-    [[nodiscard]] const EventFilter &filter() const;
+    [[nodiscard]] const EventQuery &filter() const;
     /// The one that the rows follow.
-    [[nodiscard]] const EventFilter &filterInForce() const;
+    [[nodiscard]] const EventQuery &filterInForce() const;
     [[nodiscard]] bool isFiltered() const { return m_inForce != nullptr; }
     /// Whether the rows follow an earlier filter still.
     [[nodiscard]] bool isSearching() const { return m_search != nullptr; }

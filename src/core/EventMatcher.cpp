@@ -30,7 +30,7 @@ bool mayBeInDates(const TextPattern &pattern, std::string_view setting) {
 
 }  // namespace
 
-EventMatcher::EventMatcher(EventList &list, EventFilter filter)
+EventMatcher::EventMatcher(EventList &list, EventQuery filter)
     : m_events(list), m_filter(std::move(filter)), m_host(m_filter.host) {
     for (const TextCondition &condition : m_filter.texts) {
         Text text{TextPattern(condition.pattern), condition.pattern, condition.isNegated};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventFilter.h"
+#include "core/EventQuery.h"
 #include "core/EventReader.h"
 #include "core/HostPattern.h"
 
@@ -32,9 +32,9 @@ private:
 class EventMatcher {
 public:
     /// The list outlives the matcher.
-    EventMatcher(EventList &list, EventFilter filter);
+    EventMatcher(EventList &list, EventQuery filter);
 
-    [[nodiscard]] const EventFilter &filter() const { return m_filter; }
+    [[nodiscard]] const EventQuery &filter() const { return m_filter; }
     /// What is wrong with one of the filter's expressions, in English; empty when nothing is. Such
     /// a filter must not be matched.
     [[nodiscard]] const std::string &error() const { return m_error; }
@@ -103,7 +103,7 @@ private:
     [[nodiscard]] bool mayBeInDate(const EventRecord &record, Text &text) const;
 
     EventReader m_events;
-    EventFilter m_filter;
+    EventQuery m_filter;
     std::string m_error;
     HostPattern m_host;
     std::vector<Text> m_texts;

@@ -112,8 +112,8 @@ void FindBar::addRatings() {
     }
 }
 
-EventFilter FindBar::filter() const {
-    EventFilter filter;
+EventQuery FindBar::filter() const {
+    EventQuery filter;
     if (!m_text->text().isEmpty()) {
         filter.texts.push_back(
             {{m_text->text().toStdString(), m_case->isChecked(), m_regex->isChecked()}, false});

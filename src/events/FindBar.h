@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventFilter.h"
+#include "core/EventQuery.h"
 
 #include <QWidget>
 
@@ -21,7 +21,7 @@ class FindBar : public QWidget {
 public:
     explicit FindBar(QWidget *parent = nullptr);
 
-    [[nodiscard]] EventFilter filter() const;
+    [[nodiscard]] EventQuery filter() const;
     /// Unfolds the bar and puts the cursor into its field, all of whose text is selected.
     void open();
     void clear();

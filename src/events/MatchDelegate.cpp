@@ -19,7 +19,7 @@ qsizetype charactersIn(std::string_view bytes) {
 
 }  // namespace
 
-void MatchDelegate::mark(const EventFilter &filter) {
+void MatchDelegate::mark(const EventQuery &filter) {
     m_patterns.clear();
     for (const TextCondition &text : filter.texts) {
         if (!text.isNegated) {

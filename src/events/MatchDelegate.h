@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventFilter.h"
+#include "core/EventQuery.h"
 #include "platform/gui/RowTableView.h"
 
 #include <vector>
@@ -14,7 +14,7 @@ public:
     using RowDelegate::RowDelegate;
 
     /// Marks the filter's texts from now on, but for those that must not occur.
-    void mark(const EventFilter &filter);
+    void mark(const EventQuery &filter);
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;

@@ -91,10 +91,10 @@ protected:
         }
     }
 
-    EventFilter randomFilter() {
+    EventQuery randomFilter() {
         static const std::vector<std::string> texts = {
             "d", "di", "dis", "disk", "sdb", "ink ", "err", "12", ":1", "Sev", "10.0.0.1"};
-        EventFilter filter;
+        EventQuery filter;
         for (std::size_t i = pick(3); i > 0; --i) {
             filter.texts.push_back({{oneOf(texts), pick(2) == 0}, pick(4) == 0});
         }
@@ -122,7 +122,7 @@ protected:
                                   in(m_list.host(row)) || in(m_list.message(row)) ||
                                   contains(std::string(m_list.image(row)), text.pattern));
     }
-    bool isInSpan(std::size_t row, const EventFilter &filter) {
+    bool isInSpan(std::size_t row, const EventQuery &filter) {
         const std::string date = m_list.date(row).value_or("");
         const bool isRaw = isAllDecimalDigits(date) && !date.empty();
         const std::int64_t moment =
@@ -137,7 +137,7 @@ protected:
         }
         return 0;
     }
-    bool isMeant(std::size_t row, const EventFilter &filter) {
+    bool isMeant(std::size_t row, const EventQuery &filter) {
         const std::string priority(m_list.priority(row).value_or(""));
         const std::string host(m_list.host(row).value_or(""));
         return (filter.ratings.none() || filter.ratings[ratingOf(row)]) &&
@@ -149,10 +149,10 @@ protected:
     }
 
     void compare() {
-        const EventFilter filter = m_events.filterInForce();
+        const EventQuery filter = m_events.filterInForce();
         std::vector<EventId> expected;
         std::array<std::size_t, kRatingCount> counts{};
-        EventFilter ofAnyRating = filter;
+        EventQuery ofAnyRating = filter;
         ofAnyRating.ratings.reset();
         for (std::size_t row = m_list.size(); row > 0; --row) {
             if (isMeant(row - 1, filter)) {
@@ -224,7 +224,7 @@ TEST_P(ArrangedEventsModelTest, ArrangesWhatAPlainLookMeans) {
             finish();
         }
         if (pick(3) == 0) {
-            ASSERT_EQ(m_events.setFilter(pick(5) == 0 ? EventFilter() : randomFilter()), "");
+            ASSERT_EQ(m_events.setFilter(pick(5) == 0 ? EventQuery() : randomFilter()), "");
         }
         if (pick(3) == 0) {
             m_events.search([] { return true; });  // one run, and the next change comes

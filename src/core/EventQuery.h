@@ -24,7 +24,7 @@ struct TextCondition {
 };
 
 /// Which events are meant: those that meet every condition. One that is left empty is met by all.
-struct EventFilter {
+struct EventQuery {
     std::vector<TextCondition> texts;
     std::bitset<kRatingCount> ratings;
     /// A severity class (see kSeverityClasses) that an event's has to be, or a worse one.
@@ -36,12 +36,12 @@ struct EventFilter {
     std::optional<std::int64_t> from;   ///< the first moment, in seconds since 1970
     std::optional<std::int64_t> until;  ///< the moment that is past the last one
 
-    [[nodiscard]] bool isInUse() const { return *this != EventFilter(); }
-    bool operator==(const EventFilter &) const = default;
+    [[nodiscard]] bool isInUse() const { return *this != EventQuery(); }
+    bool operator==(const EventQuery &) const = default;
 };
 
 /// Whether every event that the first filter means is meant by the second one, as far as that can
 /// be said at a glance. So it is while somebody types on.
-bool isNarrowerThan(const EventFilter &narrow, const EventFilter &wide);
+bool isNarrowerThan(const EventQuery &narrow, const EventQuery &wide);
 
 }  // namespace quorbel

@@ -1,6 +1,6 @@
 #include "EventListSamples.h"
 #include "core/ArrangedEvents.h"
-#include "core/EventFilter.h"
+#include "core/EventQuery.h"
 #include "core/HostPattern.h"
 
 #include <gtest/gtest.h>
@@ -91,7 +91,7 @@ TEST(HostPatternTest, MeansNamesByWildcardsAndAddressesByMasks) {
 class ArrangedEventsTest : public ::testing::Test {
 protected:
     void find(const TextPattern::Spec &spec, bool isNegated = false) {
-        EventFilter filter;
+        EventQuery filter;
         filter.texts.push_back({spec, isNegated});
         ASSERT_EQ(m_events.setFilter(filter), "");
         m_events.search([] { return false; });
@@ -138,7 +138,7 @@ TEST_F(ArrangedEventsTest, KeepsTheLastResultWhenAnExpressionIsWrong) {
     m_list.insertRaw(fields("1", "p", "h", "one"));
     m_list.insertRaw(fields("2", "p", "h", "two"));
     find({"w"});
-    EventFilter wrong;
+    EventQuery wrong;
     wrong.texts.push_back({{"(", false, true}, false});
     EXPECT_NE(m_events.setFilter(wrong), "");
     EXPECT_EQ(messages(), "two;");
@@ -160,7 +160,7 @@ TEST_F(ArrangedEventsTest, KnowsATextThatTookTheNumberOfAnother) {
 TEST_F(ArrangedEventsTest, KnowsAHostThatTookTheNumberOfAnother) {
     m_list.insertRaw(fields("1", "p", "alpha", "one"));
     m_list.insertRaw(fields("2", "p", "keep", "two"));
-    EventFilter filter;
+    EventQuery filter;
     filter.host = "al*";
     ASSERT_EQ(m_events.setFilter(filter), "");
     m_events.search([] { return false; });
@@ -174,7 +174,7 @@ TEST_F(ArrangedEventsTest, LeavesOutWhatGoesWhileItSearches) {
     for (int i = 0; i < 100; ++i) {
         m_list.insertRaw(fields("1", "p", "h", std::to_string(i)));
     }
-    EventFilter filter;
+    EventQuery filter;
     filter.host = "h";
     ASSERT_EQ(m_events.setFilter(filter), "");
     m_events.search([] { return true; });

@@ -1,4 +1,4 @@
-#include "core/EventFilter.h"
+#include "core/EventQuery.h"
 
 #include <algorithm>
 
@@ -18,8 +18,8 @@ bool isNarrower(const TextCondition &narrow, const TextCondition &wide) {
 
 }  // namespace
 
-bool isNarrowerThan(const EventFilter &narrow, const EventFilter &wide) {
-    EventFilter others = narrow;
+bool isNarrowerThan(const EventQuery &narrow, const EventQuery &wide) {
+    EventQuery others = narrow;
     others.texts = wide.texts;
     return others == wide && std::ranges::all_of(wide.texts, [&](const TextCondition &text) {
                return std::ranges::any_of(narrow.texts, [&](const TextCondition &candidate) {
