@@ -1,6 +1,6 @@
 #include "events/NewestButton.h"
 
-#include "core/EventList.h"
+#include "core/ArrangedEvents.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
 
@@ -21,8 +21,8 @@ const QColor kAccent(0x00, 0x57, 0xad);
 
 }  // namespace
 
-NewestButton::NewestButton(EventList &list, QTableView &table)
-    : QPushButton(&table), m_list(list), m_table(table) {
+NewestButton::NewestButton(ArrangedEvents &events, QTableView &table)
+    : QPushButton(&table), m_events(events), m_table(table) {
     setObjectName(QStringLiteral("newestEvents"));
     setProperty("role", QStringLiteral("pill"));
     setFocusPolicy(Qt::NoFocus);
@@ -39,7 +39,7 @@ NewestButton::NewestButton(EventList &list, QTableView &table)
 
 void NewestButton::noteArrival() {
     if (m_table.verticalScrollBar()->value() == 0) {
-        m_seen = m_list.idAt(0);
+        m_seen = m_events.idAt(0);
     } else {
         lookLater();
     }
@@ -53,14 +53,14 @@ void NewestButton::lookLater() {
 
 void NewestButton::look() {
     m_lookIsDue = false;
-    if (m_list.size() == 0) {
+    if (m_events.size() == 0) {
         hide();
         return;
     }
-    const int last = static_cast<int>(m_list.size()) - 1;
+    const int last = static_cast<int>(m_events.size()) - 1;
     const int top = std::min(m_table.verticalScrollBar()->value(), last);
-    m_seen = std::max(m_seen, m_list.idAt(static_cast<std::size_t>(top)));
-    tell(static_cast<int>(m_list.rowFor(m_seen)));
+    m_seen = std::max(m_seen, m_events.idAt(static_cast<std::size_t>(top)));
+    tell(static_cast<int>(m_events.placeOf(m_seen)));
 }
 
 void NewestButton::tell(int count) {

@@ -8,7 +8,7 @@ class QTableView;
 
 namespace quorbel {
 
-class EventList;
+class ArrangedEvents;
 
 /// Stands over the header of the event table while that is scrolled down and events have arrived
 /// above what was seen of it: says how many and leads to them. Takes neither room nor the keyboard.
@@ -16,9 +16,9 @@ class NewestButton : public QPushButton {
     Q_OBJECT
 
 public:
-    /// The table shows the list in a model that it has already. Both outlive this, which is the
+    /// The table shows the events in a model that it has already. Both outlive this, which is the
     /// table's child.
-    NewestButton(EventList &list, QTableView &table);
+    NewestButton(ArrangedEvents &events, QTableView &table);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -29,7 +29,7 @@ private:
     void tell(int count);
     void place();
 
-    EventList &m_list;
+    ArrangedEvents &m_events;
     QTableView &m_table;
     EventId m_seen = 0;  // the newest event that was in sight
     bool m_lookIsDue = false;

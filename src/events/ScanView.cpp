@@ -58,7 +58,7 @@ void ScanView::viewDidLoad() {
 
     ui->tableView->setModel(m_model.get());
     m_place = std::make_unique<ReadingPlace>(*ui->tableView);
-    new NewestButton(arrController, *ui->tableView);
+    new NewestButton(m_events, *ui->tableView);
     ui->holdEvents->attach(m_delegate.hold, *this);
     m_selection = std::make_unique<EventSelection>(m_events, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);

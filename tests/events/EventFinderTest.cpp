@@ -5,6 +5,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 
@@ -75,6 +76,24 @@ private Q_SLOTS:
         QCOMPARE(cell(0, 4), name("disk sdb7"));
         QCOMPARE(selected(), QList<int>{});
         QTRY_COMPARE(count(), name("11 of 42 events"));
+    }
+    void countsNewEventsAboveAsTheyAreDisplayed() {
+        for (int i = 0; i < 400; ++i) {
+            m_page->insertEvent(fields("1700000100", "disk sdb2"));
+        }
+        find("sdb");
+        QTRY_COMPARE(rows(), 410);
+        table()->verticalScrollBar()->setValue(100);
+        QCoreApplication::processEvents();
+        for (int i = 0; i < 37; ++i) {
+            m_page->insertEvent(fields("1700000200", "disk sdb3"));
+            m_page->insertEvent(fields("1700000200", "link down"));
+        }
+        auto *newest = m_page->findChild<QPushButton *>(name("newestEvents"));
+        QTRY_COMPARE(newest->text(), name("37 new"));
+        click("newestEvents");
+        QTRY_COMPARE(table()->verticalScrollBar()->value(), 0);
+        QTRY_VERIFY(!newest->isVisible());
     }
     void removesAnnouncedEventsByTheirOwnRow() {
         find("sdb");
