@@ -1,7 +1,9 @@
 #include "core/HostPattern.h"
 
 #include "platform/Number.h"
+#include "platform/Text.h"
 
+#include <algorithm>
 #include <cctype>
 #include <string>
 
@@ -44,11 +46,11 @@ std::optional<unsigned> bitsOfMask(std::string_view text) {
 
 }  // namespace
 
-HostPattern::HostPattern(std::string_view pattern)
+HostPattern::Part::Part(std::string_view pattern)
     : m_network(networkOf(pattern)),
       m_name({expressionFor(pattern), /*isCaseSensitive=*/false, /*isExpression=*/true}) {}
 
-std::optional<HostPattern::Network> HostPattern::networkOf(std::string_view pattern) {
+std::optional<HostPattern::Part::Network> HostPattern::Part::networkOf(std::string_view pattern) {
     const std::size_t slash = pattern.find('/');
     if (slash == std::string_view::npos) {
         return std::nullopt;
@@ -66,12 +68,33 @@ std::optional<HostPattern::Network> HostPattern::networkOf(std::string_view patt
     return bits ? std::optional(Network{*address, *bits}) : std::nullopt;
 }
 
-bool HostPattern::matches(std::string_view host) const {
+bool HostPattern::Part::matches(std::string_view host) const {
     if (!m_network) {
         return m_name.error().empty() && m_name.isIn(host);
     }
     const auto address = IpAddress::parse(host);
     return address && address->sharesPrefix(m_network->address, m_network->bits);
+}
+
+HostPattern::HostPattern(std::string_view pattern) {
+    while (!pattern.empty()) {
+        const std::size_t comma = std::min(pattern.find(','), pattern.size());
+        std::string_view part = trimmed(pattern.substr(0, comma));
+        pattern.remove_prefix(std::min(comma + 1, pattern.size()));
+        const bool isExcluded = part.starts_with('!');
+        if (isExcluded) {
+            part = trimmed(part.substr(1));
+        }
+        if (!part.empty()) {
+            (isExcluded ? m_excluded : m_meant).emplace_back(part);
+        }
+    }
+}
+
+bool HostPattern::matches(std::string_view host) const {
+    const auto matchesIt = [host](const Part &part) { return part.matches(host); };
+    return (m_meant.empty() || std::ranges::any_of(m_meant, matchesIt)) &&
+           std::ranges::none_of(m_excluded, matchesIt);
 }
 
 }  // namespace quorbel

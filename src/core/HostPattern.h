@@ -5,12 +5,14 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace quorbel {
 
-/// Which hosts are meant: a name or an address, in which "*" stands for any characters and "?" for
-/// one; or an address with a mask ("10.0.0.0/8", "10.0.0.0/255.0.0.0", "fe80::/10"), which means
-/// the addresses alone. Capital and small letters are alike.
+/// Which hosts are meant: a list, separated by commas, of names and addresses, in which "*" stands
+/// for any characters and "?" for one, and of addresses with a mask ("10.0.0.0/8",
+/// "10.0.0.0/255.0.0.0", "fe80::/10"), which mean the addresses alone. What follows a "!" is
+/// excluded; a list of nothing else means all other hosts. Capital and small letters are alike.
 class HostPattern {
 public:
     explicit HostPattern(std::string_view pattern);
@@ -18,15 +20,24 @@ public:
     [[nodiscard]] bool matches(std::string_view host) const;
 
 private:
-    struct Network {
-        IpAddress address;
-        unsigned bits;  ///< of 128
+    class Part {
+    public:
+        explicit Part(std::string_view pattern);
+        [[nodiscard]] bool matches(std::string_view host) const;
+
+    private:
+        struct Network {
+            IpAddress address;
+            unsigned bits;  ///< of 128
+        };
+        static std::optional<Network> networkOf(std::string_view pattern);
+
+        std::optional<Network> m_network;
+        TextPattern m_name;
     };
 
-    static std::optional<Network> networkOf(std::string_view pattern);
-
-    std::optional<Network> m_network;
-    TextPattern m_name;
+    std::vector<Part> m_meant;
+    std::vector<Part> m_excluded;
 };
 
 }  // namespace quorbel

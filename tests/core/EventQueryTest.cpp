@@ -72,6 +72,21 @@ TEST(TextPatternTest, KnowsWhatNoDateCanHold) {
     EXPECT_FALSE(expression("(accepted|denied) 1").mayBeInTextOf(characters));
 }
 
+TEST(HostPatternTest, MeansAListAndExcludesFromIt) {
+    const HostPattern some("fs*, 10.0.0.0/8, !fs02 , ! 10.0.0.7");
+    EXPECT_TRUE(some.matches("fs01"));
+    EXPECT_FALSE(some.matches("fs02"));
+    EXPECT_TRUE(some.matches("10.0.0.8"));
+    EXPECT_FALSE(some.matches("10.0.0.7"));
+    EXPECT_FALSE(some.matches("db01"));
+    const HostPattern allBut("!fs01,!192.168.0.0/16");
+    EXPECT_TRUE(allBut.matches("db01"));
+    EXPECT_TRUE(allBut.matches(""));
+    EXPECT_FALSE(allBut.matches("FS01"));
+    EXPECT_FALSE(allBut.matches("192.168.7.7"));
+    EXPECT_TRUE(HostPattern(" ,, ").matches("fs01"));
+}
+
 TEST(HostPatternTest, MeansNamesByWildcardsAndAddressesByMasks) {
     EXPECT_TRUE(HostPattern("fs01").matches("FS01"));
     EXPECT_FALSE(HostPattern("fs0").matches("fs01"));
