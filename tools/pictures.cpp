@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -70,6 +71,16 @@ public:
     void scrollTo(const char *area, const char *name) const {
         control<QScrollArea>(area).verticalScrollBar()->setValue(
             control<QWidget>(name).mapTo(control<QScrollArea>(area).widget(), QPoint()).y() - 12);
+        QTest::qWait(kSettleMs);
+    }
+    void type(const char *field, const char *text) const {
+        auto &line = control<QLineEdit>(field);
+        line.setFocus();
+        QTest::keyClicks(&line, QString::fromUtf8(text));
+        QTest::qWait(kSettleMs);
+    }
+    void press(const char *name, Qt::Key key) const {
+        QTest::keyClick(&control<QWidget>(name), key);
         QTest::qWait(kSettleMs);
     }
     void notify(const testing::ServiceStandIn::UserInfo &event) const { m_service.notify(event); }
@@ -167,6 +178,19 @@ std::function<void(Stage &)> report(int kind, bool expand) {
     };
 }
 
+/// A filter of several conditions.
+void find(const Stage &stage) {
+    stage.type("findText", "line");
+    stage.press("findText", Qt::Key_Return);
+    stage.type("findText", "10.0.");
+    stage.press("findText", Qt::Key_Return);
+    QTest::mouseClick(stage.control<QWidget>("findField")
+                          .findChildren<QAbstractButton *>(QLatin1String("findCondition"))
+                          .last(),
+                      Qt::LeftButton);
+    stage.type("findText", "interf");
+}
+
 std::vector<Picture> settingsPictures() {
     const auto optionsAt = [](const char *name) {
         return [name](const Stage &stage) {
@@ -225,6 +249,24 @@ std::vector<Picture> pictures() {
          [](Stage &stage) {
              stage.click("Scan");
              stage.click("holdEvents");
+         }},
+        {"events-filtered", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             find(stage);
+         }},
+        {"events-filtered-small", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.window->setMinimumSize(0, 0);
+             stage.window->resize(800, 500);
+             find(stage);
+         }},
+        {"events-none-found", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             find(stage);
+             stage.type("findText", "moonlight");
          }},
         {"details", Sample::kBad, "eventView",
          [](Stage &stage) {

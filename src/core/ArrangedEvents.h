@@ -44,6 +44,11 @@ public:
     [[nodiscard]] std::size_t listRow(std::size_t row) const;
     [[nodiscard]] std::vector<RowRange> listRows(const std::vector<RowRange> &rows) const;
 
+    /// While isFiltered(): how the row's event is rated.
+    [[nodiscard]] EventRating ratingAt(std::size_t row) const {
+        return rows()[rows().size() - 1 - row].rating();
+    }
+
     /// Asks for another filter. Returns what is wrong with one of its expressions, in English; then
     /// everything stays as it is. Otherwise search() has work to do, unless isSearching() is false.
     std::string setFilter(const EventQuery &filter);

@@ -62,8 +62,26 @@ public:
         }
         visit(m_list.m_absentClasses, others);
     }
+    /// Calls `visit(text)` for each text that some event has.
+    template <typename Visit>
+    void visitPriorityTexts(Visit visit) const {
+        visitTexts(m_list.m_priorities, visit);
+    }
+    template <typename Visit>
+    void visitHosts(Visit visit) const {
+        visitTexts(m_list.m_hosts, visit);
+    }
 
 private:
+    template <typename Visit>
+    static void visitTexts(const StringTable &texts, Visit visit) {
+        for (StringTable::Id id = 1; id < texts.idLimit(); ++id) {
+            if (texts.uses(id) > 0) {
+                visit(texts.text(id));
+            }
+        }
+    }
+
     EventList &m_list;
 };
 

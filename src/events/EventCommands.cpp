@@ -1,27 +1,105 @@
 #include "events/EventCommands.h"
 
+#include "events/EventFinder.h"
 #include "events/EventTableModel.h"
 #include "events/EventTableView.h"
+#include "events/FindBar.h"
+#include "events/LikePattern.h"
 #include "platform/gui/RowCommands.h"
+#include "platform/gui/ViewCommands.h"
+
+#include <QAbstractButton>
+#include <QAction>
 
 #include <utility>
 
 namespace quorbel {
 
-RowCommands &addEventCommands(EventTableView &table, std::function<void()> deleteEvents) {
-    using Needs = RowCommands::Needs;
+namespace {
+
+using Needs = RowCommands::Needs;
+
+const QKeySequence kSurroundings(Qt::CTRL | Qt::SHIFT | Qt::Key_F);
+
+QString shown(const QKeySequence &key) {
+    return u'\t' + key.toString(QKeySequence::NativeText);
+}
+
+/// Of the row that was selected last.
+QString selectedText(const EventTableView &table, int column) {
+    const QItemSelectionModel &selection = *table.selectionModel();
+    QModelIndex row = selection.currentIndex();
+    if (!selection.isSelected(row)) {
+        row = selection.selection().first().topLeft();
+    }
+    return row.siblingAtColumn(column).data().toString();
+}
+
+void addFilters(RowCommands &commands, const EventTableView &table, FindBar &bar,
+                EventFinder &finder) {
+    const auto host = [&table](auto use) {
+        if (const QString name = selectedText(table, EventTableModel::kHost); !name.isEmpty()) {
+            use(name);
+        }
+    };
+    commands.add("onlyThisHost", QStringLiteral("Only This &Host"), {}, Needs::kSelection,
+                 [host, &bar] { host([&bar](const QString &name) { bar.onlyHost(name); }); });
+    commands.add("notThisHost", QStringLiteral("&Not This Host"), {}, Needs::kSelection,
+                 [host, &bar] { host([&bar](const QString &name) { bar.excludeHost(name); }); });
+    commands.add("onlyLikeThis", QStringLiteral("Only &Like This"), {}, Needs::kSelection,
+                 [&table, &bar] {
+                     const QString message = selectedText(table, EventTableModel::kMessage);
+                     bar.addText({{likePattern(message), true, true}, false});
+                 });
+    // The key is the page's.
+    commands.add("surroundings", QStringLiteral("&Show Surroundings") + shown(kSurroundings), {},
+                 Needs::kSelection, [&finder] { finder.showSurroundings(); });
+}
+
+}  // namespace
+
+RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &finder,
+                              std::function<void()> deleteEvents) {
     auto *commands = new RowCommands(table, [&table](int row) {
         return table.model()->index(row, EventTableModel::kMessage).data().toString();
     });
     commands->addSeparator();
     // The key is the table's own: it opens the event chosen last, also when others came since.
-    const QString key = QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText);
-    commands->add("openDetails", QStringLiteral("De&tails") + u'\t' + key, {}, Needs::kSelection,
-                  [&table] { Q_EMIT table.enterPressed(); });
+    commands->add("openDetails", QStringLiteral("De&tails") + shown(Qt::Key_Return), {},
+                  Needs::kSelection, [&table] { Q_EMIT table.enterPressed(); });
+    commands->addSeparator();
+    addFilters(*commands, table, bar, finder);
     commands->addSeparator();
     commands->add("deleteSelected", QStringLiteral("&Delete..."), QKeySequence::Delete,
                   Needs::kNothing, std::move(deleteEvents));
     return *commands;
+}
+
+void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstractButton &hold,
+                     EventTableView &table) {
+    auto *commands = new ViewCommands(page);
+    commands->add("findEvents", QStringLiteral("&Find..."), QKeySequence::Find,
+                  [&bar] { bar.open(); });
+    QAction *clear =
+        commands->add("clearFilter", QStringLiteral("&Clear the Filter"),
+                      QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L), [&bar] { bar.clear(); });
+    QAction *surroundings = commands->add("showSurroundings", QStringLiteral("&Show Surroundings"),
+                                          kSurroundings, [&finder] { finder.showSurroundings(); });
+    QAction *held = commands->add(
+        "holdList", QStringLiteral("&Hold New Events"), QKeySequence(QStringLiteral("Ctrl+H")),
+        [&hold] { hold.toggle(); },
+        /*hasOwnKey=*/false);
+    held->setCheckable(true);
+    commands->add(
+        "goToNewest", QStringLiteral("Go to the &Newest"), QKeySequence(Qt::CTRL | Qt::Key_Home),
+        [&table] { table.scrollToTop(); },
+        /*hasOwnKey=*/false);
+    QObject::connect(commands, &ViewCommands::aboutToShow, commands,
+                     [&bar, &hold, &table, clear, surroundings, held] {
+                         clear->setEnabled(bar.filter().isInUse());
+                         surroundings->setEnabled(table.selectionModel()->hasSelection());
+                         held->setChecked(hold.isChecked());
+                     });
 }
 
 }  // namespace quorbel

@@ -4,6 +4,8 @@
 #include "events/EventTableView.h"
 #include "events/FindBar.h"
 #include "events/MatchDelegate.h"
+#include "events/NothingFound.h"
+#include "events/ScrollMarks.h"
 #include "platform/gui/QtText.h"
 
 #include <QElapsedTimer>
@@ -34,9 +36,10 @@ EventFinder::EventFinder(ArrangedEvents &events, const AppState &state, FindBar 
       m_state(state),
       m_bar(bar),
       m_table(table),
-      m_delegate(new MatchDelegate(&table)),
+      m_nothingFound(new NothingFound(events.list(), bar, table)),
       m_hint(table.hint()) {
-    m_table.setItemDelegate(m_delegate);
+    m_table.setItemDelegate(new MatchDelegate(m_marks, this));
+    new ScrollMarks(m_events, m_table);
     connect(&m_slices, &QTimer::timeout, this, &EventFinder::search);
     connect(&m_bar, &FindBar::filterChanged, this, &EventFinder::applyFilter);
     connect(&m_bar, &FindBar::left, &m_table, qOverload<>(&QWidget::setFocus));
@@ -95,11 +98,32 @@ void EventFinder::search() {
 }
 
 void EventFinder::showResult() {
-    m_delegate->mark(m_events.filterInForce());
+    m_marks.use(m_events.filterInForce());
     m_table.setHint(m_events.isFiltered() && m_events.list().size() > 0
                         ? QStringLiteral("No events match.")
                         : m_hint);
+    showWhetherFound();
+    m_table.viewport()->update();
     noteChange();
+}
+
+void EventFinder::showWhetherFound() {
+    const bool isNothing =
+        m_events.isFiltered() && m_events.size() == 0 && m_events.list().size() > 0;
+    if (!isNothing) {
+        m_nothingFound->disappear();
+    } else if (!m_events.isSearching()) {
+        m_nothingFound->appear();
+    }
+}
+
+void EventFinder::showSurroundings() {
+    if (m_events.isFiltered()) {
+        m_bar.clear();
+    } else if (const QModelIndex index = m_table.currentIndex(); index.isValid()) {
+        m_table.scrollTo(index, QAbstractItemView::PositionAtCenter);
+    }
+    m_table.setFocus();
 }
 
 void EventFinder::noteChange() {
@@ -113,6 +137,9 @@ void EventFinder::showCounts() {
     m_isChangeNoted = false;
     if (m_events.isSearching() && !m_slices.isActive()) {
         m_slices.start(0);  // many events came at once
+    }
+    if (m_events.size() > 0 || m_nothingFound->isHidden()) {
+        showWhetherFound();
     }
     m_bar.showCounts(m_events.isFiltered() ? m_events.ratingCounts() : countsOfAll());
     Q_EMIT countChanged();

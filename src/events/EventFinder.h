@@ -2,6 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/ArrangedEvents.h"
+#include "events/MatchMarks.h"
 
 #include <QObject>
 #include <QTimer>
@@ -13,7 +14,7 @@ namespace quorbel {
 
 class EventTableView;
 class FindBar;
-class MatchDelegate;
+class NothingFound;
 
 /// Lets the table show what the bar asks for: searches between the window's own events, and keeps
 /// the selected event in sight when the rows change.
@@ -32,8 +33,12 @@ public:
     /// What a question before a deletion adds while a filter is in use, after a blank line; empty
     /// when there is none. `count` is how many events are to be deleted.
     [[nodiscard]] QString deletionNote(std::size_t count) const;
+    /// What of a shown text the filter asks for.
+    [[nodiscard]] const MatchMarks &marks() const { return m_marks; }
     /// To be called each time the list is shown.
     void refresh();
+    /// Shows all events, the selected one in sight among its neighbours.
+    void showSurroundings();
 
 Q_SIGNALS:
     /// The text of countText() may be another one now.
@@ -50,6 +55,7 @@ private:
     void applyFilter();
     void search();
     void showResult();
+    void showWhetherFound();
     void noteChange();
     void showCounts();
     [[nodiscard]] std::array<std::size_t, kRatingCount> countsOfAll() const;
@@ -60,7 +66,8 @@ private:
     const AppState &m_state;
     FindBar &m_bar;
     EventTableView &m_table;
-    MatchDelegate *m_delegate;
+    MatchMarks m_marks;
+    NothingFound *m_nothingFound;
     QTimer m_slices;
     QString m_hint;
     bool m_isChangeNoted = false;

@@ -1,202 +1,273 @@
 #include "events/FindBar.h"
 
-#include "common/Severity.h"
+#include "events/FindFacility.h"
+#include "events/FindField.h"
+#include "events/FindHost.h"
+#include "events/FindMore.h"
+#include "events/FindRatings.h"
+#include "events/FindSpan.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
-#include "platform/gui/QtText.h"
 
-#include <QAction>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
-#include <QToolButton>
+#include <QPushButton>
+#include <QScopedValueRollback>
 
-#include <utility>
+#include <algorithm>
 
 namespace quorbel {
 
 namespace {
 
-constexpr int kNarrow = 560;  // below it the bar folds
-constexpr int kFieldWidth = 200;
-constexpr int kHeight = 30;
-
-QString ratingName(std::size_t rating) {
-    return toQString(severityLevelName(static_cast<std::int64_t>(rating)));
-}
+constexpr int kNarrow = 760;  // a page's width below which the choices fold
+constexpr int kGap = 6;
 
 }  // namespace
 
 FindBar::FindBar(QWidget *parent)
     : QWidget(parent),
-      m_unfold(new QToolButton(this)),
       m_row(new QWidget(this)),
-      m_text(new QLineEdit(m_row)),
-      m_warning(m_text->addAction(lineIcon(QStringLiteral("alert"), QColor(0xd9, 0x3a, 0x3f)),
-                                  QLineEdit::TrailingPosition)),
+      m_field(new FindField(m_row)),
+      m_ratings(new FindRatings(m_row)),
+      m_facility(new FindFacility(m_row)),
+      m_host(new FindHost(m_row)),
+      m_choices{new FindSeverity(m_row), m_facility, m_host, new FindSpan(m_row)},
+      m_more(new FindMore(*m_ratings, m_row)),
+      m_clear(new QPushButton(m_row)),
       m_error(new QLabel(this)) {
+    setAccessibleName(tr("Find events"));
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(4);
-    column->addWidget(m_unfold, 0, Qt::AlignLeft);
     column->addWidget(m_row);
     column->addWidget(m_error);
-    m_unfold->setObjectName(QStringLiteral("findOpen"));
-    m_unfold->setIcon(lineIcon(QStringLiteral("search")));
-    m_unfold->setAutoRaise(true);
-    m_unfold->setAccessibleName(tr("Find in events"));
-    m_unfold->setToolTip(tr("Find in events (Ctrl+F)"));
     m_error->setObjectName(QStringLiteral("findError"));
+    m_error->setProperty("role", QStringLiteral("error"));
     m_error->setTextFormat(Qt::PlainText);
-    m_error->setStyleSheet(QStringLiteral("color: #b3262b"));
+    m_error->setWordWrap(true);
     m_error->hide();
-    m_warning->setVisible(false);
-
-    auto *row = new QHBoxLayout(m_row);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(4);
-    m_text->setObjectName(QStringLiteral("findText"));
-    m_text->setPlaceholderText(tr("Find in events"));
-    m_text->setAccessibleName(tr("Find in events"));
-    m_text->setMinimumWidth(sizedToFont(kFieldWidth));
-    m_text->setMaximumWidth(sizedToFont(2 * kFieldWidth));
-    m_text->setMinimumHeight(sizedToFont(kHeight));
-    m_text->addAction(lineIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
-    m_text->installEventFilter(this);
-    row->addWidget(m_text, 1);
-    m_case = addToggle("findCase", QStringLiteral("Aa"), tr("Match case"),
-                       tr("Tell capital from small letters"));
-    m_regex = addToggle("findRegex", QStringLiteral(".*"), tr("Regular expression"),
-                        tr("Take the text as a regular expression"));
-    addRatings();
-    row->addStretch();
-    m_clear = addToggle("findClear", tr("Clear"), tr("Clear the filter"), tr("Show all events"));
-    m_clear->setCheckable(false);
-    m_clear->hide();
-    connect(m_unfold, &QAbstractButton::clicked, this, &FindBar::open);
-    connect(m_text, &QLineEdit::textChanged, this, &FindBar::change);
+    makeRow();
+    connect(m_field, &FindField::changed, this, &FindBar::change);
+    connect(m_ratings, &FindRatings::changed, this, &FindBar::change);
+    for (const FindChoice *choice : std::as_const(m_choices)) {
+        connect(choice, &FindChoice::changed, this, &FindBar::change);
+    }
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
         clear();
-        m_text->setFocus();
+        m_field->open();
     });
+    fit();
+}
+
+void FindBar::makeRow() {
+    // It fits itself to the width that there is.
+    m_row->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    auto *row = new QHBoxLayout(m_row);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kGap);
+    row->addWidget(m_field, 1000);
+    row->addWidget(m_ratings);
+    for (FindChoice *choice : std::as_const(m_choices)) {
+        row->addWidget(choice);
+    }
+    row->addWidget(m_more);
+    row->addWidget(m_clear);
+    row->addStretch(1);
+    m_clear->setObjectName(QStringLiteral("findClear"));
+    m_clear->setProperty("role", QStringLiteral("link"));
+    m_clear->setAutoDefault(false);
+    m_clear->setCursor(Qt::PointingHandCursor);
+    m_clear->setAccessibleName(tr("Clear the filter"));
+    m_clear->setToolTip(tr("Show all events again (Ctrl+Shift+L)"));
+}
+
+void FindBar::attach(EventList &events, QAbstractButton &unfold) {
+    m_facility->attach(events);
+    m_host->attach(events);
+    m_unfold = &unfold;
+    connect(m_unfold, &QAbstractButton::clicked, this, &FindBar::open);
+    parentWidget()->installEventFilter(this);
     fold();
 }
 
-QToolButton *FindBar::addToggle(const char *name, const QString &text,
-                                const QString &accessibleName, const QString &toolTip) {
-    auto *button = new QToolButton(m_row);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setText(text);
-    button->setAccessibleName(accessibleName);
-    button->setToolTip(toolTip);
-    button->setCheckable(true);
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::StrongFocus);
-    button->setMinimumHeight(sizedToFont(kHeight));
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->installEventFilter(this);
-    connect(button, &QAbstractButton::toggled, this, &FindBar::change);
-    m_row->layout()->addWidget(button);
-    return button;
-}
-
-void FindBar::addRatings() {
-    for (std::size_t rating = m_ratings.size(); rating > 0; --rating) {
-        const QString name = ratingName(rating - 1);
-        QToolButton *button =
-            addToggle("findRating", {}, name, tr("Show only the events rated %1").arg(name));
-        button->setObjectName(QStringLiteral("findRating") + name);
-        button->setIcon(severityIcon(name));
-        m_ratings[rating - 1] = button;
-    }
-}
-
 EventQuery FindBar::filter() const {
-    EventQuery filter;
-    if (!m_text->text().isEmpty()) {
-        filter.texts.push_back(
-            {{m_text->text().toStdString(), m_case->isChecked(), m_regex->isChecked()}, false});
+    EventQuery query;
+    query.texts = m_field->texts();
+    m_ratings->addTo(query);
+    for (const FindChoice *choice : m_choices) {
+        choice->addTo(query);
     }
-    for (std::size_t rating = 0; rating < m_ratings.size(); ++rating) {
-        filter.ratings[rating + 1] = m_ratings[rating]->isChecked();
+    return query;
+}
+
+std::vector<FindBar::Condition> FindBar::conditions() const {
+    std::vector<Condition> conditions;
+    const EventQuery all = filter();
+    const QStringList names = m_field->names();
+    for (std::size_t i = 0; i < all.texts.size(); ++i) {
+        EventQuery others = all;
+        others.texts.erase(others.texts.begin() + static_cast<std::ptrdiff_t>(i));
+        conditions.push_back({names.value(static_cast<qsizetype>(i)), std::move(others),
+                              [this, i] { m_field->remove(i); }});
     }
-    return filter;
+    if (all.ratings.any()) {
+        EventQuery others = all;
+        others.ratings.reset();
+        conditions.push_back(
+            {tr("the ratings"), std::move(others), [this] { m_ratings->clear(); }});
+    }
+    for (FindChoice *choice : m_choices) {
+        if (choice->isInUse()) {
+            EventQuery others = all;
+            choice->removeFrom(others);
+            conditions.push_back(
+                {choice->value(), std::move(others), [choice] { choice->clear(); }});
+        }
+    }
+    return conditions;
 }
 
 void FindBar::open() {
     m_isUnfolded = true;
     fold();
-    m_text->setFocus(Qt::ShortcutFocusReason);
-    m_text->selectAll();
+    m_field->open();
 }
 
 void FindBar::clear() {
-    m_isClearing = true;
-    m_text->clear();
-    for (QToolButton *rating : m_ratings) {
-        rating->setChecked(false);
+    {
+        const QScopedValueRollback clearing(m_isClearing, true);
+        m_field->clear();
+        m_ratings->clear();
+        for (FindChoice *choice : std::as_const(m_choices)) {
+            choice->clear();
+        }
     }
-    m_isClearing = false;
     change();
+}
+
+void FindBar::addText(const TextCondition &condition) {
+    m_field->add(condition);
+}
+
+void FindBar::onlyHost(const QString &host) {
+    m_host->only(host);
+}
+
+void FindBar::excludeHost(const QString &host) {
+    m_host->exclude(host);
 }
 
 void FindBar::change() {
     if (!m_isClearing) {
-        m_clear->setVisible(filter().isInUse());
+        fold();
+        fit();
         Q_EMIT filterChanged();
     }
 }
 
 void FindBar::showError(const QString &error) {
-    m_error->setText(error.isEmpty() ? QString()
-                                     : tr("This is no regular expression: %1").arg(error));
+    const QString text =
+        error.isEmpty() ? QString() : tr("This is no regular expression: %1").arg(error);
+    m_error->setText(text);
     m_error->setVisible(!error.isEmpty());
-    m_warning->setVisible(!error.isEmpty());
-    m_warning->setToolTip(m_error->text());
-    m_text->setAccessibleDescription(m_error->text());
-    m_text->setStyleSheet(error.isEmpty() ? QString()
-                                          : QStringLiteral("border: 1px solid #d93a3f"));
+    m_field->showError(text);
 }
 
 void FindBar::showCounts(const std::array<std::size_t, kRatingCount> &counts) {
-    for (std::size_t rating = 0; rating < m_ratings.size(); ++rating) {
-        const QString count = countText(static_cast<qlonglong>(counts[rating + 1]));
-        m_ratings[rating]->setText(count);
-        m_ratings[rating]->setAccessibleName(tr("%1, %2 events").arg(ratingName(rating), count));
-    }
+    m_ratings->showCounts(counts);
+    fit();
 }
 
 bool FindBar::isNarrow() const {
-    return width() < sizedToFont(kNarrow);
+    return parentWidget() != nullptr && parentWidget()->width() < sizedToFont(kNarrow);
 }
 
 void FindBar::fold() {
+    if (m_unfold == nullptr) {
+        return;
+    }
     const bool isFolded = isNarrow() && !m_isUnfolded && !filter().isInUse();
-    m_row->setVisible(!isFolded);
+    setVisible(!isFolded);
     m_unfold->setVisible(isFolded);
+}
+
+void FindBar::fit() {
+    m_clear->setVisible(filter().isInUse());
+    m_clear->setText(isNarrow() ? QString() : tr("Clear"));
+    m_clear->setIcon(isNarrow() ? lineIcon(QStringLiteral("cancel")) : QIcon());
+    m_field->setCompact(false);
+    m_field->setUnlimited(isNarrow());
+    m_ratings->setVisible(!isNarrow());
+    for (FindChoice *choice : std::as_const(m_choices)) {
+        choice->setVisible(!isNarrow());
+    }
+    if (isNarrow()) {
+        m_more->standForAll(m_choices);
+        m_field->setCompact(!fits());
+    } else {
+        fitWide();
+    }
+}
+
+/// What gives way, in turn.
+void FindBar::fitWide() {
+    QList<FindChoice *> withoutRoom;
+    m_more->standFor({});
+    for (auto choice = m_choices.crbegin(); choice != m_choices.crend() && !fits(); ++choice) {
+        if (!(*choice)->isInUse()) {
+            (*choice)->hide();
+            withoutRoom.prepend(*choice);
+            m_more->standFor(withoutRoom);
+        }
+    }
+    if (!fits()) {
+        m_clear->setText({});
+        m_clear->setIcon(lineIcon(QStringLiteral("cancel")));
+    }
+    m_field->setCompact(!fits());
+}
+
+bool FindBar::fits() const {
+    int needed = m_field->wantedWidth();
+    for (const QWidget *control :
+         m_row->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (control != m_field && !control->isHidden()) {
+            needed += control->sizeHint().width() + kGap;
+        }
+    }
+    return needed <= width();
+}
+
+void FindBar::leave() {
+    m_isUnfolded = false;
+    Q_EMIT left();
+    fold();
+}
+
+void FindBar::keyPressEvent(QKeyEvent *event) {
+    const bool isInField = m_field->isAncestorOf(QApplication::focusWidget());
+    if (event->key() == Qt::Key_Escape) {
+        if (!isInField || !m_field->clearTyped()) {
+            leave();
+        }
+    } else if (event->key() == Qt::Key_Down && isInField) {
+        leave();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
 }
 
 void FindBar::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
-    fold();
+    fit();
 }
 
 bool FindBar::eventFilter(QObject *watched, QEvent *event) {
-    if (event->type() != QEvent::KeyPress) {
-        return QWidget::eventFilter(watched, event);
-    }
-    const int key = static_cast<QKeyEvent *>(event)->key();
-    if (key == Qt::Key_Escape && filter().isInUse()) {
-        clear();
-        m_text->setFocus();
-        return true;
-    }
-    if (key == Qt::Key_Escape || (key == Qt::Key_Down && watched == m_text)) {
-        m_isUnfolded = false;
-        Q_EMIT left();
+    if (watched == parentWidget() && event->type() == QEvent::Resize) {
         fold();
-        return true;
     }
     return QWidget::eventFilter(watched, event);
 }

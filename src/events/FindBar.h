@@ -2,29 +2,55 @@
 
 #include "core/EventQuery.h"
 
+#include <QList>
 #include <QWidget>
 
 #include <array>
+#include <functional>
+#include <vector>
 
-class QAction;
+class QAbstractButton;
 class QLabel;
-class QLineEdit;
-class QToolButton;
+class QPushButton;
 
 namespace quorbel {
 
-/// One row of controls in which the user says which events are wanted. In a narrow window it folds
-/// to one button, which the shortcut and a click unfold.
+class EventList;
+class FindChoice;
+class FindFacility;
+class FindField;
+class FindHost;
+class FindMore;
+class FindRatings;
+
+/// One row of controls in which the user says which events are wanted. What has no room in it
+/// shortens or goes into a menu. In a narrow page at rest, one button stands for all of it.
 class FindBar : public QWidget {
     Q_OBJECT
 
 public:
     explicit FindBar(QWidget *parent = nullptr);
 
+    /// Once: whose hosts and facilities are offered, and the button that unfolds the bar. Both
+    /// outlive it.
+    void attach(EventList &events, QAbstractButton &unfold);
+
     [[nodiscard]] EventQuery filter() const;
+    /// One of the conditions that are in use, and what would be asked for without it.
+    struct Condition {
+        QString name;
+        EventQuery others;
+        std::function<void()> remove;
+    };
+    [[nodiscard]] std::vector<Condition> conditions() const;
+
     /// Unfolds the bar and puts the cursor into its field, all of whose text is selected.
     void open();
     void clear();
+    void addText(const TextCondition &condition);
+    void onlyHost(const QString &host);
+    void excludeHost(const QString &host);
+
     /// Says at the field what is wrong with the expression; an empty text for nothing.
     void showError(const QString &error);
     /// Of events by rating, as EventRating counts them.
@@ -36,26 +62,30 @@ Q_SIGNALS:
     void left();
 
 protected:
+    void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QToolButton *addToggle(const char *name, const QString &text, const QString &accessibleName,
-                           const QString &toolTip);
-    void addRatings();
+    void makeRow();
     void change();
-    void fold();
+    void leave();
     [[nodiscard]] bool isNarrow() const;
+    void fold();
+    void fit();
+    void fitWide();
+    [[nodiscard]] bool fits() const;
 
-    QToolButton *m_unfold;
     QWidget *m_row;
-    QLineEdit *m_text;
-    QAction *m_warning;
+    FindField *m_field;
+    FindRatings *m_ratings;
+    FindFacility *m_facility;
+    FindHost *m_host;
+    QList<FindChoice *> m_choices;  // as they stand in the row
+    FindMore *m_more;
+    QPushButton *m_clear;
     QLabel *m_error;
-    QToolButton *m_case;
-    QToolButton *m_regex;
-    std::array<QToolButton *, kRatingCount - 1> m_ratings{};  // by EventRating - 1
-    QToolButton *m_clear;
+    QAbstractButton *m_unfold = nullptr;
     bool m_isUnfolded = false;
     bool m_isClearing = false;
 };

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "core/EventQuery.h"
+#include "events/MatchMarks.h"
 #include "platform/gui/RowTableView.h"
-
-#include <vector>
 
 namespace quorbel {
 
@@ -11,25 +9,17 @@ namespace quorbel {
 /// found behind the end of what fits marks the ellipsis.
 class MatchDelegate : public RowDelegate {
 public:
-    using RowDelegate::RowDelegate;
-
-    /// Marks the filter's texts from now on, but for those that must not occur.
-    void mark(const EventQuery &filter);
+    /// Marks what `marks` says. Both outlive this.
+    MatchDelegate(const MatchMarks &marks, QObject *parent) : RowDelegate(parent), m_marks(marks) {}
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 
 private:
-    struct Range {
-        qsizetype begin;
-        qsizetype end;
-    };
+    static void paintIn(QPainter &painter, const QStyleOptionViewItem &option,
+                        std::vector<TextRange> marks);
 
-    [[nodiscard]] std::vector<Range> marksIn(const QString &text) const;
-    static void paintMarks(QPainter &painter, const QStyleOptionViewItem &option,
-                           const std::vector<Range> &marks);
-
-    std::vector<TextPattern> m_patterns;
+    const MatchMarks &m_marks;
 };
 
 }  // namespace quorbel

@@ -18,8 +18,6 @@
 #include "platform/gui/TableExport.h"
 #include "ui_ScanView.h"
 
-#include <QShortcut>
-
 #include <algorithm>
 #include <utility>
 
@@ -63,18 +61,18 @@ void ScanView::viewDidLoad() {
     m_selection = std::make_unique<EventSelection>(m_events, *ui->tableView);
     connect(m_selection.get(), &EventSelection::openRequested, this, &ScanView::doubleClickTable);
     (new ColumnMemory(*ui->tableView))->recall(QStringLiteral("Events"));
-    addEventCommands(*ui->tableView, [this] { deleteEvents(); });
     connect(ui->deleteEvents, &QAbstractButton::clicked, this, &ScanView::deleteEvents);
     connect(ui->exportEvents, &QAbstractButton::clicked, this, &ScanView::exportEvents);
     connect(ui->testSyslog, &QAbstractButton::clicked, this, &ScanView::testSyslog);
     connect(ui->scanActions, &QAbstractButton::clicked, this, &ScanView::syslogActions);
     connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
+    ui->findOpen->setIcon(lineIcon(QStringLiteral("search")));
+    ui->findBar->attach(arrController, *ui->findOpen);
     m_finder =
         std::make_unique<EventFinder>(m_events, m_delegate.state, *ui->findBar, *ui->tableView);
     connect(m_finder.get(), &EventFinder::countChanged, this, &ScanView::showCount);
-    connect(
-        new QShortcut(QKeySequence::Find, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
-        &QShortcut::activated, ui->findBar, &FindBar::open);
+    addEventCommands(*ui->tableView, *ui->findBar, *m_finder, [this] { deleteEvents(); });
+    addListCommands(*this, *ui->findBar, *m_finder, *ui->holdEvents, *ui->tableView);
     showCount();
 }
 
@@ -147,6 +145,10 @@ Event ScanView::eventAt(int row) {
 Event ScanView::selectRow(int row) {
     m_selection->select(row);
     return eventAt(row);
+}
+
+std::vector<TextRange> ScanView::marksIn(const QString &text) {
+    return m_finder->marks().in(text);
 }
 
 void ScanView::doubleClickTable() {

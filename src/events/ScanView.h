@@ -47,6 +47,7 @@ public:
     [[nodiscard]] int rowOf(const Event &event) override;
     [[nodiscard]] int placeOf(const Event &event) override;
     Event selectRow(int row) override;
+    [[nodiscard]] std::vector<TextRange> marksIn(const QString &text) override;
 
     void doubleClickTable();
     void deleteEvents();

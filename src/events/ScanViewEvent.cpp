@@ -53,6 +53,14 @@ void ScanViewEvent::viewWillAppear() {
 
 void ScanViewEvent::setDetails() {
     if (m_dict) {
+        const TextMarker marker = [this](const QString &text) {
+            SteppableList *events = list();
+            return events == nullptr ? std::vector<TextRange>() : events->marksIn(text);
+        };
+        for (LongTextField *field : {ui->eventDate, ui->eventPriority, ui->eventHost}) {
+            field->setMarker(marker);
+        }
+        ui->eventMessage->setMarker(marker);
         ui->eventDate->setWholeText(field(*m_dict, "Date"));
         ui->eventPriority->setWholeText(field(*m_dict, "Priority"));
         ui->eventHost->setWholeText(field(*m_dict, "Host"));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Event.h"
+#include "platform/gui/TextMarks.h"
 
 class QAbstractItemModel;
 
@@ -23,6 +24,8 @@ public:
     [[nodiscard]] virtual int placeOf(const Event &event) = 0;
     /// Selects that row alone, scrolls to it and returns its event. 0 <= `row` < numberOfRows().
     virtual Event selectRow(int row) = 0;
+    /// Which parts of a shown text were looked for.
+    [[nodiscard]] virtual std::vector<TextRange> marksIn(const QString &text) = 0;
 
 protected:
     SteppableList() = default;

@@ -9,6 +9,7 @@
 #include "platform/gui/RowCommands.h"
 #include "platform/gui/ScreenFit.h"
 #include "platform/gui/Sheet.h"
+#include "platform/gui/ViewCommands.h"
 #include "shell/NavigationRail.h"
 #include "shell/NotificationPump.h"
 #include "ui_WindowController.h"
@@ -101,16 +102,21 @@ void WindowController::connectCommands() {
     connect(ui->applicationHelp, &QAction::triggered, this, &WindowController::Help);
     connect(ui->closeWindow, &QAction::triggered, this, &QWidget::close);
     connect(ui->applicationQuit, &QAction::triggered, this, [] { endProgram(); });
-    connect(ui->tabView, &QStackedWidget::currentChanged, this, &WindowController::fillEditMenu);
-    fillEditMenu();
+    connect(ui->tabView, &QStackedWidget::currentChanged, this, &WindowController::fillPageMenus);
+    fillPageMenus();
 }
 
-void WindowController::fillEditMenu() {
-    ui->editMenu->clear();
-    if (auto *commands = ui->tabView->currentWidget()->findChild<RowCommands *>()) {
-        commands->addTo(*ui->editMenu);
-    }
-    ui->editMenu->menuAction()->setEnabled(!ui->editMenu->isEmpty());
+void WindowController::fillPageMenus() {
+    const auto fill = [](QMenu &menu, auto *commands) {
+        menu.clear();
+        if (commands != nullptr) {
+            commands->addTo(menu);
+        }
+        menu.menuAction()->setEnabled(!menu.isEmpty());
+    };
+    const QWidget &page = *ui->tabView->currentWidget();
+    fill(*ui->editMenu, page.findChild<RowCommands *>());
+    fill(*ui->viewMenu, page.findChild<ViewCommands *>());
 }
 
 QList<QAction *> WindowController::applicationCommands() const {

@@ -85,8 +85,8 @@ protected:
 
 private:
     void connectCommands();
-    /// The commands of the page in sight, whatever it has.
-    void fillEditMenu();
+    /// Edit and View hold the commands of the page in sight, whatever it has.
+    void fillPageMenus();
     [[nodiscard]] QWidget *pageAt(Tab page) const;
 
     AppDelegate &m_delegate;

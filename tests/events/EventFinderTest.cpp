@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
-#include <QToolButton>
 
 namespace quorbel {
 
@@ -161,7 +160,7 @@ private Q_SLOTS:
         QTRY_COMPARE(rows(), 0);
     }
     void choosesAndCountsRatings() {
-        auto *severe = m_page->findChild<QToolButton *>(name("findRatingSevere"));
+        auto *severe = m_page->findChild<QPushButton *>(name("findRatingSevere"));
         QTRY_COMPARE(severe->text(), name("20"));
         find("sdb");
         QTRY_COMPARE(severe->text(), name("10"));
@@ -181,7 +180,7 @@ private Q_SLOTS:
     }
     void foldsInANarrowWindow() {
         m_page->resize(520, 400);
-        auto *open = m_page->findChild<QToolButton *>(name("findOpen"));
+        auto *open = m_page->findChild<QPushButton *>(name("findOpen"));
         QTRY_VERIFY(open->isVisible());
         QVERIFY(!field()->isVisible());
         QTest::mouseClick(open, Qt::LeftButton);

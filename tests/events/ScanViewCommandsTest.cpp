@@ -277,8 +277,12 @@ private Q_SLOTS:
         showActive();
         openMenu(placeOf(1));
         QCOMPARE(selected(), QList<int>{1});
-        QCOMPARE(menuTexts(), (QStringList{name("Copy"), name("Copy Message"), name("-"),
-                                           name("Details\tReturn"), name("-"), name("Delete...")}));
+        QCOMPARE(
+            menuTexts(),
+            (QStringList{name("Copy"), name("Copy Message"), name("-"), name("Details\tReturn"),
+                         name("-"), name("Only This Host"), name("Not This Host"),
+                         name("Only Like This"), name("Show Surroundings\tCtrl+Shift+F"), name("-"),
+                         name("Delete...")}));
         QCOMPARE(m_page->findChild<QAction *>(name("copyMessages"))->shortcut(),
                  QKeySequence(name("Ctrl+Shift+C")));
         choose("copyMessages");
@@ -323,7 +327,10 @@ private Q_SLOTS:
         openMenu(placeOf(0) + QPoint(0, 200));
         QCOMPARE(menuTexts(),
                  (QStringList{name("off Copy"), name("off Copy Message"), name("-"),
-                              name("off Details\tReturn"), name("-"), name("Delete...")}));
+                              name("off Details\tReturn"), name("-"), name("off Only This Host"),
+                              name("off Not This Host"), name("off Only Like This"),
+                              name("off Show Surroundings\tCtrl+Shift+F"), name("-"),
+                              name("Delete...")}));
         QTest::keyClick(menu(), Qt::Key_Escape);
         QTRY_VERIFY(menu() == nullptr);
         activate();

@@ -75,8 +75,17 @@ private Q_SLOTS:
         QVERIFY(!menu().menuAction()->isEnabled());
         m_frontEnd->window->Scan();
         QVERIFY(menu().menuAction()->isEnabled());
-        const QStringList events{u"Copy"_s, u"Copy Message"_s, u"-"_s, u"Details\tReturn"_s,
-                                 u"-"_s,    u"Delete..."_s};
+        const QStringList events{u"Copy"_s,
+                                 u"Copy Message"_s,
+                                 u"-"_s,
+                                 u"Details\tReturn"_s,
+                                 u"-"_s,
+                                 u"Only This Host"_s,
+                                 u"Not This Host"_s,
+                                 u"Only Like This"_s,
+                                 u"Show Surroundings\tCtrl+Shift+F"_s,
+                                 u"-"_s,
+                                 u"Delete..."_s};
         QCOMPARE(texts(), events);
         m_frontEnd->window->Reports();
         QCOMPARE(texts(), (QStringList{u"Copy"_s, u"Copy Message"_s}));

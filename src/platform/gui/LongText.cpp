@@ -9,7 +9,9 @@
 #include <QMenu>
 #include <QMetaObject>
 #include <QMimeData>
+#include <QPainter>
 #include <QTextCursor>
+#include <QTextLayout>
 
 #include <memory>
 
@@ -38,6 +40,21 @@ LongTextView::LongTextView(QWidget *parent) : QPlainTextEdit(parent) {
 void LongTextView::setWholeText(const QString &text) {
     m_painted = PaintedText(text);
     setPlainText(m_painted.paintLines(kPortion));
+    mark();
+}
+
+void LongTextView::mark() {
+    QList<QTextEdit::ExtraSelection> marks;
+    for (const TextRange &range : m_marker ? m_marker(toPlainText()) : std::vector<TextRange>()) {
+        QTextEdit::ExtraSelection mark{QTextCursor(document()), {}};
+        mark.cursor.setPosition(static_cast<int>(range.begin));
+        mark.cursor.setPosition(static_cast<int>(range.end), QTextCursor::KeepAnchor);
+        mark.format.setBackground(QColor::fromRgb(kMarkColour));
+        mark.format.setUnderlineStyle(QTextCharFormat::SingleUnderline);
+        mark.format.setUnderlineColor(QColor::fromRgb(kMarkLineColour));
+        marks.append(mark);
+    }
+    setExtraSelections(marks);
 }
 
 void LongTextView::keyPressEvent(QKeyEvent *event) {
@@ -64,6 +81,7 @@ void LongTextView::paintMore() {
     QTextCursor end(document());
     end.movePosition(QTextCursor::End);
     end.insertText(m_painted.paintLines(kPortion));
+    mark();
 }
 
 QMimeData *LongTextView::createMimeDataFromSelection() const {
@@ -81,6 +99,24 @@ LongTextField::LongTextField(QWidget *parent) : QLineEdit(parent) {
 void LongTextField::setWholeText(const QString &text) {
     m_painted = PaintedText(text);
     showText(*this, m_painted.paintRow(kLongestField));
+    m_marks = m_marker ? m_marker(this->text()) : std::vector<TextRange>();
+}
+
+void LongTextField::paintEvent(QPaintEvent *event) {
+    QLineEdit::paintEvent(event);
+    if (m_marks.empty() || hasSelectedText()) {
+        return;
+    }
+    QTextLayout layout(text(), font(), this);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    // The text has been scrolled so far that the cursor is in sight.
+    const QRect cursor = cursorRect();
+    const qreal left = cursor.center().x() - line.cursorToX(cursorPosition());
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Text));
+    paintMarks(painter, layout, {left, (height() - line.height()) / 2}, contentsRect(), m_marks);
 }
 
 void LongTextField::copySelection(QClipboard::Mode mode) const {

@@ -1,10 +1,14 @@
 #pragma once
 
 #include "platform/gui/PaintedText.h"
+#include "platform/gui/TextMarks.h"
 
 #include <QClipboard>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+
+#include <utility>
+#include <vector>
 
 namespace quorbel {
 
@@ -19,6 +23,8 @@ public:
 
     void setWholeText(const QString &text);
     [[nodiscard]] const QString &wholeText() const { return m_painted.text(); }
+    /// Of the texts that are set from now on.
+    void setMarker(TextMarker marker) { m_marker = std::move(marker); }
 
 protected:
     /// Leaves copying to the sheet while nothing of its text is selected, as does LongTextField.
@@ -28,8 +34,10 @@ protected:
 
 private:
     void paintMore();
+    void mark();
 
     PaintedText m_painted;
+    TextMarker m_marker;
 };
 
 /// The same in one line, of which one that is very long shows only the beginning.
@@ -41,8 +49,11 @@ public:
 
     void setWholeText(const QString &text);
     [[nodiscard]] const QString &wholeText() const { return m_painted.text(); }
+    /// Of the texts that are set from now on.
+    void setMarker(TextMarker marker) { m_marker = std::move(marker); }
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
@@ -51,6 +62,8 @@ private:
     void copySelection(QClipboard::Mode mode) const;
 
     PaintedText m_painted;
+    TextMarker m_marker;
+    std::vector<TextRange> m_marks;
 };
 
 }  // namespace quorbel

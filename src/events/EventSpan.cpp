@@ -1,0 +1,67 @@
+#include "events/EventSpan.h"
+
+#include <QCoreApplication>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::int64_t kMinute = 60;
+constexpr std::int64_t kHour = 60 * kMinute;
+constexpr std::int64_t kDay = 24 * kHour;
+
+QString tr(const char *text) {
+    return QCoreApplication::translate("EventSpan", text);
+}
+
+EventSpan::Moments wholeDay(const QDate &day) {
+    return {day.startOfDay().toSecsSinceEpoch(), day.addDays(1).startOfDay().toSecsSinceEpoch()};
+}
+
+EventSpan::Moments since(std::int64_t seconds, const QDateTime &now) {
+    return {now.toSecsSinceEpoch() / kMinute * kMinute - seconds, std::nullopt};
+}
+
+QString momentText(const QDateTime &moment, const QDate &known) {
+    return moment.toString(moment.date() == known ? QStringLiteral("HH:mm")
+                                                  : QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+}  // namespace
+
+EventSpan::Moments EventSpan::momentsAt(const QDateTime &now) const {
+    switch (kind) {
+        case Kind::kLastHour:
+            return since(kHour, now);
+        case Kind::kToday:
+            return wholeDay(now.date());
+        case Kind::kYesterday:
+            return wholeDay(now.date().addDays(-1));
+        case Kind::kLastDay:
+            return since(kDay, now);
+        case Kind::kFromTo:
+            return {from.toSecsSinceEpoch(), to.toSecsSinceEpoch()};
+        default:
+            return {};
+    }
+}
+
+QString EventSpan::textAt(const QDateTime &now) const {
+    switch (kind) {
+        case Kind::kLastHour:
+            return tr("Last hour");
+        case Kind::kToday:
+            return tr("Today");
+        case Kind::kYesterday:
+            return tr("Yesterday");
+        case Kind::kLastDay:
+            return tr("Last 24 hours");
+        case Kind::kFromTo:
+            return momentText(from, now.date()) + QStringLiteral(" – ") +
+                   momentText(to, from.date());
+        default:
+            return {};
+    }
+}
+
+}  // namespace quorbel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+namespace quorbel {
+
+/// A span of time that somebody asks for. All but one go on with the time.
+struct EventSpan {
+    enum class Kind { kAny, kLastHour, kToday, kYesterday, kLastDay, kFromTo };
+
+    Kind kind = Kind::kAny;
+    QDateTime from{};  ///< of kFromTo, as is the next one
+    QDateTime to{};    ///< the moment past the last one
+
+    struct Moments {
+        std::optional<std::int64_t> from;   ///< the first, in seconds since 1970
+        std::optional<std::int64_t> until;  ///< the one past the last
+    };
+    /// At that time. Spans that go on do so by whole minutes.
+    [[nodiscard]] Moments momentsAt(const QDateTime &now) const;
+    /// As it is shown at that time; empty for any.
+    [[nodiscard]] QString textAt(const QDateTime &now) const;
+};
+
+}  // namespace quorbel

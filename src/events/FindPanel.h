@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QFrame>
+
+namespace quorbel {
+
+/// A frame of controls that opens below another control and closes when one clicks elsewhere or
+/// presses Esc.
+class FindPanel : public QFrame {
+    Q_OBJECT
+
+public:
+    explicit FindPanel(QWidget *parent);
+
+    void openBelow(QWidget &anchor);
+};
+
+}  // namespace quorbel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+#include <string>
+
+namespace quorbel {
+
+/// A regular expression for the messages that differ from this one in their numbers and addresses
+/// alone. Of a long message, or one with bytes that are no text, it means the beginning.
+std::string likePattern(const QString &message);
+
+}  // namespace quorbel
