@@ -180,15 +180,23 @@ std::function<void(Stage &)> report(int kind, bool expand) {
 
 /// A filter of several conditions.
 void find(const Stage &stage) {
-    stage.type("findText", "line");
-    stage.press("findText", Qt::Key_Return);
     stage.type("findText", "10.0.");
     stage.press("findText", Qt::Key_Return);
     QTest::mouseClick(stage.control<QWidget>("findField")
                           .findChildren<QAbstractButton *>(QLatin1String("findCondition"))
                           .last(),
                       Qt::LeftButton);
-    stage.type("findText", "interf");
+    stage.type("findText", "in");
+}
+
+/// Chooses from the menu of a button, downwards from the entry in use.
+void chooseBelow(const Stage &stage, const char *button, int steps) {
+    stage.click(button);
+    for (int i = 0; i < steps; ++i) {
+        QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+    }
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    QTest::qWait(kSettleMs);
 }
 
 std::vector<Picture> settingsPictures() {
@@ -254,6 +262,14 @@ std::vector<Picture> pictures() {
          [](Stage &stage) {
              stage.click("Scan");
              find(stage);
+             chooseBelow(stage, "findSeverity", 6);
+             chooseBelow(stage, "findSpan", 2);
+         }},
+        {"events-hosts", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.click("findHost");
+             QTest::keyClicks(&stage.control<QWidget>("findHostText"), QStringLiteral("1"));
          }},
         {"events-filtered-small", Sample::kBad, "WindowController",
          [](Stage &stage) {
@@ -266,7 +282,7 @@ std::vector<Picture> pictures() {
          [](Stage &stage) {
              stage.click("Scan");
              find(stage);
-             stage.type("findText", "moonlight");
+             stage.type("findText", "moon");
          }},
         {"details", Sample::kBad, "eventView",
          [](Stage &stage) {

@@ -61,6 +61,7 @@ FindHost::FindHost(QWidget *parent)
     m_text->setClearButtonEnabled(true);
     m_list->setObjectName(QStringLiteral("findHostList"));
     m_list->setAccessibleName(tr("Hosts of the listed events"));
+    m_list->setSpacing(2);
     m_list->setFixedHeight(sizedToFont(kListHeight));
     m_text->installEventFilter(this);
     m_list->installEventFilter(this);

@@ -30,6 +30,7 @@ private:
         click("findHost");
         QTRY_VERIFY(control("findHostPanel")->isVisible());
         QTRY_VERIFY(control("findHostText")->hasFocus());
+        QVERIFY(control("findHostPanel")->geometry().right() <= m_page->geometry().right());
     }
     QStringList offered() {
         QStringList texts;
@@ -46,6 +47,7 @@ private:
     }
 
 private Q_SLOTS:
+    void initTestCase() { qputenv("TZ", "Europe/Berlin"); }  // where clocks change
     void init() { makePageOfEvents(); }
     void cleanup() { endPage(); }
 

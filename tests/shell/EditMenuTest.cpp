@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -19,7 +20,7 @@ namespace quorbel {
 using namespace Qt::StringLiterals;
 using namespace testing;
 
-/// The Edit menu of the real window over the real pages.
+/// The Edit and View menus of the real window over the real pages.
 class EditMenuTest : public QObject {
     Q_OBJECT
 
@@ -94,6 +95,42 @@ private Q_SLOTS:
         QVERIFY(!menu().menuAction()->isEnabled());
         m_frontEnd->window->Scan();
         QCOMPARE(texts(), events);
+    }
+
+    void theViewMenuHoldsWhatOneDoesWithTheList() {
+        QMenu &view = m_frontEnd->control<QMenu>("viewMenu");
+        QVERIFY(!view.menuAction()->isEnabled());
+        m_frontEnd->window->Scan();
+        QTRY_VERIFY(table().hasFocus());
+        QStringList entries;
+        for (const QAction *entry : view.actions()) {
+            entries += entry->text().remove(u'&');
+        }
+        QCOMPARE(entries,
+                 (QStringList{u"Find...\tCtrl+F"_s, u"Clear the Filter\tCtrl+Shift+L"_s,
+                              u"Show Surroundings\tCtrl+Shift+F"_s, u"Hold New Events\tCtrl+H"_s,
+                              u"Go to the Newest\tCtrl+Home"_s}));
+        const auto choose = [&](int entry) {
+            activate();
+            QTest::keyClick(m_frontEnd->window.get(), Qt::Key_V, Qt::AltModifier);
+            QTRY_VERIFY(view.isVisible());
+            QTest::mouseClick(&view, Qt::LeftButton, {},
+                              view.actionGeometry(view.actions().at(entry)).center());
+            QTRY_VERIFY(!view.isVisible());
+        };
+        choose(0);
+        auto &field = m_frontEnd->control<QLineEdit>("findText");
+        QTRY_VERIFY(field.hasFocus());
+        QTest::keyClicks(&field, u"second"_s);
+        QTRY_COMPARE(table().model()->rowCount(), 1);
+        choose(1);
+        QTRY_COMPARE(table().model()->rowCount(), 2);
+        choose(3);
+        QVERIFY(m_frontEnd->control<QAbstractButton>("holdEvents").isChecked());
+        choose(3);
+        QVERIFY(!m_frontEnd->control<QAbstractButton>("holdEvents").isChecked());
+        m_frontEnd->window->Tools();
+        QVERIFY(!view.menuAction()->isEnabled());
     }
 
     void runsThemForTheSelectedRows() {
