@@ -2,6 +2,7 @@
 #include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
