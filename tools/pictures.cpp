@@ -265,12 +265,6 @@ std::vector<Picture> pictures() {
              chooseBelow(stage, "findSeverity", 6);
              chooseBelow(stage, "findSpan", 2);
          }},
-        {"events-hosts", Sample::kBad, "WindowController",
-         [](Stage &stage) {
-             stage.click("Scan");
-             stage.click("findHost");
-             QTest::keyClicks(&stage.control<QWidget>("findHostText"), QStringLiteral("1"));
-         }},
         {"events-filtered-small", Sample::kBad, "WindowController",
          [](Stage &stage) {
              stage.click("Scan");
