@@ -58,7 +58,6 @@ FindHost::FindHost(QWidget *parent)
     m_text->setObjectName(QStringLiteral("findHostText"));
     m_text->setAccessibleName(tr("Host"));
     m_text->setPlaceholderText(tr("Any host"));
-    m_text->setClearButtonEnabled(true);
     m_list->setObjectName(QStringLiteral("findHostList"));
     m_list->setAccessibleName(tr("Hosts of the listed events"));
     m_list->setSpacing(2);

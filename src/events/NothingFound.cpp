@@ -46,6 +46,7 @@ NothingFound::NothingFound(EventList &list, FindBar &bar, QTableView &table)
     clear->setToolTip(tr("Show all events again (Ctrl+Shift+L)"));
     column->addWidget(clear, 0, Qt::AlignHCenter);
     column->addWidget(m_without, 0, Qt::AlignHCenter);
+    m_without->setAccessibleName(tr("Without the costliest condition"));
     hide();
     connect(clear, &QAbstractButton::clicked, &m_bar, &FindBar::clear);
     connect(m_without, &QAbstractButton::clicked, this, &NothingFound::removeCostliest);

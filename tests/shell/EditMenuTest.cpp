@@ -112,8 +112,11 @@ private Q_SLOTS:
                               u"Show Surroundings\tCtrl+Shift+F"_s, u"Hold New Events\tCtrl+H"_s,
                               u"Go to the Newest\tCtrl+Home"_s}));
         const auto choose = [&](int entry) {
+            QCoreApplication::processEvents();
             activate();
-            QTest::keyClick(m_frontEnd->window.get(), Qt::Key_V, Qt::AltModifier);
+            auto &bar = m_frontEnd->control<QMenuBar>("menuBar");
+            QTest::mouseClick(&bar, Qt::LeftButton, {},
+                              bar.actionGeometry(view.menuAction()).center());
             QTRY_VERIFY(view.isVisible());
             QTest::mouseClick(&view, Qt::LeftButton, {},
                               view.actionGeometry(view.actions().at(entry)).center());
