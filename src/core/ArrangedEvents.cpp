@@ -1,6 +1,7 @@
 #include "core/ArrangedEvents.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace quorbel {
@@ -9,8 +10,9 @@ namespace {
 
 const EventQuery kNoFilter;
 
-/// Looking up candidates one by one pays while they are few.
-constexpr std::size_t kFewOfAll = 8;
+/// What a record costs a search, in bytes of its message.
+constexpr std::size_t kRecordCost = 32;
+constexpr std::size_t kMostRunCost = std::size_t{1} << 19U;
 
 auto firstFrom(const std::vector<EventMatch> &matches, EventId id) {
     return std::ranges::lower_bound(matches, id, {}, &EventMatch::id);
@@ -113,9 +115,7 @@ std::string ArrangedEvents::setFilter(const EventQuery &filter) {
         tell(&EventListObserver::listChangedAtLarge);
         return {};
     }
-    const bool isNarrowing = m_inForce && isNarrowerThan(sameRatings, filterInForce()) &&
-                             m_matches.size() < m_list.size() / kFewOfAll;
-    startSearch(std::move(matcher), isNarrowing);
+    startSearch(std::move(matcher), m_inForce && isNarrowerThan(sameRatings, filterInForce()));
     return {};
 }
 
@@ -137,14 +137,25 @@ void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
     }
 }
 
-/// An expression can need ten thousand times as long for a record as a plain text does.
+/// An expression can need ten thousand times as long for a byte as a plain text does.
 void ArrangedEvents::adjustRun(std::chrono::steady_clock::duration taken) {
-    std::size_t &length = m_search->runLength;
+    std::size_t &cost = m_search->runCost;
     if (taken < std::chrono::microseconds(500)) {
-        length = std::min(2 * length, EventMatcher::kMostRecords);
+        cost = std::min(2 * cost, kMostRunCost);
     } else if (taken > std::chrono::milliseconds(2)) {
-        length = std::max<std::size_t>(length / 4, 1);
+        cost = std::max<std::size_t>(cost / 4, 1);
     }
+}
+
+/// Where to end a run that begins at a position; it has one record at least.
+std::size_t ArrangedEvents::endOfRun(const EventChunk &chunk, std::size_t first) const {
+    std::size_t last = chunk.size();
+    while (last > first + 1 &&
+           (last - first) * kRecordCost + chunk.messagesBetween(first, last - 1).size() >
+               m_search->runCost) {
+        last = first + (last - first) / 2;
+    }
+    return last;
 }
 
 bool ArrangedEvents::searchRun() {
@@ -154,24 +165,35 @@ bool ArrangedEvents::searchRun() {
     }
     EventChunk &chunk = m_reader.chunk(number);
     const std::size_t first = chunk.countBefore(m_search->next);
-    const std::size_t last = EventMatcher::endOfRun(chunk, first, m_search->runLength);
-    if (first < last) {
-        m_search->matcher.match(chunk, first, last, m_search->matches);
-    }
+    const std::size_t last =
+        m_search->matcher.mayBeIn(chunk) ? endOfRun(chunk, first) : chunk.size();
     m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
+    if (first < last && m_search->matcher.mayBeIn(chunk)) {
+        m_positions.resize(last - first);
+        std::iota(m_positions.begin(), m_positions.end(), static_cast<std::uint32_t>(first));
+        m_search->matcher.match(chunk, m_positions, m_search->matches);
+    }
     return true;
 }
 
 bool ArrangedEvents::narrowRun() {
     auto candidate = firstFrom(m_matches, m_search->next);
-    for (std::size_t i = 0; i < m_search->runLength && candidate != m_matches.end();
-         ++i, ++candidate) {
-        EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
-        const std::size_t position = chunk.countBefore(candidate->id());
-        m_search->matcher.match(chunk, position, position + 1, m_search->matches);
-        m_search->next = candidate->id() + 1;
+    if (candidate == m_matches.end()) {
+        return false;
     }
-    return candidate != m_matches.end();
+    EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
+    m_positions.clear();
+    std::size_t cost = 0;
+    while (candidate != m_matches.end() && candidate->id() < chunk.endOfIds() &&
+           cost < m_search->runCost) {
+        const std::size_t position = chunk.countBefore(candidate->id());
+        m_positions.push_back(static_cast<std::uint32_t>(position));
+        cost += kRecordCost + chunk.messagesBetween(position, position).size();
+        m_search->next = candidate->id() + 1;
+        ++candidate;
+    }
+    m_search->matcher.match(chunk, m_positions, m_search->matches);
+    return true;
 }
 
 void ArrangedEvents::finishSearch() {
@@ -218,12 +240,11 @@ void ArrangedEvents::rowWasInserted() {
         return;
     }
     EventChunk &chunk = m_reader.chunk(m_reader.chunkCount() - 1);
-    m_arrived.clear();
-    m_inForce->match(chunk, chunk.size() - 1, chunk.size(), m_arrived);
-    if (m_arrived.empty()) {
+    const auto position = static_cast<std::uint32_t>(chunk.size() - 1);
+    if (!m_inForce->matches(chunk, position)) {
         return;
     }
-    const EventMatch match = m_arrived.front();
+    const EventMatch match(chunk.endOfIds() - 1, chunk.record(position).image);
     ++m_counts[match.rating()];
     const bool isShown = !choosesRatings() || filterInForce().ratings[match.rating()];
     if (isShown) {

@@ -76,7 +76,7 @@ private:
         bool isNarrowing;
         EventId next = 0;  // all before it are judged
         Matches matches = {};
-        std::size_t runLength = 16;
+        std::size_t runCost = 1U << 14U;
     };
 
     void rowWillBeInsertedAtTop() override;
@@ -100,6 +100,7 @@ private:
     void adjustRun(std::chrono::steady_clock::duration taken);
     [[nodiscard]] bool searchRun();
     [[nodiscard]] bool narrowRun();
+    [[nodiscard]] std::size_t endOfRun(const EventChunk &chunk, std::size_t first) const;
     void finishSearch();
     void choose();
     void count();
@@ -111,9 +112,9 @@ private:
     std::vector<EventListObserver *> m_observers;
     std::unique_ptr<EventMatcher> m_inForce;
     std::unique_ptr<Search> m_search;
-    Matches m_matches;  // of all conditions but that on ratings
-    Matches m_arrived;  // kept for its memory
-    Matches m_chosen;   // those of the ratings chosen, if any are
+    Matches m_matches;                    // of all conditions but that on ratings
+    EventMatcher::Positions m_positions;  // of a run; kept for their memory
+    Matches m_chosen;                     // those of the ratings chosen, if any are
     std::array<std::size_t, kRatingCount> m_counts{};
     EventId m_firstLeaving = 0;
     EventId m_lastLeaving = 0;

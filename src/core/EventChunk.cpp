@@ -44,6 +44,9 @@ EventChunk::EventChunk(EventId first, std::size_t expectedBytes) : m_first(first
 }
 
 EventId EventChunk::idAt(std::size_t position) const {
+    if (isWhole()) {
+        return m_first + position;
+    }
     std::size_t word = 0;
     std::size_t before = 0;
     for (;; ++word) {
@@ -53,11 +56,7 @@ EventId EventChunk::idAt(std::size_t position) const {
         }
         before += count;
     }
-    std::uint64_t bits = m_present[word];
-    for (; before < position; ++before) {
-        bits &= bits - 1;
-    }
-    return m_first + word * kWordBits + static_cast<std::size_t>(std::countr_zero(bits));
+    return m_first + word * kWordBits + bitAt(m_present[word], position - before);
 }
 
 std::optional<std::size_t> EventChunk::positionOf(EventId id) const {
@@ -72,6 +71,9 @@ std::optional<std::size_t> EventChunk::positionOf(EventId id) const {
 
 std::size_t EventChunk::countBefore(EventId id) const {
     const std::size_t slot = id <= m_first ? 0 : std::min(id - m_first, m_used);
+    if (isWhole()) {
+        return slot;
+    }
     std::size_t count = 0;
     for (std::size_t i = 0; i < slot / kWordBits; ++i) {
         count += static_cast<std::size_t>(std::popcount(m_present[i]));
@@ -88,6 +90,18 @@ std::optional<std::string_view> EventChunk::message(const EventRecord &record) c
         return std::nullopt;
     }
     return readMessage(m_bytes.data() + record.message).text;
+}
+
+std::size_t EventChunk::placeFrom(std::size_t position) const {
+    while (position < size() && m_records[position].message == EventRecord::kNoMessage) {
+        ++position;
+    }
+    return position < size() ? m_records[position].message : m_bytes.size();
+}
+
+std::string_view EventChunk::messagesBetween(std::size_t first, std::size_t last) const {
+    const std::size_t begin = placeFrom(first);
+    return {m_bytes.data() + begin, placeFrom(last + 1) - begin};
 }
 
 EventRecord &EventChunk::append(const std::optional<std::string_view> &message) {

@@ -48,9 +48,9 @@ public:
     /// One more than the largest id that an event of it has or had.
     [[nodiscard]] EventId endOfIds() const { return m_first + m_used; }
     [[nodiscard]] EventId idAt(std::size_t position) const;
-    /// Calls `visit(id)` for the events from `position` on, one after the other, `count` of them.
+    /// Calls `visit(position, id)` for the events at ascending positions.
     template <typename Visit>
-    void visitIds(std::size_t position, std::size_t count, Visit visit) const;
+    void visitIds(const std::vector<std::uint32_t> &positions, Visit visit) const;
     [[nodiscard]] bool holds(EventId id) const {
         const std::size_t slot = id - m_first;
         return slot < m_used && (m_present[slot / 64] >> (slot % 64) & 1U) != 0;
@@ -69,8 +69,9 @@ public:
     }
     /// Valid until the chunk changes.
     [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
-    /// The bytes of all messages, in the order of the records, with others between them.
-    [[nodiscard]] std::string_view bytes() const { return {m_bytes.data(), m_bytes.size()}; }
+    /// The bytes of the messages of the records from one position to another, that one included, in
+    /// their order, with others between them.
+    [[nodiscard]] std::string_view messagesBetween(std::size_t first, std::size_t last) const;
 
     /// Adds the next event. Precondition: not full.
     EventRecord &append(const std::optional<std::string_view> &message);
@@ -84,13 +85,23 @@ public:
     /// Takes out the records at ascending runs of positions, in one pass.
     void remove(const std::vector<Positions> &ranges);
 
-    /// Counts a moment among those of its events, whose first and last it keeps.
+    /// Counts a moment among those that its events' dates show or showed: the first and the last
+    /// are kept.
     void addMoment(std::int64_t seconds) {
         m_earliest = std::min(m_earliest, seconds);
         m_latest = std::max(m_latest, seconds);
     }
     [[nodiscard]] std::int64_t earliest() const { return m_earliest; }
     [[nodiscard]] std::int64_t latest() const { return m_latest; }
+
+    /// Notes that all records reflect so many showings of the list; nothing when that is not known.
+    void noteShowings(std::optional<std::uint16_t> showings) { m_showings = showings; }
+    [[nodiscard]] bool haveAll(std::uint16_t showings) const {
+        return std::ranges::all_of(
+            m_records, [=](const EventRecord &record) { return record.showings == showings; });
+    }
+    /// What was noted last. It holds for events that were added since, unless the list was shown.
+    [[nodiscard]] std::optional<std::uint16_t> showings() const { return m_showings; }
 
     // The look-up table of removal notices: built and kept up by the list.
     void dropIndex();
@@ -113,6 +124,17 @@ private:
     static constexpr std::size_t kBytesLimit = std::size_t{256} << 20U;
 
     void dropUnusedBytes();
+    /// Where the message begins that a record or the next one after it has.
+    [[nodiscard]] std::size_t placeFrom(std::size_t position) const;
+    /// Whether no event of it has been removed.
+    [[nodiscard]] bool isWhole() const { return m_records.size() == m_used; }
+    /// The number of the bit that is set and has `before` such below it.
+    static std::size_t bitAt(std::uint64_t bits, std::size_t before) {
+        for (; before > 0; --before) {
+            bits &= bits - 1;
+        }
+        return static_cast<std::size_t>(std::countr_zero(bits));
+    }
 
     EventId m_first;
     std::size_t m_used = 0;  // slots handed out
@@ -122,23 +144,28 @@ private:
     std::size_t m_deadBytes = 0;
     std::int64_t m_earliest = INT64_MAX;
     std::int64_t m_latest = INT64_MIN;
+    std::optional<std::uint16_t> m_showings;
     bool m_hasIndex = false;
     HashIndex m_index;  // slots by the hash of their fields
 };
 
 template <typename Visit>
-void EventChunk::visitIds(std::size_t position, std::size_t count, Visit visit) const {
-    if (count == 0) {
+void EventChunk::visitIds(const std::vector<std::uint32_t> &positions, Visit visit) const {
+    if (isWhole()) {
+        for (const std::uint32_t position : positions) {
+            visit(position, m_first + position);
+        }
         return;
     }
-    const EventId from = idAt(position);
-    std::size_t word = (from - m_first) / 64;
-    std::uint64_t bits = m_present[word] & (~std::uint64_t{0} << ((from - m_first) % 64));
-    for (; count > 0; --count, bits &= bits - 1) {
-        while (bits == 0) {
-            bits = m_present[++word];
+    std::size_t word = 0;
+    std::size_t before = 0;  // events in the words before
+    for (const std::uint32_t position : positions) {
+        auto count = static_cast<std::size_t>(std::popcount(m_present[word]));
+        while (before + count <= position) {
+            before += count;
+            count = static_cast<std::size_t>(std::popcount(m_present[++word]));
         }
-        visit(m_first + word * 64 + static_cast<std::size_t>(std::countr_zero(bits)));
+        visit(position, m_first + word * 64 + bitAt(m_present[word], position - before));
     }
 }
 

@@ -87,6 +87,7 @@ void EventList::setDate(const Place &place, const std::optional<std::string_view
     EventRecord &record = place.record();
     if (!text) {
         record.format = EventRecord::kTextDate;
+        place.chunk->addMoment(record.seconds);
         return;
     }
     if (const auto seconds = plainSeconds(*text)) {
@@ -98,8 +99,10 @@ void EventList::setDate(const Place &place, const std::optional<std::string_view
     record.seconds = EventDates::wholeSeconds(floatingPointValue(*text));
     record.hasExtras = 1;
     m_extras[m_nextId].date = *text;
-    // What a text reads as is not known yet.
-    place.chunk->addMoment(record.format == EventRecord::kTextDate ? INT64_MIN : record.seconds);
+    place.chunk->addMoment(record.seconds);
+    if (record.format == EventRecord::kTextDate) {
+        place.chunk->addMoment(INT64_MIN);  // what a text reads as is not known yet
+    }
 }
 
 EventId EventList::insertRaw(const EventFields &fields) {
@@ -139,6 +142,20 @@ void EventList::settle(const Place &place) {
     std::optional<std::string> none;
     Extras *extras = record.hasExtras != 0 ? &m_extras[place.id()] : nullptr;
     m_dates.settle(record, shownClass(record), extras != nullptr ? extras->date : none);
+    place.chunk->addMoment(record.seconds);
+}
+
+void EventList::settle(EventChunk &chunk, std::size_t first, std::size_t last) {
+    const auto showings = static_cast<std::uint16_t>(m_dates.showings());
+    if (chunk.showings() == showings) {
+        return;
+    }
+    for (std::size_t position = first; position < last; ++position) {
+        settle({&chunk, position});
+    }
+    if (last == chunk.size() && chunk.haveAll(showings)) {
+        chunk.noteShowings(showings);
+    }
 }
 
 void EventList::countUp() {
@@ -300,6 +317,9 @@ void EventList::makeRoomForShowing() {
         place.record().showings = 0;
         inUse.set(place.record().format);
     });
+    for (EventChunk &chunk : m_chunks) {
+        chunk.noteShowings(std::nullopt);
+    }
     m_dates.startOver(inUse);
     if (m_dates.isFull()) {
         // Hundreds of formats that cannot read their own texts.

@@ -157,6 +157,7 @@ private:
     [[nodiscard]] std::optional<Place> placeOf(EventId id);
     void countUp();
     void settle(const Place &place);
+    void settle(EventChunk &chunk, std::size_t first, std::size_t last);
     [[nodiscard]] std::optional<std::string> dateText(const Place &place);
     [[nodiscard]] std::uint8_t shownClass(const EventRecord &record) const;
 

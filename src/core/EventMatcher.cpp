@@ -28,12 +28,67 @@ bool mayBeInDates(const TextPattern &pattern, std::string_view setting) {
         std::string(setting.empty() ? DateFormat::kDefaultPattern : setting) + "0123456789-AMP");
 }
 
+/// Leaves the positions for which `isMeant(position)`.
+template <typename IsMeant>
+void keep(EventMatcher::Positions &positions, IsMeant isMeant) {
+    // Positions are copied in any case: no branch, no guess that may be wrong.
+    std::size_t kept = 0;
+    for (const std::uint32_t position : positions) {
+        positions[kept] = position;
+        kept += static_cast<std::size_t>(isMeant(position));
+    }
+    positions.resize(kept);
+}
+
+std::string_view messageAt(const EventChunk &chunk, std::uint32_t position) {
+    return chunk.message(chunk.record(position)).value_or(std::string_view());
+}
+
+/// Goes from message to message of a run.
+class MessageCursor {
+public:
+    /// `bytes` are those of the messages at the positions.
+    MessageCursor(std::string_view bytes, const EventChunk &chunk,
+                  const EventMatcher::Positions &positions)
+        : m_bytes(bytes.data()),
+          m_chunk(chunk),
+          m_next(positions.begin()),
+          m_last(positions.end()) {}
+
+    /// Goes on to the first message that ends at `end` of the bytes, which is not 0, or later.
+    /// False when there is none.
+    bool moveTo(std::size_t end) {
+        while (m_end < end) {
+            if (m_next == m_last) {
+                return false;
+            }
+            m_position = *m_next++;
+            if (const auto message = m_chunk.message(m_chunk.record(m_position))) {
+                m_begin = static_cast<std::size_t>(message->data() - m_bytes);
+                m_end = m_begin + message->size();
+            }
+        }
+        return true;
+    }
+    [[nodiscard]] std::uint32_t position() const { return m_position; }
+    [[nodiscard]] std::size_t begin() const { return m_begin; }
+
+private:
+    const char *m_bytes;
+    const EventChunk &m_chunk;
+    EventMatcher::Positions::const_iterator m_next;
+    EventMatcher::Positions::const_iterator m_last;
+    std::uint32_t m_position = 0;
+    std::size_t m_begin = 0;
+    std::size_t m_end = 0;
+};
+
 }  // namespace
 
 EventMatcher::EventMatcher(EventList &list, EventQuery filter)
     : m_events(list), m_filter(std::move(filter)), m_host(m_filter.host) {
     for (const TextCondition &condition : m_filter.texts) {
-        Text text{TextPattern(condition.pattern), condition.pattern, condition.isNegated};
+        Text text{TextPattern(condition.pattern), condition.isNegated};
         if (m_error.empty()) {
             m_error = text.pattern.error();
         }
@@ -51,63 +106,80 @@ void EventMatcher::forgetTexts() {
     for (Text &text : m_texts) {
         text.priorities.clear();
         text.hosts.clear();
-        text.mayBeInDates.clear();
+        text.mayBeInDates.fill(Known::kNot);
         text.lastDate = {};
     }
 }
 
-std::size_t EventMatcher::endOfRun(const EventChunk &chunk, std::size_t first, std::size_t most) {
-    constexpr std::size_t kMostBytes = std::size_t{1} << 20U;
-    const auto placeOf = [&](std::size_t position) -> std::size_t {
-        const std::uint32_t message = chunk.record(position).message;
-        return message == EventRecord::kNoMessage ? 0 : message;
-    };
-    std::size_t last = std::min(first + most, chunk.size());
-    while (last > first + 1 && placeOf(last - 1) > placeOf(first) + kMostBytes) {
-        last = first + (last - first) / 2;
-    }
-    return last;
+bool EventMatcher::mayBeIn(const EventChunk &chunk) const {
+    return !choosesTime() || !m_events.isSettled(chunk) ||
+           ((!m_filter.from || chunk.latest() >= *m_filter.from) &&
+            (!m_filter.until || chunk.earliest() < *m_filter.until));
 }
 
-void EventMatcher::match(EventChunk &chunk, std::size_t first, std::size_t last,
-                         std::vector<EventMatch> &matches) {
-    m_isMeant.assign(last - first, true);
-    Run run{chunk, first, m_isMeant};
-    applyFields(run);
+void EventMatcher::makeRoom() {
+    const std::size_t priorities = m_events.priorityLimit();
+    const std::size_t hosts = m_events.hostLimit();
+    m_priorities.makeRoom(priorities);
+    m_hosts.makeRoom(hosts);
     for (Text &text : m_texts) {
-        applyText(run, text);
+        text.priorities.makeRoom(priorities);
+        text.hosts.makeRoom(hosts);
     }
-    std::size_t number = 0;
-    chunk.visitIds(first, run.size(), [&](EventId id) {
-        if (run.isMeant[number]) {
-            matches.emplace_back(id, m_events.settled(chunk, first + number).image);
-        }
-        ++number;
+}
+
+void EventMatcher::match(EventChunk &chunk, Positions &positions,
+                         std::vector<EventMatch> &matches) {
+    if (positions.empty()) {
+        return;
+    }
+    makeRoom();
+    m_events.settle(chunk, positions.front(), positions.back() + 1);
+    applyFields(chunk, positions);
+    for (Text &text : m_texts) {
+        applyText(chunk, positions, text);
+    }
+    chunk.visitIds(positions, [&](std::uint32_t position, EventId id) {
+        matches.push_back({id, chunk.record(position).image});
     });
 }
 
-void EventMatcher::applyFields(Run &run) {
-    const bool hasFields = m_filter.leastSeverity || !m_filter.facility.empty() ||
-                           !m_filter.host.empty() || m_filter.from || m_filter.until;
-    for (std::size_t number = 0; hasFields && number < run.size(); ++number) {
-        run.isMeant[number] = meetsFields(m_events.settled(run.chunk, run.first + number));
+bool EventMatcher::matches(EventChunk &chunk, std::uint32_t position) {
+    makeRoom();
+    m_events.settle(chunk, position, position + 1);
+    const EventRecord &record = chunk.record(position);
+    return isInTime(record) && (!choosesPriority() || meetsPriority(record)) &&
+           (m_filter.host.empty() || meetsHost(record)) &&
+           std::ranges::all_of(m_texts, [&](Text &text) {
+               const bool isFound = text.pattern.isIn(messageAt(chunk, position)) ||
+                                    isInOthers(chunk, position, text);
+               return isFound != text.isNegated;
+           });
+}
+
+void EventMatcher::applyFields(const EventChunk &chunk, Positions &positions) {
+    if (choosesTime()) {
+        keep(positions, [&](std::uint32_t position) { return isInTime(chunk.record(position)); });
+    }
+    if (choosesPriority()) {
+        keep(positions,
+             [&](std::uint32_t position) { return meetsPriority(chunk.record(position)); });
+    }
+    if (!m_filter.host.empty()) {
+        keep(positions, [&](std::uint32_t position) { return meetsHost(chunk.record(position)); });
     }
 }
 
-bool EventMatcher::meetsFields(const EventRecord &record) {
-    if ((m_filter.from && record.seconds < *m_filter.from) ||
-        (m_filter.until && record.seconds >= *m_filter.until)) {
-        return false;
-    }
-    if ((m_filter.leastSeverity || !m_filter.facility.empty()) &&
-        !m_priorities.test(record.priority, [&] { return meetsPriority(record.priority); })) {
-        return false;
-    }
-    return m_filter.host.empty() ||
-           m_hosts.test(record.host, [&] { return m_host.matches(m_events.host(record.host)); });
+bool EventMatcher::isInTime(const EventRecord &record) const {
+    return (!m_filter.from || record.seconds >= *m_filter.from) &&
+           (!m_filter.until || record.seconds < *m_filter.until);
 }
 
-bool EventMatcher::meetsPriority(StringTable::Id id) const {
+bool EventMatcher::meetsPriority(const EventRecord &record) {
+    return m_priorities.test(record.priority, [&] { return isPriorityMeant(record.priority); });
+}
+
+bool EventMatcher::isPriorityMeant(StringTable::Id id) const {
     if (m_filter.leastSeverity && m_events.classes(id).shown > *m_filter.leastSeverity) {
         return false;
     }
@@ -115,82 +187,76 @@ bool EventMatcher::meetsPriority(StringTable::Id id) const {
     return m_filter.facility.empty() || priority.substr(0, priority.find('.')) == m_filter.facility;
 }
 
-void EventMatcher::applyText(Run &run, Text &text) {
-    constexpr std::size_t kFewOfThem = 8;
-    const auto meant = static_cast<std::size_t>(std::ranges::count(run.isMeant, true));
-    m_isFound.assign(run.size(), false);
-    // A single search through the bytes of all messages takes a fraction of one for each.
-    const bool together = !text.spec.isExpression && meant > run.size() / kFewOfThem;
-    if (together) {
-        findInMessages(run, text);
-    }
-    for (std::size_t number = 0; number < run.size(); ++number) {
-        if (run.isMeant[number]) {
-            const bool isFound = m_isFound[number] || isInOthers(run, number, text) ||
-                                 (!together && isInMessage(run, number, text)) ||
-                                 isInDate(run, number, text);
-            run.isMeant[number] = isFound != text.isNegated;
-        }
-    }
+bool EventMatcher::meetsHost(const EventRecord &record) {
+    return m_hosts.test(record.host, [&] { return m_host.matches(m_events.host(record.host)); });
 }
 
-bool EventMatcher::isInMessage(const Run &run, std::size_t number, const Text &text) const {
-    const auto message = run.chunk.message(run.chunk.record(run.first + number));
-    return text.pattern.isIn(message.value_or(std::string_view()));
+void EventMatcher::applyText(EventChunk &chunk, Positions &positions, Text &text) {
+    if (positions.empty()) {
+        return;
+    }
+    findInMessages(chunk, positions, text);
+    keep(positions, [&](std::uint32_t position) {
+        const Answer answer = m_answers[position];
+        const bool isFound =
+            answer == Answer::kYes ||
+            (answer == Answer::kUnsure && text.pattern.matches(messageAt(chunk, position))) ||
+            isInOthers(chunk, position, text);
+        return isFound != text.isNegated;
+    });
+}
+
+/// A single search through the bytes of all messages takes a fraction of one for each, unless there
+/// is much between them or much to be found in each, where one is enough.
+void EventMatcher::findInMessages(const EventChunk &chunk, const Positions &positions,
+                                  const Text &text) {
+    constexpr std::size_t kManyBytes = 1024;
+    const auto bytes = chunk.messagesBetween(positions.front(), positions.back());
+    const auto &needed = text.pattern.needed();
+    m_answers.assign(positions.back() + 1, Answer::kNo);
+    if (needed && needed->shortest() > 1 && bytes.size() / positions.size() < kManyBytes &&
+        markMessages(bytes, chunk, positions, text)) {
+        return;
+    }
+    for (const std::uint32_t position : positions) {
+        m_answers[position] = text.pattern.glanceAt(messageAt(chunk, position));
+    }
 }
 
 /// Searches the messages' bytes as one text. What is found there counts when it lies within one
 /// message; between them stands what is no part of any.
-void EventMatcher::findInMessages(const Run &run, const Text &text) {
-    const std::string_view bytes = run.chunk.bytes();
-    const auto startOf = [&](std::string_view message) {
-        return static_cast<std::size_t>(message.data() - bytes.data());
-    };
-    std::optional<TextPattern::Span> found;
-    std::size_t end = 0;
-    for (std::size_t left = run.size(); left > 0 && end == 0; --left) {
-        if (const auto message = run.chunk.message(run.chunk.record(run.first + left - 1))) {
-            end = startOf(*message) + message->size();
-        }
-    }
-    const std::string_view searched = bytes.substr(0, end);
-    for (std::size_t number = 0; number < run.size(); ++number) {
-        const auto message = run.chunk.message(run.chunk.record(run.first + number));
-        if (!message) {
-            continue;
-        }
-        const std::size_t begin = startOf(*message);
-        while (!found || found->begin < begin ||
-               (found->begin < begin + message->size() && found->end > begin + message->size())) {
-            const std::size_t from = found ? std::max(found->begin + 1, begin) : begin;
-            found = text.pattern.find(searched, from);
-            if (!found) {
-                return;
+bool EventMatcher::markMessages(std::string_view bytes, const EventChunk &chunk,
+                                const Positions &positions, const Text &text) {
+    MessageCursor message(bytes, chunk, positions);
+    return text.pattern.needed()->search(
+        bytes, [&](Answer answer, std::size_t begin, std::size_t end) {
+            if (!message.moveTo(end)) {
+                return false;
             }
-        }
-        m_isFound[number] = found->end <= begin + message->size();
-    }
+            if (begin >= message.begin()) {
+                Answer &known = m_answers[message.position()];
+                known = std::max(known, text.pattern.answerFor(answer));
+            }
+            return true;
+        });
 }
 
-bool EventMatcher::isInOthers(const Run &run, std::size_t number, Text &text) {
-    const EventRecord &record = m_events.settled(run.chunk, run.first + number);
+bool EventMatcher::isInOthers(EventChunk &chunk, std::uint32_t position, Text &text) {
+    const EventRecord &record = chunk.record(position);
     return text.isInRating[record.image] || text.priorities.test(record.priority, [&] {
         return text.pattern.isIn(m_events.priority(record.priority));
     }) || text.hosts.test(record.host, [&] {
         return text.pattern.isIn(m_events.host(record.host));
-    });
+    }) || (mayBeInDate(record, text) && isInDate(chunk, position, text));
 }
 
-bool EventMatcher::isInDate(const Run &run, std::size_t number, Text &text) {
-    const EventRecord &record = run.chunk.record(run.first + number);
-    if (!mayBeInDate(record, text)) {
-        return false;
-    }
+bool EventMatcher::isInDate(EventChunk &chunk, std::uint32_t position, Text &text) {
+    const EventRecord &record = chunk.record(position);
     // Events of the same second follow one another.
     LastDate &last = text.lastDate;
     const bool isRendered = record.format != EventRecord::kTextDate;
     if (!isRendered || last.format != record.format || last.seconds != record.seconds) {
-        const auto date = m_events.date(run.chunk, run.first + number);
+        const auto date = m_events.date(chunk, position);
         last = {isRendered ? record.format : EventRecord::kTextDate, record.seconds,
                 text.pattern.isIn(date.value_or(std::string()))};
     }
@@ -198,13 +264,12 @@ bool EventMatcher::isInDate(const Run &run, std::size_t number, Text &text) {
 }
 
 bool EventMatcher::mayBeInDate(const EventRecord &record, Text &text) const {
-    if (record.format == EventRecord::kTextDate || record.format == EventRecord::kRawDate) {
-        return true;
-    }
-    text.mayBeInDates.resize(EventRecord::kTextDate + 1, Known::kNot);
     Known &known = text.mayBeInDates[record.format];
     if (known == Known::kNot) {
-        const bool may = mayBeInDates(text.pattern, m_events.dateSetting(record.format));
+        const bool isRendered =
+            record.format != EventRecord::kTextDate && record.format != EventRecord::kRawDate;
+        const bool may =
+            !isRendered || mayBeInDates(text.pattern, m_events.dateSetting(record.format));
         known = may ? Known::kYes : Known::kNo;
     }
     return known == Known::kYes;

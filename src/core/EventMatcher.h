@@ -28,7 +28,8 @@ private:
 /// Tells which events of a list meet all conditions of a filter but the one on their rating, which
 /// is left to who counts them by it.
 ///
-/// Texts that many events share are looked at once. Main thread only.
+/// Texts that many events share are looked at once, their messages as one run of bytes. Main thread
+/// only.
 class EventMatcher {
 public:
     /// The list outlives the matcher.
@@ -39,26 +40,33 @@ public:
     /// a filter must not be matched.
     [[nodiscard]] const std::string &error() const { return m_error; }
 
-    static constexpr std::size_t kMostRecords = 1024;
-    /// Where to end a run of at most so many records that begins at `first`, so that it does not
-    /// hold more bytes than can be searched in a fraction of a slice; it has one record at least.
-    static std::size_t endOfRun(const EventChunk &chunk, std::size_t first, std::size_t most);
-    /// Appends what matches among the records of a chunk from `first` up to `last`.
-    void match(EventChunk &chunk, std::size_t first, std::size_t last,
-               std::vector<EventMatch> &matches);
+    /// Positions in a chunk, ascending.
+    using Positions = std::vector<std::uint32_t>;
+
+    /// False when no event of the chunk is meant.
+    [[nodiscard]] bool mayBeIn(const EventChunk &chunk) const;
+    /// Appends those that match among the events at some positions of a chunk, and leaves the
+    /// positions of these.
+    void match(EventChunk &chunk, Positions &positions, std::vector<EventMatch> &matches);
+    /// Whether a single event matches.
+    [[nodiscard]] bool matches(EventChunk &chunk, std::uint32_t position);
     /// Forgets what it knows of shared texts. To be called whenever events have left the list.
     void forgetTexts();
 
 private:
+    using Answer = LiteralSearch::Answer;
     enum class Known : std::uint8_t { kNot, kNo, kYes };
     /// What was found in the texts that many events share, by their numbers.
     class Shared {
     public:
+        /// `limit` is one more than the largest number to be tested.
+        void makeRoom(std::size_t limit) {
+            if (m_known.size() < limit) {
+                m_known.resize(limit + limit / 2);
+            }
+        }
         template <typename Test>
         bool test(StringTable::Id id, Test test) {
-            if (m_known.size() <= id) {
-                m_known.resize(id + 1);
-            }
             if (m_known[id] == Known::kNot) {
                 m_known[id] = test() ? Known::kYes : Known::kNo;
             }
@@ -76,30 +84,30 @@ private:
     };
     struct Text {
         TextPattern pattern;
-        TextPattern::Spec spec;
         bool isNegated;
         std::array<bool, kRatingCount> isInRating{};
         Shared priorities{};
         Shared hosts{};
-        std::vector<Known> mayBeInDates{};  // by format
+        std::array<Known, EventRecord::kTextDate + 1> mayBeInDates{};  // by format
         LastDate lastDate{};
     };
-    /// Records of a chunk that are judged together, and which of them are still meant.
-    struct Run {
-        EventChunk &chunk;
-        std::size_t first;
-        std::vector<bool> &isMeant;
-        [[nodiscard]] std::size_t size() const { return isMeant.size(); }
-    };
 
-    void applyFields(Run &run);
-    [[nodiscard]] bool meetsFields(const EventRecord &record);
-    [[nodiscard]] bool meetsPriority(StringTable::Id id) const;
-    void applyText(Run &run, Text &text);
-    [[nodiscard]] bool isInMessage(const Run &run, std::size_t number, const Text &text) const;
-    void findInMessages(const Run &run, const Text &text);
-    [[nodiscard]] bool isInOthers(const Run &run, std::size_t number, Text &text);
-    [[nodiscard]] bool isInDate(const Run &run, std::size_t number, Text &text);
+    void makeRoom();
+    [[nodiscard]] bool isInTime(const EventRecord &record) const;
+    [[nodiscard]] bool meetsPriority(const EventRecord &record);
+    [[nodiscard]] bool meetsHost(const EventRecord &record);
+    [[nodiscard]] bool choosesTime() const { return m_filter.from || m_filter.until; }
+    [[nodiscard]] bool choosesPriority() const {
+        return m_filter.leastSeverity || !m_filter.facility.empty();
+    }
+    [[nodiscard]] bool isPriorityMeant(StringTable::Id id) const;
+    void applyFields(const EventChunk &chunk, Positions &positions);
+    void applyText(EventChunk &chunk, Positions &positions, Text &text);
+    void findInMessages(const EventChunk &chunk, const Positions &positions, const Text &text);
+    [[nodiscard]] bool markMessages(std::string_view bytes, const EventChunk &chunk,
+                                    const Positions &positions, const Text &text);
+    [[nodiscard]] bool isInOthers(EventChunk &chunk, std::uint32_t position, Text &text);
+    [[nodiscard]] bool isInDate(EventChunk &chunk, std::uint32_t position, Text &text);
     [[nodiscard]] bool mayBeInDate(const EventRecord &record, Text &text) const;
 
     EventReader m_events;
@@ -109,8 +117,7 @@ private:
     std::vector<Text> m_texts;
     Shared m_priorities;
     Shared m_hosts;
-    std::vector<bool> m_isMeant;  // kept for its memory, as the next one
-    std::vector<bool> m_isFound;
+    std::vector<Answer> m_answers;  // of the messages by position; kept for its memory
 };
 
 }  // namespace quorbel

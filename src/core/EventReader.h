@@ -27,10 +27,13 @@ public:
         return number > 0 && id < chunk(number - 1).endOfIds() ? number - 1 : number;
     }
 
-    /// A record whose date and image are as they are shown now.
-    [[nodiscard]] const EventRecord &settled(EventChunk &chunk, std::size_t position) const {
-        m_list.settle({&chunk, position});
-        return chunk.record(position);
+    /// Brings dates and images of the records from `first` up to `last` to what is shown now.
+    void settle(EventChunk &chunk, std::size_t first, std::size_t last) const {
+        m_list.settle(chunk, first, last);
+    }
+    /// Whether all records of a chunk are as they are shown now.
+    [[nodiscard]] bool isSettled(const EventChunk &chunk) const {
+        return chunk.showings() == static_cast<std::uint16_t>(m_list.m_dates.showings());
     }
     [[nodiscard]] std::optional<std::string> date(EventChunk &chunk, std::size_t position) const {
         return m_list.dateText({&chunk, position});
@@ -47,6 +50,9 @@ public:
     [[nodiscard]] std::string_view host(StringTable::Id id) const {
         return m_list.m_hosts.text(id);
     }
+    /// One more than the largest ids.
+    [[nodiscard]] std::size_t priorityLimit() const { return m_list.m_priorities.idLimit(); }
+    [[nodiscard]] std::size_t hostLimit() const { return m_list.m_hosts.idLimit(); }
     [[nodiscard]] const PriorityClasses &classes(StringTable::Id priority) const {
         return priority == StringTable::kAbsent ? m_list.m_absentClasses
                                                 : m_list.m_classes[priority];

@@ -37,10 +37,72 @@ bool mayConsistOf(std::string_view text, std::string_view characters) {
     });
 }
 
+/// The texts that RE2 knows an expression to need, in small letters.
+class NeededTexts {
+public:
+    NeededTexts(const std::string &expression, const re2::RE2::Options &options) : m_filter(1) {
+        int number = 0;
+        m_filter.Add(expression, options, &number);
+        m_filter.Compile(&m_texts);
+    }
+    [[nodiscard]] const std::vector<std::string> &texts() const { return m_texts; }
+    /// Whether there can be a match where of the texts only those are for which `isThere(text)`.
+    template <typename IsThere>
+    [[nodiscard]] bool mayMatch(IsThere isThere) const {
+        std::vector<int> there;
+        for (std::size_t i = 0; i < m_texts.size(); ++i) {
+            if (isThere(m_texts[i])) {
+                there.push_back(static_cast<int>(i));
+            }
+        }
+        std::vector<int> matching;
+        m_filter.AllPotentials(there, &matching);
+        return !matching.empty();
+    }
+
+private:
+    re2::FilteredRE2 m_filter;
+    std::vector<std::string> m_texts;
+};
+
+/// The texts to look for before the expression: one that each match needs, or some of which it
+/// needs any.
+std::vector<std::string> textsFor(const NeededTexts &needed) {
+    const auto canFind = [](const std::string &text) {
+        return LiteralSearch::canFind(text, false);
+    };
+    std::string longest;
+    for (const std::string &text : needed.texts()) {
+        const bool isEnough =
+            text.size() > longest.size() && canFind(text) &&
+            !needed.mayMatch([&](const std::string &there) { return there != text; });
+        longest = isEnough ? text : longest;
+    }
+    if (!longest.empty()) {
+        return {longest};
+    }
+    const bool isAnyNeeded = !needed.mayMatch([](const std::string &) { return false; });
+    const bool canFindAll = needed.texts().size() <= LiteralSearch::kMostTexts &&
+                            std::ranges::all_of(needed.texts(), canFind);
+    return isAnyNeeded && canFindAll ? needed.texts() : std::vector<std::string>();
+}
+
 }  // namespace
 
 TextPattern::TextPattern(const Spec &spec)
-    : m_spec(spec), m_expression(std::make_unique<re2::RE2>(spec.text, optionsFor(spec))) {}
+    : m_spec(spec), m_expression(std::make_unique<re2::RE2>(spec.text, optionsFor(spec))) {
+    if (!error().empty()) {
+        return;
+    }
+    if (spec.isExpression) {
+        const auto texts = textsFor(NeededTexts(spec.text, m_expression->options()));
+        if (!texts.empty()) {
+            m_needed.emplace(texts, false);
+        }
+    } else if (LiteralSearch::canFind(spec.text, spec.isCaseSensitive)) {
+        m_needed.emplace(std::vector<std::string>{spec.text}, spec.isCaseSensitive);
+    }
+}
 
 TextPattern::~TextPattern() = default;
 TextPattern::TextPattern(TextPattern &&) noexcept = default;
@@ -53,7 +115,17 @@ std::string TextPattern::error() const {
     return m_expression->ProgramSize() > kMostSteps ? "expression too large" : std::string();
 }
 
+LiteralSearch::Answer TextPattern::glanceAt(std::string_view text) const {
+    return m_needed ? answerFor(m_needed->isAnyIn(text)) : LiteralSearch::Answer::kUnsure;
+}
+
 bool TextPattern::isIn(std::string_view text) const {
+    const LiteralSearch::Answer answer = glanceAt(text);
+    return answer == LiteralSearch::Answer::kUnsure ? matches(text)
+                                                    : answer == LiteralSearch::Answer::kYes;
+}
+
+bool TextPattern::matches(std::string_view text) const {
     return m_expression->Match({text.data(), text.size()}, 0, text.size(), re2::RE2::UNANCHORED,
                                nullptr, 0);
 }
@@ -72,21 +144,9 @@ bool TextPattern::mayBeInTextOf(std::string_view characters) const {
     if (!m_spec.isExpression) {
         return mayConsistOf(m_spec.text, characters);
     }
-    // The texts without which the expression does not match.
-    re2::FilteredRE2 filtered(1);
-    int number = 0;
-    filtered.Add(m_spec.text, m_expression->options(), &number);
-    std::vector<std::string> needed;
-    filtered.Compile(&needed);
-    std::vector<int> possible;
-    for (std::size_t i = 0; i < needed.size(); ++i) {
-        if (mayConsistOf(needed[i], characters)) {
-            possible.push_back(static_cast<int>(i));
-        }
-    }
-    std::vector<int> matching;
-    filtered.AllPotentials(possible, &matching);
-    return !matching.empty();
+    return NeededTexts(m_spec.text, m_expression->options()).mayMatch([&](const std::string &text) {
+        return mayConsistOf(text, characters);
+    });
 }
 
 }  // namespace quorbel

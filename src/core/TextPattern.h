@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/LiteralSearch.h"
+
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -39,15 +42,28 @@ public:
     /// called then.
     [[nodiscard]] std::string error() const;
     [[nodiscard]] bool isIn(std::string_view text) const;
+    /// The same in two steps: what can be said at a glance, and what to do where that is kUnsure.
+    [[nodiscard]] LiteralSearch::Answer glanceAt(std::string_view text) const;
+    [[nodiscard]] bool matches(std::string_view text) const;
     /// The first match that begins at `from` or later; "^" and "\b" see what stands before.
     [[nodiscard]] std::optional<Span> find(std::string_view text, std::size_t from = 0) const;
+    /// Looks for texts of which one at least is in whatever has a match; nothing when no such are
+    /// known.
+    [[nodiscard]] const std::optional<LiteralSearch> &needed() const { return m_needed; }
+    /// What it means for a match that a search for the needed texts gave an answer.
+    [[nodiscard]] LiteralSearch::Answer answerFor(LiteralSearch::Answer needed) const {
+        return isPlain() ? needed : std::min(needed, LiteralSearch::Answer::kUnsure);
+    }
     /// False when it is certain that no text made of these characters alone, capital or small, has
     /// a match. They are ASCII.
     [[nodiscard]] bool mayBeInTextOf(std::string_view characters) const;
 
 private:
+    [[nodiscard]] bool isPlain() const { return !m_spec.isExpression; }
+
     Spec m_spec;
     std::unique_ptr<re2::RE2> m_expression;
+    std::optional<LiteralSearch> m_needed;
 };
 
 }  // namespace quorbel
