@@ -121,6 +121,8 @@ std::string ArrangedEvents::setFilter(const EventQuery &filter) {
 
 void ArrangedEvents::startSearch(EventMatcher matcher, bool isNarrowing) {
     m_search = std::make_unique<Search>(Search{std::move(matcher), isNarrowing});
+    // Memory that is not written to is none, and growing would copy all of it.
+    m_search->matches.reserve(isNarrowing ? m_matches.size() : m_list.size());
 }
 
 void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
@@ -182,15 +184,11 @@ bool ArrangedEvents::narrowRun() {
         return false;
     }
     EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
+    const std::size_t last = endOfRun(chunk, chunk.countBefore(candidate->id()));
+    m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
     m_positions.clear();
-    std::size_t cost = 0;
-    while (candidate != m_matches.end() && candidate->id() < chunk.endOfIds() &&
-           cost < m_search->runCost) {
-        const std::size_t position = chunk.countBefore(candidate->id());
-        m_positions.push_back(static_cast<std::uint32_t>(position));
-        cost += kRecordCost + chunk.messagesBetween(position, position).size();
-        m_search->next = candidate->id() + 1;
-        ++candidate;
+    for (; candidate != m_matches.end() && candidate->id() < m_search->next; ++candidate) {
+        m_positions.push_back(static_cast<std::uint32_t>(chunk.countBefore(candidate->id())));
     }
     m_search->matcher.match(chunk, m_positions, m_search->matches);
     return true;
@@ -213,8 +211,13 @@ void ArrangedEvents::refresh() {
 }
 
 void ArrangedEvents::choose() {
-    m_chosen.clear();
+    m_chosen = {};
     if (choosesRatings()) {
+        std::size_t chosen = 0;
+        for (std::size_t rating = 0; rating < kRatingCount; ++rating) {
+            chosen += filterInForce().ratings[rating] ? m_counts[rating] : 0;
+        }
+        m_chosen.reserve(chosen);
         std::ranges::copy_if(m_matches, std::back_inserter(m_chosen), [this](EventMatch match) {
             return filterInForce().ratings[match.rating()];
         });
@@ -222,9 +225,10 @@ void ArrangedEvents::choose() {
 }
 
 void ArrangedEvents::count() {
-    m_counts.fill(0);
-    for (const EventMatch match : m_matches) {
-        ++m_counts[match.rating()];
+    // A loop for each: several matches at a time are compared with one rating.
+    for (std::size_t rating = 0; rating < kRatingCount; ++rating) {
+        const auto hasRating = [rating](EventMatch match) { return match.rating() == rating; };
+        m_counts[rating] = static_cast<std::size_t>(std::ranges::count_if(m_matches, hasRating));
     }
 }
 

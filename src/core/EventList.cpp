@@ -56,6 +56,7 @@ EventList::Place EventList::add(const EventFields &fields) {
             expectedBytes = m_chunks.back().messageBytes() + m_chunks.back().messageBytes() / 16;
         }
         m_chunks.emplace_back(m_nextId, std::min(expectedBytes, kMaxBytesReserved));
+        m_chunks.back().noteShowings(static_cast<std::uint16_t>(m_dates.showings()));
         m_countUpTo.push_back(m_size);
     }
     EventChunk &chunk = m_chunks.back();

@@ -146,8 +146,7 @@ void EventMatcher::match(EventChunk &chunk, Positions &positions,
 
 bool EventMatcher::matches(EventChunk &chunk, std::uint32_t position) {
     makeRoom();
-    m_events.settle(chunk, position, position + 1);
-    const EventRecord &record = chunk.record(position);
+    const EventRecord &record = m_events.settled(chunk, position);
     return isInTime(record) && (!choosesPriority() || meetsPriority(record)) &&
            (m_filter.host.empty() || meetsHost(record)) &&
            std::ranges::all_of(m_texts, [&](Text &text) {

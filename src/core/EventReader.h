@@ -31,6 +31,11 @@ public:
     void settle(EventChunk &chunk, std::size_t first, std::size_t last) const {
         m_list.settle(chunk, first, last);
     }
+    /// A record whose date and image are as they are shown now.
+    [[nodiscard]] const EventRecord &settled(EventChunk &chunk, std::size_t position) const {
+        m_list.settle({&chunk, position});
+        return chunk.record(position);
+    }
     /// Whether all records of a chunk are as they are shown now.
     [[nodiscard]] bool isSettled(const EventChunk &chunk) const {
         return chunk.showings() == static_cast<std::uint16_t>(m_list.m_dates.showings());

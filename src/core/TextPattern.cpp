@@ -14,6 +14,7 @@ namespace {
 constexpr std::int64_t kMostMemory = std::int64_t{8} << 20U;
 /// At worst, each step is looked at for each byte of a text.
 constexpr int kMostSteps = 2000;
+constexpr std::size_t kMostWork = std::size_t{8} << 20U;
 
 re2::RE2::Options optionsFor(const TextPattern::Spec &spec) {
     re2::RE2::Options options;
@@ -115,6 +116,11 @@ std::string TextPattern::error() const {
     return m_expression->ProgramSize() > kMostSteps ? "expression too large" : std::string();
 }
 
+std::size_t TextPattern::seenOf(std::size_t bytes) const {
+    const auto steps = static_cast<std::size_t>(std::max(m_expression->ProgramSize(), 1));
+    return isPlain() ? bytes : std::min(bytes, kMostWork / steps);
+}
+
 LiteralSearch::Answer TextPattern::glanceAt(std::string_view text) const {
     return m_needed ? answerFor(m_needed->isAnyIn(text)) : LiteralSearch::Answer::kUnsure;
 }
@@ -126,14 +132,15 @@ bool TextPattern::isIn(std::string_view text) const {
 }
 
 bool TextPattern::matches(std::string_view text) const {
-    return m_expression->Match({text.data(), text.size()}, 0, text.size(), re2::RE2::UNANCHORED,
-                               nullptr, 0);
+    return m_expression->Match({text.data(), text.size()}, 0, seenOf(text.size()),
+                               re2::RE2::UNANCHORED, nullptr, 0);
 }
 
 std::optional<TextPattern::Span> TextPattern::find(std::string_view text, std::size_t from) const {
     re2::StringPiece match;
-    if (!m_expression->Match({text.data(), text.size()}, from, text.size(), re2::RE2::UNANCHORED,
-                             &match, 1)) {
+    const std::size_t end = std::max(seenOf(text.size()), from);
+    if (!m_expression->Match({text.data(), text.size()}, from, end, re2::RE2::UNANCHORED, &match,
+                             1)) {
         return std::nullopt;
     }
     const auto begin = static_cast<std::size_t>(match.data() - text.data());

@@ -50,10 +50,19 @@ std::string lowered(std::string text) {
     std::ranges::transform(text, text.begin(), [](unsigned char letter) {
         return static_cast<char>(std::tolower(letter));
     });
+    const std::string_view longS = "\u017F";
+    for (std::size_t place = 0; (place = text.find(longS, place)) != std::string::npos;) {
+        text.replace(place, longS.size(), "s");
+    }
     return text;
 }
 
+/// An expression is a choice of plain texts here.
 bool contains(const std::string &text, const TextPattern::Spec &spec) {
+    if (const std::size_t bar = spec.text.find('|'); bar != std::string::npos) {
+        return contains(text, {spec.text.substr(0, bar), spec.isCaseSensitive}) ||
+               contains(text, {spec.text.substr(bar + 1), spec.isCaseSensitive});
+    }
     return spec.isCaseSensitive ? text.find(spec.text) != std::string::npos
                                 : lowered(text).find(lowered(spec.text)) != std::string::npos;
 }
@@ -71,7 +80,8 @@ protected:
     void insert(std::size_t count) {
         static const std::vector<std::string> priorities = {"Local7.Error", "Kern.Emergency",
                                                             "User.Informational", "odd", ""};
-        static const std::vector<std::string> words = {"disk", "Disk", "sdb1", "link", "x", ""};
+        static const std::vector<std::string> words = {"disk",      "Disk", "sdb1", "link",
+                                                       "di\u017Fk", "x",    ""};
         static const std::vector<std::string> odd = {"", "12.5", "soon"};
         for (; count > 0; --count) {
             const std::string date =
@@ -93,10 +103,13 @@ protected:
 
     EventQuery randomFilter() {
         static const std::vector<std::string> texts = {
-            "d", "di", "dis", "disk", "sdb", "ink ", "err", "12", ":1", "Sev", "10.0.0.1"};
+            "d",  "di", "dis", "disk",     "sdb",       "ink ",      "err",
+            "12", ":1", "Sev", "10.0.0.1", "disk|sdb1", "k x|err|12"};
         EventQuery filter;
         for (std::size_t i = pick(3); i > 0; --i) {
-            filter.texts.push_back({{oneOf(texts), pick(2) == 0}, pick(4) == 0});
+            const std::string text = oneOf(texts);
+            const bool isExpression = text.find('|') != std::string::npos;
+            filter.texts.push_back({{text, pick(2) == 0, isExpression}, pick(4) == 0});
         }
         if (pick(3) == 0) {
             filter.ratings.set(pick(kRatingCount));

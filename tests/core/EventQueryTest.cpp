@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <string>
 
 namespace quorbel {
@@ -87,6 +89,47 @@ TEST(HostPatternTest, MeansAListAndExcludesFromIt) {
     EXPECT_TRUE(HostPattern(" ,, ").matches("fs01"));
 }
 
+std::size_t neededCount(const std::string &text) {
+    const TextPattern pattern = expression(text);
+    return pattern.needed() ? pattern.needed()->textCount() : 0;
+}
+
+TEST(TextPatternTest, KnowsWhichTextsAnExpressionNeeds) {
+    EXPECT_EQ(neededCount("(accepted|denied).*52144"), 1U);
+    EXPECT_EQ(neededCount("accepted|denied"), 2U);
+    EXPECT_EQ(neededCount("accepted|.*"), 0U);
+    EXPECT_EQ(neededCount("a|b|c1|d2|e3|f4"), 0U);
+    EXPECT_TRUE(expression("accepted|denied").isIn("it was DENIED"));
+    EXPECT_FALSE(expression("accepted|denied").isIn("it was refused"));
+    EXPECT_TRUE(expression("(accepted|denied).*52144").isIn("Accepted 52144"));
+    EXPECT_FALSE(expression("(accepted|denied).*52144").isIn("52144 accepted"));
+    const TextPattern sensitive({"ERR(OR)?", true, true});
+    EXPECT_TRUE(sensitive.isIn("an ERROR"));
+    EXPECT_FALSE(sensitive.isIn("an error"));
+}
+
+TEST(TextPatternTest, TakesTheLongSAndTheSignOfKelvinsAsLetters) {
+    EXPECT_TRUE(plain("disk").isIn("DI\u017F\u212A"));
+    EXPECT_TRUE(plain("di\u017Fk").isIn("DISK"));
+    EXPECT_FALSE(plain("disk", true).isIn("di\u017Fk"));
+    EXPECT_TRUE(expression("disk.*full").isIn("DI\u017F\u212A is full"));
+}
+
+TEST(TextPatternTest, SeesTheBeginningOfAHugeTextWhenTheExpressionIsLong) {
+    const std::string text = std::string(1U << 20U, 'a') + "needle";
+    EXPECT_TRUE(expression("a{2}").isIn(text));
+    EXPECT_TRUE(plain("needle").isIn(text));
+    const std::string steps = "(a|b){150}";
+    EXPECT_TRUE(expression(steps).isIn(text));
+    EXPECT_FALSE(expression(steps + "needle").isIn(text));
+    EXPECT_FALSE(expression(steps + "needle").find(text));
+    EXPECT_FALSE(expression(steps + "needle").find(text, 1U << 20U));
+    EXPECT_TRUE(expression(steps + "needle").isIn(text.substr((1U << 20U) - 4096)));
+    // What it sees does not end there.
+    EXPECT_FALSE(expression(steps + "$").isIn(text));
+    EXPECT_FALSE(expression(steps + "\\b").isIn(text));
+}
+
 TEST(HostPatternTest, MeansNamesByWildcardsAndAddressesByMasks) {
     EXPECT_TRUE(HostPattern("fs01").matches("FS01"));
     EXPECT_FALSE(HostPattern("fs0").matches("fs01"));
@@ -149,6 +192,17 @@ TEST_F(ArrangedEventsTest, FindsNothingInWhatIsGone) {
     EXPECT_EQ(messages(), "");
 }
 
+TEST_F(ArrangedEventsTest, FindsWhatCameAfterASingleOneThatIsGone) {
+    for (const char *message : {"a1", "a2", "a3"}) {
+        m_list.insertRaw(fields("1", "p", "h", message));
+    }
+    m_list.removeRows({{2, 1}});
+    find({"a"});
+    EXPECT_EQ(messages(), "a3;a2;");
+    find({"a3"});
+    EXPECT_EQ(messages(), "a3;");
+}
+
 TEST_F(ArrangedEventsTest, KeepsTheLastResultWhenAnExpressionIsWrong) {
     m_list.insertRaw(fields("1", "p", "h", "one"));
     m_list.insertRaw(fields("2", "p", "h", "two"));
@@ -199,6 +253,158 @@ TEST_F(ArrangedEventsTest, LeavesOutWhatGoesWhileItSearches) {
     m_events.search([] { return false; });
     ASSERT_EQ(m_events.size(), 97U);
     EXPECT_EQ(m_list.message(m_events.listRow(96)), "2");
+}
+
+TEST_F(ArrangedEventsTest, FindsExpressionsInTheMessagesOfAChunk) {
+    for (const char *message : {"accepted 1", "denied 2", "DENIED", "refused 2", "denied 21",
+                                "di\u017F\u212A denied 2", "2 denied", ""}) {
+        m_list.insertRaw(fields("1", "p", "h", message));
+    }
+    find({"(accepted|denied) 2", false, true});
+    EXPECT_EQ(messages(), "di\u017F\u212A denied 2;denied 21;denied 2;");
+    find({"disk|refused", false, true});
+    EXPECT_EQ(messages(), "di\u017F\u212A denied 2;refused 2;");
+    find({"denied$", true, true});
+    EXPECT_EQ(messages(), "2 denied;");
+    find({"disk"});
+    EXPECT_EQ(messages(), "di\u017F\u212A denied 2;");
+}
+
+// A date is read back when its format changes: without its time, it is that of midnight.
+TEST_F(ArrangedEventsTest, KnowsTheMomentsThatAChangedFormatLeaves) {
+    constexpr std::int64_t kMidnight = 1'767'225'600;
+    setenv("TZ", "UTC", 1);
+    tzset();
+    for (int i = 1; i <= 100; ++i) {
+        m_list.insertRaw(fields(std::to_string(kMidnight + 600 * i)));
+    }
+    EventQuery filter;
+    filter.from = kMidnight;
+    filter.until = kMidnight + 1;
+    const auto found = [&] {
+        EXPECT_EQ(m_events.setFilter({}), "");
+        EXPECT_EQ(m_events.setFilter(filter), "");
+        m_events.search([] { return false; });
+        return m_events.size();
+    };
+    m_list.show(testing::stateWith());
+    EXPECT_EQ(found(), 0U);
+    filter.from = kMidnight + 60'000;
+    filter.until.reset();
+    EXPECT_EQ(found(), 1U);
+    EXPECT_EQ(found(), 1U);
+    filter.from = kMidnight;
+    filter.until = kMidnight + 1;
+    m_list.show(testing::stateWith("yyyy-MM-dd"));
+    EXPECT_EQ(found(), 0U);
+    EXPECT_EQ(found(), 0U);
+    m_list.show(testing::stateWith());
+    EXPECT_EQ(found(), 100U);
+    EXPECT_EQ(found(), 100U);
+}
+
+TEST_F(ArrangedEventsTest, KnowsTheRatingsOfAllWhenSomeWereLookedAt) {
+    for (int i = 1; i < 100; ++i) {
+        m_list.insertRaw(fields("1", "Local7.Error", "h", "x" + std::to_string(i)));
+    }
+    AppState state = testing::stateWith();
+    state.iSeverityError = 0;
+    m_list.show(state);
+    find({"x9"});
+    EXPECT_EQ(m_events.ratingCounts()[1], 11U);
+    state.iSeverityError = 2;
+    m_list.show(state);
+    find({"x99"});  // narrows: looks at some of them
+    EXPECT_EQ(m_events.ratingCounts()[3], 1U);
+    find({"x"});
+    EXPECT_EQ(m_events.ratingCounts()[3], 99U);
+}
+
+TEST_F(ArrangedEventsTest, FindsAnEventWithoutADateAtTheBeginningOfTime) {
+    EventFields event = fields("1767225600");
+    m_list.insertRaw(event);
+    event.date.reset();
+    m_list.insertRaw(event);
+    EventQuery filter;
+    filter.from = 0;
+    filter.until = 10;
+    ASSERT_EQ(m_events.setFilter(filter), "");
+    m_events.search([] { return false; });
+    EXPECT_EQ(m_events.size(), 1U);
+}
+
+// Showings are counted from the beginning again when there have been too many date formats.
+TEST(ArrangedEventsShownTest, KnowsRatingsAfterHundredsOfDateFormats) {
+    for (int more = 240; more < 270; ++more) {
+        EventList list;
+        ArrangedEvents events(list);
+        list.insertRaw(fields("1767225600"));
+        EventQuery filter;
+        filter.host = "*";
+        AppState state = testing::stateWith();
+        const auto show = [&](int number) {
+            const std::string format = "yyyy-MM-dd HH:mm:ss '" + std::to_string(number) + "'";
+            state.oldDateFormat = state.newDateFormat = format;
+            list.show(state);
+        };
+        const auto ratings = [&] {
+            events.refresh();
+            events.search([] { return false; });
+            return events.ratingCounts();
+        };
+        ASSERT_EQ(events.setFilter(filter), "");
+        state.iSeverityError = 0;
+        for (int number = 0; number < 3; ++number) {
+            show(number);
+        }
+        ASSERT_EQ(ratings()[1], 1U);
+        for (int number = 3; number <= more; ++number) {
+            state.iSeverityError = number == more ? 2 : 0;
+            show(number);
+        }
+        ASSERT_EQ(ratings()[3], 1U) << more;
+    }
+}
+
+/// How often a search for it asks for the time.
+std::size_t timesAsked(ArrangedEvents &events, const EventQuery &filter) {
+    std::size_t asked = 0;
+    EXPECT_EQ(events.setFilter(filter), "");
+    events.search([&] {
+        ++asked;
+        return false;
+    });
+    return asked;
+}
+
+EventQuery textQuery(const std::string &text, bool isExpression) {
+    EventQuery query;
+    query.texts.push_back({{text, false, isExpression}, false});
+    return query;
+}
+
+TEST_F(ArrangedEventsTest, AsksForTheTimeAtEachHugeMessage) {
+    for (int i = 0; i < 20; ++i) {
+        m_list.insertRaw(fields("1", "p", "h", std::string(1U << 20U, 'a') + "b"));
+    }
+    EXPECT_GE(timesAsked(m_events, textQuery("b", false)), 20U);
+    EXPECT_GE(timesAsked(m_events, textQuery("ab", false)), 20U);  // narrows
+    EXPECT_GE(timesAsked(m_events, textQuery("c", false)), 20U);
+    EXPECT_GE(timesAsked(m_events, textQuery("(a+)+c", true)), 20U);
+    EventQuery rated;
+    rated.ratings.set(0);
+    EXPECT_GE(timesAsked(m_events, rated), 20U);
+}
+
+TEST_F(ArrangedEventsTest, AsksForTheTimeAtEachHalfMegabyteOfSmallMessages) {
+    constexpr std::size_t kEvents = 40'000;
+    constexpr std::size_t kMegabytes = 20;
+    for (std::size_t i = 0; i < kEvents; ++i) {
+        m_list.insertRaw(fields("1", "p", "h", std::string((kMegabytes << 20U) / kEvents, 'a')));
+    }
+    EXPECT_GE(timesAsked(m_events, textQuery("a", false)), 2 * kMegabytes);
+    EXPECT_GE(timesAsked(m_events, textQuery("aa", false)), 2 * kMegabytes);  // narrows
+    EXPECT_GE(timesAsked(m_events, textQuery("[^a]", true)), 2 * kMegabytes);
 }
 
 TEST_F(ArrangedEventsTest, FindsTheEndOfAHugeMessage) {
