@@ -1,9 +1,11 @@
 #include "Measure.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 
 namespace quorbel::bench {
@@ -13,6 +15,24 @@ std::size_t residentBytes() {
     std::size_t resident = 0;
     std::ifstream("/proc/self/statm") >> total >> resident;
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+double ProcessorWatch::used() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+double processorSecondsOf(const std::string &command) {
+    const auto used = [] {
+        rusage usage{};
+        getrusage(RUSAGE_CHILDREN, &usage);
+        return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+               static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
+    };
+    const double before = used();
+    secondsOf(command);
+    return used() - before;
 }
 
 double secondsOf(const std::string &command) {
