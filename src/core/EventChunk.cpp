@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace quorbel {
 
@@ -123,10 +124,11 @@ void EventChunk::close() {
     m_records.shrink_to_fit();
 }
 
-void EventChunk::remove(const std::vector<Positions> &ranges) {
+void EventChunk::remove(const std::vector<Positions> &ranges, EventChunk *taken) {
     auto range = ranges.begin();
     std::size_t position = 0;
     std::size_t kept = 0;
+    std::size_t wordBegin = 0;
     for (std::uint64_t &word : m_present) {
         for (std::uint64_t rest = word; rest != 0; rest &= rest - 1, ++position) {
             if (range != ranges.end() && position == range->last) {
@@ -137,15 +139,74 @@ void EventChunk::remove(const std::vector<Positions> &ranges) {
                 continue;
             }
             word &= ~(rest & -rest);
-            const std::uint32_t message = m_records[position].message;
-            if (message != EventRecord::kNoMessage) {
-                m_deadBytes += readMessage(m_bytes.data() + message).storedSize;
+            const EventRecord &record = m_records[position];
+            if (taken != nullptr) {
+                taken->adopt(wordBegin + static_cast<std::size_t>(std::countr_zero(rest)), record,
+                             message(record));
+            }
+            if (record.message != EventRecord::kNoMessage) {
+                m_deadBytes += readMessage(m_bytes.data() + record.message).storedSize;
             }
         }
+        wordBegin += kWordBits;
     }
     m_records.resize(kept);
     if (m_deadBytes > m_bytes.size() / 2) {
         dropUnusedBytes();
+    }
+}
+
+EventChunk EventChunk::emptyCopy() const {
+    EventChunk copy(m_first, 0);
+    copy.m_used = m_used;
+    copy.m_earliest = m_earliest;
+    copy.m_latest = m_latest;
+    return copy;
+}
+
+/// Precondition: behind all records that it has.
+void EventChunk::adopt(std::size_t slot, const EventRecord &record,
+                       const std::optional<std::string_view> &text) {
+    EventRecord &own = m_records.emplace_back(record);
+    if (text) {
+        own.message = static_cast<std::uint32_t>(m_bytes.size());
+        writeMessage(m_bytes, *text);
+    }
+    m_present[slot / kWordBits] |= std::uint64_t{1} << (slot % kWordBits);
+}
+
+void EventChunk::putBack(const EventChunk &taken) {
+    const auto shift = static_cast<std::uint32_t>(m_bytes.size());
+    m_bytes.insert(m_bytes.end(), taken.m_bytes.begin(), taken.m_bytes.end());
+    m_deadBytes += taken.m_deadBytes;
+    std::vector<EventRecord> all;
+    all.reserve(m_records.size() + taken.m_records.size());
+    auto own = m_records.begin();
+    auto back = taken.m_records.begin();
+    for (std::size_t i = 0; i < m_present.size(); ++i) {
+        for (std::uint64_t rest = m_present[i] | taken.m_present[i]; rest != 0; rest &= rest - 1) {
+            if ((m_present[i] & rest & -rest) != 0) {
+                all.push_back(*own++);
+                continue;
+            }
+            EventRecord &record = all.emplace_back(*back++);
+            record.message += record.message == EventRecord::kNoMessage ? 0 : shift;
+        }
+        m_present[i] |= taken.m_present[i];
+    }
+    m_records = std::move(all);
+    m_earliest = std::min(m_earliest, taken.m_earliest);
+    m_latest = std::max(m_latest, taken.m_latest);
+    dropIndex();
+}
+
+void EventChunk::listIds(std::vector<EventId> &ids) const {
+    EventId wordBegin = m_first;
+    for (const std::uint64_t word : m_present) {
+        for (std::uint64_t rest = word; rest != 0; rest &= rest - 1) {
+            ids.push_back(wordBegin + static_cast<std::size_t>(std::countr_zero(rest)));
+        }
+        wordBegin += kWordBits;
     }
 }
 

@@ -82,8 +82,17 @@ public:
         std::size_t first = 0;
         std::size_t last = 0;
     };
-    /// Takes out the records at ascending runs of positions, in one pass.
-    void remove(const std::vector<Positions> &ranges);
+    /// Takes out the records at ascending runs of positions, in one pass; `taken`, made by
+    /// emptyCopy(), gets them in the slots that they had.
+    void remove(const std::vector<Positions> &ranges, EventChunk *taken = nullptr);
+    /// A chunk of the same slots, none of which holds a record.
+    [[nodiscard]] EventChunk emptyCopy() const;
+    /// Puts records back that remove() took.
+    void putBack(const EventChunk &taken);
+    /// The id of the event that append() would add.
+    [[nodiscard]] EventId nextId() const { return m_first + m_used; }
+    /// Appends the ids of its records.
+    void listIds(std::vector<EventId> &ids) const;
 
     /// Counts a moment among those that its events' dates show or showed: the first and the last
     /// are kept.
@@ -135,6 +144,8 @@ private:
         }
         return static_cast<std::size_t>(std::countr_zero(bits));
     }
+    void adopt(std::size_t slot, const EventRecord &record,
+               const std::optional<std::string_view> &text);
 
     EventId m_first;
     std::size_t m_used = 0;  // slots handed out

@@ -49,7 +49,7 @@ StringTable::Id EventList::acquirePriority(const std::optional<std::string_view>
 }
 
 EventList::Place EventList::add(const EventFields &fields) {
-    if (m_chunks.empty() || m_chunks.back().isFull()) {
+    if (m_chunks.empty() || m_chunks.back().isFull() || m_chunks.back().nextId() != m_nextId) {
         std::size_t expectedBytes = 0;
         if (!m_chunks.empty()) {
             m_chunks.back().close();
@@ -262,6 +262,11 @@ std::optional<std::int64_t> EventList::momentShown(std::size_t row, std::string_
     return moment ? std::optional(static_cast<std::int64_t>(std::llround(*moment))) : std::nullopt;
 }
 
+std::optional<std::int64_t> EventList::momentHeld(std::size_t row) {
+    const EventRecord &record = placeOfRow(row).record();
+    return record.format == EventRecord::kTextDate ? std::nullopt : std::optional(record.seconds);
+}
+
 EventId EventList::idAt(std::size_t row) {
     return placeOfRow(row).id();
 }
@@ -301,9 +306,11 @@ EventDates::FormatId EventList::formatId(std::string_view setting) {
 
 template <typename Visit>
 void EventList::forEachPlace(Visit visit) {
-    for (EventChunk &chunk : m_chunks) {
-        for (std::size_t position = 0; position < chunk.size(); ++position) {
-            visit(Place{&chunk, position});
+    for (auto *chunks : {&m_chunks, &m_aside}) {
+        for (EventChunk &chunk : *chunks) {
+            for (std::size_t position = 0; position < chunk.size(); ++position) {
+                visit(Place{&chunk, position});
+            }
         }
     }
 }

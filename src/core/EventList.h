@@ -92,6 +92,10 @@ public:
     [[nodiscard]] std::optional<std::int64_t> momentShown(std::size_t row,
                                                           std::string_view dateFormat);
 
+    /// The moment that the row's date came as, however it is shown; showing it in another format
+    /// than one without seconds has lost these. Nothing when it came as text, or did not come.
+    [[nodiscard]] std::optional<std::int64_t> momentHeld(std::size_t row);
+
     [[nodiscard]] EventId idAt(std::size_t row);
     /// Nothing when the event has left the list.
     [[nodiscard]] std::optional<std::size_t> rowOf(EventId id);
@@ -106,6 +110,15 @@ public:
 
     /// Removes rows. The ranges ascend and do not touch one another.
     void removeRows(const std::vector<RowRange> &ranges);
+    /// Removes rows like removeRows() and keeps them, in place of what was kept before. That takes
+    /// the memory that they had in the list.
+    void setAside(const std::vector<RowRange> &ranges);
+    /// How many are kept.
+    [[nodiscard]] std::size_t asideCount() const { return m_asideCount; }
+    /// What is kept stands again where it stood, whatever has come and gone since, and is as if it
+    /// had never left. Returns its ids, ascending.
+    std::vector<EventId> putBack();
+
     /// Removes a row with the next removeMarked(); until then it stays where it is, but find()
     /// passes it over. A view of a million rows needs milliseconds for each change of their number,
     /// so removals that come one by one are better made together.
@@ -178,9 +191,17 @@ private:
     void forEachPlace(Visit visit);
 
     [[nodiscard]] Fields fieldsOf(const Place &place);
-    void removeTogether(const std::vector<RowRange> &ranges);
-    void removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges);
+    /// What becomes of records that leave.
+    enum class Leaving { kGone, kAside };
+    void removeRows(const std::vector<RowRange> &ranges, Leaving leaving);
+    void removeTogether(const std::vector<RowRange> &ranges, Leaving leaving);
+    void removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges,
+                    Leaving leaving);
+    void moveAside(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges);
+    void keepForHandles(const Place &place);
     void letGo(const Place &place);
+    void dropAside();
+    void mergeAside();
 
     void hold(EventId id);
     void release(EventId id);
@@ -201,6 +222,9 @@ private:
     EventDates m_dates;
     bool m_indexHasMinutes = true;   // whether the keys of the chunks' look-up tables do
     std::vector<EventId> m_leaving;  // marked for removal
+    // Set aside: with the ids, uses of texts and entries in m_extras that they had.
+    std::deque<EventChunk> m_aside;
+    std::size_t m_asideCount = 0;
     std::unordered_map<EventId, Extras> m_extras;
     std::unordered_map<EventId, Held> m_held;
 };

@@ -8,16 +8,20 @@
 namespace quorbel {
 
 void EventList::removeRows(const std::vector<RowRange> &ranges) {
+    removeRows(ranges, Leaving::kGone);
+}
+
+void EventList::removeRows(const std::vector<RowRange> &ranges, Leaving leaving) {
     if (ranges.empty()) {
         return;
     }
     if (ranges.size() == 1) {
         tell(&EventListObserver::rowsWillBeRemoved, ranges.front().first, ranges.front().count);
-        removeTogether(ranges);
+        removeTogether(ranges, leaving);
         tell(&EventListObserver::rowsWereRemoved);
     } else {
         tell(&EventListObserver::listWillChangeAtLarge);
-        removeTogether(ranges);
+        removeTogether(ranges, leaving);
         tell(&EventListObserver::listChangedAtLarge);
     }
 }
@@ -51,7 +55,7 @@ std::vector<RowRange> joinRows(std::vector<std::size_t> rows) {
     return ranges;
 }
 
-void EventList::removeTogether(const std::vector<RowRange> &ranges) {
+void EventList::removeTogether(const std::vector<RowRange> &ranges, Leaving leaving) {
     if (!m_countsCurrent) {
         countUp();
     }
@@ -59,7 +63,7 @@ void EventList::removeTogether(const std::vector<RowRange> &ranges) {
     std::size_t index = 0;
     const auto flush = [&] {
         if (!positions.empty()) {
-            removeFrom(m_chunks[index], positions);
+            removeFrom(m_chunks[index], positions, leaving);
             positions.clear();
         }
     };
@@ -83,24 +87,36 @@ void EventList::removeTogether(const std::vector<RowRange> &ranges) {
     m_countsCurrent = false;
 }
 
-void EventList::removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges) {
+void EventList::removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges,
+                           Leaving leaving) {
     for (const EventChunk::Positions &range : ranges) {
         for (std::size_t position = range.first; position < range.last; ++position) {
-            letGo({&chunk, position});
+            keepForHandles({&chunk, position});
+            if (leaving == Leaving::kGone) {
+                letGo({&chunk, position});
+            }
         }
         m_size -= range.last - range.first;
     }
-    chunk.remove(ranges);
+    if (leaving == Leaving::kAside) {
+        moveAside(chunk, ranges);
+    } else {
+        chunk.remove(ranges);
+    }
+}
+
+void EventList::keepForHandles(const Place &place) {
+    if (m_held.empty()) {
+        return;
+    }
+    if (const auto held = m_held.find(place.id());
+        held != m_held.end() && !held->second.successor) {
+        held->second.fieldsAtLeaving = std::make_unique<Fields>(fieldsOf(place));
+    }
 }
 
 void EventList::letGo(const Place &place) {
     const EventRecord &record = place.record();
-    if (!m_held.empty()) {
-        if (const auto held = m_held.find(place.id());
-            held != m_held.end() && !held->second.successor) {
-            held->second.fieldsAtLeaving = std::make_unique<Fields>(fieldsOf(place));
-        }
-    }
     m_priorities.release(record.priority);
     m_hosts.release(record.host);
     if (record.hasExtras != 0) {

@@ -20,26 +20,42 @@
 namespace quorbel {
 namespace {
 
-/// "Format" is the one in which "Date" is written; absent while the date is as it came.
+/// "Format" is the one in which "Date" is written; absent while the date is as it came. "Number" is
+/// a later event's larger one.
 using PlainEvent = std::map<std::string, std::string>;
 
 class PlainList {
 public:
-    void insertRaw(const PlainEvent &event) { rows.push_front(event); }
+    void insertRaw(PlainEvent event) {
+        event["Number"] = std::to_string(m_nextNumber++);
+        rows.push_front(std::move(event));
+    }
 
     void insertShown(PlainEvent event, const AppState &state) {
         setImage(event, state);
         setDate(event, floatingPointValue(event["Date"]), state);
-        rows.push_front(event);
+        insertRaw(std::move(event));
     }
 
     void show(const AppState &state) {
-        for (PlainEvent &event : rows) {
-            if (const auto seconds = newMoment(event, state)) {
-                setDate(event, *seconds, state);
+        for (auto *events : {&rows, &aside}) {
+            for (PlainEvent &event : *events) {
+                if (const auto seconds = newMoment(event, state)) {
+                    setDate(event, *seconds, state);
+                }
+                setImage(event, state);
             }
-            setImage(event, state);
         }
+    }
+
+    void putBack() {
+        if (aside.empty()) {
+            return;
+        }
+        rows.insert(rows.end(), aside.begin(), aside.end());
+        aside.clear();
+        std::ranges::sort(rows, std::ranges::greater(),
+                          [](const PlainEvent &event) { return std::stoul(event.at("Number")); });
     }
 
     std::optional<std::size_t> find(const PlainEvent &announced, const AppState &state) {
@@ -72,6 +88,7 @@ public:
     }
 
     std::deque<PlainEvent> rows;
+    std::deque<PlainEvent> aside;
 
 private:
     static void setImage(PlainEvent &event, const AppState &state) {
@@ -102,6 +119,7 @@ private:
     }
 
     std::map<std::string, std::unique_ptr<DateFormat>> m_formats;
+    std::size_t m_nextNumber = 1;
 };
 
 struct ModelCase {
@@ -152,7 +170,7 @@ protected:
         m_state.iSeverityError = static_cast<std::int64_t>(pick(5)) - 1;
     }
 
-    void removeRandomRows() {
+    std::vector<RowRange> randomRows() {
         std::vector<RowRange> ranges;
         std::size_t row = pick(20);
         while (row < m_list.size()) {
@@ -160,11 +178,46 @@ protected:
             ranges.push_back({row, count});
             row += count + 1 + pick(200);
         }
-        m_list.removeRows(ranges);
+        return ranges;
+    }
+
+    std::deque<PlainEvent> takeFromPlain(const std::vector<RowRange> &ranges) {
+        std::deque<PlainEvent> taken;
         for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
             const auto first = m_plain.rows.begin() + static_cast<std::ptrdiff_t>(range->first);
-            m_plain.rows.erase(first, first + static_cast<std::ptrdiff_t>(range->count));
+            const auto last = first + static_cast<std::ptrdiff_t>(range->count);
+            taken.insert(taken.end(), first, last);
+            m_plain.rows.erase(first, last);
         }
+        return taken;
+    }
+
+    void removeRandomRows() {
+        const std::vector<RowRange> ranges = randomRows();
+        m_list.removeRows(ranges);
+        takeFromPlain(ranges);
+    }
+
+    void setRandomRowsAside() {
+        if (m_plain.aside.size() > m_plain.rows.size()) {
+            putBack();  // else the list would not grow
+        }
+        const bool areAll = pick(8) == 0 && m_list.size() > 0;
+        const auto ranges = areAll ? std::vector{RowRange{0, m_list.size()}} : randomRows();
+        m_list.setAside(ranges);
+        m_plain.aside = takeFromPlain(ranges);
+        ASSERT_EQ(m_list.asideCount(), m_plain.aside.size());
+    }
+
+    void putBack() {
+        const std::vector<EventId> ids = m_list.putBack();
+        ASSERT_EQ(ids.size(), m_plain.aside.size());
+        ASSERT_TRUE(std::ranges::is_sorted(ids));
+        for (const EventId id : ids) {
+            ASSERT_TRUE(m_list.rowOf(id));
+        }
+        m_putBack += ids.size();
+        m_plain.putBack();
     }
 
     void removeAnnounced() {
@@ -194,6 +247,8 @@ protected:
         ASSERT_EQ(m_list.host(row), event["Host"]);
         ASSERT_EQ(m_list.message(row), event["Message"]);
         ASSERT_EQ(m_list.image(row), event["Image"]);
+        ASSERT_EQ(std::to_string(m_list.idAt(row)), event["Number"]);
+        ASSERT_EQ(m_list.rowOf(m_list.idAt(row)), row);
         const auto moment = m_plain.formatOf(event, m_state).parse(event["Date"]);
         ASSERT_EQ(m_list.momentShown(row, m_state.newDateFormat),
                   moment ? std::optional(static_cast<std::int64_t>(std::llround(*moment)))
@@ -205,6 +260,7 @@ protected:
     PlainList m_plain;
     AppState m_state;
     int m_found = 0;
+    std::size_t m_putBack = 0;
     std::size_t m_step = 0;
 };
 
@@ -230,6 +286,11 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
         if (pick(20) == 0) {
             removeRandomRows();
         }
+        if (pick(15) == 0) {
+            setRandomRowsAside();
+        } else if (pick(8) == 0) {
+            putBack();
+        }
         removeAnnounced();
         if (HasFatalFailure()) {
             return;
@@ -239,11 +300,13 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
             compareRow(pick(m_list.size()));
         }
     }
+    putBack();
     for (std::size_t row = 0; row < m_list.size(); ++row) {
         compareRow(row);
     }
     EXPECT_GT(m_list.size(), 4096U);
     EXPECT_GT(m_found, 20);
+    EXPECT_GT(m_putBack, 4096U);
 }
 
 const std::vector<std::string> kFormats = {"",
