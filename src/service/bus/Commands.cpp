@@ -4,6 +4,7 @@
 #include "service/bus/CommandFile.h"
 #include "service/message/FilterProblems.h"
 #include "service/store/EventRemoval.h"
+#include "service/store/EventRestoration.h"
 
 #include <optional>
 #include <variant>
@@ -46,6 +47,9 @@ Commands::Outcome Commands::begin(const Dictionary &command) {
     if (*name == "update") {
         return update(command);
     }
+    if (*name == "restore") {
+        return restore(command);
+    }
     if (*name == "email") {
         return email(command);
     }
@@ -82,6 +86,18 @@ std::string Commands::update(const Dictionary &command) {
         return "The number of events to remove is not a number";
     }
     return removal.run(m_store, m_stop).value_or(kDone);
+}
+
+std::string Commands::restore(const Dictionary &command) {
+    static const Value kNone = Array();
+    const Value *events = command.find("Events");
+    const Value *listed = command.find("Listed");
+    listed = listed == nullptr ? &kNone : listed;
+    if (events == nullptr || events->array() == nullptr || listed->array() == nullptr) {
+        return "The events to put back are not an array";
+    }
+    EventRestoration restoration(*events->array(), *listed->array());
+    return restoration.run(m_store, m_stop).value_or(kDone);
 }
 
 /// Through the server of the settings that are in force now.

@@ -46,6 +46,7 @@ private:
     static std::string finish(const Outcome &outcome);
     std::string save(const Dictionary &command);
     std::string update(const Dictionary &command);
+    std::string restore(const Dictionary &command);
     Rest email(const Dictionary &command);
 
     LogStore &m_store;

@@ -184,6 +184,29 @@ bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, i
     return true;
 }
 
+bool copyPartWith(int from, ByteRange part, const std::vector<Insertion> &insertions,
+                  std::size_t &next, int to) {
+    for (; next < insertions.size() && insertions[next].offset <= part.end; ++next) {
+        const auto &[offset, text] = insertions[next];
+        if (!copyPart(from, {part.begin, offset}, {}, to) || writeFully(to, text) != text.size()) {
+            return false;
+        }
+        part.begin = offset;
+    }
+    return copyPart(from, part, {}, to);
+}
+
+bool isSameFile(const UniqueFd &file, const std::filesystem::path &path) {
+    struct stat open {};
+    struct stat named {};
+    return file.isOpen() && ::fstat(file.get(), &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
+           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+}
+
+std::string replacementName(const std::filesystem::path &file) {
+    return file.string() + ".new";
+}
+
 bool hasRoomFor(int fd, std::uint64_t bytes) {
     constexpr std::uint64_t kReserve = std::uint64_t{4} << 20U;
     struct statvfs status {};

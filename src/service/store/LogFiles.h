@@ -20,6 +20,12 @@ struct ByteRange {
     std::uint64_t end = 0;
 };
 
+/// Text for a file, in front of its byte at `offset`; its size is behind all.
+struct Insertion {
+    std::uint64_t offset = 0;
+    std::string text;
+};
+
 /// The log file for events received at that moment: "2026-11-21.log", by the local calendar.
 std::string logFileName(std::int64_t seconds);
 
@@ -54,6 +60,16 @@ ByteRange removableRange(std::uint64_t offset, std::string_view piece, bool atLi
 
 /// Appends a whole file's part to another file, but for `without` (ascending, disjoint).
 bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, int to);
+/// The same with those of `insertions` (ascending) from `next` on, up to the part's end; `next`
+/// becomes the first behind it.
+bool copyPartWith(int from, ByteRange part, const std::vector<Insertion> &insertions,
+                  std::size_t &next, int to);
+
+/// Whether `path` still names the open file.
+bool isSameFile(const UniqueFd &file, const std::filesystem::path &path);
+/// Under which name a file is made that is to replace `file`: not that of a log file, so that
+/// readers leave it alone.
+std::string replacementName(const std::filesystem::path &file);
 
 /// Whether so many bytes can be written to the file system of an open file, with some room left for
 /// events that arrive meanwhile. False with ENOSPC.

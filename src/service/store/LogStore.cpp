@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <numeric>
 #include <system_error>
 #include <utility>
 
@@ -20,15 +19,9 @@ namespace quorbel {
 namespace {
 
 constexpr mode_t kFolderMode = 0750;
-constexpr std::string_view kTemporaryExtension = "new";
 
 std::string errorText(int error) {
     return std::generic_category().message(error);
-}
-
-/// Not the extension of a log file, so that readers leave it alone.
-std::string temporaryName(const std::filesystem::path &file) {
-    return file.string() + '.' + std::string(kTemporaryExtension);
 }
 
 bool isDailyName(std::string_view name) {
@@ -36,20 +29,6 @@ bool isDailyName(std::string_view name) {
     return std::ranges::equal(name, kShape, [](char c, char shape) {
         return shape == '0' ? c >= '0' && c <= '9' : c == shape;
     });
-}
-
-/// Whether `path` still names the open file.
-bool isSameFile(const UniqueFd &file, const std::filesystem::path &path) {
-    struct stat open {};
-    struct stat named {};
-    return file.isOpen() && ::fstat(file.get(), &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
-           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
-}
-
-std::uint64_t totalOf(const std::vector<ByteRange> &ranges) {
-    return std::accumulate(
-        ranges.begin(), ranges.end(), std::uint64_t{0},
-        [](std::uint64_t sum, ByteRange range) { return sum + range.end - range.begin; });
 }
 
 std::size_t countLines(std::string_view lines) {
@@ -79,7 +58,7 @@ void LogStore::prepare() {
         return;
     }
     for (const std::string &name : listFolder(m_folder)) {
-        if (name.ends_with(".log." + std::string(kTemporaryExtension))) {
+        if (name.ends_with(replacementName(".log"))) {
             ::unlink(path(name).c_str());
         } else if (isDailyName(name) && !repairFile(name)) {
             say(JournalLevel::kError,
@@ -225,86 +204,6 @@ std::uint64_t LogStore::settledSize(const UniqueFd &file) {
     const MutexLock lock(m_mutex);
     struct stat status {};
     return ::fstat(file.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
-                      const std::vector<ByteRange> &ranges, const std::atomic<bool> &stop) {
-    if (removeWhole(name, file, ranges)) {
-        syncFolder();
-        return true;
-    }
-    const std::string temporary = temporaryName(path(name));
-    ::unlink(temporary.c_str());
-    const UniqueFd replacement = openForAppending(temporary, O_CREAT | O_EXCL);
-    std::uint64_t copied = 0;
-    // A copy that fills the disk would cost new events their place, over and over.
-    const std::uint64_t size = settledSize(file);
-    if (!replacement.isOpen() ||
-        !hasRoomFor(replacement.get(), size - std::min(size, totalOf(ranges))) ||
-        !copySettled(file, ranges, replacement.get(), copied, stop) ||
-        !swap(name, file, replacement, ranges, copied)) {
-        const int error = errno;
-        ::unlink(temporary.c_str());
-        errno = error;
-        return false;
-    }
-    syncFolder();
-    return true;
-}
-
-/// Removes a file of which the ranges leave nothing: that works on a full disk, too.
-bool LogStore::removeWhole(const std::string &name, const UniqueFd &file,
-                           const std::vector<ByteRange> &ranges) {
-    const MutexLock lock(m_mutex);
-    struct stat status {};
-    return ::fstat(file.get(), &status) == 0 &&
-           static_cast<std::uint64_t>(status.st_size) == totalOf(ranges) &&
-           isSameFile(file, path(name)) && ::unlink(path(name).c_str()) == 0;
-}
-
-/// Copies the file and syncs the copy, and again what arrived meanwhile, until that was nothing.
-bool LogStore::copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
-                           std::uint64_t &copied, const std::atomic<bool> &stop) {
-    // A step takes no longer than whoever wants to stop can wait, on a slow disk, too.
-    constexpr std::uint64_t kStep = std::uint64_t{32} << 20U;
-    // Under a flood, something new is always there: what is left after the last round is copied
-    // and synced while events wait.
-    constexpr int kMostRounds = 5;
-    for (int round = 0; round < kMostRounds; ++round) {
-        const std::uint64_t size = settledSize(file);
-        if (round > 0 && size == copied) {
-            return true;
-        }
-        do {
-            const std::uint64_t end = std::min(copied + kStep, size);
-            if (stop) {
-                errno = ECANCELED;
-                return false;
-            }
-            if (!copyPart(file.get(), {copied, end}, ranges, to) || ::fdatasync(to) != 0) {
-                return false;
-            }
-            copied = end;
-        } while (copied < size);
-    }
-    return true;
-}
-
-bool LogStore::swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
-                    const std::vector<ByteRange> &ranges, std::uint64_t copied) {
-    const std::filesystem::path target = path(name);
-    const MutexLock lock(m_mutex);
-    struct stat status {};
-    if (!isSameFile(file, target) || ::fstat(file.get(), &status) != 0) {
-        errno = ESTALE;
-        return false;
-    }
-    const auto size = static_cast<std::uint64_t>(status.st_size);
-    // What was synced in the old file must be on disk in the new one before it takes its place.
-    // append() notices by itself that the name stands for another file now.
-    return copyPart(file.get(), {copied, size}, ranges, replacement.get()) &&
-           (size == copied || ::fdatasync(replacement.get()) == 0) &&
-           ::rename(temporaryName(target).c_str(), target.c_str()) == 0;
 }
 
 UniqueFd LogStore::openFolder() const {

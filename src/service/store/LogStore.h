@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,8 @@
 
 namespace quorbel {
 
-/// The folder of daily log files: appends events, gets them to disk, and takes events out.
+/// The folder of daily log files: appends events, gets them to disk, takes events out and puts
+/// them back.
 ///
 /// append() is for one thread; everything else may be called from any thread at any time. A thread
 /// of the store's own syncs what was appended: within about a second, at once for urgent events.
@@ -29,7 +31,7 @@ public:
     LogStore(const LogStore &) = delete;
     LogStore &operator=(const LogStore &) = delete;
 
-    /// Makes the folder if need be, removes what an interrupted cutOut() left, and repairs the ends
+    /// Makes the folder if need be, removes what an interrupted rewrite left, and repairs the ends
     /// of the daily files. What fails is said in the journal; the store works as soon as it can.
     void prepare();
 
@@ -53,8 +55,8 @@ public:
     /// A file's size between two calls of append(): it ends in a whole line.
     std::uint64_t settledSize(const UniqueFd &file);
 
-    /// Whoever takes events out holds this from the search for them on: their places in a file are
-    /// its own only as long as nobody else replaces it.
+    /// Whoever takes events out or puts them in holds this from the search for their places on:
+    /// their places in a file are its own only as long as nobody else replaces it.
     [[nodiscard]] Mutex &editLock() RETURNS_LOCK(m_editMutex) { return m_editMutex; }
     /// Replaces a file by one without the ranges (ascending, disjoint, below a settled size), in
     /// one step. `file` is the file, open for reading. Events that arrive meanwhile are kept; they
@@ -64,6 +66,12 @@ public:
     /// with ECANCELED, soon after `stop` was set.
     bool cutOut(const std::string &name, const UniqueFd &file, const std::vector<ByteRange> &ranges,
                 const std::atomic<bool> &stop = kNeverStop) REQUIRES(m_editMutex);
+    /// Replaces a file by one with more in it, in the same way: `insertions` ascend, each at the
+    /// begin of a line or behind the last one. A file that is empty still when that fails is
+    /// removed: whoever made it for this need not care.
+    bool putIn(const std::string &name, const UniqueFd &file,
+               const std::vector<Insertion> &insertions, const std::atomic<bool> &stop = kNeverStop)
+        REQUIRES(m_editMutex);
 
 private:
     static inline const std::atomic<bool> kNeverStop = false;
@@ -74,12 +82,19 @@ private:
     void noteState(std::int64_t seconds, std::size_t lost, int error);
     [[nodiscard]] bool repairFile(const std::string &name) const;
 
-    bool copySettled(const UniqueFd &file, const std::vector<ByteRange> &ranges, int to,
-                     std::uint64_t &copied, const std::atomic<bool> &stop);
-    bool swap(const std::string &name, const UniqueFd &file, const UniqueFd &replacement,
-              const std::vector<ByteRange> &ranges, std::uint64_t copied);
-    bool removeWhole(const std::string &name, const UniqueFd &file,
-                     const std::vector<ByteRange> &ranges);
+    /// What becomes of a file.
+    struct Edit {
+        std::uint64_t size;  ///< of what it is replaced by, as far as is known
+        /// Appends a part of it, as it is to be, to another file; parts follow one another.
+        std::function<bool(ByteRange part, int to)> copy;
+    };
+    bool replace(const std::string &name, const UniqueFd &file, const Edit &edit,
+                 const std::atomic<bool> &stop);
+    bool copySettled(const UniqueFd &file, const Edit &edit, int to, std::uint64_t &copied,
+                     const std::atomic<bool> &stop);
+    bool swap(const std::string &name, const UniqueFd &file, const Edit &edit,
+              const UniqueFd &replacement, std::uint64_t copied);
+    bool removeWhole(const std::string &name, const UniqueFd &file, std::uint64_t size);
     [[nodiscard]] UniqueFd openFolder() const;
     void syncFolder() const;
 

@@ -1,5 +1,7 @@
 #include "service/store/RemovalFeed.h"
 
+#include "platform/Utf8.h"
+
 #include <sys/eventfd.h>
 
 #include <utility>
@@ -36,6 +38,26 @@ void RemovalFeed::close() {
     const MutexLock lock(m_mutex);
     m_closed = true;
     m_taken.notifyOne();
+}
+
+bool canBeTold(std::string_view line) {
+    if (line.find('\0') != std::string_view::npos) {
+        return false;
+    }
+    while (!line.empty()) {
+        line.remove_prefix(asciiPrefixLength(line));
+        if (line.empty()) {
+            break;
+        }
+        const Utf8Character character = firstUtf8Character(line);
+        const char32_t code = character.code;
+        if (character.length == 0 || (code >= 0xFDD0 && code <= 0xFDEF) ||
+            (code & 0xFFFE) == 0xFFFE) {
+            return false;
+        }
+        line.remove_prefix(character.length);
+    }
+    return true;
 }
 
 }  // namespace quorbel

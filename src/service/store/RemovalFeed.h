@@ -7,8 +7,13 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quorbel {
+
+/// Whether the bus takes a line; it would close the connection over one that it does not take. Ours
+/// all are fine; one of somebody else's need not be.
+bool canBeTold(std::string_view line);
 
 /// Hands removed events over from the thread that removed them to the loop, which tells the
 /// front-end: one bounded piece at a time, so that the one waits for the other and neither holds

@@ -3,7 +3,6 @@
 #include "common/LogReader.h"
 #include "common/Severity.h"
 #include "platform/Number.h"
-#include "platform/Utf8.h"
 #include "service/base/Journal.h"
 
 #include <sys/stat.h>
@@ -50,28 +49,6 @@ std::optional<std::int64_t> newestIn(const std::vector<std::string> &names) {
         }
     }
     return newest ? std::optional(*newest + kDay) : std::nullopt;
-}
-
-/// Whether the bus takes a line; it would close the connection over one that it does not take. Ours
-/// all are fine; one of somebody else's need not be.
-bool canBeTold(std::string_view line) {
-    if (line.find('\0') != std::string_view::npos) {
-        return false;
-    }
-    while (!line.empty()) {
-        line.remove_prefix(asciiPrefixLength(line));
-        if (line.empty()) {
-            break;
-        }
-        const Utf8Character character = firstUtf8Character(line);
-        const char32_t code = character.code;
-        if (character.length == 0 || (code >= 0xFDD0 && code <= 0xFDEF) ||
-            (code & 0xFFFE) == 0xFFFE) {
-            return false;
-        }
-        line.remove_prefix(character.length);
-    }
-    return true;
 }
 
 }  // namespace

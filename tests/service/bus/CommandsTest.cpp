@@ -79,6 +79,14 @@ TEST_F(CommandsTest, ReplyWithOneLineToAnything) {
          "The number of events to remove is not a number"},
         {{{"command", "update"}, {"Events", Dictionary()}}, "OK"},
         {{{"command", "update"}, {"Events", Dictionary{{"", "1"}, {"\n", "1"}, {"x", "1"}}}}, "OK"},
+        {{{"command", "restore"}}, "The events to put back are not an array"},
+        {{{"command", "restore"}, {"Events", Dictionary()}},
+         "The events to put back are not an array"},
+        {{{"command", "restore"}, {"Events", Array()}, {"Listed", "x"}},
+         "The events to put back are not an array"},
+        {{{"command", "restore"}, {"Events", Array()}}, "OK"},
+        {{{"command", "restore"}, {"Events", Array{"x\n", Array(), 1}}, {"Listed", Array{1}}},
+         "3 of 3 events could not be put back: 3 cannot stand in a log file"},
         {{{"command", "email"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", "a@b"}}, "There are no recipients"},
         {{{"command", "email"}, {"Recipients", Array{"a@b", "c d@e"}}},
@@ -331,6 +339,32 @@ TEST_F(CommandsTest, UpdateTakesManyEventsAtOnce) {
     EXPECT_EQ(std::ranges::count(left, '\n'), kMany / 2);
     EXPECT_EQ(left.find("number 0\r"), std::string::npos);
     EXPECT_NE(left.find("number 99999\r"), std::string::npos);
+}
+
+TEST_F(CommandsTest, RestorePutsBackWhatUpdateRemoved) {
+    const std::string lines =
+        "1700000000,User.Notice,h,a\r\n1700000001,User.Notice,h,b\r\n1700000002,User.Notice,h,"
+        "a\r\n";
+    const Dictionary restore{{"command", "restore"},
+                             {"Events", Array{"1700000001,User.Notice,h,b\n"}},
+                             {"Listed", Array{}}};
+    folder.write("2023-11-14.log", lines);
+    // What was not removed is not put there twice, nor is it for a command that comes twice.
+    EXPECT_EQ(commands.carryOut(restore), "OK");
+    EXPECT_EQ(content("2023-11-14.log"), lines);
+    EXPECT_EQ(update({{"1700000001,User.Notice,h,b\n", "1"}}), "OK");
+    EXPECT_NE(content("2023-11-14.log"), lines);
+    EXPECT_EQ(commands.carryOut(restore), "OK");
+    EXPECT_EQ(commands.carryOut(restore), "OK");
+    EXPECT_EQ(content("2023-11-14.log"), lines);
+}
+
+TEST_F(CommandsTest, RestoreGivesUpWhenTheServiceEnds) {
+    commands.stop();
+    EXPECT_EQ(commands.carryOut(
+                  {{"command", "restore"}, {"Events", Array{"1700000000,User.Notice,h,a\n"}}}),
+              "1 of 1 events could not be put back: the service is stopping");
+    EXPECT_TRUE(listFolder(folder.path()).empty());
 }
 
 UniqueFd memoryFile(std::string_view bytes, int seals) {

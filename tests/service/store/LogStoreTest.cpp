@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 #include "service/store/FileSizeLimit.h"
 #include "service/store/LogStore.h"
+#include "service/store/SyncHook.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -9,37 +10,17 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fstream>
-#include <functional>
 #include <future>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
-
-namespace {
-
-/// What happens while the copy of a log file is being synced.
-std::function<void()> whileCopyIsSynced;  // NOLINT(cert-err58-cpp)
-
-}  // namespace
-
-/// In place of the system's.
-extern "C" int fdatasync(int fd) {
-    std::error_code error;
-    const auto file =
-        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error).string();
-    if (file.ends_with(".log.new") && whileCopyIsSynced) {
-        whileCopyIsSynced();
-    }
-    return static_cast<int>(::syscall(SYS_fdatasync, fd));
-}
 
 namespace quorbel {
 namespace {
@@ -49,6 +30,7 @@ using testing::FileSizeLimit;
 using ::testing::IsEmpty;
 using ::testing::Optional;
 using testing::TemporaryFolder;
+using testing::whileCopyIsSynced;
 
 bool cutOut(LogStore &store, const std::string &name, const UniqueFd &file,
             const std::vector<ByteRange> &ranges, const std::atomic<bool> &stop = false) {
