@@ -27,8 +27,8 @@ void AppDelegate::saveSettings(Dictionary settings) {
     setPipe({{"command", "save"}, {"Settings", std::move(settings)}});
 }
 
-void AppDelegate::setPipe(Dictionary command) {
-    m_sender.send(std::move(command));
+void AppDelegate::setPipe(Dictionary command, CommandSender::AnswerHandler onAnswer) {
+    m_sender.send(std::move(command), std::move(onAnswer));
 }
 
 void AppDelegate::forward(void (MainWindowLink::*command)()) {

@@ -37,8 +37,9 @@ public:
     [[nodiscard]] static std::optional<std::string> readSettings();
     /// Sends the whole document to the service, which stores it. Nothing tells whether it did.
     void saveSettings(Dictionary settings);
-    /// Sends one command to the service and returns at once.
-    void setPipe(Dictionary command);
+    /// Sends one command to the service and returns at once. `onAnswer` is called on the sender's
+    /// thread.
+    void setPipe(Dictionary command, CommandSender::AnswerHandler onAnswer = {});
 
     // Application-level commands: show the main window again and forward to it. They do nothing
     // before the window exists.

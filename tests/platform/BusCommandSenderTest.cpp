@@ -17,6 +17,7 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -226,6 +227,39 @@ TEST_F(BusCommandSenderTest, ABusThatHangsIsGivenUp) {
     ServiceStandIn service;
     sender.send(numbered(3));
     EXPECT_THAT(service.waitForCommands(1), ::testing::ElementsAre(numbered(3)));
+}
+
+TEST_F(BusCommandSenderTest, EachCommandHasItsOwnAnswer) {
+    std::mutex mutex;
+    std::vector<std::string> answers;
+    const auto noted = [&](const std::string &name) {
+        return [&, name](const std::optional<std::string> &reply) {
+            const std::lock_guard lock(mutex);
+            answers.push_back(name + ": " + reply.value_or("none"));
+        };
+    };
+    {
+        ServiceStandIn service;
+        CommandSender sender(m_log.handler());
+        sender.send(numbered(1), noted("first"));
+        sender.send(numbered(2));
+        EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+        service.onCommand(OnCommand::kReplyWithError);
+        sender.send(numbered(3), noted("error"));
+        EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+        service.onCommand(OnCommand::kDie);
+        sender.send(numbered(4), noted("dead"));
+        EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    }
+    CommandSender sender(m_log.handler());
+    sender.send(numbered(5), noted("missing"));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    m_bus.stop();
+    sender.send(numbered(6), noted("no bus"));
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(answers, ::testing::ElementsAre("first: OK", "error: none", "dead: none",
+                                                "missing: none", "no bus: none"));
+    EXPECT_THAT(m_log.replies(), ::testing::SizeIs(2));
 }
 
 // More than a wait for each reply would let through within a test's patience.

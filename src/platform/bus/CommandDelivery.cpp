@@ -70,13 +70,21 @@ MessagePointer newCall(sd_bus *bus, const Value &command) {
 
 }  // namespace
 
-CommandDelivery::CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply)
+CommandDelivery::CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply,
+                                 CommandSender::AnswerHandler onAnswer)
     : m_command(std::move(command)),
       m_onReply(onReply),
+      m_onAnswer(std::move(onAnswer)),
       m_deadline(Clock::now() + kSendLimit),
       m_bus(openSystemBus()) {
     if (m_bus == nullptr) {
         finish();
+    }
+}
+
+CommandDelivery::~CommandDelivery() {
+    if (m_onAnswer) {
+        m_onAnswer(std::nullopt);
     }
 }
 
@@ -139,6 +147,9 @@ int CommandDelivery::onMessage(sd_bus_message *reply, void *self, sd_bus_error *
     if (sd_bus_message_is_method_error(reply, nullptr) == 0 &&
         sd_bus_message_read_basic(reply, SD_BUS_TYPE_STRING, &text) > 0) {
         delivery->m_onReply(text);
+        if (const auto onAnswer = std::exchange(delivery->m_onAnswer, {})) {
+            onAnswer(text);
+        }
     }
     return 1;
 }

@@ -22,11 +22,13 @@ public:
     static constexpr std::chrono::seconds kOrderLimit{5};
     static constexpr std::chrono::minutes kReplyLimit{5};
 
-    /// Begins to connect. `onReply` outlives the delivery and is called from within process().
-    CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply);
+    /// Begins to connect. `onReply` outlives the delivery and is called from within process();
+    /// `onAnswer`, which may be empty, with the reply there or with nothing when the delivery ends.
+    CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply,
+                    CommandSender::AnswerHandler onAnswer = {});
     CommandDelivery(const CommandDelivery &) = delete;
     CommandDelivery &operator=(const CommandDelivery &) = delete;
-    ~CommandDelivery() = default;
+    ~CommandDelivery();
 
     void process();
 
@@ -55,6 +57,7 @@ private:
 
     Value m_command;
     const CommandSender::ReplyHandler &m_onReply;
+    CommandSender::AnswerHandler m_onAnswer;  // empty once it was called
     State m_state = State::kConnecting;
     bool m_awaitsStart = false;
     Clock::time_point m_deadline;  // of every state up to kRouting

@@ -34,12 +34,17 @@ constexpr std::size_t kConnectionLimit = 64;
 }  // namespace
 
 struct CommandSender::Impl {
+    struct Waiting {
+        Dictionary command;
+        AnswerHandler onAnswer;
+    };
+
     ReplyHandler onReply;
     UniqueFd wake;
 
     Mutex mutex;
     Condition becameIdle;
-    std::deque<Dictionary> queue GUARDED_BY(mutex);
+    std::deque<Waiting> queue GUARDED_BY(mutex);
     std::size_t unfinished GUARDED_BY(mutex) = 0;  // in the queue or on their way
     bool ending GUARDED_BY(mutex) = false;
 
@@ -67,10 +72,10 @@ struct CommandSender::Impl {
     Impl(const Impl &) = delete;
     Impl &operator=(const Impl &) = delete;
 
-    void send(Dictionary command) {
+    void send(Waiting waiting) {
         {
             const MutexLock lock(mutex);
-            queue.push_back(std::move(command));
+            queue.push_back(std::move(waiting));
             ++unfinished;
         }
         eventfd_write(wake.get(), 1);
@@ -110,24 +115,25 @@ struct CommandSender::Impl {
         return ending;
     }
 
-    std::optional<Dictionary> nextCommand() {
+    std::optional<Waiting> nextCommand() {
         const MutexLock lock(mutex);
         if (queue.empty()) {
             return std::nullopt;
         }
-        std::optional<Dictionary> command = std::move(queue.front());
+        std::optional<Waiting> next = std::move(queue.front());
         queue.pop_front();
-        return command;
+        return next;
     }
 
     // Whether nothing is left to send.
     bool startDeliveries() {
         while (deliveries.empty() || !deliveries.back()->holdsUpNext()) {
-            std::optional<Dictionary> command = nextCommand();
-            if (!command) {
+            std::optional<Waiting> next = nextCommand();
+            if (!next) {
                 return true;
             }
-            deliveries.push_back(std::make_unique<CommandDelivery>(std::move(*command), onReply));
+            deliveries.push_back(std::make_unique<CommandDelivery>(
+                std::move(next->command), onReply, std::move(next->onAnswer)));
             ++started;
             dropFinished();
             if (deliveries.size() > kConnectionLimit) {
@@ -176,8 +182,8 @@ CommandSender::CommandSender(ReplyHandler onReply)
 
 CommandSender::~CommandSender() = default;
 
-void CommandSender::send(Dictionary command) {
-    m_impl->send(std::move(command));
+void CommandSender::send(Dictionary command, AnswerHandler onAnswer) {
+    m_impl->send({std::move(command), std::move(onAnswer)});
 }
 
 bool CommandSender::waitUntilIdle(std::chrono::milliseconds limit) {

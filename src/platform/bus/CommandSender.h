@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quorbel {
@@ -18,6 +19,10 @@ public:
     /// Called on the connection's thread with each reply; failures are silent.
     using ReplyHandler = std::function<void(const std::string &reply)>;
 
+    /// Called on that thread with the reply to one command, or with nothing once it is certain that
+    /// none will come; at most once, and not later than the sender ends.
+    using AnswerHandler = std::function<void(const std::optional<std::string> &reply)>;
+
     explicit CommandSender(ReplyHandler onReply);
     /// Waits until the service's queue on the bus holds what was handed over. It gives up when
     /// nothing gets there for some seconds; replies are waited for only while the service starts.
@@ -27,7 +32,7 @@ public:
 
     /// Returns at once, whatever the state of the bus and the service. Commands reach the service
     /// in the order in which they were handed over. Call from one thread.
-    void send(Dictionary command);
+    void send(Dictionary command, AnswerHandler onAnswer = {});
 
     /// Waits until every command handed over was answered or given up; false when `limit` passed
     /// first.
