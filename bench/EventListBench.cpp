@@ -11,6 +11,7 @@
 #include "platform/gui/Storyboard.h"
 #include "support/NoHomePage.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -208,6 +209,21 @@ bool benchRemoving(const std::filesystem::path &folder, const Spread &spread) {
     return reached;
 }
 
+/// Undoes the deletion of all rows; the command for the service is put together in slices.
+bool benchUndoing(Fixture &fixture, const std::string &name) {
+    constexpr double kLonger = 5;  // than that takes
+    const Stopwatch watch;
+    fixture.page.findChild<QAction *>(QStringLiteral("undoDelete"))->trigger();
+    double longest = watch.seconds();
+    while (watch.seconds() < kLonger) {
+        const Stopwatch slice;
+        QApplication::processEvents();
+        longest = std::max(longest, slice.seconds());
+    }
+    return fixture.delegate.events.size() == 1'000'000 &&
+           report("longest stall of undoing that, " + name, longest, "s", true, 0.1);
+}
+
 /// Deletes all rows, with or without changes of the format that no row was looked at in.
 bool benchDeleting(const std::filesystem::path &folder, const Spread &spread, bool changeFormat) {
     writeSampleLog(folder / "sample.log", 1'000'000, spread.spacing);
@@ -228,9 +244,9 @@ bool benchDeleting(const std::filesystem::path &folder, const Spread &spread, bo
     if (fixture.delegate.events.size() != 0) {
         return false;
     }
-    return report("deleting all of 1 million rows, " + std::string(spread.name) +
-                      (changeFormat ? ", changed twice" : ""),
-                  seconds, "s", true, 2);
+    const std::string name = std::string(spread.name) + (changeFormat ? ", changed twice" : "");
+    return report("deleting all of 1 million rows, " + name, seconds, "s", true, 2) &
+           benchUndoing(fixture, name);
 }
 
 /// Exports every row through the page's own panel, and watches how often the windows are painted.

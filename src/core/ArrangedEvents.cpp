@@ -305,8 +305,7 @@ void ArrangedEvents::eraseLeaving(Matches &matches) const {
 }
 
 void ArrangedEvents::listWillChangeAtLarge() {
-    const std::size_t chunks = m_reader.chunkCount();
-    m_endBeforeChange = chunks == 0 ? 0 : m_reader.chunk(chunks - 1).endOfIds();
+    m_sizeBeforeChange = m_list.size();
     tell(&EventListObserver::listWillChangeAtLarge);
 }
 
@@ -320,10 +319,10 @@ void ArrangedEvents::listChangedAtLarge() {
         eraseGone(m_matches);
         count();
         choose();
-        // Events may have come as well, thousands at once.
-        if (!m_search && m_reader.chunkFrom(m_endBeforeChange) < m_reader.chunkCount()) {
-            startSearch(EventMatcher(m_list, filterInForce()), false);
-        }
+    }
+    // Events may have come, thousands at once, or come back among those judged already.
+    if (m_list.size() > m_sizeBeforeChange) {
+        refresh();
     }
     tell(&EventListObserver::listChangedAtLarge);
 }

@@ -119,7 +119,7 @@ private:
     EventId m_firstLeaving = 0;
     EventId m_lastLeaving = 0;
     bool m_rowsLeave = false;
-    EventId m_endBeforeChange = 0;
+    std::size_t m_sizeBeforeChange = 0;
 };
 
 }  // namespace quorbel

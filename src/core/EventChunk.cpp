@@ -176,27 +176,35 @@ void EventChunk::adopt(std::size_t slot, const EventRecord &record,
 }
 
 void EventChunk::putBack(const EventChunk &taken) {
-    const auto shift = static_cast<std::uint32_t>(m_bytes.size());
-    m_bytes.insert(m_bytes.end(), taken.m_bytes.begin(), taken.m_bytes.end());
-    m_deadBytes += taken.m_deadBytes;
-    std::vector<EventRecord> all;
-    all.reserve(m_records.size() + taken.m_records.size());
+    std::vector<EventRecord> records;
+    std::vector<char> bytes;  // in the order of the records, as everywhere
+    records.reserve(m_records.size() + taken.m_records.size());
+    bytes.reserve(m_bytes.size() - m_deadBytes + taken.m_bytes.size() - taken.m_deadBytes);
+    const auto add = [&](const EventChunk &from, const EventRecord &record) {
+        EventRecord &added = records.emplace_back(record);
+        if (const auto text = from.message(record)) {
+            added.message = static_cast<std::uint32_t>(bytes.size());
+            writeMessage(bytes, *text);
+        }
+    };
     auto own = m_records.begin();
     auto back = taken.m_records.begin();
     for (std::size_t i = 0; i < m_present.size(); ++i) {
         for (std::uint64_t rest = m_present[i] | taken.m_present[i]; rest != 0; rest &= rest - 1) {
             if ((m_present[i] & rest & -rest) != 0) {
-                all.push_back(*own++);
-                continue;
+                add(*this, *own++);
+            } else {
+                add(taken, *back++);
             }
-            EventRecord &record = all.emplace_back(*back++);
-            record.message += record.message == EventRecord::kNoMessage ? 0 : shift;
         }
         m_present[i] |= taken.m_present[i];
     }
-    m_records = std::move(all);
+    m_records = std::move(records);
+    m_bytes = std::move(bytes);
+    m_deadBytes = 0;
     m_earliest = std::min(m_earliest, taken.m_earliest);
     m_latest = std::max(m_latest, taken.m_latest);
+    m_showings.reset();
     dropIndex();
 }
 

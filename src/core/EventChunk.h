@@ -89,8 +89,6 @@ public:
     [[nodiscard]] EventChunk emptyCopy() const;
     /// Puts records back that remove() took.
     void putBack(const EventChunk &taken);
-    /// The id of the event that append() would add.
-    [[nodiscard]] EventId nextId() const { return m_first + m_used; }
     /// Appends the ids of its records.
     void listIds(std::vector<EventId> &ids) const;
 

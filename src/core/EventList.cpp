@@ -49,7 +49,7 @@ StringTable::Id EventList::acquirePriority(const std::optional<std::string_view>
 }
 
 EventList::Place EventList::add(const EventFields &fields) {
-    if (m_chunks.empty() || m_chunks.back().isFull() || m_chunks.back().nextId() != m_nextId) {
+    if (m_chunks.empty() || m_chunks.back().isFull() || m_chunks.back().endOfIds() != m_nextId) {
         std::size_t expectedBytes = 0;
         if (!m_chunks.empty()) {
             m_chunks.back().close();
@@ -325,8 +325,10 @@ void EventList::makeRoomForShowing() {
         place.record().showings = 0;
         inUse.set(place.record().format);
     });
-    for (EventChunk &chunk : m_chunks) {
-        chunk.noteShowings(std::nullopt);
+    for (auto *chunks : {&m_chunks, &m_aside}) {
+        for (EventChunk &chunk : *chunks) {
+            chunk.noteShowings(std::nullopt);
+        }
     }
     m_dates.startOver(inUse);
     if (m_dates.isFull()) {

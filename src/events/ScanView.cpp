@@ -1,8 +1,8 @@
 #include "events/ScanView.h"
 
 #include "core/AppDelegate.h"
+#include "events/DeletedEvents.h"
 #include "events/EventCommands.h"
-#include "events/EventDeletion.h"
 #include "events/EventFinder.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
@@ -13,6 +13,7 @@
 #include "platform/gui/ColumnMemory.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/RowCommands.h"
 #include "platform/gui/Sheet.h"
 #include "platform/gui/Storyboard.h"
 #include "platform/gui/TableExport.h"
@@ -71,7 +72,10 @@ void ScanView::viewDidLoad() {
     m_finder =
         std::make_unique<EventFinder>(m_events, m_delegate.state, *ui->findBar, *ui->tableView);
     connect(m_finder.get(), &EventFinder::countChanged, this, &ScanView::showCount);
-    addEventCommands(*ui->tableView, *ui->findBar, *m_finder, [this] { deleteEvents(); });
+    m_deleted = std::make_unique<DeletedEvents>(m_delegate, *this);
+    addEventCommands(*ui->tableView, *ui->findBar, *m_finder, [this] {
+        deleteEvents();
+    }).setPageCommand(m_deleted->undoAction());
     addListCommands(*this, *ui->findBar, *m_finder, *ui->holdEvents, *ui->tableView);
     showCount();
 }
@@ -232,9 +236,7 @@ void ScanView::confirmDeletion(const QString &what, std::size_t count, std::func
 }
 
 void ScanView::deleteRows(const Rows &rows) {
-    Dictionary deleted = takeForDeletion(arrController, rows, m_delegate.state);
-    arrController.removeRows(rows);
-    updateEvents(std::move(deleted));
+    updateEvents(m_deleted->take(rows));
     m_selection->clear();
 }
 

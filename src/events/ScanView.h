@@ -17,6 +17,7 @@ class ScanView;
 namespace quorbel {
 
 class AppDelegate;
+class DeletedEvents;
 class EventFinder;
 class EventSelection;
 class EventTableModel;
@@ -83,6 +84,7 @@ private:
     std::unique_ptr<ReadingPlace> m_place;
     std::unique_ptr<EventSelection> m_selection;
     std::unique_ptr<EventFinder> m_finder;
+    std::unique_ptr<DeletedEvents> m_deleted;
     bool m_removalIsDue = false;
 };
 

@@ -190,14 +190,14 @@ protected:
         }
     }
 
-    void removeRandomRows() {
+    std::vector<RowRange> randomRows() {
         std::vector<RowRange> ranges;
         for (std::size_t row = pick(50); row < m_list.size() && ranges.size() < 1 + pick(4);) {
             const std::size_t count = std::min(1 + pick(9), m_list.size() - row);
             ranges.push_back({row, count});
             row += count + 1 + pick(200);
         }
-        m_list.removeRows(ranges);
+        return ranges;
     }
 
     void show() {
@@ -243,7 +243,14 @@ TEST_P(ArrangedEventsModelTest, ArrangesWhatAPlainLookMeans) {
             m_events.search([] { return true; });  // one run, and the next change comes
         }
         if (pick(6) == 0) {
-            removeRandomRows();
+            m_list.removeRows(randomRows());
+        }
+        if (pick(6) == 0) {
+            m_list.setAside(randomRows());
+        }
+        if (pick(6) == 0) {
+            m_list.putBack();
+            finish();
         }
         if (pick(12) == 0) {
             show();

@@ -103,6 +103,9 @@ private:
         QTRY_COMPARE_WITH_TIMEOUT(window.rows(), 0, kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 0, kPatienceMs);
     }
+    static bool undo(const FrontEnd &window) {
+        return window.press(QStringLiteral("Edit")) && window.press(QStringLiteral("Undo Delete"));
+    }
     /// The window on this desktop, once what is sent is told to it.
     std::unique_ptr<FrontEnd> openWindow() const {
         auto window = std::make_unique<FrontEnd>(
@@ -244,6 +247,36 @@ private Q_SLOTS:
         const auto again = openWindow();
         QVERIFY(again);
         QCOMPARE(again->homeText(kErrors), QStringLiteral("0"));
+    }
+
+    void anUndoneDeletionLeavesTheFilesAsTheyWere() {
+        const auto window = openWindow();
+        QVERIFY(window);
+        QVERIFY(window->press(QStringLiteral("Events")));
+        // In this order, each of a second of its own.
+        for (int number = 0; number < 3; ++number) {
+            log(QStringLiteral("event %1").arg(number));
+            QTRY_COMPARE_WITH_TIMEOUT(window->rows(), number + 1, kPatienceMs);
+            const qint64 second = QDateTime::currentSecsSinceEpoch();
+            QTRY_VERIFY(QDateTime::currentSecsSinceEpoch() > second);
+        }
+        const QStringList before = storedLines();
+        window->clickCell(1, 4);
+        QVERIFY(window->press(QStringLiteral("Delete events")));
+        QVERIFY(window->press(QStringLiteral("Yes")));
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), 2, kPatienceMs);
+        QVERIFY(undo(*window));
+        QTRY_COMPARE_WITH_TIMEOUT(window->rows(), 3, kPatienceMs);
+        QCOMPARE(window->cell(1, 4), QStringLiteral("e2e: event 1"));
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines(), before, kPatienceMs);
+        deleteAll(*window);
+        QCOMPARE(window->rows(), 0);
+        QVERIFY(undo(*window));
+        QTRY_COMPARE_WITH_TIMEOUT(storedLines(), before, kPatienceMs);
+        QVERIFY(window->quit());
+        const auto again = openWindow();
+        QVERIFY(again);
+        QCOMPARE(again->homeText(kErrors), QStringLiteral("3"));
     }
 
     void deletingWithAFormatThatHidesTheSecondsFindsTheLines() {

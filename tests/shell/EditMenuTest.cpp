@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTableView>
 #include <QTest>
 
@@ -77,7 +78,9 @@ private Q_SLOTS:
         QVERIFY(!menu().menuAction()->isEnabled());
         m_frontEnd->window->Scan();
         QVERIFY(menu().menuAction()->isEnabled());
-        const QStringList events{u"Copy"_s,
+        const QStringList events{u"Undo Delete"_s,
+                                 u"-"_s,
+                                 u"Copy"_s,
                                  u"Copy Message"_s,
                                  u"-"_s,
                                  u"Details\tReturn"_s,
@@ -155,6 +158,25 @@ private Q_SLOTS:
         QTRY_VERIFY(m_frontEnd->window->findChild<QMessageBox *>() != nullptr);
         QCOMPARE(m_frontEnd->control<QMessageBox>("alertBox").text(),
                  u"Are you sure you want to delete selected events?"_s);
+    }
+
+    void undoesTheLastDeletion() {
+        m_frontEnd->window->Scan();
+        QTRY_VERIFY(table().hasFocus());
+        QVERIFY(!action("undoDelete")->isEnabled());
+        QCOMPARE(action("undoDelete")->shortcut(), QKeySequence(u"Ctrl+Z"_s));
+        table().selectRow(0);
+        open();
+        choose("deleteSelected");
+        QTRY_VERIFY(m_frontEnd->window->findChild<QPushButton *>(u"alertButton0"_s) != nullptr);
+        QTest::mouseClick(&m_frontEnd->control<QPushButton>("alertButton0"), Qt::LeftButton);
+        QTRY_COMPARE(table().model()->rowCount(), 1);
+        open();
+        QVERIFY(action("undoDelete")->isEnabled());
+        choose("undoDelete");
+        QCOMPARE(table().model()->rowCount(), 2);
+        QCOMPARE(table().model()->index(0, 4).data().toString(), u"second"_s);
+        QVERIFY(!action("undoDelete")->isEnabled());
     }
 
 private:

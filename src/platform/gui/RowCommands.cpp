@@ -55,6 +55,14 @@ void RowCommands::addSeparator() {
 }
 
 void RowCommands::addTo(QMenu &menu) {
+    if (m_pageCommand != nullptr) {
+        menu.addAction(m_pageCommand);
+        menu.addSeparator();
+    }
+    addRowCommandsTo(menu);
+}
+
+void RowCommands::addRowCommandsTo(QMenu &menu) {
     menu.addActions(m_commands);
     connect(&menu, &QMenu::aboutToShow, this, &RowCommands::keepSelection, Qt::UniqueConnection);
     // A menu closes before its command runs.
@@ -79,7 +87,7 @@ void RowCommands::openMenu(const QPoint &place) {
     menu->setObjectName(QStringLiteral("rowMenu"));
     menu->setAccessibleName(tr("Commands"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    addTo(*menu);
+    addRowCommandsTo(*menu);
     // The Menu key asks for it at the current row, which may have been scrolled out of sight.
     const QRect inSight = m_table.viewport()->rect();
     menu->popup(m_table.viewport()->mapToGlobal(

@@ -40,11 +40,15 @@ public:
     QAction *add(const char *name, const QString &text, const QKeySequence &key, Needs needs,
                  std::function<void()> run);
     void addSeparator();
+    /// A command of the page's own, which is not about its rows: other menus than the context menu
+    /// have it in front of all.
+    void setPageCommand(QAction *command) { m_pageCommand = command; }
     /// Adds all commands to a menu that will be shown later; again after the menu was cleared.
     void addTo(QMenu &menu);
 
 private:
     void copyMessages();
+    void addRowCommandsTo(QMenu &menu);
     void openMenu(const QPoint &place);
     void keepSelection();
     void forgetSelection();
@@ -57,6 +61,7 @@ private:
     QList<QAction *> m_commands;
     QList<QAction *> m_needSelection;
     QAction *m_copyMessages = nullptr;
+    QAction *m_pageCommand = nullptr;             // not its own
     std::unique_ptr<QItemSelectionModel> m_kept;  // while a menu is open over a selection
 };
 
