@@ -18,6 +18,11 @@ bool isNarrower(const TextCondition &narrow, const TextCondition &wide) {
 
 }  // namespace
 
+bool EventQuery::isInUse() const {
+    static const EventQuery kNone;
+    return *this != kNone;
+}
+
 bool isNarrowerThan(const EventQuery &narrow, const EventQuery &wide) {
     EventQuery others = narrow;
     others.texts = wide.texts;

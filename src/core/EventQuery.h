@@ -36,7 +36,7 @@ struct EventQuery {
     std::optional<std::int64_t> from;   ///< the first moment, in seconds since 1970
     std::optional<std::int64_t> until;  ///< the moment that is past the last one
 
-    [[nodiscard]] bool isInUse() const { return *this != EventQuery(); }
+    [[nodiscard]] bool isInUse() const;
     bool operator==(const EventQuery &) const = default;
 };
 

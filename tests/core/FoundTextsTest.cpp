@@ -57,8 +57,8 @@ protected:
                 hasLongOnes && pick(4) == 0 ? 3000 + pick(200) : sizes[pick(sizes.size())];
             const std::vector<std::string> some = {parts[pick(parts.size())],
                                                    parts[pick(parts.size())]};
-            EventFields event =
-                testing::fields("1", "", pick(2) == 0 ? "1" : "2", pieces(some, size));
+            const std::string message = pieces(some, size);
+            EventFields event = testing::fields("1", "", pick(2) == 0 ? "1" : "2", message);
             if (pick(10) == 0) {
                 event.message.reset();
             }
