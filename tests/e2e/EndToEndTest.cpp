@@ -14,6 +14,7 @@
 #include <QProcess>
 #include <QTest>
 
+#include <ctime>
 #include <map>
 #include <memory>
 
@@ -258,7 +259,8 @@ private Q_SLOTS:
             log(QStringLiteral("event %1").arg(number));
             QTRY_COMPARE_WITH_TIMEOUT(window->rows(), number + 1, kPatienceMs);
             const qint64 second = QDateTime::currentSecsSinceEpoch();
-            QTRY_VERIFY(QDateTime::currentSecsSinceEpoch() > second);
+            // By the clock that is behind others, which the service asks.
+            QTRY_VERIFY(std::time(nullptr) > second);
         }
         const QStringList before = storedLines();
         window->clickCell(1, 4);
