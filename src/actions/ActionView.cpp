@@ -33,6 +33,8 @@ void ActionView::viewWillAppear() {
     const auto record = page != nullptr ? page->selectedRecord() : std::nullopt;
     if (record) {
         ui->filterForm->showRecord(*record);
+    } else if (page != nullptr && page->proposal()) {
+        ui->filterForm->showProposal(*page->proposal());
     } else {
         ui->filterForm->showNew(QStringLiteral("New Action"));
     }

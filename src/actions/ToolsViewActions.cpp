@@ -103,6 +103,13 @@ void ToolsViewActions::automaticActions(const QAbstractButton &sender) {
     present(QStringLiteral("actionView"));
 }
 
+void ToolsViewActions::propose(const Dictionary &record) {
+    m_actions->deselect();
+    m_proposal = record;
+    present(QStringLiteral("actionView"));
+    m_proposal.reset();
+}
+
 void ToolsViewActions::removeActions() {
     if (m_actions->removeSelected()) {
         enableSave();

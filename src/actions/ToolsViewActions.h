@@ -17,7 +17,7 @@ class RecordList;
 class Storyboard;
 
 /// The actions page: what the service does by itself when certain events arrive.
-class ToolsViewActions : public SettingsView {
+class ToolsViewActions : public SettingsView, public RecordPageLink {
     Q_OBJECT
 
 public:
@@ -37,11 +37,14 @@ public:
     void emailServer();
     void emailFormat();
     void emailTest();
+    void propose(const Dictionary &record) override;
 
     // For the editor, which is presented over this page.
 
     /// The record to edit; nothing when no row is selected: then a new one is made.
     [[nodiscard]] std::optional<Dictionary> selectedRecord() const;
+    /// What a new record begins with; nothing for what it begins with by itself.
+    [[nodiscard]] const std::optional<Dictionary> &proposal() const { return m_proposal; }
     /// Puts a record in the place of the selected one, or at the end when no row is selected.
     void storeRecord(const Dictionary &record);
 
@@ -56,6 +59,7 @@ private:
     std::unique_ptr<Ui::ToolsViewActions> ui;
     Array m_actionsArray;
     RecordList *m_actions = nullptr;
+    std::optional<Dictionary> m_proposal;  ///< while the editor is being opened for one
 };
 
 }  // namespace quorbel

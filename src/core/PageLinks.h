@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Event.h"
+#include "platform/Value.h"
 
 namespace quorbel {
 
@@ -25,6 +26,9 @@ public:
     /// Opens one of the settings pages 4 to 6 and records the page that it returns to.
     virtual void openSettingsPage(Tab page, Tab parentTab) = 0;
     virtual void selectTab(Tab page) = 0;
+    /// Opens a settings page that is a RecordPageLink as openSettingsPage() does, and its editor
+    /// for a new record with these values.
+    virtual void proposeRecord(Tab page, Tab parentTab, const Dictionary &record) = 0;
 
 protected:
     MainWindowLink() = default;
@@ -94,6 +98,21 @@ protected:
     SettingsPageLink() = default;
     SettingsPageLink(const SettingsPageLink &) = default;
     SettingsPageLink &operator=(const SettingsPageLink &) = default;
+};
+
+/// A settings page with a list of filter records, which another page can propose one to.
+class RecordPageLink {
+public:
+    virtual ~RecordPageLink() = default;
+
+    /// Opens the page's editor for a new record with these values: those of FilterForm. The user
+    /// changes, saves or drops it. Called while the page is on screen.
+    virtual void propose(const Dictionary &record) = 0;
+
+protected:
+    RecordPageLink() = default;
+    RecordPageLink(const RecordPageLink &) = default;
+    RecordPageLink &operator=(const RecordPageLink &) = default;
 };
 
 }  // namespace quorbel

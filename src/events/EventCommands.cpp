@@ -1,10 +1,12 @@
 #include "events/EventCommands.h"
 
+#include "core/AppDelegate.h"
 #include "events/EventFinder.h"
 #include "events/EventTableModel.h"
 #include "events/EventTableView.h"
 #include "events/FindBar.h"
 #include "events/LikePattern.h"
+#include "events/LikeRecord.h"
 #include "platform/gui/RowCommands.h"
 #include "platform/gui/ViewCommands.h"
 
@@ -56,10 +58,27 @@ void addFilters(RowCommands &commands, const EventTableView &table, FindBar &bar
                  Needs::kSelection, [&finder] { finder.showSurroundings(); });
 }
 
+/// Both open the page that keeps such records, with one like the selected event in its editor.
+void addRecords(RowCommands &commands, const EventTableView &table, AppDelegate &delegate) {
+    const auto propose = [&table, &delegate](Tab page) {
+        if (MainWindowLink *window = delegate.mainWindow()) {
+            const auto text = [&table](int column) { return selectedText(table, column); };
+            window->proposeRecord(
+                page, Tab::kEvents,
+                likeRecord(text(EventTableModel::kPriority), text(EventTableModel::kHost),
+                           text(EventTableModel::kMessage)));
+        }
+    };
+    commands.add("excludeLikeThis", QStringLiteral("&Exclude Messages Like This..."), {},
+                 Needs::kSelection, [propose] { propose(Tab::kOptions); });
+    commands.add("actionLikeThis", QStringLiteral("&Automatic Action..."), {}, Needs::kSelection,
+                 [propose] { propose(Tab::kActions); });
+}
+
 }  // namespace
 
 RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &finder,
-                              std::function<void()> deleteEvents) {
+                              AppDelegate &delegate, std::function<void()> deleteEvents) {
     auto *commands = new RowCommands(table, [&table](int row) {
         return table.model()->index(row, EventTableModel::kMessage).data().toString();
     });
@@ -69,6 +88,8 @@ RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &
                   Needs::kSelection, [&table] { Q_EMIT table.enterPressed(); });
     commands->addSeparator();
     addFilters(*commands, table, bar, finder);
+    commands->addSeparator();
+    addRecords(*commands, table, delegate);
     commands->addSeparator();
     commands->add("deleteSelected", QStringLiteral("&Delete..."), QKeySequence::Delete,
                   Needs::kNothing, std::move(deleteEvents));

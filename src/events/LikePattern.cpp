@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace quorbel {
 
 namespace {
@@ -40,26 +42,52 @@ void appendQuoted(QStringView text, std::string &pattern) {
     }
 }
 
-}  // namespace
-
-std::string likePattern(const QString &message) {
-    const qsizetype unknown = message.indexOf(QChar::ReplacementCharacter);
-    qsizetype end = std::min(unknown < 0 ? message.size() : unknown, kLongest);
-    if (end < message.size() && end > 0 && message[end - 1].isHighSurrogate()) {
+/// As much of a text's first `most` characters as patterns are made of.
+QString beginningOf(const QString &text, qsizetype most) {
+    qsizetype end = std::min(most, kLongest);
+    if (end < text.size() && end > 0 && text[end - 1].isHighSurrogate()) {
         --end;
     }
-    const QString text = message.left(end);
-    std::string pattern = "^";
+    return text.left(end);
+}
+
+/// Hands on what stays the same and what changes, in their order.
+template <typename OnSame, typename OnChanging>
+void forEachPart(const QString &text, const OnSame &onSame, const OnChanging &onChanging) {
     qsizetype done = 0;
     auto parts = changingParts().globalMatch(text);
     while (parts.hasNext()) {
         const QRegularExpressionMatch part = parts.next();
-        appendQuoted(QStringView(text).mid(done, part.capturedStart() - done), pattern);
-        pattern += wildcardFor(part);
+        onSame(QStringView(text).mid(done, part.capturedStart() - done));
+        onChanging(part);
         done = part.capturedEnd();
     }
-    appendQuoted(QStringView(text).mid(done), pattern);
-    return end == message.size() ? pattern + '$' : pattern;
+    onSame(QStringView(text).mid(done));
+}
+
+}  // namespace
+
+std::string likePattern(const QString &message) {
+    const qsizetype unknown = message.indexOf(QChar::ReplacementCharacter);
+    const QString text = beginningOf(message, unknown < 0 ? message.size() : unknown);
+    std::string pattern = "^";
+    forEachPart(
+        text, [&](QStringView same) { appendQuoted(same, pattern); },
+        [&](const QRegularExpressionMatch &changing) { pattern += wildcardFor(changing); });
+    return text.size() == message.size() ? pattern + '$' : pattern;
+}
+
+QString likeWildcards(const QString &message) {
+    const QString text = beginningOf(message, message.size());
+    QString pattern;
+    const auto addStar = [&pattern] { pattern += pattern.endsWith(u'*') ? u"" : u"*"; };
+    forEachPart(
+        text, [&](QStringView same) { pattern += same; },
+        [&](const QRegularExpressionMatch &) { addStar(); });
+    if (text.size() < message.size() || text.isEmpty()) {
+        addStar();
+    }
+    return pattern;
 }
 
 }  // namespace quorbel

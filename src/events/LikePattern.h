@@ -10,4 +10,8 @@ namespace quorbel {
 /// alone. Of a long message, or one with bytes that are no text, it means the beginning.
 std::string likePattern(const QString &message);
 
+/// A pattern with "*" in the place of numbers and addresses, as the service's filters take it; of a
+/// long message with "*" at the end. Matches at least what is alike.
+QString likeWildcards(const QString &message);
+
 }  // namespace quorbel

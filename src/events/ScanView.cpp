@@ -73,7 +73,7 @@ void ScanView::viewDidLoad() {
         std::make_unique<EventFinder>(m_events, m_delegate.state, *ui->findBar, *ui->tableView);
     connect(m_finder.get(), &EventFinder::countChanged, this, &ScanView::showCount);
     m_deleted = std::make_unique<DeletedEvents>(m_delegate, *this);
-    addEventCommands(*ui->tableView, *ui->findBar, *m_finder, [this] {
+    addEventCommands(*ui->tableView, *ui->findBar, *m_finder, m_delegate, [this] {
         deleteEvents();
     }).setPageCommand(m_deleted->undoAction());
     addListCommands(*this, *ui->findBar, *m_finder, *ui->holdEvents, *ui->tableView);

@@ -13,6 +13,8 @@ public:
 
     /// The record to edit; nothing when the editor makes a new one.
     [[nodiscard]] virtual std::optional<Dictionary> filterToEdit() const = 0;
+    /// What a new record begins with; nothing for what it begins with by itself.
+    [[nodiscard]] virtual std::optional<Dictionary> proposal() const = 0;
     /// Takes what the editor made.
     virtual void storeFilter(const Dictionary &record) = 0;
 

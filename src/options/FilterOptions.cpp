@@ -134,6 +134,15 @@ void FilterOptions::excludeFilters(const QAbstractButton &sender) {
     Q_EMIT editFilter();
 }
 
+void FilterOptions::proposeExclusion(const Dictionary &record) {
+    m_excludeFilters->deselect();
+    m_bExcludeFilters = true;
+    m_bIncludeFilters = false;
+    m_proposal = record;
+    Q_EMIT editFilter();
+    m_proposal.reset();
+}
+
 void FilterOptions::includeFiltersTable() {
     m_includeFilters->followSelection();
 }

@@ -35,7 +35,11 @@ public:
 
     // Both as FilterEditing says, for the list that editFilter() was about.
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const;
+    [[nodiscard]] const std::optional<Dictionary> &proposal() const { return m_proposal; }
     void storeFilter(const Dictionary &record);
+
+    /// Opens the editor for a new record of the exclude list with these values.
+    void proposeExclusion(const Dictionary &record);
 
     // The Add and the Edit button of a list, told apart by the sender's title.
     void includeFilters(const QAbstractButton &sender);
@@ -62,6 +66,7 @@ private:
     // Which list the filter editor works on.
     bool m_bIncludeFilters = false;
     bool m_bExcludeFilters = false;
+    std::optional<Dictionary> m_proposal;  ///< while the editor is being opened for one
 };
 
 }  // namespace quorbel

@@ -23,6 +23,8 @@ void ToolsViewFilter::viewWillAppear() {
     const auto *page = dynamic_cast<const FilterEditing *>(presenter());
     if (const auto record = page != nullptr ? page->filterToEdit() : std::nullopt) {
         ui->filterForm->showRecord(*record);
+    } else if (const auto proposed = page != nullptr ? page->proposal() : std::nullopt) {
+        ui->filterForm->showProposal(*proposed);
     } else {
         ui->filterForm->showNew(QStringLiteral("New Filter"));
     }

@@ -112,6 +112,14 @@ std::optional<Dictionary> ToolsViewOptions::filterToEdit() const {
     return m_filters->filterToEdit();
 }
 
+std::optional<Dictionary> ToolsViewOptions::proposal() const {
+    return m_filters->proposal();
+}
+
+void ToolsViewOptions::propose(const Dictionary &record) {
+    m_filters->proposeExclusion(record);
+}
+
 void ToolsViewOptions::storeFilter(const Dictionary &record) {
     m_filters->storeFilter(record);
 }

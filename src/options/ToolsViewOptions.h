@@ -23,7 +23,7 @@ class Storyboard;
 
 /// The options page: how events are shown, rated, kept, announced and filtered. What each group of
 /// controls does is in a class of its own; the page joins them.
-class ToolsViewOptions : public SettingsView, public FilterEditing {
+class ToolsViewOptions : public SettingsView, public FilterEditing, public RecordPageLink {
     Q_OBJECT
 
 public:
@@ -36,7 +36,10 @@ public:
     void viewDidAppear() override;
 
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const override;
+    [[nodiscard]] std::optional<Dictionary> proposal() const override;
     void storeFilter(const Dictionary &record) override;
+    /// One of the exclude list.
+    void propose(const Dictionary &record) override;
 
     // Operations of the groups, by their names on the page.
     void eventRemoval(std::size_t severity);

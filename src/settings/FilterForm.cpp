@@ -11,6 +11,7 @@
 #include <QLocale>
 #include <QStyle>
 
+#include <algorithm>
 #include <utility>
 
 namespace quorbel {
@@ -104,6 +105,14 @@ void FilterForm::showNew(const QString &name) {
     anyFacility();
     anySeverity();
     anyMessage();
+}
+
+void FilterForm::showProposal(const Dictionary &record) {
+    showRecord(record);
+    ui->recordName->setEnabled(true);
+    for (QComboBox *chooser : {ui->recordFacility, ui->recordSeverity}) {
+        chooser->setCurrentIndex(std::max(chooser->currentIndex(), 0));
+    }
 }
 
 void FilterForm::showRecord(const Dictionary &record) {

@@ -31,6 +31,9 @@ public:
 
     /// Shows a new record that holds for every event; its name can be changed.
     void showNew(const QString &name);
+    /// Shows a new record that begins with these values. A facility and a severity that are none
+    /// become any.
+    void showProposal(const Dictionary &record);
     /// Shows a record to be edited; its name stays as it is.
     void showRecord(const Dictionary &record);
 

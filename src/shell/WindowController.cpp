@@ -203,6 +203,13 @@ void WindowController::openSettingsPage(Tab page, Tab parentTab) {
     selectTab(page);
 }
 
+void WindowController::proposeRecord(Tab page, Tab parentTab, const Dictionary &record) {
+    openSettingsPage(page, parentTab);
+    if (auto *records = dynamic_cast<RecordPageLink *>(pageAt(page))) {
+        records->propose(record);
+    }
+}
+
 void WindowController::selectTab(Tab page) {
     // The settings pages have no entry of their own: they belong to where they were opened.
     const auto *settings = dynamic_cast<SettingsPageLink *>(pageAt(page));

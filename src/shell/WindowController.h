@@ -73,6 +73,7 @@ public:
     void makeVisible() override;
     void openSettingsPage(Tab page, Tab parentTab) override;
     void selectTab(Tab page) override;
+    void proposeRecord(Tab page, Tab parentTab, const Dictionary &record) override;
 
     // Events.
     EventPlace setNotification(const EventFields &event);

@@ -53,6 +53,36 @@ private Q_SLOTS:
         QCOMPARE(m_page->mainWindow.selected, std::vector{Tab::kTools});
     }
 
+    void aProposalIsANewAction() {
+        m_page->writeActions({ActionsPage::action("a", kRun)});
+        m_page->show();
+        m_page->clickRow("actionsTable", 0);
+        dynamic_cast<ToolsViewActions &>(m_page->page())
+            .propose({{"Name", "like one"},
+                      {"IP", "10.0.0.5"},
+                      {"Message", "link * down"},
+                      {"Mask", "32"},
+                      {"Facility", "Local7"},
+                      {"Severity", "Error"}});
+        QCOMPARE(m_page->openSheetName(), QStringLiteral("actionView"));
+        QVERIFY(m_page->isEnabled("actionName"));
+        QVERIFY(!m_page->isChecked("actionRun"));
+        m_page->click("onSave");
+        QTRY_COMPARE(m_page->openSheetName(), QString());
+        QCOMPARE(m_page->savedActions(), asText(Array{ActionsPage::action("a", kRun),
+                                                      Dictionary{{"Name", "like one"},
+                                                                 {"IP", "10.0.0.5"},
+                                                                 {"Message", "link * down"},
+                                                                 {"Mask", "32"},
+                                                                 {"Facility", "Local7"},
+                                                                 {"Severity", "Error"},
+                                                                 {"runCommand", Dictionary{}},
+                                                                 {"sendEmail", Dictionary{}},
+                                                                 {"setEvent", Dictionary{}}}}));
+        m_page->click("automaticActionsAdd");
+        QCOMPARE(m_page->text("actionName"), QStringLiteral("New Action"));
+    }
+
     void withoutADocumentTheFirstSaveHoldsTheActionsOnly() {
         m_page->show();
         QCOMPARE(m_page->rows("actionsTable"), QString());

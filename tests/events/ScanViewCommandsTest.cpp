@@ -282,7 +282,8 @@ private Q_SLOTS:
             (QStringList{name("Copy"), name("Copy Message"), name("-"), name("Details\tReturn"),
                          name("-"), name("Only This Host"), name("Not This Host"),
                          name("Only Like This"), name("Show Surroundings\tCtrl+Shift+F"), name("-"),
-                         name("Delete...")}));
+                         name("Exclude Messages Like This..."), name("Automatic Action..."),
+                         name("-"), name("Delete...")}));
         QCOMPARE(m_page->findChild<QAction *>(name("copyMessages"))->shortcut(),
                  QKeySequence(name("Ctrl+Shift+C")));
         choose("copyMessages");
@@ -294,6 +295,25 @@ private Q_SLOTS:
         choose("openDetails");
         QTRY_COMPARE(sheets().size(), 1);
         QCOMPARE(message(), name("1"));
+    }
+
+    void anEventIsProposedToFiltersAndActions() {
+        add("link 2 down", "Local7.Error");
+        add("other", "Kern.Debug");
+        showActive();
+        for (const auto &[command, page] : {std::pair("excludeLikeThis", Tab::kOptions),
+                                            std::pair("actionLikeThis", Tab::kActions)}) {
+            openMenu(placeOf(1));
+            choose(command);
+            QCOMPARE(m_window.opened.back(), std::pair(page, Tab::kEvents));
+            QVERIFY(m_window.proposed.back() == (Dictionary{{"Name", "link 2 down"},
+                                                            {"IP", "10.0.0.5"},
+                                                            {"Message", "link * down"},
+                                                            {"Mask", "32"},
+                                                            {"Facility", "Local7"},
+                                                            {"Severity", "Error"}}));
+        }
+        QCOMPARE(m_window.proposed.size(), 2);
     }
 
     void theMenuKeyOpensItAtTheRow() {
@@ -330,7 +350,8 @@ private Q_SLOTS:
                               name("off Details\tReturn"), name("-"), name("off Only This Host"),
                               name("off Not This Host"), name("off Only Like This"),
                               name("off Show Surroundings\tCtrl+Shift+F"), name("-"),
-                              name("Delete...")}));
+                              name("off Exclude Messages Like This..."),
+                              name("off Automatic Action..."), name("-"), name("Delete...")}));
         QTest::keyClick(menu(), Qt::Key_Escape);
         QTRY_VERIFY(menu() == nullptr);
         activate();

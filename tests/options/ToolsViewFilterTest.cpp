@@ -108,6 +108,41 @@ private Q_SLOTS:
                                                           "Informational", "*disk?full*")}));
     }
 
+    void aProposalIsANewExclusion() {
+        const auto list = [this](const char *key, const char *table) {
+            return at(m->save(), key) + u'/' + m->rows(table);
+        };
+        Dictionary document = fullDocument();
+        document.set("excludeFiltersArray", Array{filter("a"), filter("b")});
+        m->show(document);
+        m->clickRow("includeFiltersTable", 0);
+        m->clickRow("excludeFiltersTable", 1);
+        const Dictionary proposed =
+            filter("like one", "10.0.0.5", "32", "Local7", "Error", "link * down");
+        m->options().propose(proposed);
+        QCOMPARE(m->openSheetName(), QStringLiteral("filterView"));
+        QCOMPARE(fields(), QStringLiteral("like one|10.0.0.5|32|Local7|Error|link * down"));
+        QVERIFY(m->isEnabled("filterName"));
+        m->click("anyHost");
+        finish("onSave");
+        QCOMPARE(m->rows("includeFiltersTable"), QStringLiteral("first|second"));
+        QCOMPARE(list("excludeFiltersArray", "excludeFiltersTable"),
+                 textOf({filter("a"), filter("b"),
+                         filter("like one", "0.0.0.0", "0", "Local7", "Error", "link * down")}) +
+                     QStringLiteral("/a|b|like one"));
+        // The next one begins by itself again.
+        m->click("excludeFiltersAdd");
+        QCOMPARE(fields(), QStringLiteral("New Filter|0.0.0.0|0|Any|Any|*"));
+    }
+    void aDroppedProposalLeavesNothing() {
+        m->show({});
+        m->options().propose(filter("x", "no address", "", "Local9", "", ""));
+        QCOMPARE(fields(), QStringLiteral("x|no address|0|Any|Any|"));
+        finish("onCancel");
+        QVERIFY(!m->canSave());
+        QCOMPARE(m->rows("excludeFiltersTable"), QString());
+    }
+
     void aNewFilterAsItIsHoldsForEverything_data() { addLists(); }
     void aNewFilterAsItIsHoldsForEverything() {
         m->show({});

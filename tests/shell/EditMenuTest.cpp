@@ -5,12 +5,14 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QClipboard>
+#include <QDialog>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTableView>
 #include <QTest>
 
@@ -90,6 +92,9 @@ private Q_SLOTS:
                                  u"Only Like This"_s,
                                  u"Show Surroundings\tCtrl+Shift+F"_s,
                                  u"-"_s,
+                                 u"Exclude Messages Like This..."_s,
+                                 u"Automatic Action..."_s,
+                                 u"-"_s,
                                  u"Delete..."_s};
         QCOMPARE(texts(), events);
         m_frontEnd->window->Reports();
@@ -99,6 +104,42 @@ private Q_SLOTS:
         QVERIFY(!menu().menuAction()->isEnabled());
         m_frontEnd->window->Scan();
         QCOMPARE(texts(), events);
+    }
+
+    void anEventBecomesAFilterAndAnAction_data() {
+        QTest::addColumn<QByteArray>("command");
+        QTest::addColumn<Tab>("page");
+        QTest::addColumn<QByteArray>("sheet");
+        QTest::addColumn<QByteArray>("message");
+        QTest::newRow("filter") << QByteArray("excludeLikeThis") << Tab::kOptions
+                                << QByteArray("filterView") << QByteArray("filterMessage");
+        QTest::newRow("action") << QByteArray("actionLikeThis") << Tab::kActions
+                                << QByteArray("actionView") << QByteArray("actionMessage");
+    }
+    void anEventBecomesAFilterAndAnAction() {
+        QFETCH(QByteArray, command);
+        QFETCH(Tab, page);
+        QFETCH(QByteArray, sheet);
+        QFETCH(QByteArray, message);
+        m_frontEnd->window->Scan();
+        QTRY_VERIFY(table().hasFocus());
+        QTest::keyClick(&table(), Qt::Key_Down);
+        open();
+        choose(command.constData());
+        const auto tab = [this] {
+            return static_cast<Tab>(m_frontEnd->control<QStackedWidget>("tabView").currentIndex());
+        };
+        QCOMPARE(tab(), page);
+        QVERIFY(m_frontEnd->control<QAbstractButton>("Scan").isChecked());
+        auto &editor = m_frontEnd->control<QDialog>(sheet.constData());
+        QTRY_VERIFY(editor.isVisible());
+        QCOMPARE(editor.findChild<QLineEdit *>(QString::fromLatin1(message))->text(), u"second"_s);
+        QTest::keyClick(&editor, Qt::Key_Escape);
+        QTRY_VERIFY(m_frontEnd->window->findChild<QDialog *>(QString::fromLatin1(sheet)) ==
+                    nullptr);
+        auto *settings = m_frontEnd->control<QStackedWidget>("tabView").currentWidget();
+        QTest::mouseClick(settings->findChild<QAbstractButton *>(u"onCancel"_s), Qt::LeftButton);
+        QCOMPARE(tab(), Tab::kEvents);
     }
 
     void theViewMenuHoldsWhatOneDoesWithTheList() {

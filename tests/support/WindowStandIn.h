@@ -20,9 +20,14 @@ public:
     void openSettingsPage(Tab page, Tab parentTab) override {
         opened.emplace_back(page, parentTab);
     }
+    void proposeRecord(Tab page, Tab parentTab, const Dictionary &record) override {
+        opened.emplace_back(page, parentTab);
+        proposed.push_back(record);
+    }
 
     std::vector<Tab> selected;
     std::vector<std::pair<Tab, Tab>> opened;
+    std::vector<Dictionary> proposed;
 };
 
 }  // namespace quorbel::testing
