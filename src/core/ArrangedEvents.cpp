@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <span>
 #include <utility>
 
 namespace quorbel {
@@ -225,10 +226,17 @@ void ArrangedEvents::choose() {
 }
 
 void ArrangedEvents::count() {
-    // A loop for each: several matches at a time are compared with one rating.
-    for (std::size_t rating = 0; rating < kRatingCount; ++rating) {
-        const auto hasRating = [rating](EventMatch match) { return match.rating() == rating; };
-        m_counts[rating] = static_cast<std::size_t>(std::ranges::count_if(m_matches, hasRating));
+    m_counts.fill(0);
+    // A loop for each rating, which compares several matches at a time; in blocks, so that only the
+    // first of these loops waits for the memory.
+    constexpr std::size_t kBlock = 2048;
+    for (std::span rest(std::as_const(m_matches)); !rest.empty();
+         rest = rest.subspan(std::min(kBlock, rest.size()))) {
+        const auto block = rest.first(std::min(kBlock, rest.size()));
+        for (std::size_t rating = 0; rating < kRatingCount; ++rating) {
+            const auto hasRating = [rating](EventMatch match) { return match.rating() == rating; };
+            m_counts[rating] += static_cast<std::size_t>(std::ranges::count_if(block, hasRating));
+        }
     }
 }
 
