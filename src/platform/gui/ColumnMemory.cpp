@@ -1,9 +1,9 @@
 #include "platform/gui/ColumnMemory.h"
 
+#include "platform/gui/WindowMemory.h"
+
 #include <QEvent>
 #include <QHeaderView>
-#include <QSettings>
-#include <QStandardPaths>
 #include <QTableView>
 
 #include <algorithm>
@@ -11,11 +11,6 @@
 namespace quorbel {
 
 namespace {
-
-QSettings memory() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return {folder + QStringLiteral("/QuorbelWindow.ini"), QSettings::IniFormat};
-}
 
 QString key(const QString &name) {
     return QStringLiteral("Columns/") + name;
@@ -75,7 +70,7 @@ ColumnMemory::Columns ColumnMemory::columns() const {
 std::optional<ColumnMemory::Columns> ColumnMemory::remembered() const {
     const QHeaderView &header = *m_table.horizontalHeader();
     Columns result;
-    for (const QString &text : memory().value(key(m_name)).toStringList()) {
+    for (const QString &text : windowMemory().value(key(m_name)).toStringList()) {
         const auto column = readColumn(text);
         if (!column) {
             return std::nullopt;
@@ -104,7 +99,7 @@ void ColumnMemory::remember() {
     for (const auto &[index, width] : columns()) {
         texts.append(QStringLiteral("%1:%2").arg(index).arg(std::min(width, kWidest)));
     }
-    memory().setValue(key(m_name), texts);
+    windowMemory().setValue(key(m_name), texts);
 }
 
 bool ColumnMemory::eventFilter(QObject *watched, QEvent *event) {

@@ -11,10 +11,9 @@ class QTableView;
 namespace quorbel {
 
 /// Lets the user move a table's columns with the mouse, and remembers their widths and order across
-/// starts: in QuorbelWindow.ini in the user's configuration folder ($XDG_CONFIG_HOME, else
-/// ~/.config), below the name that was given last. Nothing is written before the user has changed
-/// something, and what the file holds is taken whole or, when it does not fit the table, not at
-/// all.
+/// starts (see windowMemory()), below the name that was given last. Nothing is written before the
+/// user has changed something, and what is remembered is taken whole or, when it does not fit the
+/// table, not at all.
 class ColumnMemory : public QObject {
     Q_OBJECT
 

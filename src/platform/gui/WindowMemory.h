@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QSettings>
+
+namespace quorbel {
+
+/// What the window remembers of its looks across starts: QuorbelWindow.ini in the user's
+/// configuration folder ($XDG_CONFIG_HOME, else ~/.config). It does not exist before the user has
+/// changed something.
+QSettings windowMemory();
+
+}  // namespace quorbel
