@@ -97,7 +97,7 @@ RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &
 }
 
 void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstractButton &hold,
-                     EventTableView &table) {
+                     QAbstractButton &timeline, EventTableView &table) {
     auto *commands = new ViewCommands(page);
     commands->add("findEvents", QStringLiteral("&Find..."), QKeySequence::Find,
                   [&bar] { bar.open(); });
@@ -111,15 +111,21 @@ void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstract
         [&hold] { hold.toggle(); },
         /*hasOwnKey=*/false);
     held->setCheckable(true);
+    QAction *fold = commands->add(
+        "showTimeline", QStringLiteral("&Timeline"), QKeySequence(QStringLiteral("Ctrl+T")),
+        [&timeline] { timeline.click(); },
+        /*hasOwnKey=*/false);
+    fold->setCheckable(true);
     commands->add(
         "goToNewest", QStringLiteral("Go to the &Newest"), QKeySequence(Qt::CTRL | Qt::Key_Home),
         [&table] { table.scrollToTop(); },
         /*hasOwnKey=*/false);
     QObject::connect(commands, &ViewCommands::aboutToShow, commands,
-                     [&bar, &hold, &table, clear, surroundings, held] {
+                     [&bar, &hold, &timeline, &table, clear, surroundings, held, fold] {
                          clear->setEnabled(bar.filter().isInUse());
                          surroundings->setEnabled(table.selectionModel()->hasSelection());
                          held->setChecked(hold.isChecked());
+                         fold->setChecked(timeline.isChecked());
                      });
 }
 

@@ -21,6 +21,6 @@ RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &
 
 /// Gives the page the commands for what of its list one sees, and their keys. They belong to it.
 void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstractButton &hold,
-                     EventTableView &table);
+                     QAbstractButton &timeline, EventTableView &table);
 
 }  // namespace quorbel

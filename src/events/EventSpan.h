@@ -19,6 +19,7 @@ struct EventSpan {
     struct Moments {
         std::optional<std::int64_t> from;   ///< the first, in seconds since 1970
         std::optional<std::int64_t> until;  ///< the one past the last
+        bool operator==(const Moments &) const = default;
     };
     /// At that time. Spans that go on do so by whole minutes.
     [[nodiscard]] Moments momentsAt(const QDateTime &now) const;

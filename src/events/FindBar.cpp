@@ -34,7 +34,8 @@ FindBar::FindBar(QWidget *parent)
       m_ratings(new FindRatings(m_row)),
       m_facility(new FindFacility(m_row)),
       m_host(new FindHost(m_row)),
-      m_choices{new FindSeverity(m_row), m_facility, m_host, new FindSpan(m_row)},
+      m_span(new FindSpan(m_row)),
+      m_choices{new FindSeverity(m_row), m_facility, m_host, m_span},
       m_more(new FindMore(*m_ratings, m_row)),
       m_clear(new QPushButton(m_row)),
       m_error(new QLabel(this)) {
@@ -158,6 +159,10 @@ void FindBar::onlyHost(const QString &host) {
 
 void FindBar::excludeHost(const QString &host) {
     m_host->exclude(host);
+}
+
+void FindBar::setSpan(std::optional<std::int64_t> from, std::optional<std::int64_t> until) {
+    m_span->choose({from, until});
 }
 
 void FindBar::change() {

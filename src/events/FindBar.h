@@ -6,7 +6,9 @@
 #include <QWidget>
 
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class QAbstractButton;
@@ -22,6 +24,7 @@ class FindField;
 class FindHost;
 class FindMore;
 class FindRatings;
+class FindSpan;
 
 /// One row of controls in which the user says which events are wanted. What has no room in it
 /// shortens or goes into a menu. In a narrow page at rest, one button stands for all of it.
@@ -50,6 +53,8 @@ public:
     void addText(const TextCondition &condition);
     void onlyHost(const QString &host);
     void excludeHost(const QString &host);
+    /// From a moment up to, but not at, another one, in seconds since 1970; none for any time.
+    void setSpan(std::optional<std::int64_t> from, std::optional<std::int64_t> until);
 
     /// Says at the field what is wrong with the expression; an empty text for nothing.
     void showError(const QString &error);
@@ -81,6 +86,7 @@ private:
     FindRatings *m_ratings;
     FindFacility *m_facility;
     FindHost *m_host;
+    FindSpan *m_span;
     QList<FindChoice *> m_choices;  // as they stand in the row
     FindMore *m_more;
     QPushButton *m_clear;

@@ -96,6 +96,20 @@ void FindSpan::use(const EventSpan &span) {
     showValue(span.textAt(now));
 }
 
+void FindSpan::choose(const EventSpan::Moments &moments) {
+    using Kind = EventSpan::Kind;
+    const QDateTime now = m_clock();
+    for (const Kind kind :
+         {Kind::kAny, Kind::kLastHour, Kind::kToday, Kind::kYesterday, Kind::kLastDay}) {
+        if (EventSpan{kind}.momentsAt(now) == moments) {
+            use({kind});
+            return;
+        }
+    }
+    use({Kind::kFromTo, QDateTime::fromSecsSinceEpoch(moments.from.value_or(0)),
+         moments.until ? QDateTime::fromSecsSinceEpoch(*moments.until) : now});
+}
+
 void FindSpan::askFromTo() {
     const QDateTime now = m_clock();
     const EventSpan::Moments moments = m_span.momentsAt(now);

@@ -27,6 +27,9 @@ public:
     void clear() override { use({}); }
     void openBelow(QWidget &anchor) override;
 
+    /// Takes this span, by its name if it has one now.
+    void choose(const EventSpan::Moments &moments);
+
     /// Sends changed() when the span has gone on with the time. Done by itself now and then.
     void follow();
 

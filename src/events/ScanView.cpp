@@ -9,6 +9,8 @@
 #include "events/NewestButton.h"
 #include "events/ReadingPlace.h"
 #include "events/TestMessage.h"
+#include "events/Timeline.h"
+#include "events/TimelineFold.h"
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/ColumnMemory.h"
 #include "platform/gui/Icons.h"
@@ -76,7 +78,12 @@ void ScanView::viewDidLoad() {
     addEventCommands(*ui->tableView, *ui->findBar, *m_finder, m_delegate, [this] {
         deleteEvents();
     }).setPageCommand(m_deleted->undoAction());
-    addListCommands(*this, *ui->findBar, *m_finder, *ui->holdEvents, *ui->tableView);
+    addListCommands(*this, *ui->findBar, *m_finder, *ui->holdEvents, *ui->timelineToggle,
+                    *ui->tableView);
+    m_timeline = std::make_unique<TimelineFold>(*ui->timeline, *ui->timelineToggle, m_events,
+                                                m_delegate.hold);
+    connect(ui->timeline, &Timeline::spanChosen, ui->findBar, &FindBar::setSpan);
+    connect(ui->findBar, &FindBar::filterChanged, ui->timeline, qOverload<>(&QWidget::update));
     showCount();
 }
 

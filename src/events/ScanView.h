@@ -23,6 +23,7 @@ class EventSelection;
 class EventTableModel;
 class ReadingPlace;
 class Storyboard;
+class TimelineFold;
 
 /// The event list page: all events, newest first, and what one does with them.
 class ScanView : public Page, public EventListPageLink, public SteppableList {
@@ -85,6 +86,7 @@ private:
     std::unique_ptr<EventSelection> m_selection;
     std::unique_ptr<EventFinder> m_finder;
     std::unique_ptr<DeletedEvents> m_deleted;
+    std::unique_ptr<TimelineFold> m_timeline;
     bool m_removalIsDue = false;
 };
 

@@ -154,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(entries,
                  (QStringList{u"Find...\tCtrl+F"_s, u"Clear the Filter\tCtrl+Shift+L"_s,
                               u"Show Surroundings\tCtrl+Shift+F"_s, u"Hold New Events\tCtrl+H"_s,
-                              u"Go to the Newest\tCtrl+Home"_s}));
+                              u"Timeline\tCtrl+T"_s, u"Go to the Newest\tCtrl+Home"_s}));
         const auto choose = [&](int entry) {
             QCoreApplication::processEvents();
             activate();
