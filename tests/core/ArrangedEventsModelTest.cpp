@@ -1,14 +1,18 @@
-// What a filter arranges, against a plain look at every event of the list, while events come and
-// go, dates and ratings change and filters follow one another, complete or not.
+// What a filter arranges, and when that happened, against a plain look at every event of the list,
+// while events come and go, leave and come back, dates and ratings change and filters follow one
+// another, complete or not.
 
 #include "EventListSamples.h"
 #include "core/ArrangedEvents.h"
+#include "core/EventTimes.h"
 #include "platform/Text.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
+#include <functional>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -67,6 +71,8 @@ bool contains(const std::string &text, const TextPattern::Spec &spec) {
                                 : lowered(text).find(lowered(spec.text)) != std::string::npos;
 }
 
+constexpr std::int64_t kHour = 3600;
+
 class ArrangedEventsModelTest : public ::testing::TestWithParam<unsigned> {
 protected:
     std::size_t pick(std::size_t count) {
@@ -99,6 +105,15 @@ protected:
                 m_list.insertShown(event, m_state);
             }
         }
+    }
+
+    void insertMany() {
+        m_list.beginBulkInsert();
+        m_inBulk = true;
+        insert(1500);
+        m_inBulk = false;
+        m_list.endBulkInsert();
+        finish();
     }
 
     EventQuery randomFilter() {
@@ -190,6 +205,30 @@ protected:
         }
     }
 
+    /// What is counted of the rows of the mirror, if it claims to be counted.
+    void compareTimes() {
+        if (m_times.isCounting()) {
+            return;
+        }
+        std::map<std::int64_t, RatingCounts> expected;
+        for (const EventId id : m_mirror.rows) {
+            const std::size_t row = m_list.rowOf(id).value();
+            static_cast<void>(m_list.image(row));  // brings its date to what is shown, too
+            const auto moment = m_list.momentHeld(row);
+            if (moment && TimeCounts::canCount(*moment)) {
+                ++expected[*moment / kHour][ratingOf(row)];
+            }
+        }
+        ASSERT_EQ(m_times.counts().isEmpty(), expected.empty());
+        RatingCounts all{};
+        for (const auto &[hour, counts] : expected) {
+            ASSERT_EQ(m_times.counts().sum(hour * kHour, (hour + 1) * kHour), counts);
+            std::ranges::transform(all, counts, all.begin(), std::plus());
+        }
+        ASSERT_EQ(m_times.counts().sum(0, TimeCounts::kEnd), all);
+        ++m_timesCompared;
+    }
+
     std::vector<RowRange> randomRows() {
         std::vector<RowRange> ranges;
         for (std::size_t row = pick(50); row < m_list.size() && ranges.size() < 1 + pick(4);) {
@@ -207,6 +246,7 @@ protected:
         m_state.newDateFormat = oneOf(formats);
         m_state.iSeverityError = static_cast<std::int64_t>(pick(5)) - 1;
         m_list.show(m_state);
+        m_times.recount();
         m_events.refresh();
         finish();
     }
@@ -214,56 +254,56 @@ protected:
         m_events.search([] { return false; });
         ASSERT_FALSE(m_events.isSearching());
     }
+    /// One step of a count, or all that is left of it.
+    void count() {
+        const bool isAll = pick(2) == 0;
+        m_times.count([isAll] { return !isAll; });
+    }
 
     std::mt19937 m_random{GetParam()};
     EventList m_list;
     ArrangedEvents m_events{m_list};
     Mirror m_mirror{m_events};
+    EventTimes m_times{m_events};
     AppState m_state = testing::stateWith();
     std::int64_t m_inserted = 0;
+    std::size_t m_timesCompared = 0;
     bool m_inBulk = false;
 };
 
 TEST_P(ArrangedEventsModelTest, ArrangesWhatAPlainLookMeans) {
     std::size_t arranged = 0;
+    const auto onceIn = [this](std::size_t times, auto act) {
+        if (!HasFatalFailure() && pick(times) == 0) {
+            act();
+            compareTimes();
+        }
+    };
     for (std::size_t step = 0; step < 120 && !HasFatalFailure(); ++step) {
-        insert(pick(60));
+        onceIn(1, [this] { insert(pick(60)); });
         if (step % 20 == 5) {
-            m_list.beginBulkInsert();
-            m_inBulk = true;
-            insert(1500);
-            m_inBulk = false;
-            m_list.endBulkInsert();
-            finish();
+            insertMany();
         }
-        if (pick(3) == 0) {
+        onceIn(3, [this] {
             ASSERT_EQ(m_events.setFilter(pick(5) == 0 ? EventQuery() : randomFilter()), "");
-        }
-        if (pick(3) == 0) {
-            m_events.search([] { return true; });  // one run, and the next change comes
-        }
-        if (pick(6) == 0) {
-            m_list.removeRows(randomRows());
-        }
-        if (pick(6) == 0) {
-            m_list.setAside(randomRows());
-        }
-        if (pick(6) == 0) {
+        });
+        // One run, and the next change comes.
+        onceIn(3, [this] { m_events.search([] { return true; }); });
+        onceIn(6, [this] { m_list.removeRows(randomRows()); });
+        onceIn(6, [this] { m_list.setAside(randomRows()); });
+        onceIn(6, [this] {
             m_list.putBack();
             finish();
-        }
-        if (pick(12) == 0) {
-            show();
-        } else if (pick(2) == 0) {
-            finish();
-        }
-        if (step % 3 == 0) {
-            compare();
-        }
+        });
+        onceIn(2, [this] { count(); });
+        onceIn(12, [this] { show(); });
+        onceIn(2, [this] { finish(); });
+        onceIn(3, [this] { compare(); });
         arranged += m_events.isFiltered() ? m_events.size() : 0;
     }
     EXPECT_GT(m_list.size(), 8192U);
     EXPECT_GT(arranged, 1000U);
+    EXPECT_GT(m_timesCompared, 100U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, ArrangedEventsModelTest, ::testing::Values(1U, 2U, 3U));

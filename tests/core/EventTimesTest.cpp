@@ -143,6 +143,25 @@ TEST_F(EventTimesTest, CountsWhatAFilterMeansOnly) {
     EXPECT_EQ(allOf(m_matching), allOf(m_all));
 }
 
+TEST_F(EventTimesTest, CountsWhatComesBackAndWhereItStood) {
+    for (int i = 0; i < 5000; ++i) {
+        insert(std::to_string(kStart + i));
+    }
+    finish();
+    m_list.setAside({{10, 1}});
+    EXPECT_EQ(m_all.counts().sum(kStart + 4989, kStart + 4990), (RatingCounts{0, 0, 0, 0}));
+    m_list.putBack();
+    finish();
+    EXPECT_EQ(m_all.counts().sum(kStart + 4989, kStart + 4990), (RatingCounts{0, 0, 1, 0}));
+    // What comes back among those that are counted already is not forgotten.
+    m_list.setAside({{1000, 4000}});
+    m_all.count([] { return true; });
+    m_list.putBack();
+    finish();
+    EXPECT_EQ(allOf(m_all)[2], 5000U);
+    EXPECT_EQ(m_all.counts().first(), kStart);
+}
+
 class EventTimesModelTest : public EventTimesTest, public ::testing::WithParamInterface<unsigned> {
 protected:
     std::size_t pick(std::size_t count) {
@@ -169,10 +188,10 @@ protected:
     }
     void insertMany() {
         m_list.beginBulkInsert();
-        insertSome(3000, true);
+        insertSome(4500, true);
         m_list.endBulkInsert();
     }
-    void removeSome() {
+    std::vector<RowRange> someRows() {
         std::vector<RowRange> ranges;
         const std::size_t wanted = pick(2) == 0 ? 1 : 1 + pick(4);
         for (std::size_t row = pick(300); row < m_list.size() && ranges.size() < wanted;) {
@@ -181,7 +200,7 @@ protected:
             ranges.push_back({row, count});
             row += count + 1 + pick(200);
         }
-        m_list.removeRows(ranges);
+        return ranges;
     }
     void show() {
         static const std::vector<std::string> formats = {"yyyy-MM-dd HH:mm:ss", "dd.MM.y hh:mm a",
@@ -223,6 +242,9 @@ protected:
         return counted;
     }
     void compare(ArrangedEvents &events, const EventTimes &times) {
+        if (times.isCounting()) {
+            return;
+        }
         const std::vector<Counted> plain = plainly(events);
         ASSERT_EQ(times.counts().isEmpty(), plain.empty());
         for (int i = 0; i < 10; ++i) {
@@ -243,14 +265,21 @@ protected:
 
 TEST_P(EventTimesModelTest, CountsWhatAPlainLookDoes) {
     std::size_t largest = 0;
+    std::size_t cameBack = 0;
     for (std::size_t step = 0; step < 150 && !HasFatalFailure(); ++step) {
         insertSome(pick(120));
-        if (step % 25 == 7) {
+        if (step % 20 == 7) {
             insertMany();
         }
         largest = std::max(largest, m_list.size());
         if (pick(4) == 0) {
-            removeSome();
+            m_list.removeRows(someRows());
+        }
+        if (pick(6) == 0) {
+            m_list.setAside(someRows());
+        }
+        if (pick(6) == 0) {
+            cameBack += m_list.putBack().size();
         }
         if (pick(12) == 0) {
             show();
@@ -267,11 +296,12 @@ TEST_P(EventTimesModelTest, CountsWhatAPlainLookDoes) {
         }
         if (pick(2) == 0) {
             finish();
-            compare(m_unfiltered, m_all);
-            compare(m_events, m_matching);
         }
+        compare(m_unfiltered, m_all);
+        compare(m_events, m_matching);
     }
     EXPECT_GT(largest, 8192U);
+    EXPECT_GT(cameBack, 1000U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, EventTimesModelTest, ::testing::Values(1U, 2U, 3U, 4U));
