@@ -22,9 +22,8 @@ EventSpan::Moments since(std::int64_t seconds, const QDateTime &now) {
     return {now.toSecsSinceEpoch() / kMinute * kMinute - seconds, std::nullopt};
 }
 
-QString momentText(const QDateTime &moment, const QDate &known) {
-    return moment.toString(moment.date() == known ? QStringLiteral("HH:mm")
-                                                  : QStringLiteral("yyyy-MM-dd HH:mm"));
+QString momentText(const QDateTime &moment, const QDate &known, const QString &clock) {
+    return moment.toString(moment.date() == known ? clock : QStringLiteral("yyyy-MM-dd ") + clock);
 }
 
 }  // namespace
@@ -46,6 +45,11 @@ EventSpan::Moments EventSpan::momentsAt(const QDateTime &now) const {
     }
 }
 
+QString EventSpan::clockFormat() const {
+    const auto isWhole = [](const QDateTime &moment) { return moment.time().second() == 0; };
+    return isWhole(from) && isWhole(to) ? QStringLiteral("HH:mm") : QStringLiteral("HH:mm:ss");
+}
+
 QString EventSpan::textAt(const QDateTime &now) const {
     switch (kind) {
         case Kind::kLastHour:
@@ -57,8 +61,8 @@ QString EventSpan::textAt(const QDateTime &now) const {
         case Kind::kLastDay:
             return tr("Last 24 hours");
         case Kind::kFromTo:
-            return momentText(from, now.date()) + QStringLiteral(" – ") +
-                   momentText(to, from.date());
+            return momentText(from, now.date(), clockFormat()) + QStringLiteral(" – ") +
+                   momentText(to, from.date(), clockFormat());
         default:
             return {};
     }

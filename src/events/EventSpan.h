@@ -23,6 +23,8 @@ struct EventSpan {
     };
     /// At that time. Spans that go on do so by whole minutes.
     [[nodiscard]] Moments momentsAt(const QDateTime &now) const;
+    /// How the clock's part of kFromTo is shown: with seconds where they matter.
+    [[nodiscard]] QString clockFormat() const;
     /// As it is shown at that time; empty for any.
     [[nodiscard]] QString textAt(const QDateTime &now) const;
 };

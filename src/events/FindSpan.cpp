@@ -16,11 +16,19 @@ namespace {
 
 constexpr std::chrono::seconds kFollowEvery{5};
 
+QDateTime moment(std::int64_t seconds) {
+    return QDateTime::fromSecsSinceEpoch(seconds);
+}
+
+/// At or after that time.
+QDateTime nextMinute(const QDateTime &time) {
+    return moment((time.toSecsSinceEpoch() + 59) / 60 * 60);
+}
+
 QDateTimeEdit *momentField(const char *name, const QString &accessibleName, QWidget *parent) {
     auto *field = new QDateTimeEdit(parent);
     field->setObjectName(QString::fromLatin1(name));
     field->setAccessibleName(accessibleName);
-    field->setDisplayFormat(QStringLiteral("yyyy-MM-dd HH:mm"));
     return field;
 }
 
@@ -99,25 +107,32 @@ void FindSpan::use(const EventSpan &span) {
 void FindSpan::choose(const EventSpan::Moments &moments) {
     using Kind = EventSpan::Kind;
     const QDateTime now = m_clock();
-    for (const Kind kind :
-         {Kind::kAny, Kind::kLastHour, Kind::kToday, Kind::kYesterday, Kind::kLastDay}) {
+    if (moments.from && !moments.until) {
+        // One that goes on, perhaps as it was some time ago.
+        const std::int64_t halfADay = 12 * 3600;
+        const bool isShort = now.toSecsSinceEpoch() - *moments.from < halfADay;
+        use({isShort ? Kind::kLastHour : Kind::kLastDay});
+        return;
+    }
+    for (const Kind kind : {Kind::kAny, Kind::kToday, Kind::kYesterday}) {
         if (EventSpan{kind}.momentsAt(now) == moments) {
             use({kind});
             return;
         }
     }
-    use({Kind::kFromTo, QDateTime::fromSecsSinceEpoch(moments.from.value_or(0)),
-         moments.until ? QDateTime::fromSecsSinceEpoch(*moments.until) : now});
+    use({Kind::kFromTo, moment(moments.from.value_or(0)), moment(*moments.until)});
 }
 
 void FindSpan::askFromTo() {
     const QDateTime now = m_clock();
     const EventSpan::Moments moments = m_span.momentsAt(now);
-    const auto orElse = [](std::optional<std::int64_t> moment, const QDateTime &other) {
-        return moment ? QDateTime::fromSecsSinceEpoch(*moment) : other;
-    };
-    m_from->setDateTime(orElse(moments.from, now.date().startOfDay()));
-    m_to->setDateTime(orElse(moments.until, now));
+    const QDateTime from = moments.from ? moment(*moments.from) : now.date().startOfDay();
+    const QDateTime to = moments.until ? moment(*moments.until) : nextMinute(now);
+    const QString clock = EventSpan{EventSpan::Kind::kFromTo, from, to}.clockFormat();
+    for (QDateTimeEdit *field : {m_from, m_to}) {
+        field->setDisplayFormat(QStringLiteral("yyyy-MM-dd ") + clock);
+        field->setDateTime(field == m_from ? from : to);
+    }
     m_panel->openBelow(*m_anchor);
     m_from->setFocus();
 }

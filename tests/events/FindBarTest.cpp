@@ -222,6 +222,20 @@ private Q_SLOTS:
         QCOMPARE(text("findSpan"), name("02:00 – 04:00"));
         QVERIFY(!control("findSpanPanel")->isVisible());
     }
+    void offersWholeMinutesUnlessTheSpanHasSeconds() {
+        auto *span = m_page->findChild<FindSpan *>();
+        span->setClock([this] { return noon().addSecs(37); });
+        choose("findSpan", name("From ... to ..."));
+        QTRY_VERIFY(control("findSpanPanel")->isVisible());
+        QVERIFY(control<QDateTimeEdit>("findTo")->text().endsWith(name(" 12:01")));
+        QTest::mouseClick(control("findSpanShow"), Qt::LeftButton);
+        QCOMPARE(text("findSpan"), name("00:00 – 12:01"));
+        span->choose({noon().toSecsSinceEpoch() - 30, noon().toSecsSinceEpoch()});
+        QCOMPARE(text("findSpan"), name("11:59:30 – 12:00:00"));
+        choose("findSpan", name("From ... to ..."));
+        QTRY_VERIFY(control("findSpanPanel")->isVisible());
+        QVERIFY(control<QDateTimeEdit>("findFrom")->text().endsWith(name(" 11:59:30")));
+    }
     void aDayIsAsLongAsItIs() {
         const QDateTime now(QDate(2026, 3, 29), QTime(12, 0));
         const auto moments = EventSpan{EventSpan::Kind::kToday}.momentsAt(now);

@@ -1,14 +1,6 @@
-// The timeline on the real page, with real wheel, mouse and keys.
+// How the timeline looks around, and what it shows and says.
 
-#include "events/FindBar.h"
-#include "events/ScanViewFixture.h"
-#include "events/Timeline.h"
-
-#include <QApplication>
-#include <QLabel>
-#include <QSettings>
-#include <QTest>
-#include <QWheelEvent>
+#include "events/TimelineFixture.h"
 
 #include <cmath>
 
@@ -16,79 +8,8 @@ namespace quorbel {
 
 using namespace testing;
 
-namespace {
-
-constexpr std::int64_t kStart = 1'700'006'400;  // an hour begins
-constexpr std::int64_t kHour = 3600;
-
-}  // namespace
-
-class TimelineTest : public QObject, private ScanViewFixture {
+class TimelineTest : public QObject, private TimelineFixture {
     Q_OBJECT
-
-private:
-    Timeline &timeline() { return *m_page->findChild<Timeline *>(name("timeline")); }
-    QAbstractButton &toggle() {
-        return *m_page->findChild<QAbstractButton *>(name("timelineToggle"));
-    }
-    const TimeAxis &axis() { return timeline().axis(); }
-    void wheel(int x, int turn, int sideways = 0) {
-        const QPoint place(x, 10);
-        QWheelEvent event(place, timeline().mapToGlobal(place), {}, {sideways, turn}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(&timeline(), &event);
-    }
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(&timeline(), key, modifiers);
-    }
-    void moveTo(int x) { QTest::mouseMove(&timeline(), QPoint(x, 10)); }
-    void press(int x, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::mousePress(&timeline(), Qt::LeftButton, modifiers, QPoint(x, 10));
-    }
-    void dragTo(int x) {
-        QMouseEvent event(QEvent::MouseMove, QPointF(x, 10), timeline().mapToGlobal(QPointF(x, 10)),
-                          Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(&timeline(), &event);
-    }
-    void release(int x) {
-        QTest::mouseRelease(&timeline(), Qt::LeftButton, Qt::NoModifier, QPoint(x, 10));
-    }
-    void drag(int from, int to, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        press(from, modifiers);
-        dragTo((from + to) / 2);
-        dragTo(to);
-        release(to);
-    }
-    double secondsPerPixel() { return static_cast<double>(axis().step()) / axis().columnWidth(); }
-    void startAfresh(int events, std::int64_t every) {
-        for (int i = 0; i < events; ++i) {
-            list().insertRaw(fields(std::to_string(kStart + i * every), "link up",
-                                    i % 10 == 3 ? "Kern.Critical" : "Kern.Debug"));
-        }
-        show();
-        m_page->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
-    }
-    void open(int events = 2400, std::int64_t every = 36) {
-        startAfresh(events, every);
-        QTest::keyClick(table(), Qt::Key_T, Qt::ControlModifier);
-        QTRY_VERIFY(timeline().isVisible());
-        QTRY_VERIFY(events == 0 || axis().hasRange());
-    }
-    void openWithFocus() {
-        open();
-        timeline().setFocus(Qt::TabFocusReason);
-        QTRY_VERIFY(timeline().hasFocus());
-    }
-    QString count() { return m_page->findChild<QLabel *>(name("eventCount"))->text(); }
-    EventQuery query() { return m_page->findChild<FindBar *>(name("findBar"))->filter(); }
-    QString readOut() { return timeline().readOut(); }
-    QString remembered() {
-        return QSettings(name((m_configuration->path() / "QuorbelWindow.ini").c_str()),
-                         QSettings::IniFormat)
-            .value(name("Timeline/shown"))
-            .toString();
-    }
 
 private Q_SLOTS:
     void initTestCase() { qputenv("TZ", "UTC"); }
@@ -276,80 +197,6 @@ private Q_SLOTS:
         m_page->insertEvent(fields(std::to_string(kStart + 30 * kHour)));
         QTRY_COMPARE(axis().range().until, kStart + 30 * kHour + 1);
         QVERIFY(std::abs(axis().xOf(moment) - 300) <= 1);
-    }
-    void narrowsTheTableByMouseAndGoesBack() {
-        open();
-        const std::int64_t first = axis().columnOf(kStart + 2 * kHour);
-        const std::int64_t last = axis().columnOf(kStart + 4 * kHour) - 1;
-        drag(axis().leftOf(first) + 1, axis().leftOf(last) + 3, Qt::ShiftModifier);
-        QTRY_COMPARE(count(), name("200 of 2,400 events"));
-        QCOMPARE(axis().showsAll(), true);  // looking and narrowing are two things
-        const EventQuery once = query();
-        QCOMPARE(once.from, kStart + 2 * kHour);
-        QCOMPARE(once.until, kStart + 4 * kHour);
-        // What is said counts what matches; beside the span nothing does.
-        moveTo(axis().leftOf(first) + 2);
-        QTRY_VERIFY2(readOut().contains(name(" of ")) && !readOut().contains(name(": 0 of ")),
-                     qPrintable(readOut()));
-        moveTo(axis().leftOf(last + 2) + 2);
-        QTRY_VERIFY2(readOut().contains(name(": 0 of ")), qPrintable(readOut()));
-        // Its edges can be taken.
-        drag(axis().xOf(*once.until) + 1, axis().leftOf(first) + 4);
-        QTRY_COMPARE(query().until, axis().spanOf(first).until);
-        QCOMPARE(query().from, once.from);
-        wheel(300, 360);
-        timeline().setFocus();
-        key(Qt::Key_Backspace);
-        QCOMPARE(query(), once);
-        QVERIFY(axis().showsAll());
-        key(Qt::Key_Backspace);
-        QTRY_COMPARE(count(), name("2,400 events"));
-        QVERIFY(!query().isInUse());
-        key(Qt::Key_Backspace);
-        QVERIFY(!query().isInUse());
-    }
-    void narrowsTheTableByKey() {
-        openWithFocus();
-        key(Qt::Key_Left);
-        key(Qt::Key_Return);
-        const TimeSpan column = axis().spanOf(axis().newestColumn() - 1);
-        QCOMPARE(query().from, column.from);
-        QCOMPARE(query().until, column.until);
-        key(Qt::Key_Left, Qt::ShiftModifier);
-        key(Qt::Key_Left, Qt::ShiftModifier);
-        QVERIFY(readOut().startsWith(
-            spanText({axis().spanOf(axis().newestColumn() - 3).from, column.until}, axis())));
-        key(Qt::Key_Escape);
-        QVERIFY(query().from == column.from);
-        for (int i = 0; i < 3; ++i) {
-            key(Qt::Key_Right);
-        }
-        key(Qt::Key_Left, Qt::ShiftModifier);
-        key(Qt::Key_Return);
-        QCOMPARE(query().from, axis().spanOf(axis().newestColumn() - 1).from);
-        QCOMPARE(query().until, axis().spanOf(axis().newestColumn()).until);
-        key(Qt::Key_Backspace);
-        QCOMPARE(query().until, column.until);
-    }
-    void leavesASpanAloneThatWasChosenElsewhere() {
-        openWithFocus();
-        key(Qt::Key_Return);
-        auto &bar = *m_page->findChild<FindBar *>(name("findBar"));
-        bar.setSpan(kStart, kStart + 60);
-        key(Qt::Key_Backspace);
-        QCOMPARE(query().from, kStart);
-        bar.setSpan({}, {});
-        key(Qt::Key_Backspace);
-        QVERIFY(!query().isInUse());
-    }
-    void doesNotNarrowWhenTheSelectionIsGivenUp() {
-        open();
-        press(200, Qt::ShiftModifier);
-        dragTo(300);
-        QVERIFY(!readOut().isEmpty());
-        QTest::keyClick(&timeline(), Qt::Key_Escape);
-        release(300);
-        QVERIFY(!query().isInUse());
     }
     void leavesRoomForWhatWaits() {
         open();
