@@ -99,7 +99,13 @@ void Timeline::changeEvent(QEvent *event) {
 void Timeline::holdChanged() {
     if ((m_hold->arrivals() > 0) != (m_waitingWidth > 0)) {
         layOut();
+    } else if (isAtWaiting()) {
+        pointerChanged();
     }
+}
+
+bool Timeline::isAtWaiting() const {
+    return m_waitingWidth > 0 && m_pointer >= width() - m_waitingWidth;
 }
 
 void Timeline::layOut() {
@@ -179,7 +185,7 @@ void Timeline::fillBands() {
 }
 
 QString Timeline::readOut() const {
-    if (m_waitingWidth > 0 && m_pointer >= width() - m_waitingWidth) {
+    if (isAtWaiting()) {
         return m_hold->arrivals() == 1 ? tr("1 new event waits")
                                        : tr("%1 new events wait").arg(number(m_hold->arrivals()));
     }

@@ -57,7 +57,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    enum class Drag { kNone, kPress, kPan, kSelect };
+    enum class Drag { kNone, kPress, kPan, kEdge, kSelect };
     struct AskedSpan {
         std::optional<std::int64_t> from;
         std::optional<std::int64_t> until;
@@ -78,6 +78,7 @@ private:
     void fillColumns();
     void fillBands();
 
+    [[nodiscard]] bool isAtWaiting() const;
     [[nodiscard]] std::int64_t cursorColumn() const;
     [[nodiscard]] std::int64_t columnNear(int x) const;
     [[nodiscard]] std::optional<std::int64_t> columnOfInterest() const;

@@ -50,7 +50,7 @@ void Timeline::startDrag(int x, bool selects) {
     m_grip = 0;
     m_pressedAt = m_draggedTo = x;
     if (const auto edge = edgeAt(x)) {
-        m_drag = Drag::kSelect;
+        m_drag = Drag::kEdge;
         m_anchor = edge->otherEnd;
         m_cursor = m_axis.spanOf(edge->column).from;
         m_grip = edge->grip;
@@ -77,7 +77,12 @@ void Timeline::mouseMoveEvent(QMouseEvent *event) {
 void Timeline::dragTo(int x) {
     if (!m_axis.hasRange()) {
         m_drag = Drag::kNone;
-    } else if (m_drag == Drag::kSelect) {
+        return;
+    }
+    if (m_drag == Drag::kEdge && x != m_pressedAt) {
+        m_drag = Drag::kSelect;
+    }
+    if (m_drag == Drag::kSelect) {
         m_cursor = m_axis.spanOf(columnNear(x - m_grip)).from;
     } else if (m_drag == Drag::kPress &&
                std::abs(x - m_pressedAt) >= QApplication::startDragDistance()) {
@@ -97,6 +102,8 @@ void Timeline::mouseReleaseEvent(QMouseEvent *event) {
     const Drag drag = std::exchange(m_drag, Drag::kNone);
     if (drag == Drag::kSelect) {
         narrow();
+    } else if (drag == Drag::kEdge) {
+        unselect();  // taken and let go where it was
     } else if (drag == Drag::kPress) {
         m_cursor = m_axis.spanOf(columnNear(event->pos().x())).from;
     }

@@ -105,6 +105,18 @@ private Q_SLOTS:
         QCOMPARE(spanChosen(), name("Last hour"));
         QCOMPARE(query().from, kStart + 23 * kHour + 600);
     }
+    void leavesASpanAloneWhoseEdgeIsOnlyTouched() {
+        open();
+        auto &bar = *m_page->findChild<FindBar *>(name("findBar"));
+        const std::int64_t end = kStart + 5 * kHour + 77;
+        bar.setSpan(kStart + 130, end);
+        press(axis().xOf(end));
+        release(axis().xOf(end));
+        QCOMPARE(query().from, kStart + 130);
+        QCOMPARE(query().until, end);
+        key(Qt::Key_Backspace);
+        QCOMPARE(query().until, end);
+    }
     void leavesASpanAloneThatWasChosenElsewhere() {
         openWithFocus();
         key(Qt::Key_Return);

@@ -206,6 +206,8 @@ private Q_SLOTS:
         QVERIFY(axis().leftOf(axis().newestColumn() + 1) < timeline().width());
         moveTo(timeline().width() - 2);
         QTRY_COMPARE(readOut(), name("2 new events wait"));
+        m_delegate->hold.addArrival(fields("1700000000"));
+        QCOMPARE(timeline().accessibleName(), name("Timeline: 3 new events wait"));
         m_delegate->hold.setOn(false);
         m_delegate->hold.release(std::chrono::milliseconds(1000), *m_page);
         QCOMPARE(axis().leftOf(axis().newestColumn() + 1), timeline().width());
