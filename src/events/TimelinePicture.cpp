@@ -15,7 +15,7 @@ namespace quorbel {
 namespace {
 
 constexpr int kHeight = 36;  // of the columns
-constexpr int kMarks = 7;    // below them
+constexpr int kMarks = 9;    // below them
 constexpr int kGap = 8;
 constexpr int kLeastSevere = 3;
 constexpr double kLabelSize = 0.85;
