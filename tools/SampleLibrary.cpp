@@ -4,7 +4,10 @@
 #include "common/Severity.h"
 #include "platform/KeyedArchive.h"
 
+#include <cmath>
 #include <ctime>
+#include <numbers>
+#include <random>
 #include <string>
 
 namespace quorbel {
@@ -70,6 +73,43 @@ void addLongTexts(Log &log) {
     log.add(6, "User.Error", "10.0.0.5",
             "<b>not</b> markup & \"quoted\", naïve café, Ελληνικά, кириллица");
     log.add(5, "Local7.Debug", "10.0.0.1", "short");
+}
+
+/// A minute of 24 hours: busier by day, and with a disk that fails for two hours of the night.
+void addMinute(Log &log, int minutesAgo, std::mt19937 &random) {
+    const auto upTo = [&random](double most) {
+        return static_cast<int>(random() % static_cast<unsigned>(most * 1024)) / 1024;
+    };
+    const int ago = minutesAgo * 60;
+    const double daylight = 1 + std::cos((minutesAgo - 180) * std::numbers::pi / 720);
+    for (int i = 0, count = upTo(3 + 2 * daylight); i < count; ++i) {
+        log.add(ago - 3 * i, "Mail.Informational", "mx2",
+                "postfix/smtp[4410]: delivered, relay=10.0.0.25, delay=0." + std::to_string(ago));
+    }
+    if (upTo(4) == 0) {
+        log.add(ago - 30, "Local7.Notice", "core-sw1",
+                "%LINEPROTO-5-UPDOWN: Line protocol on Interface GigabitEthernet0/" +
+                    std::to_string(upTo(24)) + ", changed state to up");
+    }
+    const int intoFailure = 540 - minutesAgo;
+    const bool isFailing = intoFailure >= 0 && intoFailure < 120;
+    for (int i = 0, count = isFailing ? upTo(4 + intoFailure / 20.0) : 0; i < count; ++i) {
+        log.add(ago - 31 - i, "Kern.Error", "fs01",
+                "blk_update_request: I/O error, dev sdb1, sector " + std::to_string(random()));
+    }
+    if (intoFailure == 20 || intoFailure == 75 || intoFailure == 110) {
+        log.add(ago - 50, "Kern.Critical", "fs01",
+                "md/raid1:md0: disk sdb1 failed, array is degraded");
+    }
+}
+
+void addFullDay(Log &log) {
+    std::mt19937 random{1};  // the same day each time
+    for (int minutesAgo = 24 * 60; minutesAgo > 0; --minutesAgo) {
+        addMinute(log, minutesAgo, random);
+    }
+    log.add(0, "Auth.Alert", "gw-west",
+            "login: 25 failed logins for user admin from 203.0.113.77 within a minute");
 }
 
 Dictionary filter(const char *name, const char *address, const char *mask, const char *facility,
@@ -150,6 +190,9 @@ void writeSample(Sample sample, const testing::TemporaryFolder &library) {
             break;
         case Sample::kBad:
             addBadDay(log);
+            break;
+        case Sample::kDay:
+            addFullDay(log);
             break;
         default:
             addLongTexts(log);

@@ -5,7 +5,7 @@
 namespace quorbel {
 
 /// What the service's folder holds when a picture is taken.
-enum class Sample { kEmpty, kQuiet, kBusy, kBad, kLongTexts };
+enum class Sample { kEmpty, kQuiet, kBusy, kBad, kLongTexts, kDay };
 
 /// Writes log files and, but for kEmpty, a settings document in which everything is in use.
 void writeSample(Sample sample, const testing::TemporaryFolder &library);

@@ -6,6 +6,7 @@
 
 #include "SampleLibrary.h"
 #include "platform/gui/Appearance.h"
+#include "platform/gui/WindowMemory.h"
 #include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
@@ -199,6 +200,20 @@ void chooseBelow(const Stage &stage, const char *button, int steps) {
     QTest::qWait(kSettleMs);
 }
 
+/// Opens the timeline and narrows the table to a part of it: from one hundredth of its width on, up
+/// to another one.
+void narrow(const Stage &stage, int from, int until) {
+    stage.click("timelineToggle");
+    auto &timeline = stage.control<QWidget>("timeline");
+    const auto place = [&timeline](int hundredth) {
+        return QPoint(timeline.width() * hundredth / 100, 10);
+    };
+    QTest::mousePress(&timeline, Qt::LeftButton, Qt::ShiftModifier, place(from));
+    QTest::mouseMove(&timeline, place(until));
+    QTest::mouseRelease(&timeline, Qt::LeftButton, Qt::ShiftModifier, place(until));
+    QTest::qWait(kSettleMs);
+}
+
 std::vector<Picture> settingsPictures() {
     const auto optionsAt = [](const char *name) {
         return [name](const Stage &stage) {
@@ -278,6 +293,12 @@ std::vector<Picture> pictures() {
              find(stage);
              stage.type("findText", "moon");
          }},
+        {"events-timeline", Sample::kDay, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             narrow(stage, 62, 72);
+             stage.type("findText", "sdb1");
+         }},
         {"details", Sample::kBad, "eventView",
          [](Stage &stage) {
              stage.click("Scan");
@@ -327,6 +348,7 @@ std::vector<Picture> pictures() {
 }
 
 bool save(const Picture &picture, testing::ServiceStandIn &service, const QString &file) {
+    windowMemory().clear();  // each begins as the window does for a new user
     const testing::TemporaryFolder library;
     writeSample(picture.sample, library);
     qputenv("QUORBEL_LIBRARY", library.path().c_str());
