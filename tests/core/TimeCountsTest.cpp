@@ -43,7 +43,7 @@ protected:
         ASSERT_EQ(m_counts.first(), std::ranges::min(m_moments).first);
         ASSERT_EQ(m_counts.last(), std::ranges::max(m_moments).first);
         for (int i = 0; i < 20; ++i) {
-            const auto [from, until] = std::minmax(someMoment(), someMoment());
+            const auto [from, until] = std::minmax({someMoment(), someMoment()});
             ASSERT_EQ(m_counts.sum(from, until), plainSum(m_moments, from, until))
                 << from << " " << until;
         }
