@@ -112,7 +112,7 @@ private:
     }
     bool arrivals() {
         const double without = arrivalsTake();
-        TimelineCounts counts(m_events);
+        TimelineCounts counts(m_events, EventGrouping::kRating);
         for (const Stopwatch watch; watch.seconds() < 3 && counts.all().isEmpty();) {
             QApplication::processEvents();
         }

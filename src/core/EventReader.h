@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorbel {
 
@@ -82,6 +84,16 @@ public:
     void visitHosts(Visit visit) const {
         visitTexts(m_list.m_hosts, visit);
     }
+    /// Calls `visit(text, events)` for each text that some event of the list has. Looks at all that
+    /// are set aside, two million of them in some milliseconds.
+    template <typename Visit>
+    void visitPriorityUses(Visit visit) const {
+        visitUses(m_list.m_priorities, &EventRecord::priority, visit);
+    }
+    template <typename Visit>
+    void visitHostUses(Visit visit) const {
+        visitUses(m_list.m_hosts, &EventRecord::host, visit);
+    }
 
 private:
     template <typename Visit>
@@ -89,6 +101,21 @@ private:
         for (StringTable::Id id = 1; id < texts.idLimit(); ++id) {
             if (texts.uses(id) > 0) {
                 visit(texts.text(id));
+            }
+        }
+    }
+    template <typename Visit>
+    void visitUses(const StringTable &texts, StringTable::Id EventRecord::*member,
+                   Visit visit) const {
+        std::vector<std::uint64_t> aside(texts.idLimit());
+        for (const EventChunk &chunk : m_list.m_aside) {
+            for (std::size_t position = 0; position < chunk.size(); ++position) {
+                ++aside[chunk.record(position).*member];
+            }
+        }
+        for (StringTable::Id id = 1; id < texts.idLimit(); ++id) {
+            if (const std::uint64_t events = texts.uses(id) - aside[id]; events > 0) {
+                visit(texts.text(id), events);
             }
         }
     }

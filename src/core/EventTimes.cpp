@@ -17,7 +17,8 @@ bool isCountable(const EventRecord &record) {
 
 }  // namespace
 
-EventTimes::EventTimes(ArrangedEvents &events) : m_events(events), m_reader(events.list()) {
+EventTimes::EventTimes(ArrangedEvents &events, EventGroups groups)
+    : m_events(events), m_reader(events.list()), m_groups(std::move(groups)) {
     m_events.addObserver(*this);
 }
 
@@ -32,7 +33,7 @@ const EventRecord &EventTimes::recordOf(EventId id) const {
 
 void EventTimes::add(const EventRecord &record) {
     if (isCountable(record)) {
-        followed().add(record.seconds, record.image);
+        followed().add(record.seconds, m_groups.groupOf(record, m_reader));
     }
 }
 
@@ -131,7 +132,7 @@ void EventTimes::rowsWillBeRemoved(std::size_t first, std::size_t count) {
         const EventId id = m_events.idAt(row);
         const EventRecord &record = recordOf(id);
         if (id < m_next && isCountable(record)) {
-            followed().subtract(record.seconds, record.image);
+            followed().subtract(record.seconds, m_groups.groupOf(record, m_reader));
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/ArrangedEvents.h"
+#include "core/EventGroups.h"
 #include "core/EventReader.h"
 #include "core/TimeCounts.h"
 
@@ -10,7 +11,7 @@
 
 namespace quorbel {
 
-/// When the arranged events happened, and how they are rated.
+/// When the arranged events happened, and in which groups: how they are rated, or others.
 ///
 /// Single arrivals and removals are followed at once. After larger changes all are counted anew, in
 /// slices: until that is done, the counts from before stand. Dates that are text nobody could read,
@@ -18,11 +19,12 @@ namespace quorbel {
 class EventTimes : private EventListObserver {
 public:
     /// Observes the events, which outlive this. Nothing is counted yet.
-    explicit EventTimes(ArrangedEvents &events);
+    explicit EventTimes(ArrangedEvents &events, EventGroups groups = {});
     ~EventTimes() override;
     EventTimes(const EventTimes &) = delete;
     EventTimes &operator=(const EventTimes &) = delete;
 
+    [[nodiscard]] const EventGroups &groups() const { return m_groups; }
     [[nodiscard]] const TimeCounts &counts() const { return m_counts; }
     /// Whether the counts are not, or not quite, those of the events now.
     [[nodiscard]] bool isCounting() const { return m_isBehind; }
@@ -49,6 +51,7 @@ private:
 
     ArrangedEvents &m_events;
     EventReader m_reader;
+    EventGroups m_groups;
     TimeCounts m_counts;
     EventQuery m_filter;       // the one whose events are counted
     TimeCounts m_fresh;        // what takes the counts' place when it is complete

@@ -12,7 +12,7 @@
 
 namespace quorbel {
 
-/// How many events there are of each rating.
+/// How many events there are of each rating, or of each group that they are told apart by instead.
 using RatingCounts = std::array<std::size_t, kRatingCount>;
 
 /// How many events of each rating happened when: counted by the second, the minute, the hour and

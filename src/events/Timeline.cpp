@@ -2,6 +2,7 @@
 
 #include "events/TimeTexts.h"
 #include "platform/gui/FontSize.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
 #include <QHideEvent>
@@ -27,6 +28,11 @@ QString number(std::size_t count) {
     return countText(static_cast<qint64>(count));
 }
 
+/// Of a group as it is said; what comes behind the last name stands for all others.
+QString nameOf(const std::vector<std::string> &names, std::size_t place) {
+    return place < names.size() ? paintedRow(toQString(names[place])) : Timeline::tr("others");
+}
+
 }  // namespace
 
 Timeline::Timeline(QWidget *parent) : QWidget(parent) {
@@ -34,9 +40,10 @@ Timeline::Timeline(QWidget *parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAccessibleName(tr("Timeline"));
-    setAccessibleDescription(
-        tr("When the events happened. Arrow keys, plus, minus and Home look around; with Shift, "
-           "arrow keys select a span. Return narrows the table to it, Backspace goes a step back"));
+    setAccessibleDescription(tr(
+        "When the events happened. Arrow keys, plus, minus and Home look around; with Shift, "
+        "arrow keys select a span. Return narrows the table to it, Backspace goes a step back. A "
+        "menu chooses what the columns are stacked by"));
 }
 
 Timeline::~Timeline() {
@@ -61,15 +68,31 @@ void Timeline::attach(ArrangedEvents &events, EventHold &hold) {
 }
 
 QSize Timeline::sizeHint() const {
-    const int height = TimelinePicture::heightFor(TimelinePicture::labelFont(font()));
+    const int height = TimelinePicture::heightFor(TimelinePicture::labelFont(font()),
+                                                  m_grouping != EventGrouping::kRating);
     return {sizedToFont(kTickDistance), height};
 }
 
 void Timeline::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
     if (!m_counts && m_events != nullptr) {
-        m_counts = std::make_unique<TimelineCounts>(*m_events);
-        connect(m_counts.get(), &TimelineCounts::changed, this, &Timeline::countsChanged);
+        startCounting();
+    }
+}
+
+void Timeline::startCounting() {
+    m_isCounted = false;
+    m_counts = std::make_unique<TimelineCounts>(*m_events, m_grouping);
+    connect(m_counts.get(), &TimelineCounts::changed, this, &Timeline::countsChanged);
+}
+
+void Timeline::setGrouping(EventGrouping grouping) {
+    if (std::exchange(m_grouping, grouping) == grouping) {
+        return;
+    }
+    updateGeometry();
+    if (m_counts) {
+        startCounting();
     }
 }
 
@@ -132,7 +155,7 @@ void Timeline::viewChanged() {
 }
 
 void Timeline::pointerChanged() {
-    const QString text = readOut();
+    const QString text = (QStringList(readOut()) + groupTexts()).join(QStringLiteral(", "));
     setAccessibleName(text.isEmpty() ? tr("Timeline") : tr("Timeline: ") + text);
     update();
 }
@@ -150,19 +173,24 @@ void Timeline::paintEvent(QPaintEvent * /*event*/) {
 }
 
 void Timeline::fillColumns() {
+    if (m_counts->allInGroups() == nullptr) {
+        return;  // they are counted anew; what was painted stands until then
+    }
     m_picture.columns.clear();
     m_picture.ticks.clear();
     if (!m_axis.hasRange()) {
         return;
     }
-    const TimeCounts *matching = m_counts->matching();
+    m_picture.isByRating = m_grouping == EventGrouping::kRating;
+    const TimeCounts &all = *m_counts->allInGroups();
+    const TimeCounts *matching = m_counts->matchingInGroups();
     for (std::int64_t column = m_axis.firstColumn(); column < m_axis.endColumn(); ++column) {
         const TimeSpan span = m_axis.spanOf(column);
-        const RatingCounts all = m_counts->all().sum(span.from, span.until);
-        m_picture.columns.push_back({m_axis.leftOf(column), m_axis.columnWidth() - 1, all,
-                                     matching != nullptr
-                                         ? std::optional(matching->sum(span.from, span.until))
-                                         : std::nullopt});
+        m_picture.columns.push_back(
+            {m_axis.leftOf(column), m_axis.columnWidth() - 1, all.sum(span.from, span.until),
+             matching != nullptr ? std::optional(matching->sum(span.from, span.until))
+                                 : std::nullopt,
+             m_counts->all().sum(span.from, span.until)[kSevereAt]});
     }
     m_picture.ticks = ticksOf(m_axis, width() - m_waitingWidth, sizedToFont(kTickDistance));
 }
@@ -182,6 +210,41 @@ void Timeline::fillBands() {
                             ? std::nullopt
                             : std::optional(Band{width() - m_waitingWidth + 2, width()});
     m_picture.readOut = readOut();
+    fillLegend();
+}
+
+void Timeline::fillLegend() {
+    m_picture.legend.clear();
+    if (m_grouping == EventGrouping::kRating || !m_axis.hasRange()) {
+        return;
+    }
+    const QStringList counted = groupTexts();
+    const std::vector<std::string> &names = m_counts->groups().names();
+    for (std::size_t i = 0; i <= names.size(); ++i) {
+        const auto place = static_cast<qsizetype>(i);
+        m_picture.legend.append(counted.value(place, nameOf(names, i)));
+    }
+}
+
+/// How many events of each group there are where pointer or keyboard are at; empty by rating.
+QStringList Timeline::groupTexts() const {
+    const std::optional<TimeSpan> span = spanOfInterest();
+    if (!span || !m_isCounted || m_grouping == EventGrouping::kRating) {
+        return {};
+    }
+    const TimeCounts *matching = m_counts->matchingInGroups();
+    const TimeCounts *counted = matching != nullptr ? matching : m_counts->allInGroups();
+    if (counted == nullptr) {
+        return {};
+    }
+    const RatingCounts counts = counted->sum(span->from, span->until);
+    const std::vector<std::string> &names = m_counts->groups().names();
+    QStringList texts;
+    for (std::size_t i = 0; i <= names.size(); ++i) {
+        const std::size_t count = counts[(i + 1) % (names.size() + 1)];
+        texts.append(nameOf(names, i) + QLatin1Char(' ') + number(count));
+    }
+    return texts;
 }
 
 QString Timeline::readOut() const {
@@ -189,12 +252,17 @@ QString Timeline::readOut() const {
         return m_hold->arrivals() == 1 ? tr("1 new event waits")
                                        : tr("%1 new events wait").arg(number(m_hold->arrivals()));
     }
-    std::optional<TimeSpan> span = selection();
-    if (const auto column = columnOfInterest(); column && !span) {
-        span = m_axis.spanOf(*column);
-    }
+    const std::optional<TimeSpan> span = spanOfInterest();
     return span && m_isCounted ? spanText(*span, m_axis) + QStringLiteral(": ") + countText(*span)
                                : QString();
+}
+
+std::optional<TimeSpan> Timeline::spanOfInterest() const {
+    if (const auto selected = selection()) {
+        return selected;
+    }
+    const auto column = columnOfInterest();
+    return column ? std::optional(m_axis.spanOf(*column)) : std::nullopt;
 }
 
 QString Timeline::countText(const TimeSpan &span) const {

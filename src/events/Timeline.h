@@ -5,6 +5,7 @@
 #include "events/TimelineCounts.h"
 #include "events/TimelinePicture.h"
 
+#include <QStringList>
 #include <QWidget>
 
 #include <memory>
@@ -28,6 +29,9 @@ public:
 
     /// Forgets them.
     void detach();
+
+    /// What the columns are stacked by; the rating at first.
+    void setGrouping(EventGrouping grouping);
 
     [[nodiscard]] const TimeAxis &axis() const { return m_axis; }
     /// What is said of the column, or the columns, that pointer or keyboard are at.
@@ -71,11 +75,13 @@ private:
     };
 
     void holdChanged() override;
+    void startCounting();
     void countsChanged();
     void layOut();
     void viewChanged();
     void pointerChanged();
     void fillColumns();
+    void fillLegend();
     void fillBands();
 
     [[nodiscard]] bool isAtWaiting() const;
@@ -83,9 +89,11 @@ private:
     [[nodiscard]] std::int64_t columnNear(int x) const;
     [[nodiscard]] std::optional<std::int64_t> columnOfInterest() const;
     [[nodiscard]] std::optional<TimeSpan> selection() const;
+    [[nodiscard]] std::optional<TimeSpan> spanOfInterest() const;
     [[nodiscard]] AskedSpan asked() const;
     [[nodiscard]] std::optional<TimelinePicture::Band> askedBand() const;
     [[nodiscard]] QString countText(const TimeSpan &span) const;
+    [[nodiscard]] QStringList groupTexts() const;
 
     void zoom(double factor, int x);
     void zoomAtCursor(double factor);
@@ -106,6 +114,7 @@ private:
 
     ArrangedEvents *m_events = nullptr;
     EventHold *m_hold = nullptr;
+    EventGrouping m_grouping = EventGrouping::kRating;
     std::unique_ptr<TimelineCounts> m_counts;  // while visible
     TimeAxis m_axis;
     TimelinePicture m_picture;

@@ -1,6 +1,7 @@
 #include "events/TimelineFold.h"
 
 #include "events/Timeline.h"
+#include "events/TimelineMenu.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/WindowMemory.h"
 
@@ -23,6 +24,7 @@ TimelineFold::TimelineFold(Timeline &timeline, QAbstractButton &button, Arranged
       m_button(button),
       m_isWanted(windowMemory().value(kKey, false).toBool()) {
     m_timeline.attach(events, hold);
+    new TimelineMenu(m_timeline);
     m_button.setCheckable(true);
     m_button.setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard with the table
     m_button.setIcon(lineIcon(QStringLiteral("timeline")));

@@ -7,6 +7,7 @@
 #include <QPolygonF>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 
@@ -17,6 +18,8 @@ namespace {
 constexpr int kHeight = 36;  // of the columns
 constexpr int kMarks = 9;    // below them
 constexpr int kGap = 8;
+constexpr int kSwatch = 9;
+constexpr int kWidestName = 180;
 constexpr int kLeastSevere = 3;
 constexpr double kLabelSize = 0.85;
 
@@ -25,6 +28,13 @@ constexpr QColor kModerate(0xf0, 0xa3, 0x0a);
 constexpr QColor kNormal(0x2f, 0x9e, 0x52);
 constexpr QColor kPaleModerate(0xf7, 0xe0, 0xb0);
 constexpr QColor kPaleNormal(0xd3, 0xe7, 0xd9);
+/// By group.
+constexpr std::array<QColor, kRatingCount> kGroups{
+    QColor(0x8a, 0x95, 0xa3), QColor(0x1f, 0x6f, 0xbf), QColor(0x8e, 0x55, 0xb8),
+    QColor(0x12, 0x8f, 0x8b)};
+constexpr std::array<QColor, kRatingCount> kPaleGroups{
+    QColor(0xe1, 0xe5, 0xea), QColor(0xc6, 0xdc, 0xf2), QColor(0xe0, 0xd1, 0xec),
+    QColor(0xc1, 0xe3, 0xe1)};
 constexpr QColor kEdge(0x44, 0x50, 0x5f);
 constexpr QColor kPaleEdge(0x8a, 0x95, 0xa3);
 constexpr QColor kBase(0xc9, 0xd0, 0xd9);
@@ -77,13 +87,8 @@ private:
     int m_height = 0;
 };
 
-void paintColumn(QPainter &painter, const TimelinePicture::Column &column, const QRect &area,
-                 std::size_t most) {
+void stackRatings(Stack &stack, const TimelinePicture::Column &column) {
     const std::size_t all = totalOf(column.all);
-    if (all == 0) {
-        return;
-    }
-    Stack stack(painter, column, area, most);
     const RatingCounts full = column.matching.value_or(RatingCounts{});
     const std::size_t severe = std::max(column.all[kSevereAt], full[kSevereAt]);
     const std::size_t normal = totalOf(full) - full[kModerateAt] - full[kSevereAt];
@@ -101,16 +106,33 @@ void paintColumn(QPainter &painter, const TimelinePicture::Column &column, const
     if (totalOf(full) < all && severe < all) {
         stack.addEdge(kPaleEdge);
     }
-    if (severe > 0) {
-        const double middle = column.x + column.width / 2.0;
-        const double top = area.bottom() + 3;
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(kSevere);
-        painter.setPen(Qt::NoPen);
-        painter.drawPolygon(
-            QPolygonF{{middle, top}, {middle - 3.5, top + 5}, {middle + 3.5, top + 5}});
-        painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
+void stackGroups(Stack &stack, const TimelinePicture::Column &column) {
+    constexpr std::array<std::size_t, kRatingCount> kOrder{1, 2, 3, 0};
+    const RatingCounts full = column.matching.value_or(RatingCounts{});
+    for (const std::size_t group : kOrder) {
+        stack.add(full[group], kGroups[group], 1);
     }
+    if (totalOf(full) > 0) {
+        stack.addEdge(kEdge);
+    }
+    for (const std::size_t group : kOrder) {
+        stack.add(column.all[group] - std::min(column.all[group], full[group]), kPaleGroups[group]);
+    }
+    if (totalOf(full) < totalOf(column.all)) {
+        stack.addEdge(kPaleEdge);
+    }
+}
+
+void paintSevereMark(QPainter &painter, const TimelinePicture::Column &column, const QRect &area) {
+    const double middle = column.x + column.width / 2.0;
+    const double top = area.bottom() + 3;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(kSevere);
+    painter.setPen(Qt::NoPen);
+    painter.drawPolygon(QPolygonF{{middle, top}, {middle - 3.5, top + 5}, {middle + 3.5, top + 5}});
+    painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
 }  // namespace
@@ -125,8 +147,8 @@ QFont TimelinePicture::labelFont(const QFont &base) {
     return font;
 }
 
-int TimelinePicture::heightFor(const QFont &labels) {
-    return sizedToFont(kHeight) + kMarks + QFontMetrics(labels).height();
+int TimelinePicture::heightFor(const QFont &labels, bool hasLegend) {
+    return sizedToFont(kHeight) + kMarks + QFontMetrics(labels).height() * (hasLegend ? 2 : 1);
 }
 
 void TimelinePicture::paint(QPainter &painter, const QSize &size, const QFont &font) const {
@@ -189,7 +211,17 @@ void TimelinePicture::paintColumns(QPainter &painter, const QRect &area) const {
         most = std::max(most, totalOf(column.all));
     }
     for (const Column &column : columns) {
-        paintColumn(painter, column, area, most);
+        if (totalOf(column.all) > 0) {
+            Stack stack(painter, column, area, most);
+            if (isByRating) {
+                stackRatings(stack, column);
+            } else {
+                stackGroups(stack, column);
+            }
+        }
+        if (column.severe > 0) {
+            paintSevereMark(painter, column, area);
+        }
     }
 }
 
@@ -213,6 +245,26 @@ void TimelinePicture::paintLabels(QPainter &painter, const QRect &area, const QS
     painter.drawText(QRect(std::max(size.width() - readOutWidth, 0), top,
                            std::min(readOutWidth, size.width()), metrics.height()),
                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, readOut);
+    paintLegend(painter, top + metrics.height(), size.width());
+}
+
+void TimelinePicture::paintLegend(QPainter &painter, int top, int width) const {
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int swatch = sizedToFont(kSwatch);
+    int left = 0;
+    for (qsizetype i = 0; i < legend.size(); ++i) {
+        const auto group = static_cast<std::size_t>((i + 1) % legend.size());
+        const QString text =
+            metrics.elidedText(legend[i], Qt::ElideMiddle,
+                               std::min(sizedToFont(kWidestName), width / 4 - swatch - 2 * kGap));
+        painter.fillRect(left, top + (metrics.height() - swatch) / 2, swatch, swatch,
+                         kGroups[group]);
+        left += swatch + kGap / 2;
+        const int textWidth = metrics.horizontalAdvance(text);
+        painter.drawText(left, top, textWidth, metrics.height(),
+                         Qt::AlignVCenter | Qt::TextSingleLine, text);
+        left += textWidth + 2 * kGap;
+    }
 }
 
 }  // namespace quorbel

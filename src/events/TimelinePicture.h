@@ -6,6 +6,7 @@
 
 #include <QFont>
 #include <QRect>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -14,14 +15,16 @@ class QPainter;
 
 namespace quorbel {
 
-/// What a timeline paints: columns of events, the severe ones at the base. All are pale, those that
-/// are asked for full; severe ones are always full and have a mark below.
+/// What a timeline paints: columns of events, the severe ones at the base, or stacked by groups.
+/// All are pale, those that are asked for full; severe ones have a mark below and, by rating, are
+/// always full.
 struct TimelinePicture {
     struct Column {
         int x;
         int width;
-        RatingCounts all;
+        RatingCounts all;                      ///< by rating, or by group: 1, 2, 3, and 0 on top
         std::optional<RatingCounts> matching;  ///< none while nothing is asked for
+        std::size_t severe;
     };
     /// From one x up to another one.
     struct Band {
@@ -30,6 +33,8 @@ struct TimelinePicture {
     };
 
     std::vector<Column> columns;
+    bool isByRating = true;
+    QStringList legend;  ///< of the groups from 1 on and, at last, group 0; empty by rating
     std::vector<TimeTick> ticks;
     std::optional<Band> asked;     ///< the span that the table is narrowed to
     std::optional<Band> selected;  ///< the one that is being chosen
@@ -40,7 +45,7 @@ struct TimelinePicture {
 
     // Places in a picture of some size.
     static QRect columnsArea(const QSize &size);
-    static int heightFor(const QFont &labels);
+    static int heightFor(const QFont &labels, bool hasLegend);
     static QFont labelFont(const QFont &base);
 
     /// `font` is that of the labels.
@@ -50,6 +55,7 @@ private:
     void paintBand(QPainter &painter, const QRect &area, const Band &band, bool hasHandles) const;
     void paintColumns(QPainter &painter, const QRect &area) const;
     void paintLabels(QPainter &painter, const QRect &area, const QSize &size) const;
+    void paintLegend(QPainter &painter, int top, int width) const;
 };
 
 }  // namespace quorbel

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,8 +20,9 @@ constexpr std::int64_t kStart = 1'700'000'000;
 
 class EventTimesTest : public ::testing::Test {
 protected:
-    void insert(std::string_view date, std::string_view priority = "Local7.Error") {
-        m_list.insertShown(testing::fields(date, priority), m_state);
+    void insert(std::string_view date, std::string_view priority = "Local7.Error",
+                std::string_view host = "10.0.0.5") {
+        m_list.insertShown(testing::fields(date, priority, host), m_state);
     }
     void finish() {
         m_all.count([] { return false; });
@@ -143,6 +145,37 @@ TEST_F(EventTimesTest, CountsWhatAFilterMeansOnly) {
     EXPECT_EQ(allOf(m_matching), allOf(m_all));
 }
 
+TEST_F(EventTimesTest, CountsByTheHostsAndFacilitiesThatMostEventsHave) {
+    for (const char *host : {"b", "a", "d", "b", "a", "b", "", "c", "c", "b"}) {
+        insert("1700000000", *host == 'a' ? "Kern.Error" : "Mail.Debug", host);
+    }
+    insert("1700000000", "odd", "e");
+    const EventGroups byHost(EventGrouping::kHost, m_list);
+    EXPECT_EQ(byHost.names(), (std::vector<std::string>{"b", "a", "c"}));
+    const EventGroups byFacility(EventGrouping::kFacility, m_list);
+    EXPECT_EQ(byFacility.names(), (std::vector<std::string>{"Mail", "Kern", "odd"}));
+    EXPECT_EQ(EventGroups(EventGrouping::kRating, m_list), EventGroups());
+    EventTimes hosts(m_events, byHost);
+    EventTimes facilities(m_events, byFacility);
+    for (EventTimes *times : {&hosts, &facilities}) {
+        times->count([] { return false; });
+    }
+    EXPECT_EQ(allOf(hosts), (RatingCounts{3, 4, 2, 2}));
+    EXPECT_EQ(allOf(facilities), (RatingCounts{0, 8, 2, 1}));
+    insert("1700000001", "Auth.Debug", "c");
+    m_list.setAside({{2, 1}, {4, 1}});
+    for (EventTimes *times : {&hosts, &facilities}) {
+        times->count([] { return false; });
+    }
+    EXPECT_EQ(allOf(hosts), (RatingCounts{3, 3, 2, 2}));
+    EXPECT_EQ(allOf(facilities), (RatingCounts{1, 6, 2, 1}));
+    EXPECT_EQ(EventGroups(EventGrouping::kHost, m_list).names(),
+              (std::vector<std::string>{"b", "a", "c"}));
+    m_list.setAside({{0, 1}, {2, 1}});
+    EXPECT_EQ(EventGroups(EventGrouping::kHost, m_list).names(),
+              (std::vector<std::string>{"b", "a", "d"}));
+}
+
 TEST_F(EventTimesTest, CountsWhatComesBackAndWhereItStood) {
     for (int i = 0; i < 5000; ++i) {
         insert(std::to_string(kStart + i));
@@ -178,7 +211,8 @@ protected:
         for (; count > 0; --count) {
             m_clock += static_cast<std::int64_t>(pick(2) * pick(40)) - (pick(200) == 0 ? 5000 : 0);
             const std::string date = pick(30) == 0 ? oneOf(odd) : std::to_string(m_clock);
-            const EventFields event = testing::fields(date, oneOf(priorities));
+            const std::string host = "10.0.0." + std::to_string(pick(1 + pick(6)));
+            const EventFields event = testing::fields(date, oneOf(priorities), host);
             if (isBulk || pick(2) == 0) {
                 m_list.insertRaw(event);
             } else {
@@ -212,6 +246,9 @@ protected:
         m_list.show(m_state);
         m_all.recount();
         m_matching.recount();
+        if (m_byHost) {
+            m_byHost->recount();
+        }
         m_events.refresh();
     }
     void filter() {
@@ -225,9 +262,17 @@ protected:
     }
     struct Counted {
         std::int64_t moment;
-        EventRating rating;
+        std::size_t group;
     };
-    std::vector<Counted> plainly(ArrangedEvents &events) {
+    std::size_t groupOf(EventId id, EventRating rating, const EventGroups &groups) {
+        if (groups.grouping() == EventGrouping::kRating) {
+            return rating;
+        }
+        const auto &names = groups.names();
+        const auto name = std::ranges::find(names, m_list.host(m_list.rowOf(id).value()).value());
+        return name == names.end() ? 0 : 1 + static_cast<std::size_t>(name - names.begin());
+    }
+    std::vector<Counted> plainly(ArrangedEvents &events, const EventGroups &groups) {
         const EventReader reader(m_list);
         std::vector<Counted> counted;
         for (std::size_t row = 0; row < events.size(); ++row) {
@@ -236,7 +281,7 @@ protected:
             const EventRecord &record = reader.settled(chunk, *chunk.positionOf(id));
             if (record.format != EventRecord::kTextDate && record.seconds >= 0 &&
                 record.seconds < TimeCounts::kEnd) {
-                counted.push_back({record.seconds, record.image});
+                counted.push_back({record.seconds, groupOf(id, record.image, groups)});
             }
         }
         return counted;
@@ -245,20 +290,21 @@ protected:
         if (times.isCounting()) {
             return;
         }
-        const std::vector<Counted> plain = plainly(events);
+        const std::vector<Counted> plain = plainly(events, times.groups());
         ASSERT_EQ(times.counts().isEmpty(), plain.empty());
         for (int i = 0; i < 10; ++i) {
             const std::int64_t from =
                 i == 0 ? 0 : kStart + static_cast<std::int64_t>(pick(200'000));
             const std::int64_t until = i == 0 ? TimeCounts::kEnd : from + 1 + 60 * (i * i * i);
             RatingCounts expected{};
-            for (const auto &[moment, rating] : plain) {
-                expected[rating] += moment >= from && moment < until ? 1 : 0;
+            for (const auto &[moment, group] : plain) {
+                expected[group] += moment >= from && moment < until ? 1 : 0;
             }
             ASSERT_EQ(times.counts().sum(from, until), expected);
         }
     }
 
+    std::optional<EventTimes> m_byHost;
     std::mt19937 m_random{GetParam()};
     std::int64_t m_clock = kStart;
 };
@@ -268,6 +314,12 @@ TEST_P(EventTimesModelTest, CountsWhatAPlainLookDoes) {
     std::size_t cameBack = 0;
     for (std::size_t step = 0; step < 150 && !HasFatalFailure(); ++step) {
         insertSome(pick(120));
+        if (step % 50 == 3) {
+            m_byHost.emplace(m_events, EventGroups(EventGrouping::kHost, m_list));
+        }
+        if (m_byHost && pick(3) == 0) {
+            m_byHost->count([] { return false; });
+        }
         if (step % 20 == 7) {
             insertMany();
         }
@@ -299,9 +351,12 @@ TEST_P(EventTimesModelTest, CountsWhatAPlainLookDoes) {
         }
         compare(m_unfiltered, m_all);
         compare(m_events, m_matching);
+        if (m_byHost) {
+            compare(m_events, *m_byHost);
+        }
     }
     EXPECT_GT(largest, 8192U);
-    EXPECT_GT(cameBack, 1000U);
+    EXPECT_GT(cameBack, 50U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, EventTimesModelTest, ::testing::Values(1U, 2U, 3U, 4U));

@@ -5,7 +5,9 @@
 #include "events/Timeline.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QSettings>
 #include <QTest>
 #include <QWheelEvent>
@@ -50,6 +52,18 @@ protected:
         dragTo(to);
         release(to);
     }
+    /// Chooses from the menu by the letter that is underlined.
+    void chooseFromMenu(Qt::Key letter) {
+        const QPoint place(10, 10);
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, place, timeline().mapToGlobal(place));
+        QApplication::sendEvent(&timeline(), &event);
+        auto *menu = m_page->findChild<QMenu *>(name("timelineMenu"));
+        QVERIFY(menu->isVisible());
+        QTest::keyClick(menu, letter);
+        QVERIFY(!menu->isVisible());
+        m_page->activateWindow();  // as a window manager does once the menu has closed
+        QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
+    }
     double secondsPerPixel() { return static_cast<double>(axis().step()) / axis().columnWidth(); }
     void startAfresh(int events, std::int64_t every) {
         for (int i = 0; i < events; ++i) {
@@ -75,10 +89,10 @@ protected:
     EventQuery query() { return m_page->findChild<FindBar *>(name("findBar"))->filter(); }
     QString spanChosen() { return m_page->findChild<QAbstractButton *>(name("findSpan"))->text(); }
     QString readOut() { return timeline().readOut(); }
-    QString remembered() {
+    QString remembered(const char *key = "Timeline/shown") {
         return QSettings(name((m_configuration->path() / "QuorbelWindow.ini").c_str()),
                          QSettings::IniFormat)
-            .value(name("Timeline/shown"))
+            .value(name(key))
             .toString();
     }
 };
