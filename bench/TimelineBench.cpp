@@ -74,6 +74,9 @@ public:
         std::printf("%zu events match\n", m_events.size());
         reached &= counting("counting what matches, ");
         reached &= looking("looking around with a filter");
+        m_timeline.setGrouping(EventGrouping::kHost);
+        reached &= counting("counting by host, ");
+        reached &= looking("looking around by host with a filter");
         m_events.setFilter({});
         m_timeline.detach();
         return reached;
