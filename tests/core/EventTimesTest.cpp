@@ -212,7 +212,8 @@ protected:
             m_clock += static_cast<std::int64_t>(pick(2) * pick(40)) - (pick(200) == 0 ? 5000 : 0);
             const std::string date = pick(30) == 0 ? oneOf(odd) : std::to_string(m_clock);
             const std::string host = "10.0.0." + std::to_string(pick(1 + pick(6)));
-            const EventFields event = testing::fields(date, oneOf(priorities), host);
+            const std::string priority = oneOf(priorities);
+            const EventFields event = testing::fields(date, priority, host);
             if (isBulk || pick(2) == 0) {
                 m_list.insertRaw(event);
             } else {
