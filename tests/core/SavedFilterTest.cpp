@@ -100,7 +100,7 @@ TEST(SavedFilterTest, SaysWhichExpressionIsWrong) {
     EXPECT_EQ(problemOf("filter A\nmatches a\nor b\nor c)\nhost x\n"),
               "5: \"or\" is no regular expression: unexpected ): c)");
     EXPECT_EQ(problemOf("filter A\ncontains a\nor b\n"), "4: \"or\" does not follow an expression");
-    EXPECT_EQ(problemOf("filter A\nmatches a\nhost x\nor b\n"),
+    EXPECT_EQ(problemOf("filter A\nmatches a\nabout x\nor b\n"),
               "5: \"or\" does not follow an expression");
     // Each by itself is small enough.
     EXPECT_EQ(problemOf("filter A\nmatches x\nhost y\nmatches (a?){350}\nor (b?){350}\nfrom 1\n"),
