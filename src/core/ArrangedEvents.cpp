@@ -1,6 +1,7 @@
 #include "core/ArrangedEvents.h"
 
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 #include <span>
 #include <utility>
@@ -10,10 +11,6 @@ namespace quorbel {
 namespace {
 
 const EventQuery kNoFilter;
-
-/// What a record costs a search, in bytes of its message.
-constexpr std::size_t kRecordCost = 32;
-constexpr std::size_t kMostRunCost = std::size_t{1} << 19U;
 
 auto firstFrom(const std::vector<EventMatch> &matches, EventId id) {
     return std::ranges::lower_bound(matches, id, {}, &EventMatch::id);
@@ -133,32 +130,11 @@ void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
             finishSearch();
             return;
         }
-        adjustRun(std::chrono::steady_clock::now() - start);
+        m_search->pace.adjust(std::chrono::steady_clock::now() - start);
         if (isTimeUp()) {
             return;
         }
     }
-}
-
-/// An expression can need ten thousand times as long for a byte as a plain text does.
-void ArrangedEvents::adjustRun(std::chrono::steady_clock::duration taken) {
-    std::size_t &cost = m_search->runCost;
-    if (taken < std::chrono::microseconds(500)) {
-        cost = std::min(2 * cost, kMostRunCost);
-    } else if (taken > std::chrono::milliseconds(2)) {
-        cost = std::max<std::size_t>(cost / 4, 1);
-    }
-}
-
-/// Where to end a run that begins at a position; it has one record at least.
-std::size_t ArrangedEvents::endOfRun(const EventChunk &chunk, std::size_t first) const {
-    std::size_t last = chunk.size();
-    while (last > first + 1 &&
-           (last - first) * kRecordCost + chunk.messagesBetween(first, last - 1).size() >
-               m_search->runCost) {
-        last = first + (last - first) / 2;
-    }
-    return last;
 }
 
 bool ArrangedEvents::searchRun() {
@@ -169,7 +145,7 @@ bool ArrangedEvents::searchRun() {
     EventChunk &chunk = m_reader.chunk(number);
     const std::size_t first = chunk.countBefore(m_search->next);
     const std::size_t last =
-        m_search->matcher.mayBeIn(chunk) ? endOfRun(chunk, first) : chunk.size();
+        m_search->matcher.mayBeIn(chunk) ? m_search->pace.endOfRun(chunk, first) : chunk.size();
     m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
     if (first < last && m_search->matcher.mayBeIn(chunk)) {
         m_positions.resize(last - first);
@@ -185,7 +161,7 @@ bool ArrangedEvents::narrowRun() {
         return false;
     }
     EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
-    const std::size_t last = endOfRun(chunk, chunk.countBefore(candidate->id()));
+    const std::size_t last = m_search->pace.endOfRun(chunk, chunk.countBefore(candidate->id()));
     m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
     m_positions.clear();
     for (; candidate != m_matches.end() && candidate->id() < m_search->next; ++candidate) {

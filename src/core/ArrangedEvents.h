@@ -3,9 +3,9 @@
 #include "core/EventList.h"
 #include "core/EventMatcher.h"
 #include "core/EventQuery.h"
+#include "core/SearchPace.h"
 
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -76,7 +76,7 @@ private:
         bool isNarrowing;
         EventId next = 0;  // all before it are judged
         Matches matches = {};
-        std::size_t runCost = 1U << 14U;
+        SearchPace pace = {};
     };
 
     void rowWillBeInsertedAtTop() override;
@@ -97,10 +97,8 @@ private:
     /// Oldest first.
     [[nodiscard]] const Matches &rows() const { return choosesRatings() ? m_chosen : m_matches; }
     void startSearch(EventMatcher matcher, bool isNarrowing);
-    void adjustRun(std::chrono::steady_clock::duration taken);
     [[nodiscard]] bool searchRun();
     [[nodiscard]] bool narrowRun();
-    [[nodiscard]] std::size_t endOfRun(const EventChunk &chunk, std::size_t first) const;
     void finishSearch();
     void choose();
     void count();

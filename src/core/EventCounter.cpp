@@ -1,0 +1,94 @@
+#include "core/EventCounter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <numeric>
+#include <utility>
+
+namespace quorbel {
+
+EventCounter::EventCounter(EventList &list) : m_list(list), m_reader(list) {
+    m_list.addObserver(*this);
+}
+
+EventCounter::~EventCounter() {
+    m_list.removeObserver(*this);
+}
+
+void EventCounter::start(const std::vector<EventQuery> &filters) {
+    m_counts.clear();
+    m_matches.clear();
+    m_matches.shrink_to_fit();
+    m_isStale = false;
+    m_counts.reserve(filters.size());
+    for (const EventQuery &filter : filters) {
+        m_counts.push_back({EventMatcher(m_list, filter)});
+    }
+}
+
+void EventCounter::restart() {
+    m_isStale = false;
+    for (Count &count : m_counts) {
+        count.next = 0;
+        count.count = 0;
+    }
+}
+
+void EventCounter::invalidate() {
+    m_isStale = true;
+    for (Count &count : m_counts) {
+        count.matcher.forgetTexts();
+    }
+}
+
+EventId EventCounter::endOfIds() const {
+    const std::size_t chunks = m_reader.chunkCount();
+    return chunks == 0 ? 0 : m_reader.chunk(chunks - 1).endOfIds();
+}
+
+bool EventCounter::isCounting() const {
+    return std::ranges::any_of(m_counts, [end = endOfIds()](const Count &count) {
+        return !count.shown || count.next < end;
+    });
+}
+
+void EventCounter::run(const std::function<bool()> &isTimeUp) {
+    for (Count &count : m_counts) {
+        bool hasMore = !count.shown || count.next < endOfIds();
+        while (hasMore) {
+            const auto start = std::chrono::steady_clock::now();
+            hasMore = countRun(count);
+            count.pace.adjust(std::chrono::steady_clock::now() - start);
+            if (isTimeUp()) {
+                return;
+            }
+        }
+    }
+}
+
+bool EventCounter::countRun(Count &count) {
+    const std::size_t number = m_reader.chunkFrom(count.next);
+    if (number == m_reader.chunkCount()) {
+        count.shown = count.count;
+        return false;
+    }
+    EventChunk &chunk = m_reader.chunk(number);
+    const std::size_t first = chunk.countBefore(count.next);
+    const bool mayBeIn = count.matcher.mayBeIn(chunk);
+    const std::size_t last = mayBeIn ? count.pace.endOfRun(chunk, first) : chunk.size();
+    count.next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
+    if (first < last && mayBeIn) {
+        m_positions.resize(last - first);
+        std::iota(m_positions.begin(), m_positions.end(), static_cast<std::uint32_t>(first));
+        m_matches.clear();
+        count.matcher.match(chunk, m_positions, m_matches);
+        const auto &ratings = count.matcher.filter().ratings;
+        count.count +=
+            static_cast<std::size_t>(std::ranges::count_if(m_matches, [&](EventMatch match) {
+                return ratings.none() || ratings[match.rating()];
+            }));
+    }
+    return true;
+}
+
+}  // namespace quorbel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/EventChunk.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
+namespace quorbel {
+
+/// How many of a list's records a search looks at before it asks for the time again: so many that
+/// this takes about a millisecond. An expression can need ten thousand times as long for a byte as
+/// a plain text does.
+class SearchPace {
+public:
+    /// Where to end a run that begins at a position of a chunk; it has one record at least.
+    [[nodiscard]] std::size_t endOfRun(const EventChunk &chunk, std::size_t first) const {
+        std::size_t last = chunk.size();
+        while (last > first + 1 &&
+               (last - first) * kRecordCost + chunk.messagesBetween(first, last - 1).size() >
+                   m_runCost) {
+            last = first + (last - first) / 2;
+        }
+        return last;
+    }
+    /// Learns from how long the last run took.
+    void adjust(std::chrono::steady_clock::duration taken) {
+        if (taken < std::chrono::microseconds(500)) {
+            m_runCost = std::min(2 * m_runCost, kMostRunCost);
+        } else if (taken > std::chrono::milliseconds(2)) {
+            m_runCost = std::max<std::size_t>(m_runCost / 4, 1);
+        }
+    }
+
+private:
+    /// What a record costs, in bytes of its message.
+    static constexpr std::size_t kRecordCost = 32;
+    static constexpr std::size_t kMostRunCost = std::size_t{1} << 19U;
+
+    std::size_t m_runCost = std::size_t{1} << 14U;
+};
+
+}  // namespace quorbel
