@@ -40,6 +40,10 @@ struct EventQuery {
     bool operator==(const EventQuery &) const = default;
 };
 
+/// A filter whose events meet the conditions of both: but where both name a facility, a host or
+/// ratings, it is those of the first one.
+EventQuery bothOf(const EventQuery &first, const EventQuery &second);
+
 /// Whether every event that the first filter means is meant by the second one, as far as that can
 /// be said at a glance. So it is while somebody types on.
 bool isNarrowerThan(const EventQuery &narrow, const EventQuery &wide);

@@ -101,6 +101,8 @@ void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstract
     auto *commands = new ViewCommands(page);
     commands->add("findEvents", QStringLiteral("&Find..."), QKeySequence::Find,
                   [&bar] { bar.open(); });
+    commands->add("findSavedQuestions", QStringLiteral("&Questions..."),
+                  QKeySequence(Qt::CTRL | Qt::Key_L), [&bar] { bar.openSaved(); });
     QAction *clear =
         commands->add("clearFilter", QStringLiteral("&Clear the Filter"),
                       QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L), [&bar] { bar.clear(); });

@@ -2,9 +2,11 @@
 
 #include "core/EventReader.h"
 #include "events/EventTableView.h"
+#include "events/FilterLibrary.h"
 #include "events/FindBar.h"
-#include "events/MatchDelegate.h"
+#include "events/FindSaved.h"
 #include "events/NothingFound.h"
+#include "events/RowMarkDelegate.h"
 #include "events/ScrollMarks.h"
 #include "platform/gui/QtText.h"
 
@@ -38,7 +40,11 @@ EventFinder::EventFinder(ArrangedEvents &events, const AppState &state, FindBar 
       m_table(table),
       m_nothingFound(new NothingFound(events.list(), bar, table)),
       m_hint(table.hint()) {
-    m_table.setItemDelegate(new MatchDelegate(m_marks, this));
+    auto *library = new FilterLibrary(this);
+    auto *rowMarks = new RowMarks(m_events, *library, this);
+    m_table.setItemDelegate(new RowMarkDelegate(m_marks, *rowMarks, this));
+    connect(rowMarks, &RowMarks::changed, m_table.viewport(), qOverload<>(&QWidget::update));
+    m_bar.saved().attach(m_events.list(), *library, [this] { return m_bar.filter(); });
     new ScrollMarks(m_events, m_table);
     connect(&m_slices, &QTimer::timeout, this, &EventFinder::search);
     connect(&m_bar, &FindBar::filterChanged, this, &EventFinder::applyFilter);

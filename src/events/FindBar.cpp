@@ -5,6 +5,7 @@
 #include "events/FindHost.h"
 #include "events/FindMore.h"
 #include "events/FindRatings.h"
+#include "events/FindSaved.h"
 #include "events/FindSpan.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
@@ -38,6 +39,7 @@ FindBar::FindBar(QWidget *parent)
       m_choices{new FindSeverity(m_row), m_facility, m_host, m_span},
       m_more(new FindMore(*m_ratings, m_row)),
       m_clear(new QPushButton(m_row)),
+      m_saved(new FindSaved(m_row)),
       m_error(new QLabel(this)) {
     setAccessibleName(tr("Find events"));
     auto *column = new QVBoxLayout(this);
@@ -56,6 +58,7 @@ FindBar::FindBar(QWidget *parent)
     for (const FindChoice *choice : std::as_const(m_choices)) {
         connect(choice, &FindChoice::changed, this, &FindBar::change);
     }
+    connect(m_saved, &FindChoice::changed, this, &FindBar::change);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
         clear();
         m_field->open();
@@ -77,6 +80,7 @@ void FindBar::makeRow() {
     row->addWidget(m_more);
     row->addWidget(m_clear);
     row->addStretch(1);
+    row->addWidget(m_saved);
     m_clear->setObjectName(QStringLiteral("findClear"));
     m_clear->setProperty("role", QStringLiteral("link"));
     m_clear->setAutoDefault(false);
@@ -95,6 +99,12 @@ void FindBar::attach(EventList &events, QAbstractButton &unfold) {
 }
 
 EventQuery FindBar::filter() const {
+    EventQuery query = ownFilter();
+    m_saved->addTo(query);
+    return query;
+}
+
+EventQuery FindBar::ownFilter() const {
     EventQuery query;
     query.texts = m_field->texts();
     m_ratings->addTo(query);
@@ -106,7 +116,7 @@ EventQuery FindBar::filter() const {
 
 std::vector<FindBar::Condition> FindBar::conditions() const {
     std::vector<Condition> conditions;
-    const EventQuery all = filter();
+    const EventQuery all = ownFilter();
     const QStringList names = m_field->names();
     for (std::size_t i = 0; i < all.texts.size(); ++i) {
         EventQuery others = all;
@@ -128,6 +138,12 @@ std::vector<FindBar::Condition> FindBar::conditions() const {
                 {choice->value(), std::move(others), [choice] { choice->clear(); }});
         }
     }
+    for (Condition &condition : conditions) {
+        m_saved->addTo(condition.others);
+    }
+    if (m_saved->isInUse()) {
+        conditions.push_back({m_saved->value(), all, [this] { m_saved->clear(); }});
+    }
     return conditions;
 }
 
@@ -145,8 +161,15 @@ void FindBar::clear() {
         for (FindChoice *choice : std::as_const(m_choices)) {
             choice->clear();
         }
+        m_saved->clear();
     }
     change();
+}
+
+void FindBar::openSaved() {
+    m_isUnfolded = true;
+    fold();
+    m_saved->openBelow(*m_saved);
 }
 
 void FindBar::addText(const TextCondition &condition) {
@@ -205,6 +228,7 @@ void FindBar::fit() {
     m_clear->setIcon(isNarrow() ? lineIcon(QStringLiteral("cancel")) : QIcon());
     m_field->setCompact(false);
     m_field->setUnlimited(isNarrow());
+    m_saved->setCompact(isNarrow());
     m_ratings->setVisible(!isNarrow());
     for (FindChoice *choice : std::as_const(m_choices)) {
         choice->setVisible(!isNarrow());
@@ -221,6 +245,7 @@ void FindBar::fit() {
 void FindBar::fitWide() {
     QList<FindChoice *> withoutRoom;
     m_more->standFor({});
+    m_saved->setCompact(!fits());
     for (auto choice = m_choices.crbegin(); choice != m_choices.crend() && !fits(); ++choice) {
         if (!(*choice)->isInUse()) {
             (*choice)->hide();

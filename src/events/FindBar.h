@@ -24,6 +24,7 @@ class FindField;
 class FindHost;
 class FindMore;
 class FindRatings;
+class FindSaved;
 class FindSpan;
 
 /// One row of controls in which the user says which events are wanted. What has no room in it
@@ -50,6 +51,9 @@ public:
     /// Unfolds the bar and puts the cursor into its field, all of whose text is selected.
     void open();
     void clear();
+    /// Opens the kept filters and questions.
+    void openSaved();
+    [[nodiscard]] FindSaved &saved() { return *m_saved; }
     void addText(const TextCondition &condition);
     void onlyHost(const QString &host);
     void excludeHost(const QString &host);
@@ -72,6 +76,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    /// What all but the kept filter or question asks for.
+    [[nodiscard]] EventQuery ownFilter() const;
     void makeRow();
     void change();
     void leave();
@@ -90,6 +96,7 @@ private:
     QList<FindChoice *> m_choices;  // as they stand in the row
     FindMore *m_more;
     QPushButton *m_clear;
+    FindSaved *m_saved;
     QLabel *m_error;
     QAbstractButton *m_unfold = nullptr;
     bool m_isUnfolded = false;

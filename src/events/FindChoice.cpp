@@ -58,7 +58,8 @@ void FindChoice::paintEvent(QPaintEvent * /*event*/) {
     QStyleOptionButton option;
     initStyleOption(&option);
     const QRect inside = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
-    option.text = fontMetrics().elidedText(text(), Qt::ElideRight, inside.width() + 1);
+    const int image = icon().isNull() ? 0 : iconSize().width() + 4;
+    option.text = fontMetrics().elidedText(text(), Qt::ElideRight, inside.width() + 1 - image);
     painter.drawControl(QStyle::CE_PushButton, option);
     const int size = sizedToFont(kArrow);
     const QIcon arrow = lineIcon(QStringLiteral("down"), isInUse() ? kAccent : QColor());

@@ -12,7 +12,8 @@ class FindPanel : public QFrame {
 public:
     explicit FindPanel(QWidget *parent);
 
-    void openBelow(QWidget &anchor);
+    /// With its left or its right edge below the anchor's.
+    void openBelow(QWidget &anchor, Qt::AlignmentFlag edge = Qt::AlignLeft);
 };
 
 }  // namespace quorbel

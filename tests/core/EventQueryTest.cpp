@@ -74,6 +74,32 @@ TEST(TextPatternTest, KnowsWhatNoDateCanHold) {
     EXPECT_FALSE(expression("(accepted|denied) 1").mayBeInTextOf(characters));
 }
 
+TEST(EventQueryTest, AsksForBothWhereThatIsPossible) {
+    EventQuery first;
+    first.texts.push_back({{"disk", false, false}, false});
+    first.host = "fs01";
+    first.leastSeverity = 4;
+    first.from = 100;
+    first.until = 300;
+    EventQuery second;
+    second.texts.push_back({{"OK", true, false}, true});
+    second.host = "db*";
+    second.facility = "Kern";
+    second.ratings.set(3);
+    second.leastSeverity = 3;
+    second.from = 200;
+    second.until = 400;
+    EventQuery both = first;
+    both.texts.push_back(second.texts.front());
+    both.facility = "Kern";
+    both.ratings.set(3);
+    both.leastSeverity = 3;
+    both.from = 200;
+    EXPECT_EQ(bothOf(first, second), both);
+    EXPECT_EQ(bothOf(first, {}), first);
+    EXPECT_EQ(bothOf({}, second), second);
+}
+
 TEST(HostPatternTest, MeansAListAndExcludesFromIt) {
     const HostPattern some("fs*, 10.0.0.0/8, !fs02 , ! 10.0.0.7");
     EXPECT_TRUE(some.matches("fs01"));

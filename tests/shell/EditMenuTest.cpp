@@ -151,10 +151,12 @@ private Q_SLOTS:
         for (const QAction *entry : view.actions()) {
             entries += entry->text().remove(u'&');
         }
-        QCOMPARE(entries,
-                 (QStringList{u"Find...\tCtrl+F"_s, u"Clear the Filter\tCtrl+Shift+L"_s,
-                              u"Show Surroundings\tCtrl+Shift+F"_s, u"Hold New Events\tCtrl+H"_s,
-                              u"Timeline\tCtrl+T"_s, u"Go to the Newest\tCtrl+Home"_s}));
+        QCOMPARE(
+            entries,
+            (QStringList{u"Find...	Ctrl+F"_s, u"Questions...	Ctrl+L"_s,
+                         u"Clear the Filter	Ctrl+Shift+L"_s, u"Show Surroundings	Ctrl+Shift+F"_s,
+                         u"Hold New Events	Ctrl+H"_s, u"Timeline	Ctrl+T"_s,
+                         u"Go to the Newest	Ctrl+Home"_s}));
         const auto choose = [&](int entry) {
             QCoreApplication::processEvents();
             activate();
@@ -171,11 +173,11 @@ private Q_SLOTS:
         QTRY_VERIFY(field.hasFocus());
         QTest::keyClicks(&field, u"second"_s);
         QTRY_COMPARE(table().model()->rowCount(), 1);
-        choose(1);
+        choose(2);
         QTRY_COMPARE(table().model()->rowCount(), 2);
-        choose(3);
+        choose(4);
         QVERIFY(m_frontEnd->control<QAbstractButton>("holdEvents").isChecked());
-        choose(3);
+        choose(4);
         QVERIFY(!m_frontEnd->control<QAbstractButton>("holdEvents").isChecked());
         m_frontEnd->window->Tools();
         QVERIFY(!view.menuAction()->isEnabled());

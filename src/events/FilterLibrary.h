@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/SavedFilterStore.h"
+
+#include <QObject>
+
+namespace quorbel {
+
+/// The filters that one can choose by their names: those that the user keeps, in QuorbelFilters.txt
+/// in the user's configuration folder ($XDG_CONFIG_HOME, else ~/.config), and the questions that
+/// come with the program.
+///
+/// What changes the user's own returns what went wrong, in English; empty when nothing did.
+class FilterLibrary : public QObject {
+    Q_OBJECT
+
+public:
+    using Filters = std::vector<SavedFilter>;
+
+    /// Reads the user's filters. Those that cannot be read are none until reload() says why.
+    explicit FilterLibrary(QObject *parent = nullptr);
+
+    [[nodiscard]] const Filters &kept() const { return m_kept.filters(); }
+    [[nodiscard]] const Filters &questions() const { return m_questions; }
+    [[nodiscard]] bool isKept(const SavedFilter &filter) const;
+
+    /// Takes over what another window, or an editor, has written since.
+    QString reload();
+    QString keep(const SavedFilter &filter);
+    QString rename(const std::string &from, const std::string &to);
+    QString remove(const std::string &name);
+    /// In no colour: marks no longer. A question that is marked is kept by that.
+    QString mark(const SavedFilter &filter, std::optional<MarkColour> colour);
+    QString importFrom(const QString &file);
+    [[nodiscard]] QString exportTo(const QString &file) const;
+    /// One that marks nothing yet, if there is any.
+    [[nodiscard]] MarkColour freeColour() const;
+
+Q_SIGNALS:
+    /// kept() differs from before.
+    void changed();
+
+private:
+    /// Runs a change of m_kept and tells of it.
+    template <typename Change>
+    QString change(Change change);
+
+    SavedFilterStore m_kept;
+    Filters m_questions;
+};
+
+}  // namespace quorbel

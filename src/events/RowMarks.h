@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/ArrangedEvents.h"
+#include "core/SavedFilter.h"
+
+#include <QObject>
+#include <QString>
+
+#include <unordered_map>
+#include <vector>
+
+namespace quorbel {
+
+class FilterLibrary;
+
+/// Which rows of the event list a kept filter marks. Each is looked at when it is painted.
+class RowMarks : public QObject, private EventListObserver {
+    Q_OBJECT
+
+public:
+    struct Mark {
+        QString name;
+        MarkColour colour;
+    };
+
+    /// Both outlive this.
+    RowMarks(ArrangedEvents &events, const FilterLibrary &library, QObject *parent);
+    ~RowMarks() override;
+    RowMarks(const RowMarks &) = delete;
+    RowMarks &operator=(const RowMarks &) = delete;
+
+    /// The first kept filter that marks the row's event; null for none. Valid until changed().
+    [[nodiscard]] const Mark *markOf(int row);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    struct Marker {
+        EventMatcher matcher;
+        Mark mark;
+    };
+    static constexpr std::size_t kNoMark = SIZE_MAX;
+    static constexpr std::size_t kMostKnown = 4096;
+
+    void rowWillBeInsertedAtTop() override {}
+    void rowWasInserted() override {}
+    void rowsWillBeRemoved(std::size_t, std::size_t) override {}
+    void rowsWereRemoved() override { forget(); }
+    void listWillChangeAtLarge() override {}
+    void listChangedAtLarge() override { forget(); }
+
+    void forget();
+    void takeOver(const FilterLibrary &library);
+    [[nodiscard]] std::size_t find(EventId id);
+    [[nodiscard]] static bool isMeant(Marker &marker, EventChunk &chunk, std::size_t position);
+
+    ArrangedEvents &m_events;
+    EventReader m_reader;
+    std::vector<Marker> m_markers;
+    std::unordered_map<EventId, std::size_t> m_known;  // the number of its marker, or kNoMark
+};
+
+}  // namespace quorbel
