@@ -47,8 +47,9 @@ private Q_SLOTS:
             titles,
             (QStringList{
                 QStringLiteral("Getting started"), QStringLiteral("The pages"),
-                QStringLiteral("Finding events"), QStringLiteral("How ratings work"),
-                QStringLiteral("Reports"), QStringLiteral("Pointing devices at this machine"),
+                QStringLiteral("Finding events"), QStringLiteral("Questions and kept filters"),
+                QStringLiteral("How ratings work"), QStringLiteral("Reports"),
+                QStringLiteral("Pointing devices at this machine"),
                 QStringLiteral("What each setting means"), QStringLiteral("Actions and e-mail"),
                 QStringLiteral("Regular export"), QStringLiteral("Looking after the service"),
                 QStringLiteral("When nothing arrives")}));
