@@ -18,7 +18,7 @@ namespace quorbel {
 /// texts are. One search at a time.
 class LiteralSearch {
 public:
-    static constexpr std::size_t kMostTexts = 4;
+    static constexpr std::size_t kMostTexts = 64;
     static constexpr std::size_t kMostBytes = 64;
     enum class Answer : std::uint8_t {
         kNo,

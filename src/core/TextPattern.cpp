@@ -14,6 +14,10 @@ namespace {
 constexpr std::int64_t kMostMemory = std::int64_t{8} << 20U;
 /// At worst, each step is looked at for each byte of a text.
 constexpr int kMostSteps = 2000;
+/// Of needed texts, where some are single letters: these are found nearly everywhere.
+constexpr std::size_t kMostLetters = 4;
+/// So long a text is rare enough to be looked for alone.
+constexpr std::size_t kRareBytes = 4;
 constexpr std::size_t kMostWork = std::size_t{8} << 20U;
 
 re2::RE2::Options optionsFor(const TextPattern::Spec &spec) {
@@ -23,6 +27,13 @@ re2::RE2::Options optionsFor(const TextPattern::Spec &spec) {
     options.set_max_mem(kMostMemory);
     options.set_log_errors(false);
     return options;
+}
+
+std::string errorIn(const re2::RE2 &expression) {
+    if (!expression.ok()) {
+        return expression.error();
+    }
+    return expression.ProgramSize() > kMostSteps ? "expression too large" : std::string();
 }
 
 bool isSameLetter(char one, char other) {
@@ -66,26 +77,58 @@ private:
     std::vector<std::string> m_texts;
 };
 
+/// So few of the texts, the longest ones as far as can be, that each match needs one at least.
+/// Empty when it can do without any.
+std::vector<std::string> fewestOf(const NeededTexts &needed) {
+    std::vector<std::string> shortestFirst = needed.texts();
+    std::ranges::stable_sort(shortestFirst, {}, &std::string::size);
+    std::vector<std::string> chosen = shortestFirst;
+    const auto canDoWithout = [&] {
+        return needed.mayMatch([&](const std::string &text) {
+            return std::ranges::find(chosen, text) == chosen.end();
+        });
+    };
+    if (canDoWithout()) {
+        return {};
+    }
+    for (const std::string &text : shortestFirst) {
+        std::erase(chosen, text);
+        if (canDoWithout()) {
+            chosen.push_back(text);
+        }
+    }
+    return chosen;
+}
+
+/// The longest text that each match needs; empty for none.
+std::string longestOf(const NeededTexts &needed) {
+    std::string longest;
+    for (const std::string &text : needed.texts()) {
+        const bool isEnough =
+            text.size() > longest.size() &&
+            !needed.mayMatch([&](const std::string &there) { return there != text; });
+        longest = isEnough ? text : longest;
+    }
+    return longest;
+}
+
 /// The texts to look for before the expression: one that each match needs, or some of which it
 /// needs any.
 std::vector<std::string> textsFor(const NeededTexts &needed) {
     const auto canFind = [](const std::string &text) {
         return LiteralSearch::canFind(text, false);
     };
-    std::string longest;
-    for (const std::string &text : needed.texts()) {
-        const bool isEnough =
-            text.size() > longest.size() && canFind(text) &&
-            !needed.mayMatch([&](const std::string &there) { return there != text; });
-        longest = isEnough ? text : longest;
-    }
-    if (!longest.empty()) {
+    if (const std::string longest = longestOf(needed);
+        longest.size() >= kRareBytes && canFind(longest)) {
         return {longest};
     }
-    const bool isAnyNeeded = !needed.mayMatch([](const std::string &) { return false; });
-    const bool canFindAll = needed.texts().size() <= LiteralSearch::kMostTexts &&
-                            std::ranges::all_of(needed.texts(), canFind);
-    return isAnyNeeded && canFindAll ? needed.texts() : std::vector<std::string>();
+    const std::vector<std::string> texts = fewestOf(needed);
+    const bool haveLetters =
+        std::ranges::any_of(texts, [](const std::string &text) { return text.size() == 1; });
+    const bool canFindAll =
+        texts.size() <= (haveLetters ? kMostLetters : LiteralSearch::kMostTexts) &&
+        std::ranges::all_of(texts, canFind);
+    return canFindAll ? texts : std::vector<std::string>();
 }
 
 }  // namespace
@@ -110,10 +153,11 @@ TextPattern::TextPattern(TextPattern &&) noexcept = default;
 TextPattern &TextPattern::operator=(TextPattern &&) noexcept = default;
 
 std::string TextPattern::error() const {
-    if (!m_expression->ok()) {
-        return m_expression->error();
-    }
-    return m_expression->ProgramSize() > kMostSteps ? "expression too large" : std::string();
+    return quorbel::errorIn(*m_expression);
+}
+
+std::string TextPattern::errorIn(const Spec &spec) {
+    return quorbel::errorIn(re2::RE2(spec.text, optionsFor(spec)));
 }
 
 std::size_t TextPattern::seenOf(std::size_t bytes) const {

@@ -125,6 +125,10 @@ TEST(TextPatternTest, KnowsWhichTextsAnExpressionNeeds) {
     EXPECT_EQ(neededCount("accepted|denied"), 2U);
     EXPECT_EQ(neededCount("accepted|.*"), 0U);
     EXPECT_EQ(neededCount("a|b|c1|d2|e3|f4"), 0U);
+    EXPECT_EQ(neededCount("ab|cd|ef|gh|ij|kl"), 6U);
+    EXPECT_EQ(neededCount("x.*(accepted|denied)"), 2U);
+    EXPECT_EQ(neededCount("(a|b) (disk|fan|.).*: (failed|faulty)"), 2U);
+    EXPECT_TRUE(expression("(a|b) (disk|fan|.).*: (failed|faulty)").isIn("B fan 1: faulty"));
     EXPECT_TRUE(expression("accepted|denied").isIn("it was DENIED"));
     EXPECT_FALSE(expression("accepted|denied").isIn("it was refused"));
     EXPECT_TRUE(expression("(accepted|denied).*52144").isIn("Accepted 52144"));
