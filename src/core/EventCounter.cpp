@@ -22,8 +22,16 @@ void EventCounter::start(const std::vector<EventQuery> &filters) {
     m_isStale = false;
     m_counts.reserve(filters.size());
     for (const EventQuery &filter : filters) {
-        m_counts.push_back({EventMatcher(m_list, filter)});
+        m_counts.push_back({filter});
     }
+}
+
+void EventCounter::replace(std::size_t filter, const EventQuery &by) {
+    Count &count = m_counts[filter];
+    count.filter = by;
+    count.matcher.reset();
+    count.next = 0;
+    count.count = 0;
 }
 
 void EventCounter::restart() {
@@ -37,7 +45,9 @@ void EventCounter::restart() {
 void EventCounter::invalidate() {
     m_isStale = true;
     for (Count &count : m_counts) {
-        count.matcher.forgetTexts();
+        if (count.matcher) {
+            count.matcher->forgetTexts();
+        }
     }
 }
 
@@ -67,6 +77,10 @@ void EventCounter::run(const std::function<bool()> &isTimeUp) {
 }
 
 bool EventCounter::countRun(Count &count) {
+    if (!count.matcher) {
+        count.matcher.emplace(m_list, count.filter);
+        return true;
+    }
     const std::size_t number = m_reader.chunkFrom(count.next);
     if (number == m_reader.chunkCount()) {
         count.shown = count.count;
@@ -74,15 +88,15 @@ bool EventCounter::countRun(Count &count) {
     }
     EventChunk &chunk = m_reader.chunk(number);
     const std::size_t first = chunk.countBefore(count.next);
-    const bool mayBeIn = count.matcher.mayBeIn(chunk);
+    const bool mayBeIn = count.matcher->mayBeIn(chunk);
     const std::size_t last = mayBeIn ? count.pace.endOfRun(chunk, first) : chunk.size();
     count.next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
     if (first < last && mayBeIn) {
         m_positions.resize(last - first);
         std::iota(m_positions.begin(), m_positions.end(), static_cast<std::uint32_t>(first));
         m_matches.clear();
-        count.matcher.match(chunk, m_positions, m_matches);
-        const auto &ratings = count.matcher.filter().ratings;
+        count.matcher->match(chunk, m_positions, m_matches);
+        const auto &ratings = count.filter.ratings;
         count.count +=
             static_cast<std::size_t>(std::ranges::count_if(m_matches, [&](EventMatch match) {
                 return ratings.none() || ratings[match.rating()];

@@ -27,6 +27,8 @@ public:
 
     /// Begins with other filters, whose expressions are good. None to stop, which frees all memory.
     void start(const std::vector<EventQuery> &filters);
+    /// Counts another filter in place of one, whose number stands meanwhile.
+    void replace(std::size_t filter, const EventQuery &by);
     /// Counts anew. The numbers stand meanwhile.
     void restart();
     /// Nothing while the filter has not been counted once.
@@ -42,8 +44,9 @@ public:
 
 private:
     struct Count {
-        EventMatcher matcher;
-        EventId next = 0;  // all before it are counted
+        EventQuery filter;
+        std::optional<EventMatcher> matcher{};  // made when it is needed, which takes a while
+        EventId next = 0;                       // all before it are counted
         std::size_t count = 0;
         std::optional<std::size_t> shown{};
         SearchPace pace{};

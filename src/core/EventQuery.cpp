@@ -37,6 +37,7 @@ EventQuery bothOf(const EventQuery &first, const EventQuery &second) {
     both.from = std::max(first.from, second.from);  // nothing is less than any moment
     both.leastSeverity = lesserOf(first.leastSeverity, second.leastSeverity);
     both.until = lesserOf(first.until, second.until);
+    both.spans |= second.spans;
     return both;
 }
 

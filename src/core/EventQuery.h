@@ -23,6 +23,10 @@ struct TextCondition {
     bool operator==(const TextCondition &) const = default;
 };
 
+/// Spans of time that go on with the clock.
+enum class MovingSpan : std::uint8_t { kLastHour, kToday, kYesterday, kLastDay };
+inline constexpr std::size_t kMovingSpanCount = 4;
+
 /// Which events are meant: those that meet every condition. One that is left empty is met by all.
 struct EventQuery {
     std::vector<TextCondition> texts;
@@ -35,6 +39,9 @@ struct EventQuery {
     std::string host;
     std::optional<std::int64_t> from;   ///< the first moment, in seconds since 1970
     std::optional<std::int64_t> until;  ///< the moment that is past the last one
+    /// By MovingSpan: those that an event has to be of. To who matches events they mean nothing: at
+    /// each time, `from` and `until` are made of them.
+    std::bitset<kMovingSpanCount> spans;
 
     [[nodiscard]] bool isInUse() const;
     bool operator==(const EventQuery &) const = default;

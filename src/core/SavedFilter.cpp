@@ -43,6 +43,14 @@ void appendRatings(std::string &text, const std::bitset<kRatingCount> &ratings) 
     }
 }
 
+void appendSpans(std::string &text, const std::bitset<kMovingSpanCount> &spans) {
+    for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
+        if (spans[span]) {
+            appendLine(text, "time", kSpanNames.at(span));
+        }
+    }
+}
+
 void appendQuery(std::string &text, const EventQuery &query) {
     for (const TextCondition &condition : query.texts) {
         appendLine(text, keywordFor(condition), condition.pattern.text);
@@ -55,6 +63,7 @@ void appendQuery(std::string &text, const EventQuery &query) {
     appendIfAny(text, "host", query.host);
     appendMoment(text, "from", query.from);
     appendMoment(text, "until", query.until);
+    appendSpans(text, query.spans);
 }
 
 }  // namespace

@@ -57,6 +57,7 @@ private:
     Problem takeHost(std::string_view value);
     Problem takeFrom(std::string_view value);
     Problem takeUntil(std::string_view value);
+    Problem takeSpan(std::string_view value);
     Problem takeAlternative(std::string_view value);
     Problem takeText(const TextKeyword &keyword, std::string_view value);
     Problem checkExpression(const TextPattern::Spec &spec);
@@ -84,7 +85,7 @@ const Reader::Keyword Reader::kKeywords[] = {
     {"rating", &Reader::takeRating},     {"severity", &Reader::takeSeverity},
     {"facility", &Reader::takeFacility}, {"host", &Reader::takeHost},
     {"from", &Reader::takeFrom},         {"until", &Reader::takeUntil},
-    {"or", &Reader::takeAlternative},
+    {"time", &Reader::takeSpan},         {"or", &Reader::takeAlternative},
 };
 
 ReadFilters Reader::read(std::string_view text) {
@@ -269,6 +270,17 @@ Reader::Problem Reader::takeUntil(std::string_view value) {
     return takeMoment(query().until, value);
 }
 
+Reader::Problem Reader::takeSpan(std::string_view value) {
+    const auto *known = std::ranges::find(kSpanNames, value);
+    if (known == kSpanNames.end()) {
+        return "is no span of time that there is";
+    }
+    const auto span = static_cast<std::size_t>(known - kSpanNames.begin());
+    const bool isTwice = query().spans[span];
+    query().spans.set(span);
+    return isTwice ? std::string(kTwice) : Problem();
+}
+
 Reader::Problem Reader::takeMoment(std::optional<std::int64_t> &moment, std::string_view value) {
     const auto read = readMoment(value);
     if (!read) {
@@ -291,7 +303,7 @@ Reader::Problem Reader::checkExpression(const TextPattern::Spec &spec) {
     if (++m_expressions > Limits::kExpressions) {
         return "is one expression too many";
     }
-    const Problem error = TextPattern(spec).error();
+    const Problem error = TextPattern::errorIn(spec);
     return error.empty() ? error : "is no regular expression: " + error;
 }
 
@@ -313,7 +325,7 @@ Reader::Problem Reader::endExpression() {
     }
     const TextPattern::Spec &all = query().texts.back().pattern;
     const Problem error =
-        all.text.size() > Limits::kValueBytes ? std::string(kTooLong) : TextPattern(all).error();
+        all.text.size() > Limits::kValueBytes ? std::string(kTooLong) : TextPattern::errorIn(all);
     m_line = error.empty() ? m_line : line;
     return error.empty() ? error : "the expression cannot be used: " + error;
 }

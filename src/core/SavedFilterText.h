@@ -3,6 +3,7 @@
 #include "common/Severity.h"
 #include "core/EventQuery.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,6 +28,10 @@ inline constexpr TextKeyword kTextKeywords[] = {
     {"matches", false, true, false},    {"matches-case", false, true, true},
     {"matches-not", true, true, false}, {"matches-not-case", true, true, true},
 };
+
+/// By MovingSpan.
+inline constexpr std::array<std::string_view, kMovingSpanCount> kSpanNames{
+    "last hour", "today", "yesterday", "last 24 hours"};
 
 /// "Unrated" for an event without an image.
 inline std::string_view ratingName(EventRating rating) {

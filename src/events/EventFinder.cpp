@@ -41,10 +41,16 @@ EventFinder::EventFinder(ArrangedEvents &events, const AppState &state, FindBar 
       m_nothingFound(new NothingFound(events.list(), bar, table)),
       m_hint(table.hint()) {
     auto *library = new FilterLibrary(this);
-    auto *rowMarks = new RowMarks(m_events, *library, this);
+    const auto clock = [this] { return m_bar.now(); };
+    auto *rowMarks = new RowMarks(m_events, *library, clock, this);
     m_table.setItemDelegate(new RowMarkDelegate(m_marks, *rowMarks, this));
+    if (auto *rows = qobject_cast<EventTableModel *>(m_table.model())) {
+        rows->setDescription([rowMarks](int row) { return rowMarks->descriptionOf(row); });
+    }
     connect(rowMarks, &RowMarks::changed, m_table.viewport(), qOverload<>(&QWidget::update));
-    m_bar.saved().attach(m_events.list(), *library, [this] { return m_bar.filter(); });
+    connect(&m_bar, &FindBar::timePassed, rowMarks, &RowMarks::follow);
+    m_bar.saved().attach(
+        m_events.list(), *library, [this] { return m_bar.lastingFilter(); }, clock);
     new ScrollMarks(m_events, m_table);
     connect(&m_slices, &QTimer::timeout, this, &EventFinder::search);
     connect(&m_bar, &FindBar::filterChanged, this, &EventFinder::applyFilter);

@@ -28,6 +28,13 @@ QString momentText(const QDateTime &moment, const QDate &known, const QString &c
 
 }  // namespace
 
+std::optional<MovingSpan> EventSpan::moving() const {
+    if (kind == Kind::kAny || kind == Kind::kFromTo) {
+        return std::nullopt;
+    }
+    return static_cast<MovingSpan>(static_cast<int>(kind) - static_cast<int>(Kind::kLastHour));
+}
+
 EventSpan::Moments EventSpan::momentsAt(const QDateTime &now) const {
     switch (kind) {
         case Kind::kLastHour:
@@ -48,6 +55,22 @@ EventSpan::Moments EventSpan::momentsAt(const QDateTime &now) const {
 QString EventSpan::clockFormat() const {
     const auto isWhole = [](const QDateTime &moment) { return moment.time().second() == 0; };
     return isWhole(from) && isWhole(to) ? QStringLiteral("HH:mm") : QStringLiteral("HH:mm:ss");
+}
+
+EventQuery queryAt(const EventQuery &query, const QDateTime &now) {
+    EventQuery at = query;
+    at.spans.reset();
+    for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
+        if (query.spans[span]) {
+            const EventSpan::Moments moments =
+                EventSpan::of(static_cast<MovingSpan>(span)).momentsAt(now);
+            EventQuery inSpan;
+            inSpan.from = moments.from;
+            inSpan.until = moments.until;
+            at = bothOf(at, inSpan);
+        }
+    }
+    return at;
 }
 
 QString EventSpan::textAt(const QDateTime &now) const {

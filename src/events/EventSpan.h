@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/EventQuery.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -10,11 +12,18 @@ namespace quorbel {
 
 /// A span of time that somebody asks for. All but one go on with the time.
 struct EventSpan {
+    /// Those between the first and the last are a MovingSpan each.
     enum class Kind { kAny, kLastHour, kToday, kYesterday, kLastDay, kFromTo };
 
     Kind kind = Kind::kAny;
     QDateTime from{};  ///< of kFromTo, as is the next one
     QDateTime to{};    ///< the moment past the last one
+
+    [[nodiscard]] static EventSpan of(MovingSpan span) {
+        return {static_cast<Kind>(static_cast<int>(Kind::kLastHour) + static_cast<int>(span))};
+    }
+    /// Nothing for any and for kFromTo.
+    [[nodiscard]] std::optional<MovingSpan> moving() const;
 
     struct Moments {
         std::optional<std::int64_t> from;   ///< the first, in seconds since 1970
@@ -28,5 +37,8 @@ struct EventSpan {
     /// As it is shown at that time; empty for any.
     [[nodiscard]] QString textAt(const QDateTime &now) const;
 };
+
+/// The filter as it is to be looked for at that time, with moments in place of spans that go on.
+EventQuery queryAt(const EventQuery &query, const QDateTime &now);
 
 }  // namespace quorbel

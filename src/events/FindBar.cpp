@@ -59,6 +59,7 @@ FindBar::FindBar(QWidget *parent)
         connect(choice, &FindChoice::changed, this, &FindBar::change);
     }
     connect(m_saved, &FindChoice::changed, this, &FindBar::change);
+    connect(m_span, &FindSpan::timePassed, this, &FindBar::follow);
     connect(m_clear, &QAbstractButton::clicked, this, [this] {
         clear();
         m_field->open();
@@ -99,6 +100,14 @@ void FindBar::attach(EventList &events, QAbstractButton &unfold) {
 }
 
 EventQuery FindBar::filter() const {
+    return queryAt(lastingFilter(), now());
+}
+
+QDateTime FindBar::now() const {
+    return m_span->now();
+}
+
+EventQuery FindBar::lastingFilter() const {
     EventQuery query = ownFilter();
     m_saved->addTo(query);
     return query;
@@ -143,6 +152,9 @@ std::vector<FindBar::Condition> FindBar::conditions() const {
     }
     if (m_saved->isInUse()) {
         conditions.push_back({m_saved->value(), all, [this] { m_saved->clear(); }});
+    }
+    for (Condition &condition : conditions) {
+        condition.others = queryAt(condition.others, now());
     }
     return conditions;
 }
@@ -192,8 +204,17 @@ void FindBar::change() {
     if (!m_isClearing) {
         fold();
         fit();
+        m_told = filter();
         Q_EMIT filterChanged();
     }
+}
+
+/// A kept filter's span goes on too.
+void FindBar::follow() {
+    if (filter() != m_told) {
+        change();
+    }
+    Q_EMIT timePassed();
 }
 
 void FindBar::showError(const QString &error) {

@@ -2,6 +2,7 @@
 
 #include "core/EventQuery.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QWidget>
 
@@ -39,7 +40,11 @@ public:
     /// outlive it.
     void attach(EventList &events, QAbstractButton &unfold);
 
+    /// As it is to be looked for now.
     [[nodiscard]] EventQuery filter() const;
+    /// As it is to be kept: spans that go on with the time are left as that.
+    [[nodiscard]] EventQuery lastingFilter() const;
+    [[nodiscard]] QDateTime now() const;
     /// One of the conditions that are in use, and what would be asked for without it.
     struct Condition {
         QString name;
@@ -67,6 +72,8 @@ public:
 
 Q_SIGNALS:
     void filterChanged();
+    /// Now and then: what depends on the time may mean other events.
+    void timePassed();
     /// The user is done with the bar and goes to the table.
     void left();
 
@@ -80,6 +87,7 @@ private:
     [[nodiscard]] EventQuery ownFilter() const;
     void makeRow();
     void change();
+    void follow();
     void leave();
     [[nodiscard]] bool isNarrow() const;
     void fold();
@@ -97,6 +105,7 @@ private:
     FindMore *m_more;
     QPushButton *m_clear;
     FindSaved *m_saved;
+    EventQuery m_told;  // filter() at the last change
     QLabel *m_error;
     QAbstractButton *m_unfold = nullptr;
     bool m_isUnfolded = false;

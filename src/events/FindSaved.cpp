@@ -24,10 +24,10 @@ FindSaved::FindSaved(QWidget *parent)
 }
 
 void FindSaved::attach(EventList &events, FilterLibrary &library,
-                       std::function<EventQuery()> current) {
+                       std::function<EventQuery()> current, std::function<QDateTime()> clock) {
     m_library = &library;
     m_current = std::move(current);
-    m_panel = new QuestionPanel(events, library, this);
+    m_panel = new QuestionPanel(events, library, std::move(clock), this);
     connect(m_panel, &QuestionPanel::chosen, this, &FindSaved::choose);
     connect(m_panel, &QuestionPanel::ended, this, &FindSaved::clear);
     connect(m_panel, &QuestionPanel::importAsked, this, &FindSaved::importFilters);

@@ -3,6 +3,8 @@
 #include "core/SavedFilter.h"
 #include "events/FindChoice.h"
 
+#include <QDateTime>
+
 #include <functional>
 
 namespace quorbel {
@@ -19,8 +21,9 @@ class FindSaved : public FindChoice {
 public:
     explicit FindSaved(QWidget *parent);
 
-    /// Once. All outlive this. `current` tells what the page is filtered by.
-    void attach(EventList &events, FilterLibrary &library, std::function<EventQuery()> current);
+    /// Once. All outlive this. `current` tells what the page is filtered by, `clock` the time.
+    void attach(EventList &events, FilterLibrary &library, std::function<EventQuery()> current,
+                std::function<QDateTime()> clock);
     /// Whether it shows its image alone while nothing is chosen.
     void setCompact(bool isCompact);
 

@@ -68,6 +68,10 @@ void FindSpan::makePanel() {
 }
 
 void FindSpan::addTo(EventQuery &query) const {
+    if (const auto moving = m_span.moving()) {
+        query.spans.set(static_cast<std::size_t>(*moving));
+        return;
+    }
     const EventSpan::Moments moments = m_span.momentsAt(m_clock());
     query.from = moments.from;
     query.until = moments.until;
@@ -76,6 +80,7 @@ void FindSpan::addTo(EventQuery &query) const {
 void FindSpan::removeFrom(EventQuery &query) const {
     query.from.reset();
     query.until.reset();
+    query.spans.reset();
 }
 
 void FindSpan::openBelow(QWidget &anchor) {
@@ -147,6 +152,7 @@ void FindSpan::follow() {
     if (moments.from != m_moments.from || moments.until != m_moments.until) {
         use(m_span);
     }
+    Q_EMIT timePassed();
 }
 
 }  // namespace quorbel

@@ -22,6 +22,8 @@ public:
     /// What time it is; the system's where none is set.
     void setClock(std::function<QDateTime()> clock) { m_clock = std::move(clock); }
 
+    [[nodiscard]] QDateTime now() const { return m_clock(); }
+
     void addTo(EventQuery &query) const override;
     void removeFrom(EventQuery &query) const override;
     void clear() override { use({}); }
@@ -30,8 +32,13 @@ public:
     /// Takes this span, by its name if it has one now.
     void choose(const EventSpan::Moments &moments);
 
-    /// Sends changed() when the span has gone on with the time. Done by itself now and then.
+    /// Sends changed() when the span has gone on with the time, and timePassed(). Done by itself
+    /// now and then.
     void follow();
+
+Q_SIGNALS:
+    /// Now and then.
+    void timePassed();
 
 protected:
     void take(const QVariant &key, const QString &text) override;

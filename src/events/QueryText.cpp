@@ -1,6 +1,7 @@
 #include "events/QueryText.h"
 
 #include "core/SavedFilterText.h"
+#include "events/EventSpan.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
@@ -26,6 +27,16 @@ QString textOf(const TextCondition &condition) {
 
 QString shownMoment(std::int64_t moment) {
     return QDateTime::fromSecsSinceEpoch(moment).toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+QStringList spansOf(const EventQuery &query) {
+    QStringList names;
+    for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
+        if (query.spans[span]) {
+            names += EventSpan::of(static_cast<MovingSpan>(span)).textAt({}).toLower();
+        }
+    }
+    return names;
 }
 
 QString ratingsOf(const EventQuery &query) {
@@ -63,6 +74,7 @@ QString queryText(const EventQuery &query) {
     if (query.until) {
         parts += tr("before %1").arg(shownMoment(*query.until));
     }
+    parts += spansOf(query);
     return parts.join(QStringLiteral("; "));
 }
 

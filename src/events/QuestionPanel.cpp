@@ -1,5 +1,6 @@
 #include "events/QuestionPanel.h"
 
+#include "events/EventSpan.h"
 #include "events/FilterLibrary.h"
 #include "events/QuestionDelegate.h"
 #include "events/QuestionFooter.h"
@@ -39,7 +40,8 @@ QFrame *line(QWidget *parent) {
 
 }  // namespace
 
-QuestionPanel::QuestionPanel(EventList &events, FilterLibrary &library, QWidget *parent)
+QuestionPanel::QuestionPanel(EventList &events, FilterLibrary &library,
+                             std::function<QDateTime()> clock, QWidget *parent)
     : FindPanel(parent),
       m_library(library),
       m_counter(events),
@@ -47,7 +49,8 @@ QuestionPanel::QuestionPanel(EventList &events, FilterLibrary &library, QWidget 
       m_list(new QListView(this)),
       m_below(new QStackedWidget(this)),
       m_footer(new QuestionFooter(m_below)),
-      m_prompt(new QuestionPrompt(m_below)) {
+      m_prompt(new QuestionPrompt(m_below)),
+      m_clock(std::move(clock)) {
     setObjectName(QStringLiteral("findSavedPanel"));
     setAccessibleName(tr("Kept filters and questions"));
     makeColumn();
@@ -166,16 +169,36 @@ void QuestionPanel::showFilters() {
     startCounting();
 }
 
+std::vector<EventQuery> QuestionPanel::queriesNow() const {
+    std::vector<EventQuery> queries = m_model.queries();
+    for (EventQuery &query : queries) {
+        query = queryAt(query, m_clock());
+    }
+    return queries;
+}
+
 void QuestionPanel::startCounting() {
-    const std::vector<EventQuery> queries = m_model.queries();
-    m_filters = queries.size();
-    m_counter.start(queries);
+    m_counted = queriesNow();
+    m_counter.start(m_counted);
     m_slices.start(0);
+}
+
+void QuestionPanel::followClock() {
+    const std::vector<EventQuery> queries = queriesNow();
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+        if (queries[i] != m_counted[i]) {
+            m_counter.replace(i, queries[i]);
+        }
+    }
+    m_counted = queries;
 }
 
 void QuestionPanel::count() {
     QElapsedTimer time;
     time.start();
+    if (m_slices.interval() > 0) {
+        followClock();
+    }
     if (m_counter.isCounting()) {
         m_counter.run([&time] { return time.elapsed() >= kSliceMilliseconds; });
         showCounts();
@@ -190,7 +213,7 @@ void QuestionPanel::count() {
 
 void QuestionPanel::showCounts() {
     std::vector<std::optional<std::size_t>> counts;
-    for (std::size_t i = 0; i < m_filters; ++i) {
+    for (std::size_t i = 0; i < m_counted.size(); ++i) {
         counts.push_back(m_counter.count(i));
     }
     m_model.setCounts(counts);
@@ -350,7 +373,7 @@ void QuestionPanel::hideEvent(QHideEvent *event) {
     FindPanel::hideEvent(event);
     m_slices.stop();
     m_counter.start({});
-    m_filters = 0;
+    m_counted.clear();
 }
 
 }  // namespace quorbel

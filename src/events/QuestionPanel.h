@@ -4,7 +4,10 @@
 #include "events/FindPanel.h"
 #include "events/QuestionModel.h"
 
+#include <QDateTime>
 #include <QTimer>
+
+#include <functional>
 
 class QLineEdit;
 class QListView;
@@ -22,8 +25,9 @@ class QuestionPanel : public FindPanel {
     Q_OBJECT
 
 public:
-    /// Both outlive this.
-    QuestionPanel(EventList &events, FilterLibrary &library, QWidget *parent);
+    /// All outlive this. `clock` tells the time.
+    QuestionPanel(EventList &events, FilterLibrary &library, std::function<QDateTime()> clock,
+                  QWidget *parent);
 
     /// `current` is what the page is filtered by; `inForce` the filter that was chosen here last,
     /// null for none.
@@ -49,7 +53,9 @@ private:
     void connectFooter();
     [[nodiscard]] QSize wantedSize(const QWidget &anchor) const;
     void showFilters();
+    [[nodiscard]] std::vector<EventQuery> queriesNow() const;
     void startCounting();
+    void followClock();
     void count();
     void showCounts();
     void select(const QModelIndex &index);
@@ -74,7 +80,8 @@ private:
     QStackedWidget *m_below;
     QuestionFooter *m_footer;
     QuestionPrompt *m_prompt;
-    std::size_t m_filters = 0;
+    std::function<QDateTime()> m_clock;
+    std::vector<EventQuery> m_counted;
     EventQuery m_current;
     std::optional<SavedFilter> m_inForce;
 };

@@ -1,16 +1,28 @@
 #include "events/RowMarks.h"
 
+#include "events/EventSpan.h"
 #include "events/FilterLibrary.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <utility>
 
 namespace quorbel {
 
-RowMarks::RowMarks(ArrangedEvents &events, const FilterLibrary &library, QObject *parent)
-    : QObject(parent), m_events(events), m_reader(events.list()) {
-    connect(&library, &FilterLibrary::changed, this, [this, &library] {
-        takeOver(library);
-        Q_EMIT changed();
-    });
+namespace {
+
+constexpr int kSliceMilliseconds = 8;
+
+}  // namespace
+
+RowMarks::RowMarks(ArrangedEvents &events, const FilterLibrary &library,
+                   std::function<QDateTime()> clock, QObject *parent)
+    : QObject(parent), m_events(events), m_reader(events.list()), m_clock(std::move(clock)) {
+    connect(&library, &FilterLibrary::changed, this, [this, &library] { takeOver(library); });
+    connect(&m_slices, &QTimer::timeout, this, &RowMarks::makeMatchers);
     takeOver(library);
     m_events.list().addObserver(*this);
 }
@@ -20,13 +32,46 @@ RowMarks::~RowMarks() {
 }
 
 void RowMarks::takeOver(const FilterLibrary &library) {
-    m_known.clear();
     m_markers.clear();
     for (const SavedFilter &filter : library.kept()) {
         if (filter.mark) {
-            m_markers.push_back({EventMatcher(m_events.list(), filter.query),
-                                 {toQString(filter.name), *filter.mark}});
+            m_markers.push_back({filter.query, {toQString(filter.name), *filter.mark}});
         }
+    }
+    makeMatchers();
+}
+
+/// Makes those that are missing, which takes a millisecond or more each.
+void RowMarks::makeMatchers() {
+    QElapsedTimer time;
+    time.start();
+    const QDateTime now = m_clock();
+    auto marker = m_markers.begin();
+    for (; marker != m_markers.end() && time.elapsed() < kSliceMilliseconds; ++marker) {
+        if (!marker->matcher) {
+            marker->matcher.emplace(m_events.list(), queryAt(marker->query, now));
+        }
+    }
+    if (marker == m_markers.end()) {
+        m_slices.stop();
+    } else {
+        m_slices.start(0);
+    }
+    m_known.clear();
+    Q_EMIT changed();
+}
+
+void RowMarks::follow() {
+    const QDateTime now = m_clock();
+    bool isOther = false;
+    for (Marker &marker : m_markers) {
+        if (marker.matcher && queryAt(marker.query, now) != marker.matcher->filter()) {
+            marker.matcher.reset();
+            isOther = true;
+        }
+    }
+    if (isOther) {
+        makeMatchers();
     }
 }
 
@@ -34,7 +79,9 @@ void RowMarks::takeOver(const FilterLibrary &library) {
 void RowMarks::forget() {
     m_known.clear();
     for (Marker &marker : m_markers) {
-        marker.matcher.forgetTexts();
+        if (marker.matcher) {
+            marker.matcher->forgetTexts();
+        }
     }
 }
 
@@ -48,15 +95,27 @@ const RowMarks::Mark *RowMarks::markOf(int row) {
         if (m_known.size() >= kMostKnown) {
             m_known.clear();
         }
-        known = m_known.emplace(id, find(id)).first;
+        known = m_known.emplace(id, find(id, 0)).first;
     }
     return known->second == kNoMark ? nullptr : &m_markers[known->second].mark;
 }
 
-std::size_t RowMarks::find(EventId id) {
+QString RowMarks::descriptionOf(int row) {
+    if (m_markers.empty()) {
+        return {};
+    }
+    QStringList names;
+    const EventId id = m_events.idAt(static_cast<std::size_t>(row));
+    for (std::size_t i = find(id, 0); i != kNoMark; i = find(id, i + 1)) {
+        names += paintedRow(m_markers[i].mark.name);
+    }
+    return names.isEmpty() ? QString() : tr("Marked by %1").arg(names.join(QStringLiteral(", ")));
+}
+
+std::size_t RowMarks::find(EventId id, std::size_t from) {
     EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(id));
     const auto position = chunk.positionOf(id);
-    for (std::size_t i = 0; position && i < m_markers.size(); ++i) {
+    for (std::size_t i = from; position && i < m_markers.size(); ++i) {
         if (isMeant(m_markers[i], chunk, *position)) {
             return i;
         }
@@ -65,9 +124,11 @@ std::size_t RowMarks::find(EventId id) {
 }
 
 bool RowMarks::isMeant(Marker &marker, EventChunk &chunk, std::size_t position) {
-    const auto &ratings = marker.matcher.filter().ratings;
-    return marker.matcher.matches(chunk, static_cast<std::uint32_t>(position)) &&
-           (ratings.none() || ratings[chunk.record(position).image]);
+    if (!marker.matcher || !marker.matcher->matches(chunk, static_cast<std::uint32_t>(position))) {
+        return false;
+    }
+    const auto &ratings = marker.query.ratings;
+    return ratings.none() || ratings[chunk.record(position).image];
 }
 
 }  // namespace quorbel

@@ -117,6 +117,19 @@ TEST_F(EventCounterTest, ForgetsHostsThatHaveGone) {
     EXPECT_EQ(m_counter.count(0), 0U);
 }
 
+TEST_F(EventCounterTest, CountsAnotherFilterInPlaceOfOne) {
+    insert("disk", 3);
+    insert("fan");
+    m_counter.start({containing("disk"), containing("fan")});
+    countAll();
+    m_counter.replace(0, containing("fan"));
+    EXPECT_TRUE(m_counter.isCounting());
+    EXPECT_EQ(m_counter.count(0), 3U);
+    countAll();
+    EXPECT_EQ(m_counter.count(0), 1U);
+    EXPECT_EQ(m_counter.count(1), 1U);
+}
+
 TEST_F(EventCounterTest, StopsWithoutFilters) {
     insert("disk");
     m_counter.start({containing("disk")});

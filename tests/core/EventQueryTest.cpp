@@ -81,6 +81,7 @@ TEST(EventQueryTest, AsksForBothWhereThatIsPossible) {
     first.leastSeverity = 4;
     first.from = 100;
     first.until = 300;
+    first.spans = 0b0001;
     EventQuery second;
     second.texts.push_back({{"OK", true, false}, true});
     second.host = "db*";
@@ -89,12 +90,14 @@ TEST(EventQueryTest, AsksForBothWhereThatIsPossible) {
     second.leastSeverity = 3;
     second.from = 200;
     second.until = 400;
+    second.spans = 0b0101;
     EventQuery both = first;
     both.texts.push_back(second.texts.front());
     both.facility = "Kern";
     both.ratings.set(3);
     both.leastSeverity = 3;
     both.from = 200;
+    both.spans = 0b0101;
     EXPECT_EQ(bothOf(first, second), both);
     EXPECT_EQ(bothOf(first, {}), first);
     EXPECT_EQ(bothOf({}, second), second);

@@ -30,7 +30,8 @@ TEST(SavedFilterTest, IsReadFromLines) {
         "# a comment\n\ngroup Disks\nfilter Bad disks\nabout Disks that fail\nmark violet\n"
         "contains sd b\nlacks-case OK\nmatches I/O error\nor sense: \\d+\r\nmatches-not-case x|y\n"
         "rating Severe\nrating Unrated\nseverity Warning\nfacility Kern\nhost fs*, !fs02\n"
-        "from 2026-11-21T02:00:00Z\nuntil 1000\n\nfilter Next\ncontains \"\\\"\\\\ \\n\\x01\"\n");
+        "from 2026-11-21T02:00:00Z\nuntil 1000\ntime yesterday\ntime last 24 hours\n\nfilter "
+        "Next\ncontains \"\\\"\\\\ \\n\\x01\"\n");
     ASSERT_TRUE(read.isGood()) << read.line << read.problem;
     ASSERT_EQ(read.filters.size(), 2U);
     SavedFilter wanted{"Bad disks", "Disks", "Disks that fail", {}, MarkColour::kViolet};
@@ -44,6 +45,7 @@ TEST(SavedFilterTest, IsReadFromLines) {
     wanted.query.host = "fs*, !fs02";
     wanted.query.from = 1795226400;
     wanted.query.until = 1000;
+    wanted.query.spans = 0b1100;
     EXPECT_EQ(read.filters[0], wanted);
     SavedFilter next = withText("Next", "\"\\ \n\x01");
     next.group = "Disks";
@@ -85,6 +87,8 @@ TEST(SavedFilterTest, RefusesValuesThatThereAreNot) {
     EXPECT_EQ(problemOf("filter A\nrating Bad\n"), "3: \"rating\" is no rating that there is");
     EXPECT_EQ(problemOf("filter A\nseverity error\n"),
               "3: \"severity\" is no severity that there is");
+    EXPECT_EQ(problemOf("filter A\ntime Today\n"), "3: \"time\" is no span of time that there is");
+    EXPECT_EQ(problemOf("filter A\ntime today\ntime today\n"), "4: \"time\" is given twice");
     EXPECT_EQ(problemOf("filter A\nmark red\n"), "3: \"mark\" is no colour that there is");
     for (const char *moment : {"2026-02-30T00:00:00Z", "2026-01-01T24:00:00Z", "2026-01-01",
                                "2026-01-01T00:00:00", "99999999999999999999", "1.5", "now"}) {
@@ -171,6 +175,7 @@ SavedFilter randomFilter(Random &random, int number) {
     }
     filter.query.ratings = random.below(16);
     filter.query.host = random.text();
+    filter.query.spans = random.below(16);
     filter.query.facility = random.flip() ? random.text() : "";
     if (random.flip()) {
         filter.query.leastSeverity = static_cast<std::uint8_t>(random.below(9));

@@ -2,6 +2,7 @@
 
 #include "core/SavedFilterStore.h"
 #include "events/FindBarFixture.h"
+#include "events/FindSpan.h"
 #include "events/MarkColours.h"
 #include "platform/Files.h"
 
@@ -220,6 +221,62 @@ private Q_SLOTS:
         QTest::keyClick(search(), Qt::Key_Return);
         QTRY_COMPARE(rows(), 16);
         QCOMPARE(control<QAbstractButton>("findSaved")->text(), name("My disks"));
+    }
+    void aKeptSpanGoesOnWithTheTime() {
+        auto *span = m_page->findChild<FindSpan *>();
+        QDateTime now = noon();
+        span->setClock([&now] { return now; });
+        choose("findSpan", name("Today"));
+        QTRY_COMPARE(rows(), 49);
+        keepFilter("My day");
+        QCOMPARE(keptText(), "Quorbel filters 1\n\nfilter My day\ntime today\n");
+        QTRY_COMPARE(offered()[1], name("My day: 49"));
+        QCOMPARE(textOf("findSavedAbout"), name("today"));
+        close();
+        click("findClear");
+        QTRY_COMPARE(rows(), kEvents);
+        now = now.addDays(-1);
+        open();
+        QTRY_COMPARE(offered()[1], name("My day: 47"));
+        now = now.addDays(-1);
+        QTRY_COMPARE(offered()[1], name("My day: 0"));
+        now = now.addDays(1);
+        QTest::keyClick(search(), Qt::Key_Return);
+        QTRY_COMPARE(rows(), 47);
+        // The bar's own span narrows it.
+        choose("findSpan", name("Yesterday"));
+        QTRY_COMPARE(rows(), 0);
+        choose("findSpan", name("Any time"));
+        QTRY_COMPARE(rows(), 47);
+        now = now.addDays(1);
+        span->follow();
+        QTRY_COMPARE(rows(), 49);
+        now = now.addDays(1);
+        span->follow();
+        QTRY_COMPARE(rows(), 0);
+        now = now.addDays(-1);  // somebody sets the clock
+        span->follow();
+        QTRY_COMPARE(rows(), 49);
+    }
+    void marksOfASpanGoOnWithTheTime() {
+        auto *span = m_page->findChild<FindSpan *>();
+        QDateTime now = noon();
+        span->setClock([&now] { return now; });
+        SavedFilter lastHour;
+        lastHour.name = "Fresh";
+        lastHour.query.spans.set(static_cast<std::size_t>(MovingSpan::kLastHour));
+        lastHour.mark = MarkColour::kTeal;
+        SavedFilterStore store(keptFile());
+        QCOMPARE(store.keep(lastHour), std::string());
+        open();
+        close();
+        const QRgb teal = lookOf(MarkColour::kTeal).tint;
+        QTRY_COMPARE(colourAt(4, 40).rgb(), teal);
+        QVERIFY(colourAt(5, 40).rgb() != teal);
+        now = now.addSecs(30 * 60);
+        span->follow();
+        QTRY_VERIFY(colourAt(4, 40).rgb() != teal);
+        QCOMPARE(colourAt(2, 40).rgb(), teal);
     }
     void keepsNothingWithoutAFilter() {
         open();
