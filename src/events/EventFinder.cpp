@@ -1,6 +1,7 @@
 #include "events/EventFinder.h"
 
 #include "core/EventReader.h"
+#include "events/EventTableModel.h"
 #include "events/EventTableView.h"
 #include "events/FilterLibrary.h"
 #include "events/FindBar.h"

@@ -78,6 +78,9 @@ QVariant EventTableModel::data(const QModelIndex &index, int role) const {
     if (!index.isValid()) {
         return {};
     }
+    if (role == Qt::AccessibleDescriptionRole) {
+        return m_description ? m_description(index.row()) : QString();
+    }
     const std::size_t row = m_events.listRow(static_cast<std::size_t>(index.row()));
     if (role == Qt::DisplayRole) {
         return text(row, index.column());

@@ -6,7 +6,9 @@
 #include <QIcon>
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace quorbel {
 
@@ -31,6 +33,11 @@ public:
                                       int role) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
 
+    /// What a screen reader tells of a row beside its cells' texts.
+    void setDescription(std::function<QString(int row)> description) {
+        m_description = std::move(description);
+    }
+
     /// Says that texts and images of any row may have changed.
     void refreshAll();
 
@@ -47,6 +54,7 @@ private:
     std::unique_ptr<ArrangedEvents> m_own;
     ArrangedEvents &m_events;
     EventList &m_list;
+    std::function<QString(int row)> m_description;
     std::array<QIcon, 3> m_images;  // by SeverityLevel
 };
 

@@ -7,6 +7,7 @@
 #include "platform/Files.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QFileDialog>
 #include <QHelpEvent>
 #include <QListView>
@@ -363,6 +364,27 @@ private Q_SLOTS:
         open();
         close();
         QCOMPARE(colourAt(5, 40).rgb(), lookOf(MarkColour::kTeal).tint);
+    }
+    void tellsScreenReadersWhichFiltersMarkARow() {
+        QAccessibleInterface *rows = QAccessible::queryAccessibleInterface(table());
+        const auto description = [rows](int row) {
+            return rows->tableInterface()->cellAt(row, 4)->text(QAccessible::Description);
+        };
+        QCOMPARE(description(0), QString());
+        open();
+        type("links up");
+        QTest::keyClick(search(), Qt::Key_Return, Qt::ControlModifier);
+        SavedFilter all;
+        all.name = "All of them";
+        all.query.host = "*";
+        all.mark = MarkColour::kTeal;
+        SavedFilterStore store(keptFile());
+        QCOMPARE(store.keep(all), std::string());
+        close();
+        open();
+        close();
+        QTRY_COMPARE(description(0), name("Marked by Links up, All of them"));
+        QCOMPARE(description(5), name("Marked by All of them"));
     }
     void namesTheMarkInTheRow() {
         open();
