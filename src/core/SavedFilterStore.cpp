@@ -62,23 +62,35 @@ std::filesystem::path targetOf(const std::filesystem::path &file) {
     return error ? file : target;
 }
 
-}  // namespace
-
-FilterFile readFilterFile(const std::filesystem::path &file) {
+/// Returns what is wrong.
+std::string readText(const std::filesystem::path &file, std::string &text) {
     std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
     if (!error && size > SavedFilterLimits::kBytes) {
-        return {{}, file.string() + " is too large for a file of filters"};
+        return file.string() + " is too large for a file of filters";
     }
-    const auto text = readFile(file);
-    if (!text) {
-        return {{}, file.string() + " could not be read"};
+    auto read = readFile(file);
+    if (!read) {
+        return file.string() + " could not be read";
     }
-    ReadFilters read = readFilters(*text);
+    text = std::move(*read);
+    return {};
+}
+
+FilterFile filtersIn(const std::filesystem::path &file, const std::string &text) {
+    ReadFilters read = readFilters(text);
     if (!read.isGood()) {
         return {{}, file.string() + ", line " + std::to_string(read.line) + ": " + read.problem};
     }
     return {std::move(read.filters), {}};
+}
+
+}  // namespace
+
+FilterFile readFilterFile(const std::filesystem::path &file) {
+    std::string text;
+    std::string problem = readText(file, text);
+    return problem.empty() ? filtersIn(file, text) : FilterFile{{}, std::move(problem)};
 }
 
 std::string writeFilterFile(const std::filesystem::path &file, const Filters &filters) {
@@ -96,14 +108,23 @@ std::string writeFilterFile(const std::filesystem::path &file, const Filters &fi
 std::string SavedFilterStore::load() {
     if (!isThere(m_file)) {
         m_filters.clear();
+        m_text.clear();
         return {};
     }
-    FilterFile read = readFilterFile(m_file);
+    std::string text;
+    if (std::string problem = readText(m_file, text); !problem.empty()) {
+        return problem;
+    }
+    if (text == m_text) {
+        return {};  // compiling thousands of expressions takes its time
+    }
+    FilterFile read = filtersIn(m_file, text);
     if (read.problem.empty()) {
         for (SavedFilter &filter : read.filters) {
             filter.group.clear();
         }
         m_filters = std::move(read.filters);
+        m_text = std::move(text);
     }
     return read.problem;
 }

@@ -53,6 +53,7 @@ private:
 
     std::filesystem::path m_file;
     Filters m_filters;
+    std::string m_text;  // of the file, as it was read last; empty when it was not there
 };
 
 }  // namespace quorbel

@@ -26,9 +26,15 @@ std::vector<SavedFilter> readQuestions() {
 
 }  // namespace
 
-FilterLibrary::FilterLibrary(QObject *parent)
-    : QObject(parent), m_kept(keptFile()), m_questions(readQuestions()) {
+FilterLibrary::FilterLibrary(QObject *parent) : QObject(parent), m_kept(keptFile()) {
     m_kept.load();
+}
+
+const FilterLibrary::Filters &FilterLibrary::questions() const {
+    if (m_questions.empty()) {
+        m_questions = readQuestions();
+    }
+    return m_questions;
 }
 
 bool FilterLibrary::isKept(const SavedFilter &filter) const {

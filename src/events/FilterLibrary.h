@@ -21,7 +21,8 @@ public:
     explicit FilterLibrary(QObject *parent = nullptr);
 
     [[nodiscard]] const Filters &kept() const { return m_kept.filters(); }
-    [[nodiscard]] const Filters &questions() const { return m_questions; }
+    /// Reads them when they are asked for first.
+    [[nodiscard]] const Filters &questions() const;
     [[nodiscard]] bool isKept(const SavedFilter &filter) const;
 
     /// Takes over what another window, or an editor, has written since.
@@ -46,7 +47,7 @@ private:
     QString change(Change change);
 
     SavedFilterStore m_kept;
-    Filters m_questions;
+    mutable Filters m_questions;
 };
 
 }  // namespace quorbel
