@@ -214,6 +214,58 @@ void narrow(const Stage &stage, int from, int until) {
     QTest::qWait(kSettleMs);
 }
 
+/// Keeps a filter in use under a name, and marks what two questions mean.
+void keepAndMark(const Stage &stage) {
+    const auto openQuestions = [&stage] {
+        stage.click("findSaved");
+        QTest::qWait(kSettleMs);
+    };
+    const auto mark = [&](const char *question) {
+        stage.control<QLineEdit>("findSavedText").clear();
+        stage.type("findSavedText", question);
+        QTest::keyClick(&stage.control<QWidget>("findSavedText"), Qt::Key_Return,
+                        Qt::ControlModifier);
+    };
+    stage.type("findText", "interface");
+    openQuestions();
+    // The pictures before may have kept it.
+    if (stage.control<QLineEdit>("findSavedText").placeholderText().contains(u" 0 kept")) {
+        stage.click("findSavedKeep");
+        stage.type("findSavedName", "Interfaces of the core switch, on both sides of the house");
+        stage.click("findSavedOk");
+        mark("links up");
+        mark("failed logins");
+    }
+    stage.control<QWidget>("findSavedPanel").hide();
+    stage.click("findClear");
+    QTest::qWait(kSettleMs);
+}
+
+std::vector<Picture> questionPictures() {
+    const auto openAt = [](QSize size) {
+        return [size](const Stage &stage) {
+            stage.click("Scan");
+            if (!size.isEmpty()) {
+                stage.window->setMinimumSize(0, 0);
+                stage.window->resize(size);
+            }
+            keepAndMark(stage);
+            stage.click("findSaved");
+            QTest::qWait(4 * kSettleMs);
+        };
+    };
+    return {
+        {"events-questions", Sample::kBad, "findSavedPanel", openAt({})},
+        {"events-questions-small", Sample::kBad, "findSavedPanel", openAt({800, 500})},
+        {"events-marked", Sample::kBad, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             keepAndMark(stage);
+             stage.clickRow("ScanView", "tableView", 2);
+         }},
+    };
+}
+
 std::vector<Picture> settingsPictures() {
     const auto optionsAt = [](const char *name) {
         return [name](const Stage &stage) {
@@ -343,6 +395,7 @@ std::vector<Picture> pictures() {
         {"reports-date", Sample::kBad, "WindowController", report(3, false)},
         {"reports-date-expanded", Sample::kBad, "WindowController", report(3, true)},
     };
+    std::ranges::move(questionPictures(), std::back_inserter(all));
     std::ranges::move(settingsPictures(), std::back_inserter(all));
     return all;
 }
