@@ -5,6 +5,9 @@
 
 #include <QTest>
 
+#include <utility>
+#include <vector>
+
 namespace quorbel {
 
 class FindTextsTest : public QObject {
@@ -15,6 +18,11 @@ private:
         const TextPattern pattern(
             {likePattern(QString::fromUtf8(message)), /*isCaseSensitive=*/true, true});
         return pattern.error().empty() && pattern.isIn(other);
+    }
+    static EventQuery queryFor(std::vector<TextCondition> texts) {
+        EventQuery query;
+        query.texts = std::move(texts);
+        return query;
     }
 
 private Q_SLOTS:
@@ -57,7 +65,7 @@ private Q_SLOTS:
 
     void marksEveryPlaceInCharacters() {
         MatchMarks marks;
-        marks.use({{{{"übel"}, false}, {{"x"}, true}}, {}, {}, {}, {}, {}, {}});
+        marks.use(queryFor({{{"übel"}, false}, {{"x"}, true}}));
         const QString text = QString::fromUtf8("😀 Übel und ÜBEL x");
         const std::vector<TextRange> found = marks.in(text);
         QCOMPARE(found.size(), std::size_t{2});
@@ -69,7 +77,7 @@ private Q_SLOTS:
     void endsWithExpressionsThatMatchNothing() {
         MatchMarks marks;
         for (const char *expression : {"x*", "^", "$", "\\b", "(?:)"}) {
-            marks.use({{{{expression, false, true}, false}}, {}, {}, {}, {}, {}, {}});
+            marks.use(queryFor({{{expression, false, true}, false}}));
             for (const TextRange &range : marks.in(QString::fromUtf8("axxb Ü"))) {
                 QVERIFY(range.end > range.begin);
             }
@@ -77,7 +85,7 @@ private Q_SLOTS:
     }
     void marksNoMoreThanAnybodyLooksAt() {
         MatchMarks marks;
-        marks.use({{{{"a"}, false}}, {}, {}, {}, {}, {}, {}});
+        marks.use(queryFor({{{"a"}, false}}));
         QCOMPARE(marks.in(QString(1'000'000, u'a')).size(), MatchMarks::kMost);
     }
 };
