@@ -46,7 +46,7 @@ bool FilterLibrary::isKept(const SavedFilter &filter) const {
 template <typename Change>
 QString FilterLibrary::change(Change change) {
     const Filters before = kept();
-    const QString problem = toQString(change());
+    QString problem = toQString(change());
     if (kept() != before) {
         Q_EMIT changed();
     }

@@ -47,8 +47,7 @@ QuestionFooter::QuestionFooter(QWidget *parent)
     : QWidget(parent),
       m_name(new QLabel(this)),
       m_about(new QLabel(this)),
-      m_buttons(new QWidget(this)),
-      m_keep(nullptr) {
+      m_buttons(new QWidget(this)) {
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(15, 10, 15, 14);
     column->setSpacing(4);

@@ -42,10 +42,10 @@ private:
     QLabel *m_name;
     QLabel *m_about;
     QWidget *m_buttons;
-    QPushButton *m_keep;
-    QPushButton *m_more;
-    QPushButton *m_mark;
-    QPushButton *m_showOnly;
+    QPushButton *m_keep = nullptr;
+    QPushButton *m_more = nullptr;
+    QPushButton *m_mark = nullptr;
+    QPushButton *m_showOnly = nullptr;
     std::optional<MarkColour> m_colour;
     State m_state;
 };
