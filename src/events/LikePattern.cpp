@@ -33,18 +33,25 @@ std::string wildcardFor(const QRegularExpressionMatch &part) {
     return part.hasCaptured(QStringLiteral("hex")) ? "(?:0x)?[0-9A-Fa-f]+" : "\\d+";
 }
 
+/// What is shown in the place of bytes that are no text stands for a few of any.
 void appendQuoted(QStringView text, std::string &pattern) {
-    for (const char character : text.toString().toStdString()) {
-        if (QByteArrayView("\\^$.|?*+()[]{}").contains(character)) {
-            pattern += '\\';
+    QString quoted;
+    for (const QChar character : text) {
+        if (character == QChar::ReplacementCharacter) {
+            quoted += QStringLiteral("\\C{1,3}");
+            continue;
         }
-        pattern += character;
+        if (QStringView(u"\\^$.|?*+()[]{}").contains(character)) {
+            quoted += u'\\';
+        }
+        quoted += character;
     }
+    pattern += quoted.toStdString();
 }
 
-/// As much of a text's first `most` characters as patterns are made of.
-QString beginningOf(const QString &text, qsizetype most) {
-    qsizetype end = std::min(most, kLongest);
+/// As much of a text as patterns are made of.
+QString beginningOf(const QString &text) {
+    qsizetype end = std::min(text.size(), kLongest);
     if (end < text.size() && end > 0 && text[end - 1].isHighSurrogate()) {
         --end;
     }
@@ -68,8 +75,7 @@ void forEachPart(const QString &text, const OnSame &onSame, const OnChanging &on
 }  // namespace
 
 std::string likePattern(const QString &message) {
-    const qsizetype unknown = message.indexOf(QChar::ReplacementCharacter);
-    const QString text = beginningOf(message, unknown < 0 ? message.size() : unknown);
+    const QString text = beginningOf(message);
     std::string pattern = "^";
     forEachPart(
         text, [&](QStringView same) { appendQuoted(same, pattern); },
@@ -78,7 +84,7 @@ std::string likePattern(const QString &message) {
 }
 
 QString likeWildcards(const QString &message) {
-    const QString text = beginningOf(message, message.size());
+    const QString text = beginningOf(message);
     QString pattern;
     const auto addStar = [&pattern] { pattern += pattern.endsWith(u'*') ? u"" : u"*"; };
     forEachPart(

@@ -60,6 +60,27 @@ private Q_SLOTS:
         QVERIFY(isLike((begin + " end").c_str(), (begin + " another").c_str()));
         QVERIFY(!isLike((begin + " end").c_str(), ("b" + begin).c_str()));
         QVERIFY(isLike("disk \xff full", "disk \xff full"));
+        // Of bytes that are no text, one does not see which they are; the service writes a sign for
+        // them.
+        QVERIFY(
+            isLike("\xdc"
+                   "ber 1",
+                   "\xdc"
+                   "ber 2"));
+        QVERIFY(
+            isLike("fan: L\xEF\xBF\xBD"
+                   "fter 1",
+                   "fan: L\xEF\xBF\xBD"
+                   "fter 2"));
+        QVERIFY(
+            !isLike("fan: L\xEF\xBF\xBD"
+                    "fter 1",
+                    "fan: Lager 1"));
+        QVERIFY(
+            !isLike("\xdc"
+                    "ber 1",
+                    "disk full"));
+        QVERIFY(isLike(std::string(300, '\xff').c_str(), std::string(250, '\xff').c_str()));
         QVERIFY(isLike("", ""));
     }
 
