@@ -196,9 +196,11 @@ void ScanView::deleteEvents() {
 void ScanView::confirmDeletionOfAll() {
     const Rows all = allRows();
     // Of a filter's result just those go that were counted in the question.
-    confirmDeletion(
-        QStringLiteral("all"), countOf(all),
-        m_events.isFiltered() ? rowsLaterOf(all) : [this] { return m_events.listRows(allRows()); });
+    const auto wholeList = [this] {
+        return arrController.size() == 0 ? Rows{} : Rows{{0, arrController.size()}};
+    };
+    confirmDeletion(QStringLiteral("all"), countOf(all),
+                    m_events.isFiltered() ? rowsLaterOf(all) : wholeList);
 }
 
 std::function<ScanView::Rows()> ScanView::rowsLaterOf(const Rows &rows) const {

@@ -116,6 +116,16 @@ private Q_SLOTS:
         QTRY_COMPARE(count(), name("1 of 31 events"));
         QCOMPARE(cell(0, 4), name("disk sdb9"));
     }
+    void deletesAllThatTheQuestionWasAbout() {
+        click("deleteEvents");
+        answer(name("OK"), true);
+        QTRY_VERIFY(alert() != nullptr && alert()->isVisible());
+        // As a slow search does that ends only now.
+        field()->setText(name("sdb"));
+        QTRY_COMPARE(rows(), 10);
+        answer(name("Yes"));
+        QTRY_COMPARE(count(), name("0 of 0 events"));
+    }
     void deletesASelectedRowOfTheResult() {
         find("sdb");
         QTRY_COMPARE(rows(), 10);
