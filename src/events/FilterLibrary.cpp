@@ -37,10 +37,18 @@ const FilterLibrary::Filters &FilterLibrary::questions() const {
     return m_questions;
 }
 
-bool FilterLibrary::isKept(const SavedFilter &filter) const {
-    return std::ranges::any_of(kept(), [&](const SavedFilter &other) {
+FilterLibrary::Filters::const_iterator FilterLibrary::find(const SavedFilter &filter) const {
+    return std::ranges::find_if(kept(), [&](const SavedFilter &other) {
         return other.name == filter.name && other.query == filter.query;
     });
+}
+
+bool FilterLibrary::isKept(const SavedFilter &filter) const {
+    return find(filter) != kept().end();
+}
+
+std::optional<MarkColour> FilterLibrary::markOf(const SavedFilter &filter) const {
+    return isKept(filter) ? find(filter)->mark : std::nullopt;
 }
 
 template <typename Change>
@@ -72,6 +80,9 @@ QString FilterLibrary::remove(const std::string &name) {
 QString FilterLibrary::mark(const SavedFilter &filter, std::optional<MarkColour> colour) {
     if (isKept(filter)) {
         return change([&] { return m_kept.mark(filter.name, colour); });
+    }
+    if (!colour) {
+        return {};
     }
     SavedFilter marked = filter;
     marked.mark = colour;

@@ -24,6 +24,8 @@ public:
     /// Reads them when they are asked for first.
     [[nodiscard]] const Filters &questions() const;
     [[nodiscard]] bool isKept(const SavedFilter &filter) const;
+    /// In what colour a filter, or the question that was kept by being marked, marks rows.
+    [[nodiscard]] std::optional<MarkColour> markOf(const SavedFilter &filter) const;
 
     /// Takes over what another window, or an editor, has written since.
     QString reload();
@@ -42,6 +44,7 @@ Q_SIGNALS:
     void changed();
 
 private:
+    [[nodiscard]] Filters::const_iterator find(const SavedFilter &filter) const;
     /// Runs a change of m_kept and tells of it.
     template <typename Change>
     QString change(Change change);

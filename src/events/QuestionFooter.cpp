@@ -93,7 +93,6 @@ QPushButton *QuestionFooter::addButton(const char *name, const QString &text, co
 
 void QuestionFooter::show(const SavedFilter *filter, const State &state) {
     m_state = state;
-    m_colour = filter == nullptr ? std::nullopt : filter->mark;
     const QString name = filter == nullptr ? QString() : paintedRow(toQString(filter->name));
     const QString about = filter == nullptr       ? QString()
                           : filter->about.empty() ? queryText(filter->query)
@@ -111,11 +110,12 @@ void QuestionFooter::openMarkMenu() {
     auto *menu = new QMenu(m_mark);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("findSavedColours"));
+    menu->setLayoutDirection(layoutDirection());  // not the button's
     auto *group = new QActionGroup(menu);
     const auto add = [&](const QString &text, std::optional<MarkColour> colour) {
         QAction *action = menu->addAction(text);
         action->setCheckable(true);
-        action->setChecked(m_colour == colour);
+        action->setChecked(m_state.mark == colour);
         group->addAction(action);
         connect(action, &QAction::triggered, this, [this, colour] { Q_EMIT markAsked(colour); });
         return action;

@@ -21,6 +21,7 @@ public:
         bool isInForce = false;      ///< only what it means is shown already
         bool canKeepFilter = false;  ///< a filter is in use
         bool hasKept = false;
+        std::optional<MarkColour> mark{};
     };
     /// Null when none is selected.
     void show(const SavedFilter *filter, const State &state);
@@ -46,7 +47,6 @@ private:
     QPushButton *m_more = nullptr;
     QPushButton *m_mark = nullptr;
     QPushButton *m_showOnly = nullptr;
-    std::optional<MarkColour> m_colour;
     State m_state;
 };
 

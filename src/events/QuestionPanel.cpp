@@ -239,6 +239,7 @@ void QuestionPanel::showSelected() {
     state.isInForce = filter != nullptr && m_inForce && m_inForce->name == filter->name &&
                       m_inForce->query == filter->query;
     state.canKeepFilter = m_current.isInUse();
+    state.mark = filter != nullptr ? m_library.markOf(*filter) : std::nullopt;
     state.hasKept = !m_library.kept().empty();
     m_footer->show(filter, state);
     m_search->setAccessibleDescription(index.data(Qt::AccessibleTextRole).toString());
@@ -314,7 +315,7 @@ void QuestionPanel::mark(std::optional<MarkColour> colour) {
 
 void QuestionPanel::toggleMark() {
     if (const SavedFilter *filter = selected()) {
-        mark(filter->mark ? std::nullopt : std::optional(m_library.freeColour()));
+        mark(m_library.markOf(*filter) ? std::nullopt : std::optional(m_library.freeColour()));
     }
 }
 

@@ -349,6 +349,23 @@ private Q_SLOTS:
         close();
         QVERIFY(colourAt(0, 40).rgb() != teal.tint);
     }
+    void theKeyTakesAQuestionsMarkOffAgain() {
+        open();
+        type("links up");
+        press("findSavedMark");
+        pick("No colour");
+        QCOMPARE(keptText(), std::string());  // nothing to keep it for
+        for (const bool isMarked : {true, false, true}) {
+            QTest::keyClick(search(), Qt::Key_Return, Qt::ControlModifier);
+            QCOMPARE(keptText().find("mark violet\n") != std::string::npos, isMarked);
+        }
+        press("findSavedMark");
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu != nullptr);
+        QVERIFY(menu->actions().first()->isChecked());
+        QCOMPARE(menu->layoutDirection(), m_page->layoutDirection());
+        menu->close();
+    }
     void marksInAnotherColourWhatWasLookedAtBefore() {
         open();
         type("links up");
