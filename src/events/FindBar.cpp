@@ -200,6 +200,11 @@ void FindBar::setSpan(std::optional<std::int64_t> from, std::optional<std::int64
     m_span->choose({from, until});
 }
 
+EventSpan::Moments FindBar::span() const {
+    const EventQuery query = queryAt(ownFilter(), now());
+    return {query.from, query.until};
+}
+
 void FindBar::change() {
     if (!m_isClearing) {
         fold();

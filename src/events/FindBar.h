@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/EventQuery.h"
+#include "events/EventSpan.h"
 
 #include <QDateTime>
 #include <QList>
@@ -64,6 +65,8 @@ public:
     void excludeHost(const QString &host);
     /// From a moment up to, but not at, another one, in seconds since 1970; none for any time.
     void setSpan(std::optional<std::int64_t> from, std::optional<std::int64_t> until);
+    /// The one that is chosen now. A kept filter that was chosen may have one of its own.
+    [[nodiscard]] EventSpan::Moments span() const;
 
     /// Says at the field what is wrong with the expression; an empty text for nothing.
     void showError(const QString &error);

@@ -83,7 +83,10 @@ void ScanView::viewDidLoad() {
     m_timeline = std::make_unique<TimelineFold>(*ui->timeline, *ui->timelineToggle, m_events,
                                                 m_delegate.hold);
     connect(ui->timeline, &Timeline::spanChosen, ui->findBar, &FindBar::setSpan);
-    connect(ui->findBar, &FindBar::filterChanged, ui->timeline, qOverload<>(&QWidget::update));
+    connect(ui->findBar, &FindBar::filterChanged, ui->timeline, [this] {
+        const EventSpan::Moments span = ui->findBar->span();
+        ui->timeline->setAsked(span.from, span.until);
+    });
     showCount();
 }
 

@@ -305,13 +305,15 @@ std::optional<TimeSpan> Timeline::selection() const {
     return TimeSpan{m_axis.spanOf(first).from, m_axis.spanOf(last).until};
 }
 
-Timeline::AskedSpan Timeline::asked() const {
-    const EventQuery &filter = m_events->filter();
-    return {filter.from, filter.until};
+void Timeline::setAsked(std::optional<std::int64_t> from, std::optional<std::int64_t> until) {
+    m_asked = {from, until};
+    update();
 }
 
 std::optional<TimelinePicture::Band> Timeline::askedBand() const {
-    const AskedSpan span = asked();
+    // Without a choice, a kept filter's.
+    const EventQuery &filter = m_events->filter();
+    const AskedSpan span = m_asked == AskedSpan() ? AskedSpan{filter.from, filter.until} : m_asked;
     if (!m_axis.hasRange() || span == AskedSpan()) {
         return std::nullopt;
     }

@@ -30,6 +30,10 @@ public:
     /// Forgets them.
     void detach();
 
+    /// The span to which the table is narrowed by what is chosen, beside this or elsewhere: the one
+    /// that spanChosen() takes the place of.
+    void setAsked(std::optional<std::int64_t> from, std::optional<std::int64_t> until);
+
     /// What the columns are stacked by; the rating at first.
     void setGrouping(EventGrouping grouping);
 
@@ -90,7 +94,6 @@ private:
     [[nodiscard]] std::optional<std::int64_t> columnOfInterest() const;
     [[nodiscard]] std::optional<TimeSpan> selection() const;
     [[nodiscard]] std::optional<TimeSpan> spanOfInterest() const;
-    [[nodiscard]] AskedSpan asked() const;
     [[nodiscard]] std::optional<TimelinePicture::Band> askedBand() const;
     [[nodiscard]] QString countText(const TimeSpan &span) const;
     [[nodiscard]] QStringList groupTexts() const;
@@ -114,6 +117,7 @@ private:
 
     ArrangedEvents *m_events = nullptr;
     EventHold *m_hold = nullptr;
+    AskedSpan m_asked;
     EventGrouping m_grouping = EventGrouping::kRating;
     std::unique_ptr<TimelineCounts> m_counts;  // while visible
     TimeAxis m_axis;

@@ -204,7 +204,7 @@ void Timeline::moveCursor(std::int64_t columns, bool selects) {
 
 std::optional<Timeline::Edge> Timeline::edgeAt(int x) const {
     const auto band = askedBand();
-    const AskedSpan span = asked();
+    const AskedSpan &span = m_asked;
     const TimeSpan range = m_axis.range();
     if (band && span.from && std::abs(x - band->left) <= kEdge) {
         return Edge{m_axis.columnOf(*span.from),
@@ -226,14 +226,14 @@ void Timeline::unselect() {
 void Timeline::narrow() {
     const std::int64_t column = columnOfInterest().value_or(cursorColumn());
     const TimeSpan span = selection().value_or(m_axis.spanOf(column));
-    m_steps.push_back({{span.from, span.until}, asked(), m_axis.view()});
+    m_steps.push_back({{span.from, span.until}, m_asked, m_axis.view()});
     unselect();
     Q_EMIT spanChosen(span.from, span.until);
 }
 
 void Timeline::goBack() {
     // What was chosen elsewhere meanwhile is not this one's to take back.
-    if (m_steps.empty() || m_steps.back().chosen != asked()) {
+    if (m_steps.empty() || m_steps.back().chosen != m_asked) {
         m_steps.clear();
         return;
     }

@@ -1,6 +1,7 @@
 // Narrowing the table to a span with the timeline.
 
 #include "events/FindSpan.h"
+#include "events/QuestionPanel.h"
 #include "events/TimelineFixture.h"
 
 namespace quorbel {
@@ -127,6 +128,22 @@ private Q_SLOTS:
         bar.setSpan({}, {});
         key(Qt::Key_Backspace);
         QVERIFY(!query().isInUse());
+    }
+    void goesBackBesideAKeptFilterWithASpanOfItsOwn() {
+        openWithFocus();
+        const QString unchosen = spanChosen();
+        SavedFilter kept;
+        kept.name = "since two";
+        kept.query.from = kStart + 2 * kHour;
+        Q_EMIT m_page->findChild<QuestionPanel *>(name("findSavedPanel"))->chosen(kept);
+        const EventQuery before = query();
+        QCOMPARE(before.from, kept.query.from);
+        key(Qt::Key_Return);
+        QVERIFY(query().until.has_value());
+        QVERIFY(spanChosen() != unchosen);
+        key(Qt::Key_Backspace);
+        QCOMPARE(query(), before);
+        QCOMPARE(spanChosen(), unchosen);
     }
     void doesNotNarrowWhenTheSelectionIsGivenUp() {
         open();
