@@ -2,6 +2,7 @@
 // the same log file. Both search on one thread. And what a filter adds to an arrival.
 
 #include "Measure.h"
+#include "SampleList.h"
 #include "SampleLog.h"
 #include "common/LogReader.h"
 #include "core/AppDelegate.h"
@@ -20,7 +21,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -77,26 +77,6 @@ double bestOf(const std::string &command) {
         best = std::min(best, processorSecondsOf(command));
     }
     return best;
-}
-
-void load(EventList &list, const std::filesystem::path &file) {
-    list.beginBulkInsert();
-    std::ifstream in(file);
-    for (std::string line; std::getline(in, line);) {
-        line += '\n';
-        const auto fields = splitLogLine(line);
-        list.insertRaw({fields->date, fields->priority, fields->host, fields->message, {}});
-    }
-    list.endBulkInsert();
-}
-
-void show(EventList &list, const std::string &dateFormat) {
-    AppState state;
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        state.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
-    }
-    state.newDateFormat = state.oldDateFormat = dateFormat;
-    list.show(state);
 }
 
 /// The longest slice of a search for what keeps an expression busy, in messages of a megabyte.
@@ -232,7 +212,7 @@ public:
         const double ripgrep =
             bestOf("rg -c -i -F '" + text + "' '" + m_file.string() + "' > /dev/null");
         m_events.setFilter({});
-        show(m_list, "dd.MM.yyyy HH:mm:ss");
+        m_list.show(stateWithFormat("dd.MM.yyyy HH:mm:ss"));
         const ProcessorWatch watch;
         m_events.setFilter(textFilter(text));
         m_events.search([] { return false; });
@@ -264,8 +244,8 @@ int run(const std::filesystem::path &folder) {
     const auto file = folder / "sample.log";
     writeSampleLog(file, kLines, kSpacing);
     EventList list;
-    load(list, file);
-    show(list, "yyyy-MM-dd HH:mm:ss");
+    addSamples(list, file);
+    list.show(stateWithFormat("yyyy-MM-dd HH:mm:ss"));
     FindBench bench(list, file);
     bool reached = bench.text("vlan120", false);
     reached &= bench.text("0x7f0000ab", false);

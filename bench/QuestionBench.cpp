@@ -2,6 +2,7 @@
 // them means, and marking rows.
 
 #include "Measure.h"
+#include "SampleList.h"
 #include "SampleLog.h"
 #include "common/LogReader.h"
 #include "core/AppDelegate.h"
@@ -134,16 +135,7 @@ public:
 private:
     void load(const std::filesystem::path &log, std::uint64_t lines) {
         m_intake.initializeLog();
-        EventList &list = m_delegate.events;
-        list.beginBulkInsert();
-        std::ifstream in(log);
-        std::string line;
-        for (std::uint64_t i = 0; i < lines && std::getline(in, line); ++i) {
-            line += '\n';
-            const auto fields = splitLogLine(line);
-            list.insertRaw({fields->date, fields->priority, fields->host, fields->message, {}});
-        }
-        list.endBulkInsert();
+        addSamples(m_delegate.events, log, lines);
     }
 
     AppDelegate m_delegate;

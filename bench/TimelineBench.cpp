@@ -1,8 +1,8 @@
 // The timeline over two million events: what counting and painting take of a frame.
 
 #include "Measure.h"
+#include "SampleList.h"
 #include "SampleLog.h"
-#include "common/LogReader.h"
 #include "core/ArrangedEvents.h"
 #include "core/EventHold.h"
 #include "events/Timeline.h"
@@ -12,9 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace quorbel::bench {
@@ -22,39 +20,7 @@ namespace {
 
 constexpr std::uint64_t kLines = 2'000'000;
 constexpr double kFrame = 0.005;  // seconds
-
-AppState defaultState() {
-    AppState state;
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        state.*kSeverityLevels[i] = kSeverityClasses[i].defaultLevel;
-    }
-    state.newDateFormat = state.oldDateFormat = "yyyy-MM-dd HH:mm:ss";
-    return state;
-}
-
-void load(EventList &list, const std::filesystem::path &file) {
-    list.beginBulkInsert();
-    std::ifstream in(file);
-    for (std::string line; std::getline(in, line);) {
-        line += '\n';
-        const auto fields = splitLogLine(line);
-        list.insertRaw({fields->date, fields->priority, fields->host, fields->message, {}});
-    }
-    list.endBulkInsert();
-    list.show(defaultState());
-}
-
-/// Seconds of the processor since it was made: frames are so short that any other program's turn
-/// would be longer.
-class Busy {
-public:
-    [[nodiscard]] double seconds() const {
-        return static_cast<double>(std::clock() - m_start) / CLOCKS_PER_SEC;
-    }
-
-private:
-    std::clock_t m_start = std::clock();
-};
+constexpr const char *kDateFormat = "yyyy-MM-dd HH:mm:ss";
 
 class TimelineBench {
 public:
@@ -87,7 +53,7 @@ private:
     bool counting(const std::string &what) {
         double longest = 0;
         for (const Stopwatch all; all.seconds() < 2;) {
-            const Busy turn;
+            const ProcessorWatch turn;
             QApplication::processEvents();
             longest = std::max(longest, turn.seconds());
         }
@@ -102,10 +68,10 @@ private:
     }
     bool looking(const std::string &what) {
         double longest = 0;
-        const Busy all;
+        const ProcessorWatch all;
         constexpr int kSteps = 28;
         for (int step = 0; step < kSteps; ++step) {
-            const Busy frame;
+            const ProcessorWatch frame;
             const bool isFirstHalf = step < kSteps / 2;
             wheel(isFirstHalf ? 120 : -120, 90);
             longest = std::max(longest, frame.seconds());
@@ -124,7 +90,7 @@ private:
                       1.5);
     }
     double arrivalsTake() {
-        const AppState state = defaultState();
+        const AppState state = stateWithFormat(kDateFormat);
         double best = 1e9;
         for (int round = 0; round < 3; ++round) {
             const Stopwatch watch;
@@ -156,7 +122,8 @@ int run(const std::filesystem::path &folder) {
         std::printf("an event every %.2f s\n", spacing);
         writeSampleLog(file, kLines, spacing);
         EventList list;
-        load(list, file);
+        addSamples(list, file);
+        list.show(stateWithFormat(kDateFormat));
         reached &= TimelineBench(list).run();
     }
     std::filesystem::remove(file);
