@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <numeric>
 #include <span>
 #include <utility>
 
@@ -130,7 +129,7 @@ void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
             finishSearch();
             return;
         }
-        m_search->pace.adjust(std::chrono::steady_clock::now() - start);
+        m_search->progress.adjust(std::chrono::steady_clock::now() - start);
         if (isTimeUp()) {
             return;
         }
@@ -138,33 +137,19 @@ void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
 }
 
 bool ArrangedEvents::searchRun() {
-    const std::size_t number = m_reader.chunkFrom(m_search->next);
-    if (number == m_reader.chunkCount()) {
-        return false;
-    }
-    EventChunk &chunk = m_reader.chunk(number);
-    const std::size_t first = chunk.countBefore(m_search->next);
-    const std::size_t last =
-        m_search->matcher.mayBeIn(chunk) ? m_search->pace.endOfRun(chunk, first) : chunk.size();
-    m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
-    if (first < last && m_search->matcher.mayBeIn(chunk)) {
-        m_positions.resize(last - first);
-        std::iota(m_positions.begin(), m_positions.end(), static_cast<std::uint32_t>(first));
-        m_search->matcher.match(chunk, m_positions, m_search->matches);
-    }
-    return true;
+    return m_search->progress.matchRun(m_reader, m_search->matcher, m_positions, m_search->matches);
 }
 
 bool ArrangedEvents::narrowRun() {
-    auto candidate = firstFrom(m_matches, m_search->next);
+    SearchProgress &progress = m_search->progress;
+    auto candidate = firstFrom(m_matches, progress.next());
     if (candidate == m_matches.end()) {
         return false;
     }
     EventChunk &chunk = m_reader.chunk(m_reader.chunkFrom(candidate->id()));
-    const std::size_t last = m_search->pace.endOfRun(chunk, chunk.countBefore(candidate->id()));
-    m_search->next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
+    progress.goTo(chunk, progress.endOfRun(chunk, chunk.countBefore(candidate->id())));
     m_positions.clear();
-    for (; candidate != m_matches.end() && candidate->id() < m_search->next; ++candidate) {
+    for (; candidate != m_matches.end() && candidate->id() < progress.next(); ++candidate) {
         m_positions.push_back(static_cast<std::uint32_t>(chunk.countBefore(candidate->id())));
     }
     m_search->matcher.match(chunk, m_positions, m_search->matches);

@@ -3,7 +3,7 @@
 #include "core/EventList.h"
 #include "core/EventMatcher.h"
 #include "core/EventQuery.h"
-#include "core/SearchPace.h"
+#include "core/SearchProgress.h"
 
 #include <array>
 #include <cstddef>
@@ -74,9 +74,8 @@ private:
     struct Search {
         EventMatcher matcher;
         bool isNarrowing;
-        EventId next = 0;  // all before it are judged
         Matches matches = {};
-        SearchPace pace = {};
+        SearchProgress progress = {};
     };
 
     void rowWillBeInsertedAtTop() override;

@@ -48,6 +48,10 @@ public:
     /// One more than the largest id that an event of it has or had.
     [[nodiscard]] EventId endOfIds() const { return m_first + m_used; }
     [[nodiscard]] EventId idAt(std::size_t position) const;
+    /// The same up to a position behind the last event, where it is endOfIds().
+    [[nodiscard]] EventId idFrom(std::size_t position) const {
+        return position < size() ? idAt(position) : endOfIds();
+    }
     /// Calls `visit(position, id)` for the events at ascending positions.
     template <typename Visit>
     void visitIds(const std::vector<std::uint32_t> &positions, Visit visit) const;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <numeric>
 #include <utility>
 
 namespace quorbel {
@@ -30,14 +29,14 @@ void EventCounter::replace(std::size_t filter, const EventQuery &by) {
     Count &count = m_counts[filter];
     count.filter = by;
     count.matcher.reset();
-    count.next = 0;
+    count.progress.restart();
     count.count = 0;
 }
 
 void EventCounter::restart() {
     m_isStale = false;
     for (Count &count : m_counts) {
-        count.next = 0;
+        count.progress.restart();
         count.count = 0;
     }
 }
@@ -58,17 +57,17 @@ EventId EventCounter::endOfIds() const {
 
 bool EventCounter::isCounting() const {
     return std::ranges::any_of(m_counts, [end = endOfIds()](const Count &count) {
-        return !count.shown || count.next < end;
+        return !count.shown || count.progress.next() < end;
     });
 }
 
 void EventCounter::run(const std::function<bool()> &isTimeUp) {
     for (Count &count : m_counts) {
-        bool hasMore = !count.shown || count.next < endOfIds();
+        bool hasMore = !count.shown || count.progress.next() < endOfIds();
         while (hasMore) {
             const auto start = std::chrono::steady_clock::now();
             hasMore = countRun(count);
-            count.pace.adjust(std::chrono::steady_clock::now() - start);
+            count.progress.adjust(std::chrono::steady_clock::now() - start);
             if (isTimeUp()) {
                 return;
             }
@@ -81,27 +80,14 @@ bool EventCounter::countRun(Count &count) {
         count.matcher.emplace(m_list, count.filter);
         return true;
     }
-    const std::size_t number = m_reader.chunkFrom(count.next);
-    if (number == m_reader.chunkCount()) {
+    m_matches.clear();
+    if (!count.progress.matchRun(m_reader, *count.matcher, m_positions, m_matches)) {
         count.shown = count.count;
         return false;
     }
-    EventChunk &chunk = m_reader.chunk(number);
-    const std::size_t first = chunk.countBefore(count.next);
-    const bool mayBeIn = count.matcher->mayBeIn(chunk);
-    const std::size_t last = mayBeIn ? count.pace.endOfRun(chunk, first) : chunk.size();
-    count.next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
-    if (first < last && mayBeIn) {
-        m_positions.resize(last - first);
-        std::iota(m_positions.begin(), m_positions.end(), static_cast<std::uint32_t>(first));
-        m_matches.clear();
-        count.matcher->match(chunk, m_positions, m_matches);
-        const auto &ratings = count.filter.ratings;
-        count.count +=
-            static_cast<std::size_t>(std::ranges::count_if(m_matches, [&](EventMatch match) {
-                return ratings.none() || ratings[match.rating()];
-            }));
-    }
+    const auto &ratings = count.filter.ratings;
+    count.count += static_cast<std::size_t>(std::ranges::count_if(
+        m_matches, [&](EventMatch match) { return ratings.none() || ratings[match.rating()]; }));
     return true;
 }
 

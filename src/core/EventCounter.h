@@ -3,7 +3,7 @@
 #include "core/EventList.h"
 #include "core/EventMatcher.h"
 #include "core/EventQuery.h"
-#include "core/SearchPace.h"
+#include "core/SearchProgress.h"
 
 #include <cstddef>
 #include <functional>
@@ -46,10 +46,9 @@ private:
     struct Count {
         EventQuery filter;
         std::optional<EventMatcher> matcher{};  // made when it is needed, which takes a while
-        EventId next = 0;                       // all before it are counted
         std::size_t count = 0;
         std::optional<std::size_t> shown{};
-        SearchPace pace{};
+        SearchProgress progress{};
     };
 
     void rowWillBeInsertedAtTop() override {}

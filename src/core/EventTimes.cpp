@@ -95,7 +95,7 @@ bool EventTimes::countRun() {
     for (std::size_t position = first; position < last; ++position) {
         add(m_reader.settled(chunk, position));
     }
-    m_next = last < chunk.size() ? chunk.idAt(last) : chunk.endOfIds();
+    m_next = chunk.idFrom(last);
     return true;
 }
 

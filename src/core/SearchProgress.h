@@ -1,18 +1,27 @@
 #pragma once
 
-#include "core/EventChunk.h"
+#include "core/EventMatcher.h"
+#include "core/EventReader.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <vector>
 
 namespace quorbel {
 
-/// How many of a list's records a search looks at before it asks for the time again: so many that
-/// this takes about a millisecond. An expression can need ten thousand times as long for a byte as
-/// a plain text does.
-class SearchPace {
+/// How far a search through a list has come, and how many records it looks at before it asks for
+/// the time again: so many that this takes about a millisecond. An expression can need ten thousand
+/// times as long for a byte as a plain text does.
+class SearchProgress {
 public:
+    /// All events before it are judged.
+    [[nodiscard]] EventId next() const { return m_next; }
+    /// Begins at the oldest event again, with what was learned of the time.
+    void restart() { m_next = 0; }
+    /// Goes on to a position of a chunk, or behind all of it.
+    void goTo(const EventChunk &chunk, std::size_t position) { m_next = chunk.idFrom(position); }
+
     /// Where to end a run that begins at a position of a chunk; it has one record at least.
     [[nodiscard]] std::size_t endOfRun(const EventChunk &chunk, std::size_t first) const {
         std::size_t last = chunk.size();
@@ -23,6 +32,10 @@ public:
         }
         return last;
     }
+    /// Appends what matches of the next run of events. False when there are no more. `positions`
+    /// are kept between runs for their memory alone.
+    bool matchRun(const EventReader &reader, EventMatcher &matcher,
+                  EventMatcher::Positions &positions, std::vector<EventMatch> &matches);
     /// Learns from how long the last run took.
     void adjust(std::chrono::steady_clock::duration taken) {
         if (taken < std::chrono::microseconds(500)) {
@@ -37,6 +50,7 @@ private:
     static constexpr std::size_t kRecordCost = 32;
     static constexpr std::size_t kMostRunCost = std::size_t{1} << 19U;
 
+    EventId m_next = 0;
     std::size_t m_runCost = std::size_t{1} << 14U;
 };
 
