@@ -10,9 +10,9 @@
 #include "core/EventIntake.h"
 #include "core/SavedFilterStore.h"
 #include "events/EventTableView.h"
-#include "events/FilterLibrary.h"
-#include "events/QuestionPanel.h"
 #include "events/ScanView.h"
+#include "events/questions/FilterLibrary.h"
+#include "events/questions/QuestionPanel.h"
 #include "platform/gui/Storyboard.h"
 
 #include <QApplication>

@@ -5,7 +5,7 @@
 #include "SampleLog.h"
 #include "core/ArrangedEvents.h"
 #include "core/EventHold.h"
-#include "events/Timeline.h"
+#include "events/timeline/Timeline.h"
 
 #include <QApplication>
 #include <QWheelEvent>

@@ -5,8 +5,8 @@
 #include "events/EventTableModel.h"
 #include "events/EventTableView.h"
 #include "events/FindBar.h"
-#include "events/LikePattern.h"
-#include "events/LikeRecord.h"
+#include "events/find/LikePattern.h"
+#include "events/find/LikeRecord.h"
 #include "platform/gui/RowCommands.h"
 #include "platform/gui/ViewCommands.h"
 

@@ -3,12 +3,12 @@
 #include "core/EventReader.h"
 #include "events/EventTableModel.h"
 #include "events/EventTableView.h"
-#include "events/FilterLibrary.h"
 #include "events/FindBar.h"
-#include "events/FindSaved.h"
 #include "events/NothingFound.h"
-#include "events/RowMarkDelegate.h"
-#include "events/ScrollMarks.h"
+#include "events/find/ScrollMarks.h"
+#include "events/questions/FilterLibrary.h"
+#include "events/questions/FindSaved.h"
+#include "events/questions/RowMarkDelegate.h"
 #include "platform/gui/QtText.h"
 
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/ArrangedEvents.h"
-#include "events/MatchMarks.h"
+#include "events/find/MatchMarks.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/EventQuery.h"
-#include "events/EventSpan.h"
+#include "events/find/EventSpan.h"
 
 #include <QDateTime>
 #include <QList>

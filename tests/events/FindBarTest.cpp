@@ -1,9 +1,9 @@
 // The controls of the filter bar, by mouse and keyboard, on the real page.
 
-#include "events/EventSpan.h"
 #include "events/FindBarFixture.h"
-#include "events/FindChip.h"
-#include "events/FindSpan.h"
+#include "events/find/EventSpan.h"
+#include "events/find/FindChip.h"
+#include "events/find/FindSpan.h"
 
 #include <QAbstractButton>
 #include <QDateTimeEdit>

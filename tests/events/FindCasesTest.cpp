@@ -3,7 +3,7 @@
 
 #include "core/EventIntake.h"
 #include "events/FindBarFixture.h"
-#include "events/FindSpan.h"
+#include "events/find/FindSpan.h"
 #include "platform/gui/LongText.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 // Finding among texts that nobody would send, and expressions made of messages.
 
-#include "events/LikePattern.h"
-#include "events/MatchMarks.h"
+#include "events/find/LikePattern.h"
+#include "events/find/MatchMarks.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "common/SettingsDocument.h"
-#include "events/LikePattern.h"
-#include "events/LikeRecord.h"
+#include "events/find/LikePattern.h"
+#include "events/find/LikeRecord.h"
 
 #include <QTest>
 

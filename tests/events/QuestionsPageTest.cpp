@@ -2,8 +2,8 @@
 
 #include "core/SavedFilterStore.h"
 #include "events/FindBarFixture.h"
-#include "events/FindSpan.h"
-#include "events/MarkColours.h"
+#include "events/find/FindSpan.h"
+#include "events/questions/MarkColours.h"
 #include "platform/Files.h"
 
 #include <QAbstractButton>

@@ -2,7 +2,7 @@
 
 #include "events/FindBar.h"
 #include "events/ScanViewFixture.h"
-#include "events/Timeline.h"
+#include "events/timeline/Timeline.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

@@ -1,8 +1,8 @@
 // Narrowing the table to a span with the timeline.
 
-#include "events/FindSpan.h"
-#include "events/QuestionPanel.h"
 #include "events/TimelineFixture.h"
+#include "events/find/FindSpan.h"
+#include "events/questions/QuestionPanel.h"
 
 namespace quorbel {
 

@@ -1,0 +1,147 @@
+#include "events/find/FindHost.h"
+
+#include "core/EventReader.h"
+#include "core/HostPattern.h"
+#include "events/find/FindPanel.h"
+#include "platform/gui/FontSize.h"
+#include "platform/gui/PaintedText.h"
+#include "platform/gui/QtText.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int kMostOffered = 100;
+constexpr int kWidth = 280;
+constexpr int kListHeight = 210;
+
+/// What means a host alone, whatever its name is made of.
+QString patternFor(const QString &host) {
+    QString pattern = host;
+    for (const QChar special : QStringLiteral("*,!/")) {
+        pattern.replace(special, u'?');
+    }
+    return pattern;
+}
+
+QLabel *hintLabel(QWidget *parent) {
+    auto *hint = new QLabel(
+        FindHost::tr("* is any text, ? one character; 10.0.0.0/8 a network; ! excludes; commas "
+                     "separate several"),
+        parent);
+    hint->setProperty("role", QStringLiteral("caption"));
+    hint->setWordWrap(true);
+    return hint;
+}
+
+}  // namespace
+
+FindHost::FindHost(QWidget *parent)
+    : FindChoice("findHost", tr("Host"), tr("Show only events of certain hosts"), parent),
+      m_panel(new FindPanel(this)),
+      m_text(new QLineEdit(m_panel)),
+      m_list(new QListWidget(m_panel)) {
+    m_panel->setObjectName(QStringLiteral("findHostPanel"));
+    m_panel->setFixedWidth(sizedToFont(kWidth));
+    auto *column = new QVBoxLayout(m_panel);
+    column->addWidget(m_text);
+    column->addWidget(hintLabel(m_panel));
+    column->addWidget(m_list);
+    m_text->setObjectName(QStringLiteral("findHostText"));
+    m_text->setAccessibleName(tr("Host"));
+    m_text->setPlaceholderText(tr("Any host"));
+    m_list->setObjectName(QStringLiteral("findHostList"));
+    m_list->setAccessibleName(tr("Hosts of the listed events"));
+    m_list->setSpacing(2);
+    m_list->setFixedHeight(sizedToFont(kListHeight));
+    m_text->installEventFilter(this);
+    m_list->installEventFilter(this);
+    connect(m_text, &QLineEdit::textEdited, this, &FindHost::offer);
+    connect(m_text, &QLineEdit::returnPressed, this, [this] { take(m_text->text()); });
+    connect(m_list, &QListWidget::itemClicked, this, &FindHost::takeItem);
+}
+
+void FindHost::openBelow(QWidget &anchor) {
+    m_text->setText(value());
+    m_text->selectAll();
+    offer();
+    m_panel->openBelow(anchor);
+    m_text->setFocus();
+}
+
+/// In their alphabet.
+QStringList FindHost::hosts() const {
+    QStringList hosts;
+    const std::string typed = m_text->isModified() ? m_text->text().trimmed().toStdString() : "";
+    const HostPattern wanted(
+        typed.starts_with('!') || typed.find('/') != std::string::npos ? typed : "*" + typed + "*");
+    if (m_events != nullptr) {
+        EventReader(*m_events).visitHosts([&](std::string_view host) {
+            if (!host.empty() && wanted.matches(host)) {
+                hosts.append(toQString(host));
+            }
+        });
+    }
+    std::ranges::sort(hosts);
+    return hosts;
+}
+
+void FindHost::offer() {
+    m_list->clear();
+    for (const QString &host : hosts()) {
+        if (m_list->count() == kMostOffered) {
+            break;
+        }
+        m_list->addItem(paintedRow(host));
+        m_list->item(m_list->count() - 1)->setData(Qt::UserRole, host);
+    }
+}
+
+void FindHost::take(const QString &pattern) {
+    m_panel->hide();
+    showValue(pattern.trimmed());
+}
+
+void FindHost::takeItem(const QListWidgetItem *item) {
+    if (item != nullptr) {
+        only(item->data(Qt::UserRole).toString());
+    }
+}
+
+void FindHost::only(const QString &host) {
+    take(patternFor(host));
+}
+
+void FindHost::exclude(const QString &host) {
+    take((isInUse() ? value() + QStringLiteral(", !") : QStringLiteral("!")) + patternFor(host));
+}
+
+bool FindHost::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (watched == m_text && key == Qt::Key_Down && m_list->count() > 0) {
+            m_list->setCurrentRow(0);
+            m_list->setFocus();
+            return true;
+        }
+        if (watched == m_list && key == Qt::Key_Up && m_list->currentRow() <= 0) {
+            m_text->setFocus();
+            return true;
+        }
+        if (watched == m_list && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+            takeItem(m_list->currentItem());
+            return true;
+        }
+    }
+    return FindChoice::eventFilter(watched, event);
+}
+
+}  // namespace quorbel

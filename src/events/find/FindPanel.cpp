@@ -1,0 +1,27 @@
+#include "events/find/FindPanel.h"
+
+#include <QScreen>
+
+#include <algorithm>
+
+namespace quorbel {
+
+FindPanel::FindPanel(QWidget *parent) : QFrame(parent, Qt::Popup) {
+    setProperty("role", QStringLiteral("panel"));
+}
+
+void FindPanel::openBelow(QWidget &anchor, Qt::AlignmentFlag edge) {
+    adjustSize();
+    // Within the window where it has the room, in any case on the screen.
+    const QRect screen = anchor.screen()->availableGeometry();
+    const QRect window = anchor.window()->geometry();
+    const int left = edge == Qt::AlignRight ? anchor.width() - width() : 0;
+    QPoint place = anchor.mapToGlobal(QPoint(left, anchor.height() + 2));
+    place.setX(std::max(window.left(), std::min(place.x(), window.right() - width())));
+    place.setX(std::max(screen.left(), std::min(place.x(), screen.right() - width())));
+    place.setY(std::max(screen.top(), std::min(place.y(), screen.bottom() - height())));
+    move(place);
+    show();
+}
+
+}  // namespace quorbel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "events/find/MatchMarks.h"
+#include "platform/gui/RowTableView.h"
+
+namespace quorbel {
+
+/// Paints the event table's cells, and in them marks what a filter's texts were found in. What is
+/// found behind the end of what fits marks the ellipsis.
+class MatchDelegate : public RowDelegate {
+public:
+    /// Marks what `marks` says. Both outlive this.
+    MatchDelegate(const MatchMarks &marks, QObject *parent) : RowDelegate(parent), m_marks(marks) {}
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+
+private:
+    static void paintIn(QPainter &painter, const QStyleOptionViewItem &option,
+                        std::vector<TextRange> marks);
+
+    const MatchMarks &m_marks;
+};
+
+}  // namespace quorbel
