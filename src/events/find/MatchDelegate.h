@@ -16,8 +16,9 @@ public:
                const QModelIndex &index) const override;
 
 private:
-    static void paintIn(QPainter &painter, const QStyleOptionViewItem &option,
-                        std::vector<TextRange> marks);
+    [[nodiscard]] std::vector<TextRange> ranges(const QString &shown,
+                                                const QStyleOptionViewItem &item,
+                                                const QModelIndex &index) const;
 
     const MatchMarks &m_marks;
 };

@@ -113,10 +113,12 @@ void LongTextField::paintEvent(QPaintEvent *event) {
     layout.endLayout();
     // The text has been scrolled so far that the cursor is in sight.
     const QRect cursor = cursorRect();
-    const qreal left = cursor.center().x() - line.cursorToX(cursorPosition());
+    const QPointF origin(cursor.center().x() - line.cursorToX(cursorPosition()),
+                         (height() - line.height()) / 2);
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::Text));
-    paintMarks(painter, layout, {left, (height() - line.height()) / 2}, contentsRect(), m_marks);
+    const QRegion places = markedPlaces(layout, origin.toPoint(), m_marks);
+    paintMarks(painter, places.intersected(contentsRect()), layout, origin.toPoint());
 }
 
 void LongTextField::copySelection(QClipboard::Mode mode) const {

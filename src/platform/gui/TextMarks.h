@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QPointF>
+#include <QPoint>
+#include <QRegion>
 #include <QString>
 
 #include <functional>
 #include <vector>
 
 class QPainter;
-class QRectF;
 class QTextLayout;
 
 namespace quorbel {
@@ -24,9 +24,12 @@ using TextMarker = std::function<std::vector<TextRange>(const QString &)>;
 inline constexpr unsigned kMarkColour = 0xffffe9a8;
 inline constexpr unsigned kMarkLineColour = 0xff8a5a00;
 
-/// Marks parts of a text of one line that stands painted at `origin` already, but not beyond
-/// `area`.
-void paintMarks(QPainter &painter, const QTextLayout &layout, QPointF origin, const QRectF &area,
-                const std::vector<TextRange> &ranges);
+/// The places of parts of a text of one line whose layout begins at `origin`.
+QRegion markedPlaces(const QTextLayout &layout, QPoint origin,
+                     const std::vector<TextRange> &ranges);
+/// Paints what marks such places, under a text that is painted next.
+void paintMarks(QPainter &painter, const QRegion &places);
+/// The same where the text stands painted already: it is painted once more.
+void paintMarks(QPainter &painter, const QRegion &places, const QTextLayout &layout, QPoint origin);
 
 }  // namespace quorbel
