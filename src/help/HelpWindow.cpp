@@ -1,5 +1,6 @@
 #include "help/HelpWindow.h"
 
+#include "platform/gui/PlaceMemory.h"
 #include "platform/gui/ScreenFit.h"
 #include "ui_HelpWindow.h"
 
@@ -19,6 +20,7 @@ HelpWindow::HelpWindow(QWidget *parent)
     }
     ui->noChapter->hide();
     new ScreenFit(*this, minimumSize());
+    new PlaceMemory(*this, QStringLiteral("help"));
     resize(size().boundedTo(roomOnScreen(*this)));
     connectControls();
     ui->chapters->setCurrentRow(0);

@@ -1,5 +1,6 @@
 #include "help/HelpWindow.h"
 #include "platform/gui/Appearance.h"
+#include "support/TemporaryFolder.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -13,8 +14,10 @@
 #include <QTextTable>
 
 #include <memory>
+#include <optional>
 
 using namespace quorbel;
+using quorbel::testing::TemporaryFolder;
 
 /// Records the addresses that would have been opened in the web browser.
 class WebBrowser : public QObject {
@@ -61,6 +64,11 @@ private:
         }
         return words;
     }
+    void open() {
+        m_window = std::make_unique<HelpWindow>();
+        m_window->makeVisible();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    }
     /// Follows the link whose text is `label`, as the keyboard and the mouse do.
     void follow(const char *label) {
         const QString words = QString::fromLatin1(label);
@@ -77,11 +85,22 @@ private:
 private Q_SLOTS:
     void initTestCase() { applyAppearance(*qApp); }
     void init() {
-        m_window = std::make_unique<HelpWindow>();
-        m_window->makeVisible();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        m_configuration.emplace();
+        qputenv("XDG_CONFIG_HOME", m_configuration->path().c_str());
+        open();
     }
-    void cleanup() { m_window.reset(); }
+    void cleanup() {
+        m_window.reset();
+        m_configuration.reset();
+    }
+
+    void opensWhereItWasClosed() {
+        const QRect place(40, 30, 700, 480);
+        m_window->setGeometry(place);
+        m_window->close();
+        open();
+        QCOMPARE(m_window->geometry(), place);
+    }
 
     void opensWithTheFirstChapter() {
         QCOMPARE(m_window->objectName(), QStringLiteral("helpWindow"));
@@ -226,6 +245,7 @@ private Q_SLOTS:
     }
 
 private:
+    std::optional<TemporaryFolder> m_configuration;
     std::unique_ptr<HelpWindow> m_window;
 };
 
