@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <ctime>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -37,6 +38,7 @@ EventLoopPointer makeLoop() {
 Service::Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
                  std::uint16_t tlsPort)
     : m_loop(makeLoop()),
+      m_started(std::time(nullptr)),
       m_leavesSockets(isHeld),
       m_store(folder),
       m_settingsSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
@@ -46,7 +48,7 @@ Service::Service(const std::filesystem::path &folder, PassedSockets sockets, boo
       m_worker(m_loop.get(), m_commands),
       m_retention(m_store, m_removals),
       m_removalTeller(m_removals, m_notifications),
-      m_bus(m_loop.get(), m_notifications, m_worker),
+      m_bus(m_loop.get(), m_notifications, m_worker, this),
       m_actions(
           [this](CommandRunner::Command command) { m_commandRunner.submit(std::move(command)); },
           [this](MailMessage mail) { m_mail.submit(std::move(mail)); }, m_counters),
@@ -228,6 +230,18 @@ void Service::updateCounters() {
     m_counters.mailsDropped = m_mail.dropped();
     m_counters.journalDropped = journalLinesDropped();
     m_counters.unsynced = m_store.unsynced();
+}
+
+const Counters &Service::currentCounters() {
+    updateCounters();
+    return m_counters;
+}
+
+std::vector<Listener> Service::listeners() const {
+    std::vector<Listener> listeners{
+        {"udp", m_udp.port()}, {"tcp", m_tcp.port()}, {"tls", m_tls.port()}};
+    std::erase_if(listeners, [](const Listener &one) { return one.port == 0; });
+    return listeners;
 }
 
 int Service::onStopSignal(sd_event_source * /*source*/, const struct signalfd_siginfo * /*info*/,

@@ -4,6 +4,7 @@
 #include "service/actions/CommandRunner.h"
 #include "service/base/Counters.h"
 #include "service/base/SdEvent.h"
+#include "service/base/StatusSource.h"
 #include "service/bus/BusServer.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/Commands.h"
@@ -30,14 +31,14 @@
 namespace quorbel {
 
 /// The whole service: its parts and the loop that drives them.
-class Service {
+class Service : private StatusSource {
 public:
     /// `folder` holds the settings, the log files and, in "tls", what TLS needs.
     /// `sockets.plain` must be there. When it `isHeld` by somebody else, it is left to the next
     /// process, with all that is connected.
     Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
             std::uint16_t tlsPort);
-    ~Service();
+    ~Service() override;
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
 
@@ -59,6 +60,10 @@ private:
     void leaveInputs();
     void finishTelling();
     void updateCounters();
+    [[nodiscard]] std::int64_t startTime() const override { return m_started; }
+    [[nodiscard]] const Counters &currentCounters() override;
+    [[nodiscard]] std::vector<Listener> listeners() const override;
+    [[nodiscard]] const Refusals &refusals() const override { return m_collector.refusals(); }
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
@@ -69,6 +74,7 @@ private:
 
     EventLoopPointer m_loop;
     bool m_stopping = false;
+    const std::int64_t m_started;
     const bool m_leavesSockets;  ///< to the next process
     Counters m_counters;
     Counters m_reported;                        ///< as they were said last

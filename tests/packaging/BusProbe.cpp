@@ -1,5 +1,7 @@
 // What the user who runs it can do with the service on the system bus:
 //   bus_probe command   sends a command and prints the reply, or the error's name
+//   bus_probe status    asks for the service's counters and prints "counted", or the error's name
+//   bus_probe set       sets a property and prints "set", or the error's name
 //   bus_probe own       asks for the service's name and prints "owned", or the error's name
 //   bus_probe listen    prints "listening", "heard" with each notification, and how many there were
 //                       when its standard input ends
@@ -12,6 +14,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -38,6 +41,24 @@ int sendCommand(sd_bus *bus) {
         result = sd_bus_message_read_basic(reply, SD_BUS_TYPE_STRING, &text);
     }
     return printOutcome(result, error, text);
+}
+
+int askForStatus(sd_bus *bus) {
+    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_message *reply = nullptr;
+    const int result =
+        sd_bus_get_property(bus, bus::kServiceName, bus::kServicePath, bus::kStatusInterface,
+                            "Counters", &error, &reply, "a{st}");
+    const bus::MessagePointer owner(reply);
+    return printOutcome(result, error, "counted");
+}
+
+int setProperty(sd_bus *bus) {
+    sd_bus_error error = SD_BUS_ERROR_NULL;
+    const int result =
+        sd_bus_set_property(bus, bus::kServiceName, bus::kServicePath, bus::kStatusInterface,
+                            "Since", &error, "x", std::int64_t{1});
+    return printOutcome(result, error, "set");
 }
 
 int ownName(sd_bus *bus) {
@@ -88,6 +109,8 @@ int main(int count, char **values) {
         return EXIT_FAILURE;
     }
     const int result = what == "command"  ? sendCommand(bus)
+                       : what == "status" ? askForStatus(bus)
+                       : what == "set"    ? setProperty(bus)
                        : what == "own"    ? ownName(bus)
                        : what == "listen" ? listenForNotifications(bus)
                                           : 2;

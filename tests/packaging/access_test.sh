@@ -125,6 +125,12 @@ check_equal "root is answered" "$reply" "$answer"
 check_equal "a member sends commands" "$reply" "$("${member[@]}" "$scratch/bus_probe" command || true)"
 check_equal "others send none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
 check_equal "readers send none" "$denied" "$("${reader[@]}" "$scratch/bus_probe" command || true)"
+for user in root member reader; do
+    declare -n who=$user
+    check_equal "$user asks for the status" counted "$("${who[@]}" "$scratch/bus_probe" status || true)"
+done
+check_equal "others ask for none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" status || true)"
+check_equal "readers set no property" "$denied" "$("${reader[@]}" "$scratch/bus_probe" set || true)"
 for user in member reader outsider root; do
     declare -n who=$user
     check_equal "$user takes no name" "$denied" "$("${who[@]}" "$scratch/bus_probe" own || true)"
@@ -139,6 +145,8 @@ sed -e 's/<deny send_destination/<allow send_destination/' \
 start_bus "$scratch/open.conf"
 check_equal "others send with an open policy" "$reply" \
     "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
+check_equal "others ask for the status with an open policy" counted \
+    "$("${outsider[@]}" "$scratch/bus_probe" status || true)"
 check_equal "others hear with an open policy" "outsider 1 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 

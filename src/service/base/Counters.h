@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace quorbel {
 
@@ -34,6 +37,9 @@ struct Counters {
 
     bool operator==(const Counters &) const = default;
 };
+
+/// Each with what it is called where people read it, in the order of the journal's line.
+std::vector<std::pair<std::string_view, std::uint64_t>> named(const Counters &counters);
 
 /// One line for the journal.
 std::string describe(const Counters &counters);

@@ -91,8 +91,12 @@ const sd_bus_vtable BusServer::kVtable[] = {
     SD_BUS_VTABLE_END,
 };
 
-BusServer::BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker)
+BusServer::BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker,
+                     StatusSource *status)
     : m_loop(loop), m_notifications(notifications), m_worker(worker) {
+    if (status != nullptr) {
+        m_status.emplace(*status);
+    }
     sd_event_source *retry = nullptr;
     sd_event_add_time_relative(loop, &retry, CLOCK_MONOTONIC, 0, 0, onRetryTime, this);
     m_retry = required(EventSourcePointer(retry));
@@ -122,6 +126,9 @@ void BusServer::connect() {
     }
     int result = sd_bus_add_object_vtable(m_bus.get(), nullptr, bus::kServicePath,
                                           bus::kCommandInterface, kVtable, this);
+    if (result >= 0 && m_status) {
+        result = m_status->addTo(m_bus.get());
+    }
     if (result >= 0) {
         result =
             sd_bus_match_signal(m_bus.get(), nullptr, nullptr, "/org/freedesktop/DBus/Local",

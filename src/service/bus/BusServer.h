@@ -5,12 +5,14 @@
 #include "service/bus/CommandWorker.h"
 #include "service/bus/NotificationQueue.h"
 #include "service/bus/RemovalTeller.h"
+#include "service/bus/StatusProperties.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace quorbel {
 
-/// The service on the system bus: takes commands and sends notifications.
+/// The service on the system bus: takes commands, sends notifications, and says how it is.
 ///
 /// Without a bus it does nothing but try again each second; the queue fills meanwhile.
 /// Notifications that the connection still holds when the bus goes count as dropped; what becomes
@@ -18,8 +20,9 @@ namespace quorbel {
 /// bus.
 class BusServer {
 public:
-    /// Both must outlive the object.
-    BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker);
+    /// All must outlive the object. Without a `status` there is none to ask for.
+    BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker,
+              StatusSource *status = nullptr);
     ~BusServer();
     BusServer(const BusServer &) = delete;
     BusServer &operator=(const BusServer &) = delete;
@@ -59,6 +62,7 @@ private:
     sd_event *m_loop;
     NotificationQueue &m_notifications;
     CommandWorker &m_worker;
+    std::optional<StatusProperties> m_status;
     bus::BusPointer m_bus;
     bool m_ownsName = false;
     bool m_problemSaid = false;

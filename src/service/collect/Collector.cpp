@@ -23,6 +23,7 @@ void Collector::receive(std::string_view message, const IpAddress &sender, bool 
     const auto parsed = m_parser.parse(message);
     if (!parsed || !parsed->wellFormed || cut) {
         ++m_counters.malformed;
+        m_refusals.note(sender, RefusalReason::kMalformed, message);
     }
     if (!parsed) {
         return;
@@ -33,8 +34,7 @@ void Collector::receive(std::string_view message, const IpAddress &sender, bool 
         m_writer.append({m_seconds, parsed->priority, from.shown, parsed->text}, m_lines);
     m_subject.set(from.address, parsed->priority, std::string_view(m_lines).substr(begin),
                   written.prefix);
-    if (isFilteredOut()) {
-        ++m_counters.filtered;
+    if (isFilteredOut(sender)) {
         m_lines.resize(begin);
         return;
     }
@@ -56,8 +56,13 @@ const Collector::Sender &Collector::senderOf(const IpAddress &address) {
     return m_sender;
 }
 
-bool Collector::isFilteredOut() const {
-    return !m_filters.isEmpty() && !m_filters.passes(m_subject);
+bool Collector::isFilteredOut(const IpAddress &sender) {
+    const auto refusal = m_filters.isEmpty() ? std::nullopt : m_filters.refusalOf(m_subject);
+    if (refusal) {
+        ++m_counters.filtered;
+        m_refusals.note(sender, RefusalReason::kFiltered, *refusal);
+    }
+    return refusal.has_value();
 }
 
 /// Adds the events that the actions set for the message at hand.

@@ -4,6 +4,7 @@
 #include "platform/Value.h"
 #include "service/actions/Actions.h"
 #include "service/base/Counters.h"
+#include "service/base/Refusals.h"
 #include "service/bus/NotificationQueue.h"
 #include "service/hosts/HostNames.h"
 #include "service/message/EventFilter.h"
@@ -42,6 +43,10 @@ public:
     void receive(std::string_view message, const IpAddress &sender, bool cut = false);
     void endTurn();
 
+    /// What was refused, for the inputs to add what they refuse.
+    [[nodiscard]] Refusals &refusals() { return m_refusals; }
+    [[nodiscard]] const Refusals &refusals() const { return m_refusals; }
+
 private:
     struct Sender {
         IpAddress address;
@@ -50,7 +55,7 @@ private:
 
     void storeAndTell();
     const Sender &senderOf(const IpAddress &address);
-    [[nodiscard]] bool isFilteredOut() const;
+    [[nodiscard]] bool isFilteredOut(const IpAddress &sender);
     void setEventsOfActions(const Sender &sender);
 
     LogStore &m_store;
@@ -62,6 +67,7 @@ private:
     RecordWriter m_writer;
     FilterSet m_filters;
     FilterSubject m_subject;
+    Refusals m_refusals;
 
     std::int64_t m_seconds = 0;
     std::string m_lines;

@@ -77,6 +77,7 @@ public:
     /// Something came.
     void touch() { m_input.m_shares.touch(m_share); }
     void makeRoom() override { m_input.makeRoom(m_place); }
+    [[nodiscard]] const IpAddress &address() const { return m_address; }
 
     /// Where the connection stands in its list, and what wakes it.
     void attach(Connections::iterator place, EventSourcePointer source,
@@ -124,6 +125,7 @@ private:
         if (skipped > 0) {
             m_skipped += skipped;
             m_input.m_counters.bytesSkipped += skipped;
+            m_input.m_collector.refusals().note(m_address, RefusalReason::kTooLong, {});
             if (!std::exchange(m_saidSkipped, true)) {
                 m_input.sayOdd("A message from " + m_address.text() + " does not end within " +
                                std::to_string(FrameSplitter::kMaxFrame) +
@@ -310,6 +312,7 @@ void TcpInput::makeRoom(Connections::iterator connection) {
     }
     if (last != Slice::kClosed) {
         ++m_counters.connectionsClosed;
+        m_collector.refusals().note(connection->address(), RefusalReason::kClosed, {});
         m_counters.closedUnread += isUnread(connection->channel()) ? 1U : 0U;
         close(connection);
     }
@@ -385,6 +388,10 @@ void TcpInput::sayUnread(std::size_t unread) {
             "Connections that were closed before everything that had arrived was read: " +
                 std::to_string(unread));
     }
+}
+
+std::uint16_t TcpInput::port() const {
+    return boundPort(m_listener);
 }
 
 void TcpInput::resume(PassedSockets::Stream stream) {

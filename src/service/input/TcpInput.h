@@ -48,6 +48,8 @@ public:
 
     /// -1 after drain().
     [[nodiscard]] int listener() const { return m_listener.get(); }
+    /// 0 after drain().
+    [[nodiscard]] std::uint16_t port() const;
 
 private:
     class Connection;

@@ -86,6 +86,9 @@ std::unique_ptr<StreamChannel> TlsInput::makeChannel(UniqueFd socket, const std:
 /// Whoever sets up a client wants to know why it fails, but nobody shall flood the journal.
 void TlsInput::noteRefusal(const std::string &host, const std::string &reason) {
     ++m_counters.tlsRefused;
+    if (const auto sender = IpAddress::parse(host)) {
+        m_collector.refusals().note(*sender, RefusalReason::kTlsRefused, reason);
+    }
     const Clock::time_point now = Clock::now();
     if (now - m_refusalSaid >= kRefusalPause) {
         m_refusalSaid = now;

@@ -37,6 +37,9 @@ public:
     /// The listener to begin with, if it is on the port wanted; before configure().
     void resume(UniqueFd listener) { m_passed = std::move(listener); }
 
+    /// Where it listens; 0 while it does not.
+    [[nodiscard]] std::uint16_t port() const { return m_input ? m_input->port() : 0; }
+
     /// As TcpInput::drain().
     void drain(std::chrono::steady_clock::time_point deadline);
     /// Gives the listener to `keeper`, and ends the connections: nobody else could go on with them.

@@ -1,5 +1,7 @@
 #include "service/input/UdpInput.h"
 
+#include "service/input/ListenSockets.h"
+
 #include <linux/filter.h>
 #include <linux/sock_diag.h>
 #include <sys/uio.h>
@@ -103,6 +105,10 @@ void UdpInput::resume(std::optional<std::uint32_t> drops) {
 std::uint64_t UdpInput::dropped() {
     noteDrops();
     return m_dropped;
+}
+
+std::uint16_t UdpInput::port() const {
+    return boundPort(m_socket);
 }
 
 void UdpInput::noteDrops() {

@@ -34,6 +34,7 @@ public:
     void resume(std::optional<std::uint32_t> drops);
     /// How many datagrams were dropped so far: because the kernel's buffer was full, or by drain().
     [[nodiscard]] std::uint64_t dropped();
+    [[nodiscard]] std::uint16_t port() const;
 
 private:
     struct Buffers;

@@ -68,7 +68,8 @@ const std::string &FilterSubject::foldedMessage() const {
     return m_folded;
 }
 
-EventFilter::EventFilter(const Dictionary &record) : m_senders(record) {
+EventFilter::EventFilter(const Dictionary &record)
+    : m_name(settingText(record, "Name").value_or("")), m_senders(record) {
     m_facilities = bitsFor(record, "Facility", kFacilityCount,
                            [](unsigned i, auto &text) { return kFacilityNames[i] == text; });
     m_severities = bitsFor(record, "Severity", kSeverityCount, [](unsigned i, auto &text) {
@@ -98,10 +99,14 @@ FilterSet::FilterSet(const Dictionary &settings)
     : m_includes(readFilters(settings, "includeFiltersArray")),
       m_excludes(readFilters(settings, "excludeFiltersArray")) {}
 
-bool FilterSet::passes(const FilterSubject &subject) const {
+std::optional<std::string_view> FilterSet::refusalOf(const FilterSubject &subject) const {
     const auto matches = [&subject](const EventFilter &filter) { return filter.matches(subject); };
-    return (m_includes.empty() || std::ranges::any_of(m_includes, matches)) &&
-           std::ranges::none_of(m_excludes, matches);
+    if (!m_includes.empty() && std::ranges::none_of(m_includes, matches)) {
+        return std::string_view();
+    }
+    const auto excluding = std::ranges::find_if(m_excludes, matches);
+    return excluding == m_excludes.end() ? std::nullopt
+                                         : std::optional<std::string_view>(excluding->name());
 }
 
 }  // namespace quorbel

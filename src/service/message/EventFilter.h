@@ -55,12 +55,15 @@ public:
 
     [[nodiscard]] bool matches(const FilterSubject &subject) const;
 
+    /// As the record holds it.
+    [[nodiscard]] const std::string &name() const { return m_name; }
     [[nodiscard]] const SenderRange &senders() const { return m_senders; }
     /// Whether the record names a facility, or a severity, that exists; without, nothing matches.
     [[nodiscard]] bool hasFacility() const { return m_facilities != 0; }
     [[nodiscard]] bool hasSeverity() const { return m_severities != 0; }
 
 private:
+    std::string m_name;
     SenderRange m_senders;
     std::uint32_t m_facilities = 0;  ///< one bit for each that matches
     std::uint32_t m_severities = 0;
@@ -76,7 +79,10 @@ public:
     /// Whether there are no filters, so that passes() need not be asked.
     [[nodiscard]] bool isEmpty() const { return m_includes.empty() && m_excludes.empty(); }
     /// Whether an include filter matches, or there are none, and no exclude filter matches.
-    [[nodiscard]] bool passes(const FilterSubject &subject) const;
+    [[nodiscard]] bool passes(const FilterSubject &subject) const { return !refusalOf(subject); }
+    /// The name of the exclude filter that keeps a message out, or of no filter, which is empty,
+    /// when there are include filters and none matches; nothing when it passes. As long as the set.
+    [[nodiscard]] std::optional<std::string_view> refusalOf(const FilterSubject &subject) const;
 
 private:
     std::vector<EventFilter> m_includes;

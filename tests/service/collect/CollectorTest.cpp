@@ -205,6 +205,10 @@ TEST_F(CollectorTest, AConnectionThatMakesRoomIsReadFirst) {
         input.drain(std::chrono::steady_clock::now() + testing::kPatience);
     }
     EXPECT_EQ(counters.connectionsClosed, 1U);
+    const auto refusals = collector.refusals().latest();
+    ASSERT_EQ(refusals.size(), 1U);
+    EXPECT_EQ(refusals.front().reason, RefusalReason::kClosed);
+    EXPECT_EQ(refusals.front().sender.text(), "127.0.0.1");
     EXPECT_EQ(counters.closedUnread, 0U);
     const auto stored = messages();
     ASSERT_EQ(stored.size(), kMany + 1);

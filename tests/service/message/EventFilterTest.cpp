@@ -171,6 +171,21 @@ TEST(FilterSubjectTest, MakesItsTextsAnewForEachMessage) {
     EXPECT_EQ(subject.foldedMessage(), "second");
 }
 
+TEST(FilterSetTest, TellsWhichFilterKeepsAMessageOut) {
+    const Dictionary kept{{"Name", "kept"}, {"Message", "*b*"}};
+    const Dictionary first{{"Name", "first"}, {"Message", "*c"}};
+    const Dictionary second{{"Name", "second"}, {"Message", "a*"}};
+    const FilterSet filters(
+        {{"includeFiltersArray", Array{kept}}, {"excludeFiltersArray", Array{first, second}}});
+    const auto refusalOf = [&filters](const char *text) {
+        return filters.refusalOf(Message("10.1.2.3", text).subject);
+    };
+    EXPECT_EQ(refusalOf("b"), std::nullopt);
+    EXPECT_EQ(refusalOf("x"), "");
+    EXPECT_EQ(refusalOf("abc"), "first");
+    EXPECT_EQ(refusalOf("ab"), "second");
+}
+
 TEST(FilterSetTest, IncludesFirstAndExcludesThen) {
     const auto filterFor = [](const char *pattern) { return Dictionary{{"Message", pattern}}; };
     struct Case {

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "service/base/Counters.h"
+#include "service/base/Refusals.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// Where the service listens.
+struct Listener {
+    std::string_view protocol;  ///< "udp", "tcp" or "tls"
+    std::uint16_t port;
+};
+
+/// What the service can say of itself at once. Loop thread only.
+class StatusSource {
+public:
+    StatusSource() = default;
+    virtual ~StatusSource() = default;
+    StatusSource(const StatusSource &) = delete;
+    StatusSource &operator=(const StatusSource &) = delete;
+
+    /// When it started, in seconds since 1970.
+    [[nodiscard]] virtual std::int64_t startTime() const = 0;
+    [[nodiscard]] virtual const Counters &currentCounters() = 0;
+    [[nodiscard]] virtual std::vector<Listener> listeners() const = 0;
+    [[nodiscard]] virtual const Refusals &refusals() const = 0;
+};
+
+}  // namespace quorbel

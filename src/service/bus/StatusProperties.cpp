@@ -1,0 +1,80 @@
+#include "service/bus/StatusProperties.h"
+
+#include "platform/bus/BusNames.h"
+
+#include <string>
+
+namespace quorbel {
+
+namespace {
+
+/// An array whose elements `append(element)` appends.
+template <typename Elements, typename AppendElement>
+int appendArray(sd_bus_message *reply, const char *contents, const Elements &elements,
+                AppendElement append) {
+    int result = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, contents);
+    for (const auto &element : elements) {
+        result = result < 0 ? result : append(element);
+    }
+    return result < 0 ? result : sd_bus_message_close_container(reply);
+}
+
+}  // namespace
+
+template <StatusProperties::Append kAppend>
+int StatusProperties::get(sd_bus * /*bus*/, const char * /*path*/, const char * /*interface*/,
+                          const char * /*property*/, sd_bus_message *reply, void *self,
+                          sd_bus_error * /*error*/) {
+    return (static_cast<StatusProperties *>(self)->*kAppend)(reply);
+}
+
+const sd_bus_vtable StatusProperties::kVtable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("Version", "s", get<&StatusProperties::appendVersion>, 0,
+                    SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Since", "x", get<&StatusProperties::appendSince>, 0,
+                    SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Counters", "a{st}", get<&StatusProperties::appendCounters>, 0, 0),
+    SD_BUS_PROPERTY("Listeners", "a(sq)", get<&StatusProperties::appendListeners>, 0, 0),
+    SD_BUS_PROPERTY("Refusals", "a(sssxt)", get<&StatusProperties::appendRefusals>, 0, 0),
+    SD_BUS_VTABLE_END,
+};
+
+int StatusProperties::addTo(sd_bus *bus) {
+    return sd_bus_add_object_vtable(bus, nullptr, bus::kServicePath, bus::kStatusInterface, kVtable,
+                                    this);
+}
+
+int StatusProperties::appendVersion(sd_bus_message *reply) {
+    return sd_bus_message_append_basic(reply, SD_BUS_TYPE_STRING, QUORBEL_VERSION);
+}
+
+int StatusProperties::appendSince(sd_bus_message *reply) {
+    const std::int64_t seconds = m_source.startTime();
+    return sd_bus_message_append_basic(reply, SD_BUS_TYPE_INT64, &seconds);
+}
+
+int StatusProperties::appendCounters(sd_bus_message *reply) {
+    return appendArray(reply, "{st}", named(m_source.currentCounters()), [reply](const auto &one) {
+        return sd_bus_message_append(reply, "{st}", std::string(one.first).c_str(), one.second);
+    });
+}
+
+int StatusProperties::appendListeners(sd_bus_message *reply) {
+    return appendArray(reply, "(sq)", m_source.listeners(), [reply](const Listener &one) {
+        return sd_bus_message_append(reply, "(sq)", std::string(one.protocol).c_str(),
+                                     static_cast<unsigned>(one.port));
+    });
+}
+
+int StatusProperties::appendRefusals(sd_bus_message *reply) {
+    const auto append = [reply](const Refusals::Refusal &one) {
+        const std::string sender = one.sender.text();
+        const std::string reason(refusalReasonName(one.reason));
+        return sd_bus_message_append(reply, "(sssxt)", sender.c_str(), reason.c_str(),
+                                     one.detail.c_str(), one.seconds, one.count);
+    };
+    return appendArray(reply, "(sssxt)", m_source.refusals().latest(), append);
+}
+
+}  // namespace quorbel
