@@ -1,46 +1,15 @@
 #include "core/EventIntake.h"
 
 #include "common/LogReader.h"
-#include "common/SettingsDocument.h"
 #include "common/Severity.h"
-#include "core/AppDelegate.h"
 #include "core/EventHold.h"
 #include "core/EventList.h"
-#include "platform/Text.h"
+#include "core/LogFields.h"
+#include "core/StartSettings.h"
 
 #include <bit>
-#include <string>
 
 namespace quorbel {
-
-namespace {
-
-/// A line's fields as text. A field that is not UTF-8 is absent, and so are those after it.
-EventFields decodeFields(const LogLine &line) {
-    // The separators are ASCII, so that what is UTF-8 as a whole is so field by field.
-    if (isUtf8({line.date.data(), line.message.end()})) {
-        return {line.date, line.priority, line.host, line.message, {}};
-    }
-    EventFields fields;
-    if (!isUtf8(line.date)) {
-        return fields;
-    }
-    fields.date = line.date;
-    if (!isUtf8(line.priority)) {
-        return fields;
-    }
-    fields.priority = line.priority;
-    if (!isUtf8(line.host)) {
-        return fields;
-    }
-    fields.host = line.host;
-    if (isUtf8(line.message)) {
-        fields.message = line.message;
-    }
-    return fields;
-}
-
-}  // namespace
 
 EventIntake::EventIntake(AppState &state, EventList &events, EventHold &hold,
                          EventListPageLink &page, HomePageLink &home)
@@ -77,28 +46,11 @@ void EventIntake::removeNotification(const EventFields &announced) {
     }
 }
 
-void EventIntake::takeSettings() {
-    const auto document = decodeSettings(AppDelegate::readSettings());
-    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
-        const SeverityClass &severity = kSeverityClasses[i];
-        m_state.*kSeverityLevels[i] =
-            document ? settingInteger(*document, "severity" + std::string(severity.keyPart))
-                     : severity.defaultLevel;
-    }
-    const Dictionary settings = document.value_or(Dictionary{});
-    m_state.iPopupEvents = settingInteger(settings, "popupEvents");
-    m_state.newDateFormat = settingText(settings, "dateFormat").value_or("");
-    m_state.oldDateFormat = m_state.newDateFormat;
-    m_state.popupSound = settingText(settings, "popupSound").value_or("");
-    m_state.popupDisplayArray = settingTexts(settings, "popupDisplayArray");
-    m_state.popupPlayArray = settingTexts(settings, "popupPlayArray");
-}
-
 void EventIntake::initializeLog(const Progress &onProgress) {
     for (const auto counter : kSeverityCounters) {
         m_state.*counter = 0;
     }
-    takeSettings();
+    takeStartSettings(m_state);
 
     const auto files = logFiles();
     const std::uint64_t total = totalSize(files);
@@ -108,7 +60,7 @@ void EventIntake::initializeLog(const Progress &onProgress) {
         LogReader::readFile(
             file,
             [this](const LogLine &line) {
-                setNotification(decodeFields(line));
+                setNotification(fieldsOf(line));
                 return true;
             },
             [&](std::size_t bytes) {

@@ -37,7 +37,6 @@ public:
 private:
     EventPlace listOrHold(const EventFields &event);
     void count(const PriorityClasses &classes);
-    void takeSettings();
 
     AppState &m_state;
     EventList &m_events;

@@ -4,16 +4,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
-#include <string_view>
-
 namespace quorbel {
-
-namespace {
-
-/// Local7.Debug (RFC 3164, section 4.1.1).
-constexpr std::string_view kMessage = "<191>Quorbel - Test message";
-
-}  // namespace
 
 void sendTestMessage(std::uint16_t port) {
     const int sender = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
@@ -29,8 +20,8 @@ void sendTestMessage(std::uint16_t port) {
     receiver.sin_port = htons(port);
     receiver.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the socket interface's own way
-    ::sendto(sender, kMessage.data(), kMessage.size(), 0, reinterpret_cast<sockaddr *>(&receiver),
-             sizeof receiver);
+    ::sendto(sender, kTestMessage.data(), kTestMessage.size(), 0,
+             reinterpret_cast<sockaddr *>(&receiver), sizeof receiver);
     // Deliberately left open.
 }
 

@@ -6,20 +6,8 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::int64_t kMinute = 60;
-constexpr std::int64_t kHour = 60 * kMinute;
-constexpr std::int64_t kDay = 24 * kHour;
-
 QString tr(const char *text) {
     return QCoreApplication::translate("EventSpan", text);
-}
-
-EventSpan::Moments wholeDay(const QDate &day) {
-    return {day.startOfDay().toSecsSinceEpoch(), day.addDays(1).startOfDay().toSecsSinceEpoch()};
-}
-
-EventSpan::Moments since(std::int64_t seconds, const QDateTime &now) {
-    return {now.toSecsSinceEpoch() / kMinute * kMinute - seconds, std::nullopt};
 }
 
 QString momentText(const QDateTime &moment, const QDate &known, const QString &clock) {
@@ -36,20 +24,11 @@ std::optional<MovingSpan> EventSpan::moving() const {
 }
 
 EventSpan::Moments EventSpan::momentsAt(const QDateTime &now) const {
-    switch (kind) {
-        case Kind::kLastHour:
-            return since(kHour, now);
-        case Kind::kToday:
-            return wholeDay(now.date());
-        case Kind::kYesterday:
-            return wholeDay(now.date().addDays(-1));
-        case Kind::kLastDay:
-            return since(kDay, now);
-        case Kind::kFromTo:
-            return {from.toSecsSinceEpoch(), to.toSecsSinceEpoch()};
-        default:
-            return {};
+    if (kind == Kind::kFromTo) {
+        return {from.toSecsSinceEpoch(), to.toSecsSinceEpoch()};
     }
+    const auto span = moving();
+    return span ? momentsOf(*span, now.toSecsSinceEpoch()) : Moments();
 }
 
 QString EventSpan::clockFormat() const {
@@ -58,19 +37,7 @@ QString EventSpan::clockFormat() const {
 }
 
 EventQuery queryAt(const EventQuery &query, const QDateTime &now) {
-    EventQuery at = query;
-    at.spans.reset();
-    for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
-        if (query.spans[span]) {
-            const EventSpan::Moments moments =
-                EventSpan::of(static_cast<MovingSpan>(span)).momentsAt(now);
-            EventQuery inSpan;
-            inSpan.from = moments.from;
-            inSpan.until = moments.until;
-            at = bothOf(at, inSpan);
-        }
-    }
-    return at;
+    return queryAt(query, now.toSecsSinceEpoch());
 }
 
 QString EventSpan::textAt(const QDateTime &now) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/EventQuery.h"
+#include "core/SpanMoments.h"
 
 #include <QDateTime>
 #include <QString>
@@ -25,11 +25,7 @@ struct EventSpan {
     /// Nothing for any and for kFromTo.
     [[nodiscard]] std::optional<MovingSpan> moving() const;
 
-    struct Moments {
-        std::optional<std::int64_t> from;   ///< the first, in seconds since 1970
-        std::optional<std::int64_t> until;  ///< the one past the last
-        bool operator==(const Moments &) const = default;
-    };
+    using Moments = SpanMoments;
     /// At that time. Spans that go on do so by whole minutes.
     [[nodiscard]] Moments momentsAt(const QDateTime &now) const;
     /// How the clock's part of kFromTo is shown: with seconds where they matter.
