@@ -1,0 +1,44 @@
+#pragma once
+
+#include "control/ExitCode.h"
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace quorbel {
+
+/// What the service says of itself; see docs/protocol.md.
+struct ServiceStatus {
+    struct Refusal {
+        std::string sender;
+        std::string reason;
+        std::string detail;
+        std::int64_t seconds = 0;  ///< since 1970, as is `since`
+        std::uint64_t count = 0;
+    };
+
+    std::string version;
+    std::int64_t since = 0;
+    std::vector<std::pair<std::string, std::uint64_t>> counters;
+    std::vector<std::pair<std::string, std::uint16_t>> listeners;
+    std::vector<Refusal> refusals;
+
+    /// What people read, or an object of JSON; ended by a line feed.
+    [[nodiscard]] std::string text() const;
+    [[nodiscard]] std::string json() const;
+};
+
+/// Why there is no status.
+struct StatusProblem {
+    ExitCode code;
+    std::string text;
+};
+
+/// Asks the service over the system bus, without having it started, and waits for the answer.
+std::variant<ServiceStatus, StatusProblem> askForStatus(std::chrono::seconds patience);
+
+}  // namespace quorbel

@@ -1,0 +1,5 @@
+#include "control/Control.h"
+
+int main(int count, char **values) {
+    return quorbel::runControl(count, values);
+}
