@@ -15,6 +15,7 @@ DESTDIR=$root cmake --install "$build" >/dev/null
 expected="\
 $policies/com.Halvern.QuorbelSrv.conf 644
 $prefix/bin/Quorbel 755
+$prefix/bin/quorbelctl 755
 $prefix/lib/systemd/system/quorbelsrv-tcp.socket 644
 $prefix/lib/systemd/system/quorbelsrv-udp.socket 644
 $prefix/lib/systemd/system/quorbelsrv.service 644
@@ -22,8 +23,10 @@ $prefix/lib/sysusers.d/quorbel.conf 644
 $prefix/lib/tmpfiles.d/quorbel.conf 644
 $prefix/sbin/QuorbelSrv 755
 $prefix/share/applications/com.Halvern.Quorbel.desktop 644
+$prefix/share/bash-completion/completions/quorbelctl 644
 $prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644
 $prefix/share/man/man1/Quorbel.1 644
+$prefix/share/man/man1/quorbelctl.1 644
 $prefix/share/man/man5/quorbel-files.5 644
 $prefix/share/man/man8/QuorbelSrv.8 644
 $prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml 644"
@@ -38,7 +41,7 @@ installed=$(cd "$root" && find . -type f -printf '/%P %m\n' | sort)
 check "exactly our files are installed" diff <(sort <<<"$expected") <(echo "$installed")
 
 # A library must be found where the system looks for it, or not at all.
-for program in bin/Quorbel sbin/QuorbelSrv; do
+for program in bin/Quorbel bin/quorbelctl sbin/QuorbelSrv; do
     check "$program has no search path of its own" test -z \
         "$(readelf -d "$root$prefix/$program" | grep -E 'RUNPATH|RPATH')"
 done

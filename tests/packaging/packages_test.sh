@@ -32,9 +32,12 @@ files() {
 check "the packages hold what is installed" diff <(files "$scratch/all" | sort) \
     <({ files "$scratch/service"; files "$scratch/window"; } | sort)
 check "nothing stands where an administrator's own settings are" test ! -e "$scratch/service/etc"
+check "a server's terminal has its program" test -x "$scratch/service/usr/bin/quorbelctl" -a \
+    -f "$scratch/service/usr/share/bash-completion/completions/quorbelctl" -a \
+    -f "$scratch/service/usr/share/man/man1/quorbelctl.1.gz"
 check "what was collected is no part of a package" test ! -e "$scratch/service/Library"
 check "the programs are stripped" test -z "$(readelf -S "$scratch/service/usr/sbin/QuorbelSrv" \
-    "$scratch/window/usr/bin/Quorbel" | grep -F .debug_info)"
+    "$scratch/service/usr/bin/quorbelctl" "$scratch/window/usr/bin/Quorbel" | grep -F .debug_info)"
 
 # shellcheck disable=SC2317  # check() calls it
 examine() {
