@@ -96,6 +96,11 @@ void LogFollower::takeStock() {
     }
 }
 
+int LogFollower::sourceOf(const std::string &name) const {
+    const auto file = m_files.find(name);
+    return file == m_files.end() ? -1 : file->second.source.get();
+}
+
 LogFollower::Changes LogFollower::changes() {
     Changes changes;
     alignas(inotify_event) std::array<char, 65536> buffer{};

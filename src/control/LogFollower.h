@@ -36,6 +36,10 @@ public:
     /// known.
     [[nodiscard]] const std::map<std::string, std::uint64_t> &known() const { return m_begin; }
 
+    /// An open file of those, as long as nothing was read; -1 for those that are opened when
+    /// needed.
+    [[nodiscard]] int sourceOf(const std::string &name) const;
+
     /// To wait for: readable when something may have been added.
     [[nodiscard]] int fd() const { return m_watch.get(); }
     /// Hands on what was added; does not wait. `onLine` must not end it.

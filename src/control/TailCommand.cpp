@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <ranges>
 #include <utility>
 
 namespace quorbel {
@@ -89,38 +88,49 @@ std::optional<TailArguments> readTailArguments(int count, char **values) {
     return arguments;
 }
 
+using Ends = std::map<std::string, std::uint64_t>;
+
 /// How much there is of each file, the oldest first.
-std::map<std::string, std::uint64_t> sizesOf(const std::vector<std::filesystem::path> &files) {
-    std::map<std::string, std::uint64_t> sizes;
+Ends sizesOf(const std::vector<std::filesystem::path> &files) {
+    Ends sizes;
     for (const auto &file : files) {
         sizes[file.filename().string()] = totalSize({file});
     }
     return sizes;
 }
 
-/// False when a file could not be read.
-bool writeLast(const TailArguments &arguments, const AppState &state,
-               const std::map<std::string, std::uint64_t> &ends, Output &output, bool &hasFound) {
-    LastEvents last(arguments, state);
+/// False when a file could not be read. A file that `follower` has open may have another one under
+/// its name by now.
+bool findLast(LastEvents &last, const EventQuery &query, const Ends &ends,
+              const LogFollower *follower) {
     LogOpener opener;
-    for (const auto &[name, end] : std::views::reverse(ends)) {
+    for (auto one = ends.rbegin(); one != ends.rend(); ++one) {
+        const auto &[name, end] = *one;
         const auto file = libraryFolder() / name;
-        if (last.haveAll()) {
-            break;
+        if (last.haveAll() || !mayHoldSpan(file, query)) {
+            continue;
         }
-        if (mayHoldSpan(file, arguments.events.query)) {
-            if (const UniqueFd source = opener.open(file); source.isOpen()) {
-                last.addBefore(source.get(), end);
-            }
+        const int held = follower != nullptr ? follower->sourceOf(name) : -1;
+        const UniqueFd source = held < 0 ? opener.open(file) : UniqueFd();
+        if (held >= 0 || source.isOpen()) {
+            last.addBefore(held >= 0 ? held : source.get(), end);
         }
     }
+    return opener.couldAll();
+}
+
+/// False when a file could not be read.
+bool writeLast(const TailArguments &arguments, const AppState &state, const Ends &ends,
+               const LogFollower *follower, Output &output, bool &hasFound) {
+    LastEvents last(arguments, state);
+    const bool couldRead = findLast(last, arguments.events.query, ends, follower);
     hasFound = !last.lines().empty();
     for (const std::string &line : last.lines()) {
         output.text() += line;
         output.endPiece();
     }
     output.flush();
-    return opener.couldAll();
+    return couldRead;
 }
 
 /// Until somebody ends it, or nobody reads on.
@@ -150,7 +160,7 @@ ExitCode tailAndFollow(const TailArguments &arguments, const AppState &state) {
     }
     Output output([&wait] { return wait.isOver(); });
     bool hasFound = false;
-    if (!writeLast(arguments, state, follower.known(), output, hasFound)) {
+    if (!writeLast(arguments, state, follower.known(), &follower, output, hasFound)) {
         return ExitCode::kNotAllowed;
     }
     return follow(arguments, state, follower, output, wait);
@@ -175,7 +185,7 @@ ExitCode runTail(int count, char **values) {
     Output output;
     bool hasFound = false;
     const bool couldRead =
-        writeLast(*arguments, state, sizesOf(std::get<0>(files)), output, hasFound);
+        writeLast(*arguments, state, sizesOf(std::get<0>(files)), nullptr, output, hasFound);
     return finishOutput(output, couldRead ? hasFound ? ExitCode::kDone : ExitCode::kNothing
                                           : ExitCode::kNotAllowed);
 }

@@ -92,16 +92,16 @@ TEST_F(EventCommandsTest, RatingsAndDatesAreThoseOfTheSettings) {
 
 TEST_F(EventCommandsTest, DaysAreThoseOfTheLocalCalendar) {
     writeTwoDays();
-    ControlProcess::Setup berlin = setup();
-    berlin.zone = "Pacific/Auckland";
-    EXPECT_EQ(runControl(berlin, {"find", "--from", "2023-11-16"}).output,
+    ControlProcess::Setup auckland = setup();
+    auckland.zone = "Pacific/Auckland";
+    EXPECT_EQ(runControl(auckland, {"find", "--from", "2023-11-16"}).output,
               std::string(kFire) + kNobody);
-    EXPECT_THAT(runControl(berlin, {"stats"}).output,
+    EXPECT_THAT(runControl(auckland, {"stats"}).output,
                 HasSubstr("By day\n           2  2023-11-15\n           2  2023-11-16\n"));
 }
 
 TEST_F(EventCommandsTest, JsonHasAnObjectALine) {
-    append("2023-11-14.log", line(kMoment, "Local7.Error,10.0.0.5,say \"disk\\full\", retrying") +
+    append("2023-11-14.log", line(kMoment, R"(Local7.Error,10.0.0.5,say "disk\full", retrying)") +
                                  "soon,User.Nothing,h2,?\r\n");
     EXPECT_EQ(
         outputOf({"find", "--json"}),

@@ -20,7 +20,7 @@ TEST(VisibleTextTest, ShowsWhatIsSeenAndSpellsOutTheRest) {
     };
     const Case cases[] = {
         {"", "", R"("")"},
-        {"plain, \"quoted\" \\", "plain, \"quoted\" \\", R"("plain, \"quoted\" \\")"},
+        {R"(plain, "quoted" \)", R"(plain, "quoted" \)", R"("plain, \"quoted\" \\")"},
         {"\x1B[2J\t\x7F", "#033[2J#011#177", R"("\u001b[2J\u0009\u007f")"},
         {std::string_view("a\0b", 3), "a#000b", R"("a\u0000b")"},
         {"gr\xC3\xBC\xC3\x9F \xE6\xBC\xA2", "gr\xC3\xBC\xC3\x9F \xE6\xBC\xA2",

@@ -9,9 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <ctime>
 #include <map>
 #include <string>
+#include <thread>
 
 namespace quorbel {
 namespace {
@@ -124,6 +126,28 @@ TEST_F(StatusTest, SaysWhoFailsToConnectOverTls) {
     const auto port = static_cast<std::uint16_t>(std::stoi(listeners.substr(tls + 4)));
     testing::sendTo(testing::connectTo(port, SOCK_STREAM), "<13>not over TLS\n");
     EXPECT_TRUE(becomes("Refusals", "a(sssxt)", "127.0.0.1 TLS refused \""));
+}
+
+// However often somebody asks.
+TEST_F(StatusTest, NothingIsLostWhileItIsAsked) {
+    startOnBus();
+    constexpr std::size_t kMany = 20'000;
+    std::atomic<bool> hasEnded = false;
+    std::atomic<std::size_t> answers = 0;
+    std::thread asker([&] {
+        while (!hasEnded) {
+            answers += property("Counters", "a{st}").starts_with("received ") ? 1U : 0U;
+        }
+    });
+    const UniqueFd stream = testing::connectTo(service->port(), SOCK_STREAM);
+    for (std::size_t i = 0; i < kMany; ++i) {
+        testing::sendTo(stream, "<13>message " + std::to_string(i) + "\n");
+    }
+    EXPECT_TRUE(waitForStored(kMany));
+    hasEnded = true;
+    asker.join();
+    EXPECT_GT(answers, 0U);
+    EXPECT_THAT(property("Counters", "a{st}"), HasSubstr("stored 20000 ; not stored 0 ; "));
 }
 
 TEST_F(StatusTest, NobodyCanSetAnything) {
