@@ -204,6 +204,30 @@ private Q_SLOTS:
         QTRY_VERIFY(!marks->isVisible());
     }
 
+    void theScrollBarsHandleStaysInSightAmongSevereEvents() {
+        for (int i = 0; i < 700; ++i) {
+            m_page->insertEvent({"1795000000", "Kern.Emergency", "fs01", "outage", {}});
+        }
+        find(name("outage"));
+        QTRY_COMPARE(rows(), 700);
+        QTRY_VERIFY(control("scrollMarks")->isVisible());
+        QScrollBar &bar = *table()->verticalScrollBar();
+        const QColor handle{0xc4, 0xcc, 0xd6};
+        const QPoint inHandle(bar.width() / 2, 16);
+        QCOMPARE(bar.grab().toImage().pixelColor(inHandle), handle);
+        QCOMPARE(bar.grab().toImage().pixelColor(inHandle + QPoint(0, bar.height() / 2)),
+                 kScrollMark);
+        // The marks tell of the rows beside the handle too, and the mouse takes it through them.
+        QCOMPARE(bar.grab().toImage().pixelColor(bar.width() - 1, 16), kScrollMark);
+        QTest::mousePress(&bar, Qt::LeftButton, {}, inHandle);
+        QTest::mouseMove(&bar, inHandle + QPoint(0, bar.height() / 2));
+        QTest::mouseRelease(&bar, Qt::LeftButton, {}, inHandle + QPoint(0, bar.height() / 2));
+        QVERIFY(bar.value() > bar.maximum() / 3);
+        QVERIFY(bar.grab().toImage().pixelColor(inHandle + QPoint(0, bar.height() / 2)) !=
+                kScrollMark);
+        QCOMPARE(bar.grab().toImage().pixelColor(inHandle), kScrollMark);
+    }
+
     void surroundingsKeepTheSelectedEventInSight() {
         add("disk");
         choose("findSeverity", name("Critical and worse"));

@@ -7,12 +7,13 @@
 
 #include <vector>
 
+class QScrollBar;
 class QTableView;
 
 namespace quorbel {
 
 /// Marks on the event table's scroll bar where the severe events stand, while a filter is in use.
-/// The mouse works the scroll bar through it.
+/// The mouse works the scroll bar through it, whose handle stays in sight.
 class ScrollMarks : public QWidget {
     Q_OBJECT
 
@@ -31,6 +32,7 @@ private:
     void look();
 
     ArrangedEvents &m_events;
+    QScrollBar &m_bar;
     QTimer m_timer;
     std::vector<bool> m_isMarked;  // by pixel
 };
