@@ -222,6 +222,33 @@ private Q_SLOTS:
         QCOMPARE(text("findSpan"), name("02:00 – 04:00"));
         QVERIFY(!control("findSpanPanel")->isVisible());
     }
+    void returnShowsWhatCameFromOneMomentToAnother() {
+        m_page->findChild<FindSpan *>()->setClock([this] { return noon(); });
+        const auto openFromTo = [this] {
+            choose("findSpan", name("From ... to ..."));
+            QTRY_VERIFY(control("findSpanPanel")->isVisible());
+        };
+        openFromTo();
+        setTime("findFrom", {noon().date(), QTime(4, 0)});
+        setTime("findTo", {noon().date(), QTime(2, 0)});
+        QTest::keyClick(control("findTo"), Qt::Key_Return);
+        QVERIFY(control("findSpanPanel")->isVisible());
+        QCOMPARE(rows(), 96);
+        setTime("findFrom", {noon().date(), QTime(2, 0)});
+        setTime("findTo", {noon().date(), QTime(4, 0)});
+        QTest::keyClick(control("findTo"), Qt::Key_Return);
+        QVERIFY(!control("findSpanPanel")->isVisible());
+        QTRY_COMPARE(rows(), 8);
+        openFromTo();
+        setTime("findTo", {noon().date(), QTime(3, 0)});
+        for (int section = 0; section < 5 && control("findTo")->hasFocus(); ++section) {
+            QTest::keyClick(control("findTo"), Qt::Key_Tab);
+        }
+        QTRY_VERIFY(control("findSpanShow")->hasFocus());
+        QTest::keyClick(control("findSpanShow"), Qt::Key_Enter, Qt::KeypadModifier);
+        QVERIFY(!control("findSpanPanel")->isVisible());
+        QTRY_COMPARE(rows(), 4);
+    }
     void offersWholeMinutesUnlessTheSpanHasSeconds() {
         auto *span = m_page->findChild<FindSpan *>();
         span->setClock([this] { return noon().addSecs(37); });

@@ -309,6 +309,41 @@ private Q_SLOTS:
         QVERIFY(!menu->actions().first()->isEnabled());
         menu->close();
     }
+    void returnPressesTheButtonThatHasTheFocus() {
+        const auto pressByKey = [this](const char *button) {
+            auto *wanted = control(button);
+            for (int i = 0; i < 9 && !wanted->hasFocus(); ++i) {
+                QTest::keyClick(panel()->focusWidget(), Qt::Key_Tab);
+            }
+            QVERIFY2(wanted->hasFocus(), button);
+            QTest::keyClick(wanted, Qt::Key_Return);
+        };
+        find(name("sdb"));
+        QTRY_COMPARE(rows(), 16);
+        open();
+        pressByKey("findSavedKeep");
+        QTRY_VERIFY(control("findSavedName")->hasFocus());
+        QTest::keyClicks(control("findSavedName"), name("Disks"));
+        pressByKey("findSavedCancel");
+        QTRY_VERIFY(search()->hasFocus());
+        QCOMPARE(keptText(), std::string());
+        pressByKey("findSavedKeep");
+        QTest::keyClicks(control("findSavedName"), name("Disks"));
+        pressByKey("findSavedOk");
+        QVERIFY(keptText().find("filter Disks\n") != std::string::npos);
+        QVERIFY(panel()->isVisible());
+        pressByKey("findSavedMark");
+        pick("Teal");
+        QVERIFY(keptText().find("mark teal\n") != std::string::npos);
+        pressByKey("findSavedMore");
+        pick("deleteFilter");
+        QTRY_VERIFY(control("findSavedCancel")->hasFocus());
+        QTest::keyClick(control("findSavedCancel"), Qt::Key_Return);
+        QVERIFY(keptText().find("filter Disks\n") != std::string::npos);
+        pressByKey("findSavedShow");
+        QVERIFY(!panel()->isVisible());
+        QCOMPARE(control<QAbstractButton>("findSaved")->text(), name("Disks"));
+    }
     void marksRowsInAColour() {
         const QColor before = colourAt(0, 40);
         open();

@@ -1,5 +1,7 @@
 #include "events/find/FindPanel.h"
 
+#include <QAbstractButton>
+#include <QKeyEvent>
 #include <QScreen>
 
 #include <algorithm>
@@ -22,6 +24,16 @@ void FindPanel::openBelow(QWidget &anchor, Qt::AlignmentFlag edge) {
     place.setY(std::max(screen.top(), std::min(place.y(), screen.bottom() - height())));
     move(place);
     show();
+}
+
+void FindPanel::keyPressEvent(QKeyEvent *event) {
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QFrame::keyPressEvent(event);
+    } else if (auto *button = qobject_cast<QAbstractButton *>(focusWidget())) {
+        button->click();
+    } else {
+        Q_EMIT accepted();
+    }
 }
 
 }  // namespace quorbel

@@ -65,6 +65,7 @@ void FindSpan::makePanel() {
     connect(m_from, &QDateTimeEdit::dateTimeChanged, this, enable);
     connect(m_to, &QDateTimeEdit::dateTimeChanged, this, enable);
     connect(m_show, &QAbstractButton::clicked, this, &FindSpan::showFromTo);
+    connect(m_panel, &FindPanel::accepted, m_show, &QAbstractButton::click);
 }
 
 void FindSpan::addTo(EventQuery &query) const {
