@@ -309,6 +309,53 @@ private Q_SLOTS:
         QVERIFY(!menu->actions().first()->isEnabled());
         menu->close();
     }
+    void isCalledByItsNewNameAndByNoneOnceDeleted() {
+        const auto *button = control<QAbstractButton>("findSaved");
+        find(name("sdb"));
+        keepFilter("My disks");
+        close();
+        click("findClear");
+        open();
+        QTest::keyClick(search(), Qt::Key_Return);
+        QTRY_COMPARE(rows(), 16);
+        QCOMPARE(button->text(), name("My disks"));
+        open();
+        press("findSavedMore");
+        pick("renameFilter");
+        QTest::keyClicks(control("findSavedName"), name("Disks"));
+        press("findSavedOk");
+        QCOMPARE(button->text(), name("Disks"));
+        QCOMPARE(button->accessibleName(), name("Questions: Disks"));
+        QCOMPARE(current(), name("Disks"));
+        QCOMPARE(control<QAbstractButton>("findSavedShow")->text(), name("Show all again"));
+        press("findSavedMore");
+        pick("deleteFilter");
+        press("findSavedOk");
+        QCOMPARE(keptText(), "Quorbel filters 1\n");
+        QVERIFY(!button->toolTip().contains(name("Disks")));
+        QCOMPARE(button->text(), name("Unnamed filter"));
+        close();
+        QCOMPARE(rows(), 16);
+        QCOMPARE(count(), name("16 of 96 events"));
+        click("findClear");
+        QTRY_COMPARE(rows(), kEvents);
+        QCOMPARE(button->text(), name("Questions"));
+    }
+    void keepsTheNameOfAQuestionWhileOthersAreRenamedAndDeleted() {
+        open();
+        type("links up");
+        QTest::keyClick(search(), Qt::Key_Return);
+        QTRY_VERIFY(count().contains(name(" of ")));
+        keepFilter("Another");
+        press("findSavedMore");
+        pick("renameFilter");
+        QTest::keyClicks(control("findSavedName"), name("Links up"));
+        press("findSavedOk");
+        press("findSavedMore");
+        pick("deleteFilter");
+        press("findSavedOk");
+        QCOMPARE(control<QAbstractButton>("findSaved")->text(), name("Links up"));
+    }
     void returnPressesTheButtonThatHasTheFocus() {
         const auto pressByKey = [this](const char *button) {
             auto *wanted = control(button);

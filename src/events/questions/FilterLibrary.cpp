@@ -47,6 +47,14 @@ bool FilterLibrary::isKept(const SavedFilter &filter) const {
     return find(filter) != kept().end();
 }
 
+bool FilterLibrary::hasName(const SavedFilter &filter) const {
+    const auto isSame = [&](const SavedFilter &other) {
+        return other.name == filter.name && other.query == filter.query;
+    };
+    return std::ranges::find(kept(), filter.name, &SavedFilter::name) != kept().end() ||
+           std::ranges::any_of(questions(), isSame);
+}
+
 std::optional<MarkColour> FilterLibrary::markOf(const SavedFilter &filter) const {
     return isKept(filter) ? find(filter)->mark : std::nullopt;
 }
@@ -70,7 +78,13 @@ QString FilterLibrary::keep(const SavedFilter &filter) {
 }
 
 QString FilterLibrary::rename(const std::string &from, const std::string &to) {
-    return change([&] { return m_kept.rename(from, to); });
+    return change([&] {
+        std::string problem = m_kept.rename(from, to);
+        if (problem.empty()) {
+            Q_EMIT renamed(from, to);
+        }
+        return problem;
+    });
 }
 
 QString FilterLibrary::remove(const std::string &name) {

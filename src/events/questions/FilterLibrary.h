@@ -24,6 +24,8 @@ public:
     /// Reads them when they are asked for first.
     [[nodiscard]] const Filters &questions() const;
     [[nodiscard]] bool isKept(const SavedFilter &filter) const;
+    /// Whether there is one of its name, or the filter is a question.
+    [[nodiscard]] bool hasName(const SavedFilter &filter) const;
     /// In what colour a filter, or the question that was kept by being marked, marks rows.
     [[nodiscard]] std::optional<MarkColour> markOf(const SavedFilter &filter) const;
 
@@ -42,6 +44,8 @@ public:
 Q_SIGNALS:
     /// kept() differs from before.
     void changed();
+    /// One of them got another name. Sent before changed().
+    void renamed(const std::string &from, const std::string &to);
 
 private:
     [[nodiscard]] Filters::const_iterator find(const SavedFilter &filter) const;

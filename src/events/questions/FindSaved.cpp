@@ -34,6 +34,8 @@ void FindSaved::attach(EventList &events, FilterLibrary &library,
     connect(m_panel, &QuestionPanel::exportAsked, this, &FindSaved::exportFilters);
     connect(m_panel, &QuestionPanel::failed, this,
             [this](const QString &problem) { tell(problem); });
+    connect(m_library, &FilterLibrary::renamed, this, &FindSaved::takeName);
+    connect(m_library, &FilterLibrary::changed, this, &FindSaved::loseName);
 }
 
 void FindSaved::setCompact(bool isCompact) {
@@ -57,6 +59,29 @@ void FindSaved::clear() {
 void FindSaved::choose(const SavedFilter &filter) {
     m_chosen = filter;
     showState(toQString(filter.name));
+}
+
+void FindSaved::takeName(const std::string &from, const std::string &to) {
+    if (m_chosen && m_chosen->name == from) {
+        SavedFilter renamed = *m_chosen;
+        renamed.name = to;
+        if (m_library->isKept(renamed)) {
+            nameChosen(to);
+        }
+    }
+}
+
+void FindSaved::loseName() {
+    if (m_chosen && !m_chosen->name.empty() && !m_library->hasName(*m_chosen)) {
+        nameChosen({});
+    }
+}
+
+/// It means what it meant.
+void FindSaved::nameChosen(const std::string &name) {
+    m_chosen->name = name;
+    m_panel->setInForce(*m_chosen);
+    showState(name.empty() ? tr("Unnamed filter") : toQString(name));
 }
 
 void FindSaved::showState(const QString &value) {

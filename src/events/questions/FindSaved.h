@@ -36,6 +36,9 @@ public:
 private:
     void openPanel();
     void choose(const SavedFilter &filter);
+    void takeName(const std::string &from, const std::string &to);
+    void loseName();
+    void nameChosen(const std::string &name);
     void showState(const QString &value);
     void importFilters();
     void importFrom(const QString &path);
@@ -45,7 +48,7 @@ private:
     FilterLibrary *m_library = nullptr;
     QuestionPanel *m_panel = nullptr;
     std::function<EventQuery()> m_current;
-    std::optional<SavedFilter> m_chosen;
+    std::optional<SavedFilter> m_chosen;  // without a name once it is kept no longer
     QWidget *m_anchor = this;
     bool m_isCompact = false;
 };

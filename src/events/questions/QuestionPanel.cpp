@@ -156,6 +156,11 @@ void QuestionPanel::open(QWidget &anchor, const EventQuery &current, const Saved
     m_search->setFocus();
 }
 
+void QuestionPanel::setInForce(const SavedFilter &filter) {
+    m_inForce = filter;
+    showSelected();
+}
+
 void QuestionPanel::showFilters() {
     const SavedFilter *before = selected();
     const std::string name = before == nullptr ? "" : before->name;

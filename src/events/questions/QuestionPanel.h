@@ -32,6 +32,8 @@ public:
     /// `current` is what the page is filtered by; `inForce` the filter that was chosen here last,
     /// null for none.
     void open(QWidget &anchor, const EventQuery &current, const SavedFilter *inForce);
+    /// The filter that was chosen last has another name, or none, by now.
+    void setInForce(const SavedFilter &filter);
 
 Q_SIGNALS:
     /// Only what the filter means is to be shown.
