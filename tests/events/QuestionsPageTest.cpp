@@ -9,6 +9,8 @@
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QFileDialog>
+#include <QFontMetrics>
+#include <QHeaderView>
 #include <QHelpEvent>
 #include <QListView>
 #include <QRegularExpression>
@@ -500,6 +502,47 @@ private Q_SLOTS:
         clickRow(0);
         QVERIFY(colourAt(0, 40).rgb() != lookOf(MarkColour::kViolet).tint);
         QCOMPARE(colourAt(0, 1).rgb(), lookOf(MarkColour::kViolet).line);
+    }
+    void theMarksNameGrowsWithTheFont() {
+        const QString whole = name("Interfaces of the core switch, on both sides of the house");
+        find(name("sdb"));
+        keepFilter(whole.toUtf8().constData());
+        press("findSavedMark");
+        pick("Teal");
+        close();
+        m_page->resize(2400, 600);
+        // The pill alone is white.
+        const auto pill = [this] {
+            const QRect cell = table()->visualRect(table()->model()->index(0, 4));
+            const QImage row = table()->viewport()->grab(cell).toImage();
+            int left = 0;
+            while (left < row.width() && row.pixelColor(left, row.height() / 2) != Qt::white) {
+                ++left;
+            }
+            return QRect(left, 0, row.width() - left, row.height()).translated(cell.topLeft());
+        };
+        const auto inCharacters = [&] {
+            QFont font = table()->font();
+            font.setPointSizeF(font.pointSizeF() * 0.85);
+            return pill().width() / QFontMetrics(font).averageCharWidth();
+        };
+        const int usual = inCharacters();
+        QVERIFY2(usual > 20 && usual < 30, qPrintable(QString::number(usual)));
+        QFont large = table()->font();
+        large.setPointSize(3 * large.pointSize());
+        table()->setFont(large);
+        table()->verticalHeader()->setDefaultSectionSize(QFontMetrics(large).height() + 12);
+        QCoreApplication::processEvents();
+        QVERIFY2(std::abs(inCharacters() - usual) <= 3,
+                 qPrintable(QString::number(inCharacters())));
+        // What has no room is told.
+        const QPoint place(pill().left() + 10, pill().center().y());
+        QHelpEvent help(QEvent::ToolTip, place, table()->viewport()->mapToGlobal(place));
+        QApplication::sendEvent(table()->viewport(), &help);
+        QTRY_VERIFY2(QToolTip::text().contains(whole), qPrintable(QToolTip::text()));
+        QToolTip::hideText();
+        const QModelIndex index = table()->model()->index(0, 4);
+        QCOMPARE(index.data(Qt::AccessibleDescriptionRole).toString(), name("Marked by ") + whole);
     }
     void tellsWhichLineOfTheKeptFileIsWrong() {
         const std::string text = "Quorbel filters 1\nfilter A\nsound loud\n";

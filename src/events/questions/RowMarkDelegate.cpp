@@ -1,7 +1,6 @@
 #include "events/questions/RowMarkDelegate.h"
 
 #include "events/questions/MarkColours.h"
-#include "platform/gui/FontSize.h"
 #include "platform/gui/PaintedText.h"
 
 #include <QHeaderView>
@@ -16,7 +15,7 @@ namespace quorbel {
 namespace {
 
 constexpr int kBar = 3;
-constexpr int kWidestName = 140;
+constexpr int kWidestName = 28;  // average characters, the pill's ends among them
 constexpr int kGap = 6;
 
 const QHeaderView &headerOf(const QStyleOptionViewItem &option) {
@@ -44,7 +43,7 @@ RowMarkDelegate::Pill RowMarkDelegate::pillFor(const RowMarks::Mark &mark,
                                                const QStyleOptionViewItem &option) {
     const QFontMetrics metrics(pillFont(option));
     const int height = std::min(metrics.height() + 4, option.rect.height() - 4);
-    const int widest = std::min(sizedToFont(kWidestName), option.rect.width() / 2);
+    const int widest = std::min(kWidestName * metrics.averageCharWidth(), option.rect.width() / 2);
     const QString text = metrics.elidedText(paintedRow(mark.name), Qt::ElideRight, widest - height);
     const int width = metrics.horizontalAdvance(text) + height;
     return {text, QRect(option.rect.right() - width - kGap,
