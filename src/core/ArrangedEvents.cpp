@@ -122,6 +122,14 @@ void ArrangedEvents::startSearch(EventMatcher matcher, bool isNarrowing) {
     m_search->matches.reserve(isNarrowing ? m_matches.size() : m_list.size());
 }
 
+std::size_t ArrangedEvents::foundSoFar() const {
+    const auto &ratings = filter().ratings;
+    return ratings.none()
+               ? m_search->matches.size()
+               : static_cast<std::size_t>(std::ranges::count_if(
+                     m_search->matches, [&](EventMatch match) { return ratings[match.rating()]; }));
+}
+
 void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
     while (m_search) {
         const auto start = std::chrono::steady_clock::now();

@@ -59,6 +59,8 @@ public:
     [[nodiscard]] bool isFiltered() const { return m_inForce != nullptr; }
     /// Whether the rows follow an earlier filter still.
     [[nodiscard]] bool isSearching() const { return m_search != nullptr; }
+    /// While isSearching(): how many events were found up to now.
+    [[nodiscard]] std::size_t foundSoFar() const;
     /// Searches on until the result stands or `isTimeUp`, asked about every millisecond or less.
     void search(const std::function<bool()> &isTimeUp);
     /// To be called when dates or images may have changed in the list: searches anew.

@@ -11,7 +11,6 @@
 #include "events/questions/RowMarkDelegate.h"
 #include "platform/gui/QtText.h"
 
-#include <QElapsedTimer>
 #include <QItemSelectionModel>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -22,8 +21,6 @@
 namespace quorbel {
 
 namespace {
-
-constexpr int kSliceMilliseconds = 8;
 
 QString events(std::size_t count) {
     return count == 1
@@ -69,6 +66,10 @@ EventFinder::~EventFinder() {
 
 QString EventFinder::countText() const {
     const std::size_t all = m_events.list().size();
+    if (m_events.isSearching() && m_sinceProgress.isValid()) {
+        const auto found = static_cast<qlonglong>(m_events.foundSoFar());
+        return tr("%1… of %2").arg(quorbel::countText(found), events(all));
+    }
     return m_events.isFiltered() ? quorbel::countText(static_cast<qlonglong>(m_events.size())) +
                                        QStringLiteral(" of ") + events(all)
                                  : events(all);
@@ -92,21 +93,37 @@ void EventFinder::applyFilter() {
     const QScopedValueRollback mine(m_isMine, true);
     m_bar.showError(toQString(m_events.setFilter(m_bar.filter())));
     if (m_events.isSearching()) {
-        m_slices.start(0);
+        startSearching();
     } else {
         m_slices.stop();
     }
     showResult();
 }
 
+void EventFinder::startSearching() {
+    m_slices.start(0);
+    m_sinceStart.start();
+    m_sinceProgress.invalidate();
+}
+
 void EventFinder::search() {
     const QScopedValueRollback mine(m_isMine, true);
     QElapsedTimer time;
     time.start();
-    m_events.search([&time] { return time.elapsed() >= kSliceMilliseconds; });
+    m_events.search([&] { return time.elapsed() >= m_pace.slice.count(); });
     if (!m_events.isSearching()) {
         m_slices.stop();
         showResult();
+    } else if (m_sinceStart.elapsed() >= m_pace.patience.count()) {
+        noteProgress();
+    }
+}
+
+void EventFinder::noteProgress() {
+    const qint64 often = m_pace.patience.count() / 2;
+    if (!m_sinceProgress.isValid() || m_sinceProgress.elapsed() >= often) {
+        m_sinceProgress.start();
+        Q_EMIT countChanged();
     }
 }
 
@@ -149,7 +166,7 @@ void EventFinder::noteChange() {
 void EventFinder::showCounts() {
     m_isChangeNoted = false;
     if (m_events.isSearching() && !m_slices.isActive()) {
-        m_slices.start(0);  // many events came at once
+        startSearching();  // many events came at once
     }
     if (m_events.size() > 0 || m_nothingFound->isHidden()) {
         showWhetherFound();

@@ -4,10 +4,12 @@
 #include "core/ArrangedEvents.h"
 #include "events/find/MatchMarks.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
 #include <array>
+#include <chrono>
 #include <optional>
 
 namespace quorbel {
@@ -28,7 +30,16 @@ public:
     EventFinder(const EventFinder &) = delete;
     EventFinder &operator=(const EventFinder &) = delete;
 
-    /// "312 of 1,207 events" while a filter is in use, else "1,207 events".
+    /// How long a search goes on before the window's own events get their turn, and after what time
+    /// countText() tells how far it has come.
+    struct Pace {
+        std::chrono::milliseconds slice{8};
+        std::chrono::milliseconds patience{200};
+    };
+    void setPace(const Pace &pace) { m_pace = pace; }
+
+    /// "312 of 1,207 events" while a filter is in use, else "1,207 events"; "312… of 1,207 events"
+    /// while a search takes long.
     [[nodiscard]] QString countText() const;
     /// What a question before a deletion adds while a filter is in use, after a blank line; empty
     /// when there is none. `count` is how many events are to be deleted.
@@ -53,7 +64,9 @@ private:
     void listChangedAtLarge() override { noteChange(); }
 
     void applyFilter();
+    void startSearching();
     void search();
+    void noteProgress();
     void showResult();
     void showWhetherFound();
     void noteChange();
@@ -68,7 +81,10 @@ private:
     EventTableView &m_table;
     MatchMarks m_marks;
     NothingFound *m_nothingFound;
+    Pace m_pace;
     QTimer m_slices;
+    QElapsedTimer m_sinceStart;     // of the search
+    QElapsedTimer m_sinceProgress;  // was told; invalid until it is
     QString m_hint;
     bool m_isChangeNoted = false;
     std::optional<EventId> m_selected;
