@@ -105,8 +105,9 @@ class RecordPageLink {
 public:
     virtual ~RecordPageLink() = default;
 
-    /// Opens the page's editor for a new record with these values: those of FilterForm. The user
-    /// changes, saves or drops it. Called while the page is on screen.
+    /// Opens the page's editor for a new record with these values: those of FilterForm, and as
+    /// "Host" a host's name that none of them stands for. The user changes, saves or drops it.
+    /// Called while the page is on screen.
     virtual void propose(const Dictionary &record) = 0;
 
 protected:

@@ -5,6 +5,8 @@
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
 #include "platform/Text.h"
+#include "platform/gui/FontSize.h"
+#include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 #include "ui_FilterForm.h"
 
@@ -19,6 +21,7 @@ namespace quorbel {
 namespace {
 
 constexpr std::string_view kAny = "Any";
+constexpr int kNarrowestHost = 60;
 
 QString addressCount(unsigned freeBits) {
     constexpr unsigned kMostWrittenOut = 32;
@@ -71,6 +74,8 @@ void setRole(QLabel &label, const QString &role) {
 
 FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::FilterForm>()) {
     ui->setupUi(this);
+    ui->hostMeaning->setTextFormat(Qt::PlainText);  // some of it may be a stranger's
+    m_roomForMeaning = ui->hostMeaning->sizeHint().width();
     ui->recordFacility->addItem(toQString(kAny));
     for (const std::string_view facility : kFacilityNames) {
         ui->recordFacility->addItem(toQString(facility));
@@ -113,6 +118,21 @@ void FilterForm::showProposal(const Dictionary &record) {
     for (QComboBox *chooser : {ui->recordFacility, ui->recordSeverity}) {
         chooser->setCurrentIndex(std::max(chooser->currentIndex(), 0));
     }
+    if (const auto host = settingText(record, "Host")) {
+        sayHostIsAName(toQString(*host));
+    }
+}
+
+void FilterForm::sayHostIsAName(const QString &host) {
+    const auto meaning = [](const QString &name) {
+        return tr("Any host: only an address can be meant, not “%1”").arg(name);
+    };
+    const QString name = paintedRow(host);
+    const QFontMetrics metrics = ui->hostMeaning->fontMetrics();
+    const int room = m_roomForMeaning - metrics.horizontalAdvance(meaning({}));
+    const int widest = std::max(room, sizedToFont(kNarrowestHost));
+    showMeaning(meaning(metrics.elidedText(name, Qt::ElideRight, widest)), true);
+    ui->hostMeaning->setToolTip(QStringLiteral("<p>%1</p>").arg(meaning(name).toHtmlEscaped()));
 }
 
 void FilterForm::showRecord(const Dictionary &record) {
@@ -150,9 +170,13 @@ FilterForm::Record FilterForm::record() const {
 void FilterForm::sayWhichHosts() {
     const std::int64_t mask = integerValue(ui->recordMask->text().toStdString());
     const SenderRange senders(ui->recordIP->text().toStdString(), mask);
-    const QString meaning = meaningOf(senders);
+    showMeaning(meaningOf(senders),
+                senders.isNobody() || senders.ignoresAddress() || senders.isMaskTooLong());
+}
+
+void FilterForm::showMeaning(const QString &meaning, bool isOdd) {
     ui->hostMeaning->setText(meaning);
-    const bool isOdd = senders.isNobody() || senders.ignoresAddress() || senders.isMaskTooLong();
+    ui->hostMeaning->setToolTip({});
     setRole(*ui->hostMeaning, isOdd ? QStringLiteral("warning") : QStringLiteral("caption"));
     ui->recordIP->setAccessibleDescription(meaning);
     ui->recordMask->setAccessibleDescription(meaning);

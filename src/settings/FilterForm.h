@@ -32,7 +32,8 @@ public:
     /// Shows a new record that holds for every event; its name can be changed.
     void showNew(const QString &name);
     /// Shows a new record that begins with these values. A facility and a severity that are none
-    /// become any.
+    /// become any. A "Host" beside them is a name that no address stands for: it is said that any
+    /// host is meant instead.
     void showProposal(const Dictionary &record);
     /// Shows a record to be edited; its name stays as it is.
     void showRecord(const Dictionary &record);
@@ -55,8 +56,11 @@ public:
 
 private:
     void sayWhichHosts();
+    void sayHostIsAName(const QString &host);
+    void showMeaning(const QString &meaning, bool isOdd);
 
     std::unique_ptr<Ui::FilterForm> ui;
+    int m_roomForMeaning = 0;  // in pixels
 };
 
 }  // namespace quorbel

@@ -77,6 +77,14 @@ private Q_SLOTS:
         QCOMPARE(field(record, "Message"), QStringLiteral("a *"));
         QCOMPARE(field(record, "Name"), QStringLiteral("a 1"));
     }
+    void saysWhichHostIsAName() {
+        const auto host = [](const char *name) {
+            return field(likeRecord({}, QString::fromUtf8(name), {}), "Host");
+        };
+        QCOMPARE(host("fs01"), QStringLiteral("fs01"));
+        QCOMPARE(host("10.0.0.5"), QStringLiteral("absent"));
+        QCOMPARE(host(""), QStringLiteral("absent"));
+    }
     void namesAreShort_data() {
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("name");

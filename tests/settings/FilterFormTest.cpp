@@ -240,6 +240,32 @@ private Q_SLOTS:
         click("anyHost");
         QVERIFY(control<QLabel>("hostMeaning").text().startsWith(QStringLiteral("Any host;")));
     }
+
+    void saysThatTheNameOfAHostIsNotAmongTheValues() {
+        const auto &label = control<QLabel>("hostMeaning");
+        const int room = label.sizeHint().width();
+        Dictionary record{{"Name", "n"}, {"IP", "0.0.0.0"},   {"Message", "*"},
+                          {"Mask", "0"}, {"Facility", "Any"}, {"Severity", "Any"}};
+        record.append("Host", "fs01");
+        m_form->showProposal(record);
+        const auto meaning = QStringLiteral("Any host: only an address can be meant, not “fs01”");
+        QCOMPARE(label.text(), meaning);
+        QCOMPARE(label.property("role").toString(), QStringLiteral("warning"));
+        QCOMPARE(control("filterIP").text(), QStringLiteral("0.0.0.0"));
+        QCOMPARE(control("filterIP").accessibleDescription(), meaning);
+        QVERIFY(!m_form->record().fields.find("Host"));
+        QTest::keyClicks(&control("filterMask"), QStringLiteral("8"));
+        QVERIFY(!label.text().contains(QStringLiteral("fs01")));
+        QVERIFY(label.toolTip().isEmpty());
+        // A long one is shortened, and whatever it is made of shown as it is.
+        record.set("Host", "<b>a-name</b>.of-a-host.in-a-department.example.org");
+        m_form->showProposal(record);
+        QVERIFY(label.text().endsWith(QStringLiteral("…”")));
+        QCOMPARE(label.textFormat(), Qt::PlainText);
+        QVERIFY(label.sizeHint().width() <= room);
+        QVERIFY(label.toolTip().contains(QStringLiteral("&lt;b&gt;a-name")));
+        QVERIFY(label.toolTip().contains(QStringLiteral("department.example.org")));
+    }
 };
 
 }  // namespace quorbel

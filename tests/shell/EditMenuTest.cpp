@@ -7,6 +7,7 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -134,12 +135,36 @@ private Q_SLOTS:
         auto &editor = m_frontEnd->control<QDialog>(sheet.constData());
         QTRY_VERIFY(editor.isVisible());
         QCOMPARE(editor.findChild<QLineEdit *>(QString::fromLatin1(message))->text(), u"second"_s);
+        QCOMPARE(editor.findChild<QLabel *>(u"hostMeaning"_s)->text(), u"1 address"_s);
         QTest::keyClick(&editor, Qt::Key_Escape);
         QTRY_VERIFY(m_frontEnd->window->findChild<QDialog *>(QString::fromLatin1(sheet)) ==
                     nullptr);
         auto *settings = m_frontEnd->control<QStackedWidget>("tabView").currentWidget();
         QTest::mouseClick(settings->findChild<QAbstractButton *>(u"onCancel"_s), Qt::LeftButton);
         QCOMPARE(tab(), Tab::kEvents);
+    }
+
+    void aFilterAndAnActionSayThatAHostsNameCannotBeMeant_data() {
+        QTest::addColumn<QByteArray>("command");
+        QTest::addColumn<QByteArray>("sheet");
+        QTest::newRow("filter") << QByteArray("excludeLikeThis") << QByteArray("filterView");
+        QTest::newRow("action") << QByteArray("actionLikeThis") << QByteArray("actionView");
+    }
+    void aFilterAndAnActionSayThatAHostsNameCannotBeMeant() {
+        QFETCH(QByteArray, command);
+        QFETCH(QByteArray, sheet);
+        m_frontEnd->window->Scan();
+        QTRY_VERIFY(table().hasFocus());
+        m_frontEnd->delegate.events.insertRaw({"1700000002", "Kern.Error", "fs01", "third", {}});
+        QTest::keyClick(&table(), Qt::Key_Home);
+        QTest::keyClick(&table(), Qt::Key_Down);
+        QTest::keyClick(&table(), Qt::Key_Up);
+        open();
+        choose(command.constData());
+        auto &editor = m_frontEnd->control<QDialog>(sheet.constData());
+        QTRY_VERIFY(editor.isVisible());
+        QCOMPARE(editor.findChild<QLabel *>(u"hostMeaning"_s)->text(),
+                 u"Any host: only an address can be meant, not “fs01”"_s);
     }
 
     void theViewMenuHoldsWhatOneDoesWithTheList() {

@@ -45,12 +45,16 @@ Dictionary likeRecord(const QString &priority, const QString &host, const QStrin
     const std::string priorityText = priority.toStdString();
     const auto address = IpAddress::parse(host.toStdString());
     const char *const wholeAddress = address && address->isV4() ? "32" : "128";
-    return {{"Name", nameFor(message).toStdString()},
-            {"IP", address ? address->text() : "0.0.0.0"},
-            {"Message", likeWildcards(message).toStdString()},
-            {"Mask", address ? wholeAddress : "0"},
-            {"Facility", std::string(facilityOf(priorityText))},
-            {"Severity", std::string(severityOf(priorityText))}};
+    Dictionary record{{"Name", nameFor(message).toStdString()},
+                      {"IP", address ? address->text() : "0.0.0.0"},
+                      {"Message", likeWildcards(message).toStdString()},
+                      {"Mask", address ? wholeAddress : "0"},
+                      {"Facility", std::string(facilityOf(priorityText))},
+                      {"Severity", std::string(severityOf(priorityText))}};
+    if (!address && !host.isEmpty()) {
+        record.append("Host", host.toStdString());
+    }
+    return record;
 }
 
 }  // namespace quorbel
