@@ -44,6 +44,32 @@ std::optional<unsigned> bitsOfMask(std::string_view text) {
     return std::nullopt;
 }
 
+/// Calls `visit(part, isExcluded)` for each part that names something.
+template <typename Visit>
+void visitParts(std::string_view pattern, Visit visit) {
+    while (!pattern.empty()) {
+        const std::size_t comma = std::min(pattern.find(','), pattern.size());
+        std::string_view part = trimmed(pattern.substr(0, comma));
+        pattern.remove_prefix(std::min(comma + 1, pattern.size()));
+        const bool isExcluded = part.starts_with('!');
+        if (isExcluded) {
+            part = trimmed(part.substr(1));
+        }
+        if (!part.empty()) {
+            visit(part, isExcluded);
+        }
+    }
+}
+
+/// Whether what stands before a slash was meant to be an address.
+bool isLikeNetwork(std::string_view part) {
+    const std::size_t slash = part.find('/');
+    const std::string_view address = part.substr(0, slash);
+    return slash != std::string_view::npos && !address.empty() &&
+           address.find_first_not_of("0123456789abcdefABCDEF.:") == std::string_view::npos &&
+           address.find_first_of("0123456789:") != std::string_view::npos;
+}
+
 }  // namespace
 
 HostPattern::Part::Part(std::string_view pattern)
@@ -53,7 +79,8 @@ HostPattern::Part::Part(std::string_view pattern)
 std::optional<HostPattern::Part::Network> HostPattern::Part::networkOf(std::string_view pattern) {
     const std::size_t slash = pattern.find('/');
     if (slash == std::string_view::npos) {
-        return std::nullopt;
+        const auto address = IpAddress::parse(pattern);
+        return address ? std::optional(Network{*address, IpAddress::kBits}) : std::nullopt;
     }
     const auto address = IpAddress::parse(pattern.substr(0, slash));
     const std::string_view mask = pattern.substr(slash + 1);
@@ -77,18 +104,19 @@ bool HostPattern::Part::matches(std::string_view host) const {
 }
 
 HostPattern::HostPattern(std::string_view pattern) {
-    while (!pattern.empty()) {
-        const std::size_t comma = std::min(pattern.find(','), pattern.size());
-        std::string_view part = trimmed(pattern.substr(0, comma));
-        pattern.remove_prefix(std::min(comma + 1, pattern.size()));
-        const bool isExcluded = part.starts_with('!');
-        if (isExcluded) {
-            part = trimmed(part.substr(1));
+    visitParts(pattern, [this](std::string_view part, bool isExcluded) {
+        (isExcluded ? m_excluded : m_meant).emplace_back(part);
+    });
+}
+
+std::optional<std::string> HostPattern::wrongNetworkIn(std::string_view pattern) {
+    std::optional<std::string> wrong;
+    visitParts(pattern, [&wrong](std::string_view part, bool /*isExcluded*/) {
+        if (!wrong && isLikeNetwork(part) && !Part::networkOf(part)) {
+            wrong = part;
         }
-        if (!part.empty()) {
-            (isExcluded ? m_excluded : m_meant).emplace_back(part);
-        }
-    }
+    });
+    return wrong;
 }
 
 bool HostPattern::matches(std::string_view host) const {

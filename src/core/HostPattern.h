@@ -4,6 +4,7 @@
 #include "core/TextPattern.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,12 +12,18 @@ namespace quorbel {
 
 /// Which hosts are meant: a list, separated by commas, of names and addresses, in which "*" stands
 /// for any characters and "?" for one, and of addresses with a mask ("10.0.0.0/8",
-/// "10.0.0.0/255.0.0.0", "fe80::/10"), which mean the addresses alone. What follows a "!" is
-/// excluded; a list of nothing else means all other hosts. Capital and small letters are alike.
+/// "10.0.0.0/255.0.0.0", "fe80::/10"), which mean the addresses alone. An address means itself
+/// however it is written. What follows a "!" is excluded; a list of nothing else means all other
+/// hosts. Capital and small letters are alike.
 class HostPattern {
 public:
     explicit HostPattern(std::string_view pattern);
 
+    /// The part of a pattern that was to be a network, but is none ("10.0.0.0/99", "10.0.0/8");
+    /// nothing when there is no such part. It would mean no host.
+    static std::optional<std::string> wrongNetworkIn(std::string_view pattern);
+    /// Whether nothing is named in it, as in "!" or ",": then all hosts are meant.
+    [[nodiscard]] bool isAny() const { return m_meant.empty() && m_excluded.empty(); }
     [[nodiscard]] bool matches(std::string_view host) const;
 
 private:
@@ -24,14 +31,13 @@ private:
     public:
         explicit Part(std::string_view pattern);
         [[nodiscard]] bool matches(std::string_view host) const;
-
-    private:
         struct Network {
             IpAddress address;
             unsigned bits;  ///< of 128
         };
         static std::optional<Network> networkOf(std::string_view pattern);
 
+    private:
         std::optional<Network> m_network;
         TextPattern m_name;
     };

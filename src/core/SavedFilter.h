@@ -51,6 +51,10 @@ struct ReadFilters {
 /// what this version does not know is wrong. Names are unique, and every expression compiles.
 ReadFilters readFilters(std::string_view text);
 
+/// Why no file can hold a filter of these conditions, in English, for the end of a sentence; empty
+/// when one can.
+std::string whyNotKept(const EventQuery &query);
+
 /// The text form of filters, from which readFilters() makes the same ones again, if they are within
 /// the limits and their names are unique.
 std::string writeFilters(const std::vector<SavedFilter> &filters);

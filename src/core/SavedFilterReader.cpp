@@ -1,4 +1,5 @@
 #include "common/Severity.h"
+#include "core/HostPattern.h"
 #include "core/SavedFilter.h"
 #include "core/SavedFilterText.h"
 #include "platform/Text.h"
@@ -16,6 +17,8 @@ using Limits = SavedFilterLimits;
 
 constexpr std::string_view kTwice = "is given twice";
 constexpr std::string_view kTooLong = "is too long";
+/// Some editors begin a file of UTF-8 with it.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool hasUnseen(std::string_view text) {
     char32_t before = 0;
@@ -92,6 +95,7 @@ ReadFilters Reader::read(std::string_view text) {
     if (text.size() > Limits::kBytes) {
         return {{}, 1, "the file is too large"};
     }
+    text.remove_prefix(text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, end);
@@ -259,6 +263,9 @@ Reader::Problem Reader::takeFacility(std::string_view value) {
 }
 
 Reader::Problem Reader::takeHost(std::string_view value) {
+    if (const auto wrong = HostPattern::wrongNetworkIn(value)) {
+        return "names \"" + *wrong + "\", which is no network";
+    }
     return takeOnce(query().host, value);
 }
 
@@ -334,6 +341,13 @@ Reader::Problem Reader::endExpression() {
 
 ReadFilters readFilters(std::string_view text) {
     return Reader().read(text);
+}
+
+std::string whyNotKept(const EventQuery &query) {
+    return readFilters(
+               writeFilters(
+                   {{.name = "name", .group = {}, .about = {}, .query = query, .mark = {}}}))
+        .problem;
 }
 
 }  // namespace quorbel

@@ -163,6 +163,38 @@ TEST(TextPatternTest, SeesTheBeginningOfAHugeTextWhenTheExpressionIsLong) {
     EXPECT_FALSE(expression(steps + "\\b").isIn(text));
 }
 
+TEST(HostPatternTest, TellsANetworkThatIsNone) {
+    for (const char *wrong : {"10.0.0.0/99", "10.0.0/8", "fe80::/200", "10.0.0.0/", "10/8",
+                              "10.0.0.0/255.0.255.0", "10.0.0.0/-1", "::1/x"}) {
+        EXPECT_EQ(HostPattern::wrongNetworkIn(wrong), wrong);
+        EXPECT_EQ(HostPattern::wrongNetworkIn("fs01, ! " + std::string(wrong) + " ,x"), wrong);
+    }
+    for (const char *right : {"", "10.0.0.0/8", "10.0.0.0/255.0.0.0", "fe80::/128", "::/0", "fs01",
+                              "fs01/a", "*/24", "!10.0.0.0/8, web*"}) {
+        EXPECT_EQ(HostPattern::wrongNetworkIn(right), std::nullopt) << right;
+    }
+}
+
+TEST(HostPatternTest, MeansAnAddressHoweverItIsWritten) {
+    const HostPattern pattern("2001:0DB8:0:0:0:0:0:0001");
+    EXPECT_TRUE(pattern.matches("2001:db8::1"));
+    EXPECT_TRUE(pattern.matches("2001:0db8:0:0:0:0:0:0001"));
+    EXPECT_FALSE(pattern.matches("2001:db8::2"));
+    EXPECT_TRUE(HostPattern("2001:db8::1").matches("2001:DB8:0:0:0:0:0:1"));
+    EXPECT_FALSE(HostPattern("!2001:db8::1").matches("2001:DB8:0:0:0:0:0:1"));
+    EXPECT_TRUE(HostPattern("10.0.0.5").matches("10.0.0.5"));
+    EXPECT_FALSE(HostPattern("10.0.0.5").matches("10.0.0.50"));
+}
+
+TEST(HostPatternTest, IsAnyWhereNothingIsNamed) {
+    for (const char *any : {"", " ", "!", ",", " ! , ,!"}) {
+        EXPECT_TRUE(HostPattern(any).isAny()) << any;
+        EXPECT_TRUE(HostPattern(any).matches("fs01")) << any;
+    }
+    EXPECT_FALSE(HostPattern("*").isAny());
+    EXPECT_FALSE(HostPattern("!fs01").isAny());
+}
+
 TEST(HostPatternTest, MeansNamesByWildcardsAndAddressesByMasks) {
     EXPECT_TRUE(HostPattern("fs01").matches("FS01"));
     EXPECT_FALSE(HostPattern("fs0").matches("fs01"));

@@ -112,6 +112,30 @@ TEST(SavedFilterTest, SaysWhichExpressionIsWrong) {
     EXPECT_EQ(problemOf("filter A\ncontains a(b\nmatches \\(\n"), "");
 }
 
+TEST(SavedFilterTest, SaysWhichNetworkIsNone) {
+    const ReadFilters read = readFilters("Quorbel filters 1\nfilter A\nhost fs01, 10.0.0.0/99\n");
+    EXPECT_EQ(read.line, 3U);
+    EXPECT_EQ(read.problem, "\"host\" names \"10.0.0.0/99\", which is no network");
+}
+
+TEST(SavedFilterTest, MayBeginWithAByteOrderMark) {
+    EXPECT_EQ(readFilters("\xEF\xBB\xBFQuorbel filters 1\r\nfilter A\r\nhost a\r\n").filters.size(),
+              1U);
+    EXPECT_FALSE(readFilters("Quorbel filters 1\n\xEF\xBB\xBF"
+                             "filter A\nhost a\n")
+                     .isGood());
+}
+
+TEST(SavedFilterTest, TellsWhyConditionsCannotBeKept) {
+    EventQuery query;
+    query.texts.assign(SavedFilterLimits::kTexts, {{"a", false, false}, false});
+    EXPECT_EQ(whyNotKept(query), "");
+    query.texts.push_back({{"a", false, false}, false});
+    EXPECT_EQ(whyNotKept(query), "\"contains\" is one condition too many");
+    query.texts = {{{"(", false, true}, false}};
+    EXPECT_NE(whyNotKept(query).find("is no regular expression"), std::string::npos);
+}
+
 TEST(SavedFilterTest, RefusesWhatIsNoFileOfIts) {
     const auto problem = [](const std::string &text) { return readFilters(text).problem; };
     EXPECT_EQ(problem(""), "this is no file of filters");

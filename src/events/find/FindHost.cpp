@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -48,16 +49,23 @@ FindHost::FindHost(QWidget *parent)
     : FindChoice("findHost", tr("Host"), tr("Show only events of certain hosts"), parent),
       m_panel(new FindPanel(this)),
       m_text(new QLineEdit(m_panel)),
+      m_error(new QLabel(m_panel)),
       m_list(new QListWidget(m_panel)) {
     m_panel->setObjectName(QStringLiteral("findHostPanel"));
     m_panel->setFixedWidth(sizedToFont(kWidth));
     auto *column = new QVBoxLayout(m_panel);
     column->addWidget(m_text);
+    column->addWidget(m_error);
     column->addWidget(hintLabel(m_panel));
     column->addWidget(m_list);
     m_text->setObjectName(QStringLiteral("findHostText"));
     m_text->setAccessibleName(tr("Host"));
     m_text->setPlaceholderText(tr("Any host"));
+    m_error->setObjectName(QStringLiteral("findHostError"));
+    m_error->setProperty("role", QStringLiteral("error"));
+    m_error->setTextFormat(Qt::PlainText);
+    m_error->setWordWrap(true);
+    m_error->hide();
     m_list->setObjectName(QStringLiteral("findHostList"));
     m_list->setAccessibleName(tr("Hosts of the listed events"));
     m_list->setSpacing(2);
@@ -65,13 +73,15 @@ FindHost::FindHost(QWidget *parent)
     m_text->installEventFilter(this);
     m_list->installEventFilter(this);
     connect(m_text, &QLineEdit::textEdited, this, &FindHost::offer);
-    connect(m_text, &QLineEdit::returnPressed, this, [this] { take(m_text->text()); });
+    connect(m_text, &QLineEdit::textEdited, this, [this] { showError({}); });
+    connect(m_text, &QLineEdit::returnPressed, this, &FindHost::takeTyped);
     connect(m_list, &QListWidget::itemClicked, this, &FindHost::takeItem);
 }
 
 void FindHost::openBelow(QWidget &anchor) {
     m_text->setText(value());
     m_text->selectAll();
+    showError({});
     offer();
     m_panel->openBelow(anchor);
     m_text->setFocus();
@@ -105,9 +115,27 @@ void FindHost::offer() {
     }
 }
 
+void FindHost::takeTyped() {
+    if (const auto wrong = HostPattern::wrongNetworkIn(m_text->text().toStdString())) {
+        showError(tr("This is no network: %1").arg(paintedRow(toQString(*wrong))));
+    } else {
+        take(m_text->text());
+    }
+}
+
+void FindHost::showError(const QString &error) {
+    m_error->setText(error);
+    m_error->setVisible(!error.isEmpty());
+    m_text->setAccessibleDescription(error);
+    m_text->setProperty("state", error.isEmpty() ? QString() : QStringLiteral("wrong"));
+    m_text->style()->unpolish(m_text);
+    m_text->style()->polish(m_text);
+    m_panel->adjustSize();
+}
+
 void FindHost::take(const QString &pattern) {
     m_panel->hide();
-    showValue(pattern.trimmed());
+    showValue(HostPattern(pattern.toStdString()).isAny() ? QString() : pattern.trimmed());
 }
 
 void FindHost::takeItem(const QListWidgetItem *item) {

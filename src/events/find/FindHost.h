@@ -2,6 +2,7 @@
 
 #include "events/find/FindChoice.h"
 
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
@@ -37,6 +38,9 @@ protected:
 
 private:
     void offer();
+    /// Takes what is typed, if it is right.
+    void takeTyped();
+    void showError(const QString &error);
     void take(const QString &pattern);
     void takeItem(const QListWidgetItem *item);
     [[nodiscard]] QStringList hosts() const;
@@ -44,6 +48,7 @@ private:
     EventList *m_events = nullptr;
     FindPanel *m_panel;
     QLineEdit *m_text;
+    QLabel *m_error;
     QListWidget *m_list;
 };
 
