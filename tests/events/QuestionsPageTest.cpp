@@ -285,6 +285,45 @@ private Q_SLOTS:
         open();
         QVERIFY(!control("findSavedKeep")->isEnabled());
     }
+    void saysBeforeANameIsAskedForWhatCannotBeKept() {
+        click("findRegex");
+        find(name("sdb("));
+        QTRY_VERIFY(control("findError")->isVisible());
+        open();
+        QVERIFY(!control("findSavedKeep")->isEnabled());
+        QVERIFY(control("findSavedKeep")->toolTip().contains(name("is no regular expression")));
+        close();
+        click("findRegex");
+        QTest::keyClick(field(), Qt::Key_Escape);
+        QTRY_VERIFY(!control("findError")->isVisible());
+        for (int i = 0; i < 16; ++i) {
+            add(qPrintable(QString(i + 1, u'd')));
+        }
+        open();
+        QVERIFY(control("findSavedKeep")->isEnabled());
+        close();
+        add("disk");
+        open();
+        QVERIFY(!control("findSavedKeep")->isEnabled());
+        QCOMPARE(control("findSavedKeep")->toolTip(),
+                 name("No more than 16 texts can be kept together"));
+    }
+    void tellsHowManyFiltersAreKept() {
+        const auto hint = [this] {
+            open();
+            const QString text = search()->placeholderText();
+            close();
+            return text;
+        };
+        QVERIFY2(hint().startsWith(name("Find among 0 kept filters and ")), qPrintable(hint()));
+        find(name("sdb"));
+        keepFilter("One");
+        close();
+        QVERIFY2(hint().startsWith(name("Find among 1 kept filter and ")), qPrintable(hint()));
+        keepFilter("Two");
+        close();
+        QVERIFY2(hint().startsWith(name("Find among 2 kept filters and ")), qPrintable(hint()));
+    }
     void renamesAndDeletes() {
         find(name("sdb"));
         keepFilter("A & B");

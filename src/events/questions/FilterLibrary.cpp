@@ -77,6 +77,14 @@ QString FilterLibrary::keep(const SavedFilter &filter) {
     return change([&] { return m_kept.keep(filter); });
 }
 
+QString FilterLibrary::whyNotKept(const EventQuery &query) {
+    if (query.texts.size() > SavedFilterLimits::kTexts) {
+        return tr("No more than %1 texts can be kept together").arg(SavedFilterLimits::kTexts);
+    }
+    const QString problem = toQString(quorbel::whyNotKept(query));
+    return problem.isEmpty() ? problem : tr("This filter cannot be kept: %1").arg(problem);
+}
+
 QString FilterLibrary::rename(const std::string &from, const std::string &to) {
     return change([&] {
         std::string problem = m_kept.rename(from, to);

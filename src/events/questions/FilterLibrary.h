@@ -32,6 +32,8 @@ public:
     /// Takes over what another window, or an editor, has written since.
     QString reload();
     QString keep(const SavedFilter &filter);
+    /// Why such conditions cannot be kept; empty when they can.
+    [[nodiscard]] static QString whyNotKept(const EventQuery &query);
     QString rename(const std::string &from, const std::string &to);
     QString remove(const std::string &name);
     /// In no colour: marks no longer. A question that is marked is kept by that.

@@ -71,7 +71,6 @@ QuestionFooter::QuestionFooter(QWidget *parent)
     row->addStretch();
     m_mark = addButton("findSavedMark", tr("Mark in colour"), "");
     m_showOnly = addButton("findSavedShow", tr("Show only these"), "primary");
-    m_keep->setToolTip(tr("Keep what the page is filtered by under a name"));
     m_more->setAccessibleName(tr("More about kept filters"));
     m_mark->setIcon(lineIcon(QStringLiteral("down")));
     m_mark->setLayoutDirection(Qt::RightToLeft);  // the arrow behind the text
@@ -103,7 +102,10 @@ void QuestionFooter::show(const SavedFilter *filter, const State &state) {
     m_mark->setEnabled(filter != nullptr);
     m_showOnly->setEnabled(filter != nullptr);
     m_showOnly->setText(state.isInForce ? tr("Show all again") : tr("Show only these"));
-    m_keep->setEnabled(state.canKeepFilter);
+    m_keep->setEnabled(state.hasFilter && state.whyNotKept.isEmpty());
+    m_keep->setToolTip(state.whyNotKept.isEmpty()
+                           ? tr("Keep what the page is filtered by under a name")
+                           : state.whyNotKept);
 }
 
 void QuestionFooter::openMarkMenu() {

@@ -18,8 +18,9 @@ public:
 
     struct State {
         bool isKept = false;
-        bool isInForce = false;      ///< only what it means is shown already
-        bool canKeepFilter = false;  ///< a filter is in use
+        bool isInForce = false;  ///< only what it means is shown already
+        bool hasFilter = false;  ///< one is in use
+        QString whyNotKept{};    ///< empty when it can be kept
         bool hasKept = false;
         std::optional<MarkColour> mark{};
     };

@@ -142,6 +142,7 @@ QSize QuestionPanel::wantedSize(const QWidget &anchor) const {
 
 void QuestionPanel::open(QWidget &anchor, const EventQuery &current, const SavedFilter *inForce) {
     m_current = current;
+    m_whyNotKept = current.isInUse() ? FilterLibrary::whyNotKept(current) : QString();
     m_inForce = inForce == nullptr ? std::nullopt : std::optional(*inForce);
     m_below->setCurrentWidget(m_footer);
     m_search->clear();
@@ -166,9 +167,11 @@ void QuestionPanel::showFilters() {
     const std::string name = before == nullptr ? "" : before->name;
     const bool wasKept = m_list->currentIndex().data(QuestionModel::kIsKept).toBool();
     m_model.show(m_library);
-    m_search->setPlaceholderText(tr("Find among %1 kept filters and %2 questions")
-                                     .arg(m_library.kept().size())
-                                     .arg(m_library.questions().size()));
+    const QString among = m_library.kept().size() == 1
+                              ? tr("Find among %1 kept filter and %2 questions")
+                              : tr("Find among %1 kept filters and %2 questions");
+    m_search->setPlaceholderText(
+        among.arg(m_library.kept().size()).arg(m_library.questions().size()));
     const QModelIndex same = m_model.find(name, wasKept);
     select(same.isValid() ? same : m_model.choosable(0, 1));
     startCounting();
@@ -243,7 +246,8 @@ void QuestionPanel::showSelected() {
     state.isKept = index.data(QuestionModel::kIsKept).toBool();
     state.isInForce = filter != nullptr && m_inForce && m_inForce->name == filter->name &&
                       m_inForce->query == filter->query;
-    state.canKeepFilter = m_current.isInUse();
+    state.hasFilter = m_current.isInUse();
+    state.whyNotKept = m_whyNotKept;
     state.mark = filter != nullptr ? m_library.markOf(*filter) : std::nullopt;
     state.hasKept = !m_library.kept().empty();
     m_footer->show(filter, state);
@@ -325,9 +329,6 @@ void QuestionPanel::toggleMark() {
 }
 
 void QuestionPanel::askToKeep() {
-    if (!m_current.isInUse()) {
-        return;
-    }
     m_below->setCurrentWidget(m_prompt);
     const auto note = [this](const QString &name) {
         const bool isTaken = std::ranges::find(m_library.kept(), name.toStdString(),

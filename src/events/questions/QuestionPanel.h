@@ -85,6 +85,7 @@ private:
     std::function<QDateTime()> m_clock;
     std::vector<EventQuery> m_counted;
     EventQuery m_current;
+    QString m_whyNotKept;
     std::optional<SavedFilter> m_inForce;
 };
 
