@@ -223,8 +223,10 @@ void FindBar::follow() {
 }
 
 void FindBar::showError(const QString &error) {
-    const QString text =
-        error.isEmpty() ? QString() : tr("This is no regular expression: %1").arg(error);
+    const QString text = error.isEmpty() ? QString()
+                         : m_field->isExpression()
+                             ? tr("This is no regular expression: %1").arg(error)
+                             : tr("This text is too long to be looked for");
     m_error->setText(text);
     m_error->setVisible(!error.isEmpty());
     m_field->showError(text);

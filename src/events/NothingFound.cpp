@@ -48,6 +48,8 @@ NothingFound::NothingFound(EventList &list, FindBar &bar, QTableView &table)
     column->addWidget(m_without, 0, Qt::AlignHCenter);
     m_without->setAccessibleName(tr("Without the costliest condition"));
     hide();
+    setTabOrder(&table, clear);
+    setTabOrder(clear, m_without);
     connect(clear, &QAbstractButton::clicked, &m_bar, &FindBar::clear);
     connect(m_without, &QAbstractButton::clicked, this, &NothingFound::removeCostliest);
     connect(&m_slices, &QTimer::timeout, this, &NothingFound::search);

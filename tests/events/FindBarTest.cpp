@@ -6,6 +6,7 @@
 #include "events/find/FindSpan.h"
 
 #include <QAbstractButton>
+#include <QClipboard>
 #include <QDateTimeEdit>
 #include <QListWidget>
 #include <QTest>
@@ -95,6 +96,17 @@ private Q_SLOTS:
         QTest::keyClick(chips().first(), Qt::Key_Backspace);
         QTRY_COMPARE(rows(), 96);
     }
+    void aTextThatIsTooLongIsNoWrongExpression() {
+        find(name("disk"));
+        QTRY_COMPARE(rows(), 16);
+        field()->selectAll();
+        QGuiApplication::clipboard()->setText(QString(32767, u'x'));
+        QTest::keyClick(field(), Qt::Key_V, Qt::ControlModifier);
+        QTRY_VERIFY(control("findError")->isVisible());
+        QCOMPARE(control<QLabel>("findError")->text(),
+                 name("This text is too long to be looked for"));
+        QCOMPARE(rows(), 16);
+    }
     void aWrongExpressionBecomesNoCondition() {
         click("findRegex");
         find(name("sdb("));
@@ -162,6 +174,9 @@ private Q_SLOTS:
         QTest::newRow("mask") << name("10.0.0.0/255.0.0.0") << 24;
         QTest::newRow("excluded") << name("!fs01, !db02") << 48;
         QTest::newRow("none") << name("  ") << 96;
+        QTest::newRow("nothing excluded") << name("!") << 96;
+        QTest::newRow("none of several") << name(" , !,") << 96;
+        QTest::newRow("long form") << name("0:0:0:0:0:ffff:10.1.0.7") << 24;
     }
     void takesHostsAsTheyAreTyped() {
         QFETCH(QString, typed);
@@ -171,6 +186,37 @@ private Q_SLOTS:
         QTest::keyClick(control("findHostText"), Qt::Key_Return);
         QTRY_COMPARE(rows(), expected);
         QCOMPARE(isInUse("findHost"), expected < 96);
+    }
+    void saysAtTheHostsFieldThatANetworkIsNone() {
+        openHosts();
+        QTest::keyClicks(control("findHostText"), name("fs*"));
+        QTest::keyClick(control("findHostText"), Qt::Key_Return);
+        QTRY_COMPARE(rows(), 48);
+        openHosts();
+        QTest::keyClicks(control("findHostText"), name("10.0.0/8"));
+        const int height = control("findHostPanel")->height();
+        QTest::keyClick(control("findHostText"), Qt::Key_Return);
+        QVERIFY(control("findHostPanel")->isVisible());
+        QVERIFY(control("findHostError")->isVisible());
+        QVERIFY(control("findHostPanel")->height() > height);
+        QCOMPARE(control<QLabel>("findHostError")->text(), name("This is no network: 10.0.0/8"));
+        QCOMPARE(control("findHostText")->accessibleDescription(),
+                 control<QLabel>("findHostError")->text());
+        QCOMPARE(rows(), 48);
+        QCOMPARE(text("findHost"), name("fs*"));
+        for (int i = 0; i < 2; ++i) {
+            QTest::keyClick(control("findHostText"), Qt::Key_Backspace);
+        }
+        QVERIFY(!control("findHostError")->isVisible());
+        QTest::keyClicks(control("findHostText"), name(".0/8"));
+        QTest::keyClick(control("findHostText"), Qt::Key_Return);
+        QTRY_COMPARE(rows(), 24);
+        openHosts();
+        QTest::keyClicks(control("findHostText"), name("1.2.3.4/33"));
+        QTest::keyClick(control("findHostText"), Qt::Key_Return);
+        QTest::keyClick(control("findHostText"), Qt::Key_Escape);
+        openHosts();
+        QVERIFY(!control("findHostError")->isVisible());
     }
     void aLongHostIsShortenedAndWholeInTheToolTip() {
         openHosts();
@@ -380,6 +426,33 @@ private Q_SLOTS:
         QVERIFY(field()->isVisible());  // in use
         m_page->resize(1000, 600);
         QTRY_VERIFY(field()->isVisible() && !open->isVisible());
+    }
+    void whatLeadsOutOfNothingFoundFollowsTheTable() {
+        add("disk");
+        add("moon");
+        QTRY_VERIFY(control("findWithout")->isVisible());
+        activate();
+        table()->setFocus();
+        QTest::keyClick(table(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), control("findNothingClear"));
+        QTest::keyClick(control("findNothingClear"), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), control("findWithout"));
+    }
+    void aPanelClosesWithThePage() {
+        openHosts();
+        m_page->resize(1400, 600);  // choices come and go with the room
+        m_page->resize(1000, 600);
+        QVERIFY(control("findHostPanel")->isVisible());
+        m_page->hide();
+        QVERIFY(!control("findHostPanel")->isVisible());
+        m_page->show();
+        openHosts();
+        QVERIFY(control("findHostPanel")->isVisible());
+        QTest::keyClick(control("findHostText"), Qt::Key_Escape);
+        // Its keys are the bar's again.
+        find(name("disk"));
+        QTest::keyClick(field(), Qt::Key_Down);
+        QTRY_VERIFY(table()->hasFocus());
     }
     void everyControlHasANameAndIsReachedByTab() {
         add("disk");

@@ -24,6 +24,8 @@ public:
 
     /// The conditions, and what is typed as the last of them.
     [[nodiscard]] std::vector<TextCondition> texts() const;
+    /// Whether what is typed is one.
+    [[nodiscard]] bool isExpression() const { return typed().pattern.isExpression; }
     /// Of each of them.
     [[nodiscard]] QStringList names() const;
     void remove(std::size_t text);

@@ -23,7 +23,24 @@ void FindPanel::openBelow(QWidget &anchor, Qt::AlignmentFlag edge) {
     place.setX(std::max(screen.left(), std::min(place.x(), screen.right() - width())));
     place.setY(std::max(screen.top(), std::min(place.y(), screen.bottom() - height())));
     move(place);
+    // Not the other control itself, which comes and goes with the room there is.
+    m_surroundings = anchor.parentWidget();
+    m_surroundings->installEventFilter(this);
     show();
+}
+
+void FindPanel::hideEvent(QHideEvent *event) {
+    QFrame::hideEvent(event);
+    if (m_surroundings != nullptr) {
+        m_surroundings->removeEventFilter(this);
+    }
+}
+
+bool FindPanel::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_surroundings && event->type() == QEvent::Hide) {
+        hide();
+    }
+    return QFrame::eventFilter(watched, event);
 }
 
 void FindPanel::keyPressEvent(QKeyEvent *event) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 
 namespace quorbel {
 
 /// A frame of controls that opens below another control and closes when one clicks elsewhere or
-/// presses Esc. Return presses the button that has the focus.
+/// presses Esc, and with the page that the control is on. Return presses the button that has the
+/// focus.
 class FindPanel : public QFrame {
     Q_OBJECT
 
@@ -21,6 +23,11 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QPointer<QWidget> m_surroundings;  // of the other control; watched while it is open
 };
 
 }  // namespace quorbel
