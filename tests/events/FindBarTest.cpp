@@ -309,6 +309,26 @@ private Q_SLOTS:
         QTRY_VERIFY(control("findSpanPanel")->isVisible());
         QVERIFY(control<QDateTimeEdit>("findFrom")->text().endsWith(name(" 11:59:30")));
     }
+    void showsTheWholeOfASpanAcrossMidnight() {
+        auto *span = m_page->findChild<FindSpan *>();
+        span->setClock([this] { return noon(); });
+        const auto shown = [&](const QDateTime &from, const QDateTime &to) {
+            span->choose({from.toSecsSinceEpoch(), to.toSecsSinceEpoch()});
+            return text("findSpan");
+        };
+        const QDateTime midnight = noon().date().startOfDay();
+        QCOMPARE(shown(midnight.addSecs(-1800), midnight.addSecs(3600)),
+                 name("11-20 23:30 – 01:00"));
+        QVERIFY(
+            control("findSpan")->toolTip().contains(name("2026-11-20 23:30 – 2026-11-21 01:00")));
+        QCOMPARE(control("findSpan")->accessibleName(),
+                 name("Time: 2026-11-20 23:30 – 2026-11-21 01:00"));
+        QCOMPARE(shown(midnight.addDays(-2), midnight.addDays(-1).addSecs(60)),
+                 name("11-19 00:00 – 11-20 00:01"));
+        QCOMPARE(shown(midnight.addYears(-1), midnight.addYears(-1).addSecs(60)),
+                 name("2025-11-21 00:00 – 00:01"));
+        QCOMPARE(shown(midnight, midnight.addSecs(3600)), name("00:00 – 01:00"));
+    }
     void aDayIsAsLongAsItIs() {
         const QDateTime now(QDate(2026, 3, 29), QTime(12, 0));
         const auto moments = EventSpan{EventSpan::Kind::kToday}.momentsAt(now);

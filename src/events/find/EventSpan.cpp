@@ -6,6 +6,8 @@ namespace quorbel {
 
 namespace {
 
+constexpr qint64 kDay = 86'400;
+
 QString tr(const char *text) {
     return QCoreApplication::translate("EventSpan", text);
 }
@@ -56,6 +58,19 @@ QString EventSpan::textAt(const QDateTime &now) const {
         default:
             return {};
     }
+}
+
+QString EventSpan::shortTextAt(const QDateTime &now) const {
+    if (kind != Kind::kFromTo) {
+        return textAt(now);
+    }
+    const auto text = [&](const QDateTime &moment, bool hasDay) {
+        const bool isThisYear = moment.date().year() == now.date().year();
+        const QString day = isThisYear ? QStringLiteral("MM-dd ") : QStringLiteral("yyyy-MM-dd ");
+        return moment.toString((hasDay ? day : QString()) + clockFormat());
+    };
+    return text(from, from.date() != now.date()) + QStringLiteral(" – ") +
+           text(to, from.date() != to.date() && from.secsTo(to) >= kDay);
 }
 
 }  // namespace quorbel

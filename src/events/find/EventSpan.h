@@ -32,6 +32,9 @@ struct EventSpan {
     [[nodiscard]] QString clockFormat() const;
     /// As it is shown at that time; empty for any.
     [[nodiscard]] QString textAt(const QDateTime &now) const;
+    /// The same where there is little room: without the year that it is, and without the day on
+    /// which it ends if that is clear.
+    [[nodiscard]] QString shortTextAt(const QDateTime &now) const;
 };
 
 /// The filter as it is to be looked for at that time, with moments in place of spans that go on.

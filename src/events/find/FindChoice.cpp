@@ -12,7 +12,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr int kWidest = 140;  // of a value, in pixels at the standard font
 constexpr int kNarrowest = 48;
 constexpr int kArrow = 14;
 const QColor kAccent(0x00, 0x57, 0xad);
@@ -31,11 +30,12 @@ FindChoice::FindChoice(const char *name, const QString &title, const QString &pu
     connect(this, &QAbstractButton::clicked, this, [this] { openBelow(*this); });
 }
 
-void FindChoice::showValue(const QString &value) {
+void FindChoice::showValue(const QString &value, const QString &shortened) {
     m_value = value;
     ensurePolished();
     const QString shown = paintedRow(value);
-    QString text = fontMetrics().elidedText(shown, Qt::ElideRight, sizedToFont(kWidest));
+    QString text = fontMetrics().elidedText(shortened.isEmpty() ? shown : paintedRow(shortened),
+                                            Qt::ElideRight, sizedToFont(m_widest));
     setText(value.isEmpty() ? m_title : text.replace(u'&', QStringLiteral("&&")));
     setAccessibleName(value.isEmpty() ? m_title : m_title + QStringLiteral(": ") + shown);
     // As plain text: a host's name may look like markup.

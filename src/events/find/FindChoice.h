@@ -31,14 +31,18 @@ Q_SIGNALS:
     void changed();
 
 protected:
-    /// An empty text for no value. Sends changed().
-    void showValue(const QString &value);
+    /// An empty text for no value. `shortened` stands for it on the button, if it is given. Sends
+    /// changed().
+    void showValue(const QString &value, const QString &shortened = {});
+    /// Of a value on the button, in pixels at the standard font; what is longer is cut.
+    void setWidest(int pixels) { m_widest = pixels; }
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QString m_title;
     QString m_purpose;
     QString m_value;
+    int m_widest = 140;
 };
 
 }  // namespace quorbel

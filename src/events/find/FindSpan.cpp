@@ -15,6 +15,7 @@ namespace quorbel {
 namespace {
 
 constexpr std::chrono::seconds kFollowEvery{5};
+constexpr int kWidestSpan = 210;  // two moments of one year, to the second
 
 QDateTime moment(std::int64_t seconds) {
     return QDateTime::fromSecsSinceEpoch(seconds);
@@ -46,6 +47,7 @@ FindSpan::FindSpan(QWidget *parent)
         m_actions.append(addValue(EventSpan{kind}.textAt({}), static_cast<int>(kind)));
     }
     m_actions.append(addValue(tr("From ... to ..."), static_cast<int>(Kind::kFromTo)));
+    setWidest(kWidestSpan);
     makePanel();
     auto *timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &FindSpan::follow);
@@ -107,7 +109,7 @@ void FindSpan::use(const EventSpan &span) {
     } else {
         check(m_actions[static_cast<int>(span.kind) - 1]);
     }
-    showValue(span.textAt(now));
+    showValue(span.textAt(now), span.shortTextAt(now));
 }
 
 void FindSpan::choose(const EventSpan::Moments &moments) {
