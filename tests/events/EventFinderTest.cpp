@@ -39,10 +39,7 @@ private Q_SLOTS:
         m_page->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
     }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void showsWhatMatchesAndAllAgain() {
         QTRY_COMPARE(count(), name("40 events"));

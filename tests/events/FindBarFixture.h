@@ -45,10 +45,6 @@ protected:
         activate();
         QTRY_COMPARE(count(), name("96 events"));
     }
-    void endPage() {
-        m_page.reset();
-        m_delegate.reset();
-    }
 
     template <typename Control = QWidget>
     Control *control(const char *objectName) {

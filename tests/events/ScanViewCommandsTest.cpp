@@ -95,10 +95,7 @@ private Q_SLOTS:
         makePage();
         QGuiApplication::clipboard()->setText(name(kUntouched));
     }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void copiesWholeRowsAsTheyAreShown() {
         add("first");

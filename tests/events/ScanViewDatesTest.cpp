@@ -72,10 +72,7 @@ private Q_SLOTS:
         QCOMPARE(cell(kRows - 1, 1), name("05/11/2023 10:10:03"));
         m_page->hide();
     }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
     void cleanupTestCase() {
         m_service.reset();
         m_bus.reset();

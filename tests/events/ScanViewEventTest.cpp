@@ -17,10 +17,7 @@ class ScanViewEventTest : public QObject, private EventSheetFixture {
 
 private Q_SLOTS:
     void init() { makePage(); }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void aDoubleClickOpensOneSheetWithTheEvent() {
         showRows(3);

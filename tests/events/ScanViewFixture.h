@@ -61,6 +61,10 @@ protected:
         m_page->viewDidLoad();
         m_page->resize(1000, 600);
     }
+    void endPage() {
+        m_page.reset();
+        m_delegate.reset();
+    }
     EventList &list() { return m_delegate->events; }
     QTableView *table() { return m_page->findChild<QTableView *>(name("tableView")); }
     QString cell(int row, int column) {

@@ -48,10 +48,7 @@ private Q_SLOTS:
         m_window.opened.clear();
         makePage();
     }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
     void cleanupTestCase() {
         m_service.reset();
         m_bus.reset();

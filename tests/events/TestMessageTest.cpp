@@ -78,10 +78,7 @@ class TestMessageTest : public QObject, private ScanViewFixture {
 
 private Q_SLOTS:
     void init() { makePage(); }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void sendsOneDatagram() {
         const Receiver receiver(0);

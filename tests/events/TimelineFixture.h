@@ -20,6 +20,8 @@ protected:
     static constexpr std::int64_t kStart = 1'700'006'400;  // an hour begins
     static constexpr std::int64_t kHour = 3600;
 
+    TimelineFixture() { qputenv("TZ", "UTC"); }
+
     Timeline &timeline() { return *m_page->findChild<Timeline *>(name("timeline")); }
     QAbstractButton &toggle() {
         return *m_page->findChild<QAbstractButton *>(name("timelineToggle"));

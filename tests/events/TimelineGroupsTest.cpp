@@ -35,12 +35,8 @@ private:
     }
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("TZ", "UTC"); }
     void init() { makePage(); }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void isByRatingAtFirst() {
         openWithHosts();

@@ -12,12 +12,8 @@ class TimelineSpanTest : public QObject, private TimelineFixture {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("TZ", "UTC"); }
     void init() { makePage(); }
-    void cleanup() {
-        m_page.reset();
-        m_delegate.reset();
-    }
+    void cleanup() { endPage(); }
 
     void narrowsTheTableByMouseAndGoesBack() {
         open();
