@@ -15,6 +15,15 @@ void EventHold::changed() {
     }
 }
 
+EventPlace EventHold::take(const EventFields &event, EventListPageLink &page) {
+    return delays() ? EventPlace{m_waiting, addArrival(event)}
+                    : EventPlace{m_list, list(event, page)};
+}
+
+EventId EventHold::list(const EventFields &event, EventListPageLink &page) {
+    return page.isOnScreen() ? page.insertEvent(event) : m_list.insertRaw(event);
+}
+
 EventId EventHold::addArrival(const EventFields &event) {
     add(event, false);
     return m_waiting.idAt(0);
@@ -61,8 +70,7 @@ void EventHold::handOn(std::size_t row, EventListPageLink &page) {
         --m_removals;
         page.removeEvent(notice);
     } else {
-        m_waiting.leadOn(id, m_list,
-                         page.isOnScreen() ? page.insertEvent(notice) : m_list.insertRaw(notice));
+        m_waiting.leadOn(id, m_list, list(notice, page));
     }
 }
 

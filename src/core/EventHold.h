@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Event.h"
 #include "core/EventList.h"
 
 #include <chrono>
@@ -42,6 +43,9 @@ public:
     [[nodiscard]] std::size_t arrivals() const { return m_waiting.size() - m_removals; }
     [[nodiscard]] std::size_t removals() const { return m_removals; }
 
+    /// Lists an event, as any that arrives: through the page while that is on screen, else into the
+    /// list as it is. While it has to wait it is among waiting(). Says where it is.
+    EventPlace take(const EventFields &event, EventListPageLink &page);
     /// An event that has to wait. The id is one of waiting().
     EventId addArrival(const EventFields &event);
     void addRemoval(const EventFields &announced);
@@ -49,8 +53,7 @@ public:
     [[nodiscard]] EventList &waiting() { return m_waiting; }
 
     /// Hands the oldest on, in their order, for about `limit`, and at least one if any wait: events
-    /// as if each arrived now (through the page while that is on screen, else into the list as it
-    /// is), removals through the page.
+    /// as if each arrived now, removals through the page.
     void release(std::chrono::milliseconds limit, EventListPageLink &page);
 
     /// Each outlives the hold or is removed before it ends.
@@ -60,6 +63,7 @@ public:
 private:
     void add(const EventFields &notice, bool isRemoval);
     void handOn(std::size_t row, EventListPageLink &page);
+    EventId list(const EventFields &event, EventListPageLink &page);
     void changed();
 
     EventList &m_list;

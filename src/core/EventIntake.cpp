@@ -21,16 +21,8 @@ void EventIntake::count(const PriorityClasses &classes) {
     }
 }
 
-EventPlace EventIntake::listOrHold(const EventFields &event) {
-    if (m_hold.delays()) {
-        return {m_hold.waiting(), m_hold.addArrival(event)};
-    }
-    return {m_events,
-            m_eventPage.isOnScreen() ? m_eventPage.insertEvent(event) : m_events.insertRaw(event)};
-}
-
 EventPlace EventIntake::setNotification(const EventFields &event) {
-    const EventPlace place = listOrHold(event);
+    const EventPlace place = m_hold.take(event, m_eventPage);
     count(place.list.classes(0));
     if (m_homePage.isOnScreen()) {
         m_homePage.setEventsStatus();

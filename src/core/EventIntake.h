@@ -35,7 +35,6 @@ public:
     void initializeLog(const Progress &onProgress = {});
 
 private:
-    EventPlace listOrHold(const EventFields &event);
     void count(const PriorityClasses &classes);
 
     AppState &m_state;
