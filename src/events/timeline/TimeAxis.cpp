@@ -1,27 +1,14 @@
 #include "events/timeline/TimeAxis.h"
 
+#include "events/timeline/TimeColumns.h"
+
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cmath>
 
 namespace quorbel {
 
 namespace {
-
-constexpr std::int64_t kMinute = 60;
-constexpr std::int64_t kHour = 3600;
-constexpr std::int64_t kDay = 86'400;
-constexpr std::int64_t kYear = 365 * kDay;
-
-/// How long a column may be.
-constexpr std::array<std::int64_t, 32> kSteps{
-    1,          2,           5,           10,           15,           30,
-    kMinute,    2 * kMinute, 5 * kMinute, 10 * kMinute, 15 * kMinute, 30 * kMinute,
-    kHour,      2 * kHour,   3 * kHour,   6 * kHour,    12 * kHour,   kDay,
-    2 * kDay,   4 * kDay,    7 * kDay,    14 * kDay,    30 * kDay,    90 * kDay,
-    180 * kDay, kYear,       2 * kYear,   5 * kYear,    10 * kYear,   20 * kYear,
-    50 * kYear, 100 * kYear};
 
 std::int64_t floorDivide(std::int64_t number, std::int64_t by) {
     return number / by - (number % by < 0 ? 1 : 0);
@@ -75,7 +62,7 @@ void TimeAxis::showAll() {
 }
 
 void TimeAxis::fitAll() {
-    for (const std::int64_t step : kSteps) {
+    for (const std::int64_t step : TimeColumns::lengths()) {
         m_view.step = step;
         const std::int64_t columns = newestColumn() - oldestColumn() + 1;
         m_view.columnWidth = static_cast<int>(std::min<std::int64_t>(m_width / columns, kWidest));
@@ -93,8 +80,12 @@ void TimeAxis::setView(const View &view) {
     look(view.follows ? rightmost() : view.left, view.left);
 }
 
+TimeColumns TimeAxis::columns() const {
+    return {m_view.step, m_offset};
+}
+
 std::int64_t TimeAxis::columnOf(std::int64_t moment) const {
-    return floorDivide(moment + m_offset, m_view.step);
+    return columns().columnOf(moment);
 }
 
 std::int64_t TimeAxis::columnAt(int x) const {
@@ -110,7 +101,7 @@ std::int64_t TimeAxis::endColumn() const {
 }
 
 TimeSpan TimeAxis::spanOf(std::int64_t column) const {
-    return {column * m_view.step - m_offset, (column + 1) * m_view.step - m_offset};
+    return {columns().startOf(column), columns().startOf(column + 1)};
 }
 
 int TimeAxis::leftOf(std::int64_t column) const {
@@ -118,15 +109,29 @@ int TimeAxis::leftOf(std::int64_t column) const {
         std::clamp<std::int64_t>(column * m_view.columnWidth - m_view.left, INT_MIN, INT_MAX));
 }
 
+std::int64_t TimeAxis::pixelOf(std::int64_t moment) const {
+    const std::int64_t column = columnOf(moment);
+    const TimeSpan span = spanOf(column);
+    return column * m_view.columnWidth +
+           (moment - span.from) * m_view.columnWidth / (span.until - span.from);
+}
+
 int TimeAxis::xOf(std::int64_t moment) const {
     constexpr std::int64_t kFar = 1'000'000'000'000;
-    const std::int64_t there = std::clamp(moment, -kFar, kFar) + m_offset;
-    const std::int64_t pixel = floorDivide(there * m_view.columnWidth, m_view.step) - m_view.left;
-    return static_cast<int>(std::clamp<std::int64_t>(pixel, INT_MIN, INT_MAX));
+    const std::int64_t x = pixelOf(std::clamp(moment, -kFar, kFar)) - m_view.left;
+    return static_cast<int>(std::clamp<std::int64_t>(x, INT_MIN, INT_MAX));
+}
+
+double TimeAxis::exactMomentAt(int x) const {
+    const std::int64_t column = columnAt(x);
+    const TimeSpan span = spanOf(column);
+    const std::int64_t pixels = m_view.left + x - column * m_view.columnWidth;
+    return static_cast<double>(span.from) +
+           static_cast<double>(pixels * (span.until - span.from)) / m_view.columnWidth;
 }
 
 std::int64_t TimeAxis::momentAt(int x) const {
-    return floorDivide((m_view.left + x) * m_view.step, m_view.columnWidth) - m_offset;
+    return static_cast<std::int64_t>(std::floor(exactMomentAt(x)));
 }
 
 void TimeAxis::zoom(double factor, int x) {
@@ -145,24 +150,21 @@ void TimeAxis::zoom(double factor, int x) {
         return;
     }
     m_view.showsAll = false;
-    const auto pixel = static_cast<std::int64_t>(
-        std::floor(pivot.moment * m_view.columnWidth / static_cast<double>(m_view.step)));
+    const std::int64_t pixel = pixelOf(static_cast<std::int64_t>(std::floor(pivot.moment)));
     look(pixel - x, pixel - x);
     m_pivot = pivot;
 }
 
 TimeAxis::Pivot TimeAxis::pivotAt(int x) const {
-    return m_pivot && m_pivot->x == x
-               ? *m_pivot
-               : Pivot{x,
-                       static_cast<double>((m_view.left + x) * m_view.step) / m_view.columnWidth};
+    return m_pivot && m_pivot->x == x ? *m_pivot : Pivot{x, exactMomentAt(x)};
 }
 
 void TimeAxis::magnify(double secondsPerPixel) {
-    const auto *step =
-        std::ranges::lower_bound(kSteps, secondsPerPixel * kNarrowest, {},
+    const auto steps = TimeColumns::lengths();
+    const auto step =
+        std::ranges::lower_bound(steps, secondsPerPixel * kNarrowest, {},
                                  [](std::int64_t s) { return static_cast<double>(s); });
-    m_view.step = step == kSteps.end() ? kSteps.back() : *step;
+    m_view.step = step == steps.end() ? steps.back() : *step;
     m_view.columnWidth = static_cast<int>(std::clamp<std::int64_t>(
         std::llround(static_cast<double>(m_view.step) / secondsPerPixel), kNarrowest, kWidest));
 }

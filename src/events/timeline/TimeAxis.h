@@ -5,6 +5,8 @@
 
 namespace quorbel {
 
+class TimeColumns;
+
 /// From a moment, in seconds since 1970, up to another one.
 struct TimeSpan {
     std::int64_t from = 0;
@@ -24,7 +26,7 @@ public:
 
     /// Pixels of the picture.
     void setWidth(int width);
-    /// How much later the local clock reads than UTC, in seconds.
+    /// How much later the local clock reads than UTC, in seconds, for columns of up to an hour.
     void setClockOffset(std::int64_t seconds);
     /// The first and the last moment there is to see, from 1970 up to the year 10000.
     void setRange(std::int64_t first, std::int64_t last);
@@ -44,7 +46,7 @@ public:
     [[nodiscard]] TimeSpan spanOf(std::int64_t column) const;
     [[nodiscard]] int leftOf(std::int64_t column) const;
     [[nodiscard]] int columnWidth() const { return m_view.columnWidth; }
-    /// Of a column, in seconds.
+    /// How long columns are, in seconds; see TimeColumns.
     [[nodiscard]] std::int64_t step() const { return m_view.step; }
     /// Where the moment is, or as far out of sight as fits a number.
     [[nodiscard]] int xOf(std::int64_t moment) const;
@@ -62,7 +64,7 @@ public:
     struct View {
         std::int64_t step = 1;
         int columnWidth = kWidest;
-        std::int64_t left = 0;  ///< in pixels from 1970
+        std::int64_t left = 0;  ///< in pixels from where the columns are counted
         bool showsAll = true;
         bool follows = true;
     };
@@ -77,6 +79,10 @@ private:
         double moment;
     };
 
+    [[nodiscard]] TimeColumns columns() const;
+    /// From where the columns are counted.
+    [[nodiscard]] std::int64_t pixelOf(std::int64_t moment) const;
+    [[nodiscard]] double exactMomentAt(int x) const;
     [[nodiscard]] std::int64_t rightmost() const;
     [[nodiscard]] Pivot pivotAt(int x) const;
     void fitAll();

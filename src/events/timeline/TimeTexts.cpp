@@ -1,5 +1,7 @@
 #include "events/timeline/TimeTexts.h"
 
+#include "events/timeline/TimeColumns.h"
+
 #include <QDateTime>
 #include <QLocale>
 
@@ -56,16 +58,18 @@ std::int64_t firstMoment(const TimeAxis &axis) {
 
 std::vector<TimeTick> clockTicks(const TimeAxis &axis, int width, std::int64_t distance) {
     std::vector<TimeTick> ticks;
-    const std::int64_t offset = clockOffsetAt(axis.range().until - 1);
+    const TimeColumns marks(distance, clockOffsetAt(axis.range().until - 1));
     const std::int64_t end = axis.momentAt(width);
-    std::int64_t moment = firstMoment(axis) + distance - 1;
-    for (moment -= (moment + offset) % distance; moment < end; moment += distance) {
+    for (std::int64_t mark = marks.columnOf(firstMoment(axis) + distance - 1);; ++mark) {
+        const std::int64_t moment = marks.startOf(mark);
+        if (moment >= end) {
+            return ticks;
+        }
         const QDateTime time = local(moment);
         const bool isMidnight = time.time().msecsSinceStartOfDay() == 0;
         ticks.push_back(
             {axis.xOf(moment), isMidnight ? dayText(time.date()) : clockText(time, distance)});
     }
-    return ticks;
 }
 
 /// The first day of the week, month or run of years in which the date is.
