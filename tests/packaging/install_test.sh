@@ -83,6 +83,14 @@ for size in 16 22 24 32 48 64 128 256 512; do
         "$root$icons/${size}x$size/apps/com.Halvern.Quorbel.png")" = "${size}x$size"
 done
 
+# Where the pictures are to be published; they are those of the documentation.
+shown=$(sed -n 's|.*<image>https://www.halvern.example/quorbel/screenshots/\(.*\)</image>|\1|p' \
+    "$root$prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml")
+check "software centres are shown pictures" test "$(wc -l <<<"$shown")" -ge 3
+for picture in $shown; do
+    check "$picture is one that there is" test -f "$(dirname -- "$0")/../../docs/screenshots/$picture"
+done
+
 # formats PAGE: neither groff nor man has anything to say about it.
 # shellcheck disable=SC2317  # check() calls it
 formats() {
@@ -103,6 +111,35 @@ check "the page of QuorbelSrv tells of its options" test "$(
     sed -n '/^\.SH OPTIONS/,/^\.SH SIGNALS/s/^\.BI\? \(\\-\\-[a-z\\-]*\).*/\1/p' \
         "$root$prefix/share/man/man8/QuorbelSrv.8" | sed -e 's/\\//g' -e '/help\|version/d' |
         sort)" = "$options"
+
+# The same checks notice what is wrong.
+# with_mistake FILE SED: the name of a copy that has one, beside the other units.
+with_mistake() {
+    local folder
+    folder=$(mktemp -d -p "$root")
+    cp -- "$root"/verified/* "$folder"
+    sed "$2" "$1" >"$folder/${1##*/}"
+    echo "$folder/${1##*/}"
+}
+# shellcheck disable=SC2317  # check() calls them
+refuses() { ! "$@" >/dev/null 2>&1; }
+# shellcheck disable=SC2317
+verify() { systemd-analyze verify --man=no --recursive-errors=no "$1"; }
+check "an unknown setting is noticed" refuses verify \
+    "$(with_mistake "$root/verified/quorbelsrv.service" 's/^User=/Users=/')"
+check "a program that is missing is noticed" refuses verify \
+    "$(with_mistake "$root/verified/quorbelsrv.service" 's/^ExecStart=.*/&x/')"
+check "a socket without a port is noticed" refuses verify \
+    "$(with_mistake "$root/verified/quorbelsrv-tcp.socket" 's/^ListenStream=/Listen=/')"
+check "a unit that exposes more is noticed" refuses systemd-analyze security --no-pager --offline=true \
+    --threshold=14 "$(with_mistake "$unit" '/^SystemCallFilter=@/d')"
+check "a wrong desktop entry is noticed" refuses desktop-file-validate \
+    "$(with_mistake "$desktop" 's/^Categories=.*/Categories=Frob;/')"
+check "a wrong description is noticed" refuses appstreamcli validate --no-net \
+    "$(with_mistake "$root$prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml" '/<summary>/d')"
+page=$root$prefix/share/man/man8/QuorbelSrv.8
+check "a wrong page is noticed" refuses formats "$(with_mistake "$page" 's/^\.SH OPTIONS/.FROB/')"
+check "a page that cannot be found is noticed" refuses lexgrog "$(with_mistake "$page" '/^\.SH NAME/,/^\.SH SYN/d')"
 
 # The prefix of an installation counts, not that of the configuration.
 DESTDIR=$root/moved cmake --install "$build" --prefix /usr >/dev/null
