@@ -12,9 +12,9 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array kFiles{"getting-started", "pages",   "finding", "questions",
-                            "ratings",         "reports", "devices", "settings",
-                            "actions",         "export",  "service", "nothing-arrives"};
+constexpr std::array kFiles{"getting-started", "pages",   "finding",        "questions", "ratings",
+                            "reports",         "devices", "settings",       "actions",   "export",
+                            "service",         "keeping", "nothing-arrives"};
 
 HelpChapter loadChapter(const QString &name) {
     HelpChapter chapter;

@@ -52,7 +52,7 @@ private Q_SLOTS:
                 QStringLiteral("Pointing devices at this machine"),
                 QStringLiteral("What each setting means"), QStringLiteral("Actions and e-mail"),
                 QStringLiteral("Regular export"), QStringLiteral("Looking after the service"),
-                QStringLiteral("When nothing arrives")}));
+                QStringLiteral("Moving and keeping"), QStringLiteral("When nothing arrives")}));
     }
 
     void searchFindsEveryChapterByItsTitle() {
@@ -115,6 +115,8 @@ private Q_SLOTS:
              "SSL/TLS",       "Sender",          "User name",   "Password",     "Time-out",
              "E-mail format", "Test e-mail"});
         row("export", {"txt", "csv", "db", "ReadWritePaths=", "SQLite", "mirror"});
+        row("keeping", {"Quorbel.ini", "QuorbelFilters.txt", "QuorbelWindow.ini", "Quorbel.clock",
+                        "tls", "another machine", "a year"});
         row("service", {"SIGHUP", "journalctl", "malformed", "dropped", "filtered", "held back"});
     }
     void explains() {
