@@ -128,6 +128,8 @@ check("each row has its meaning", re.findall(r"(?m)^\| `[^`]*` \| *\|$", chapter
 
 code = (service / "base/Counters.cpp").read_text()
 counters = re.findall(r'\{"(?:, )?([^"]*)", counters\.', code)
+# The first one begins the line.
+counters = [name[:1].upper() + name[1:] for name in counters[:1]] + counters[1:]
 described = re.findall(r"(?m)^\| `([^`]*)` \| [^|]+ \|",
                        re.search(r"(?ms)^## Counters$(.*?)^## ", document).group(1))
 check("the counters are described, in their order",

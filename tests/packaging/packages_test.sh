@@ -31,6 +31,8 @@ files() {
 }
 check "the packages hold what is installed" diff <(files "$scratch/all" | sort) \
     <({ files "$scratch/service"; files "$scratch/window"; } | sort)
+check "a server's administrator finds what there is to do" cmp "$project/docs/operations.md" \
+    "$scratch/service/usr/share/doc/quorbel-service/operations.md"
 check "nothing stands where an administrator's own settings are" test ! -e "$scratch/service/etc"
 check "a server's terminal has its program" test -x "$scratch/service/usr/bin/quorbelctl" -a \
     -f "$scratch/service/usr/share/bash-completion/completions/quorbelctl" -a \
