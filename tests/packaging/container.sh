@@ -7,14 +7,9 @@
 
 # --- The container -------------------------------------------------------------------------------
 
-# In front of a command: what else keeps the machine busy shall not count in what is measured. Processes
-# of one session share what they get, so each has one of its own.
-first=(setsid --wait nice -n -10 sh -c 'echo -10 >/proc/self/autogroup; exec "$@"' -)
-[ -z "$("${first[@]}" true 2>&1)" ] || first=()
-
 # boot: until the system has started everything.
 boot() {
-    "${first[@]}" systemd-nspawn --quiet --boot --register=no --keep-unit --private-network --console=pipe \
+    systemd-nspawn --quiet --boot --register=no --keep-unit --private-network --console=pipe \
         --directory="$root" </dev/null >"$scratch/console" 2>&1 &
     container=$!
     wait_until 60 find_leader || die "The container does not start: $(<"$scratch/console")"
@@ -35,7 +30,7 @@ power_off() {
 
 # inside COMMAND...: as root of the container.
 inside() {
-    "${first[@]}" nsenter --target "$leader" --mount --uts --ipc --net --pid --root --wd -- \
+    nsenter --target "$leader" --mount --uts --ipc --net --pid --root --wd -- \
         env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
         DEBIAN_FRONTEND=noninteractive "$@"
 }
