@@ -104,6 +104,7 @@ wait_for is_stored "finished over UDP"
 wait_for is_stored "finished over TCP"
 run size
 check "sizes are told: $output" grep -qE '^3 events, [1-9][0-9]+ bytes each$' <<<"$output"
+# shellcheck disable=SC2016  # for awk
 check "35 to 40 bytes come to a message" awk -F, '
     { more = length($1 $2 $3) + 5; bad = bad || more < 35 || more > 40 } END { exit bad || NR != 3 }' \
     "$library"/*.log
