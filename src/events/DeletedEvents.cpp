@@ -4,6 +4,7 @@
 #include "events/EventDeletion.h"
 #include "events/RestorationLines.h"
 #include "platform/gui/AlertBox.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <QAction>
@@ -98,10 +99,11 @@ void DeletedEvents::tell(const std::optional<std::string> &reply, std::size_t un
     if (!reply) {
         problems += tr("The service did not answer");
     } else if (*reply != "OK") {
-        problems += toQString(*reply);
+        problems += knownProblem(toQString(*reply));
     }
     if (unnamed > 0) {
-        problems += tr("No log file can hold %1 of them, which lack a time or a text")
+        problems += tr("No log file can hold %1 of them, which lack a time or a text", nullptr,
+                       pluralNumber(static_cast<qint64>(unnamed)))
                         .arg(countText(static_cast<qint64>(unnamed)));
     }
     if (problems.isEmpty()) {

@@ -12,12 +12,17 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCoreApplication>
 
 #include <utility>
 
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::EventCommands)
+};
 
 using Needs = RowCommands::Needs;
 
@@ -44,17 +49,17 @@ void addFilters(RowCommands &commands, const EventTableView &table, FindBar &bar
             use(name);
         }
     };
-    commands.add("onlyThisHost", QStringLiteral("Only This &Host"), {}, Needs::kSelection,
+    commands.add("onlyThisHost", Texts::tr("Only This &Host"), {}, Needs::kSelection,
                  [host, &bar] { host([&bar](const QString &name) { bar.onlyHost(name); }); });
-    commands.add("notThisHost", QStringLiteral("&Not This Host"), {}, Needs::kSelection,
+    commands.add("notThisHost", Texts::tr("&Not This Host"), {}, Needs::kSelection,
                  [host, &bar] { host([&bar](const QString &name) { bar.excludeHost(name); }); });
-    commands.add("onlyLikeThis", QStringLiteral("Only &Like This"), {}, Needs::kSelection,
+    commands.add("onlyLikeThis", Texts::tr("Only &Like This"), {}, Needs::kSelection,
                  [&table, &bar] {
                      const QString message = selectedText(table, EventTableModel::kMessage);
                      bar.addText({{likePattern(message), true, true}, false});
                  });
     // The key is the page's.
-    commands.add("surroundings", QStringLiteral("&Show Surroundings") + shown(kSurroundings), {},
+    commands.add("surroundings", Texts::tr("&Show Surroundings") + shown(kSurroundings), {},
                  Needs::kSelection, [&finder] { finder.showSurroundings(); });
 }
 
@@ -69,9 +74,9 @@ void addRecords(RowCommands &commands, const EventTableView &table, AppDelegate 
                            text(EventTableModel::kMessage)));
         }
     };
-    commands.add("excludeLikeThis", QStringLiteral("&Exclude Messages Like This..."), {},
+    commands.add("excludeLikeThis", Texts::tr("&Exclude Messages Like This..."), {},
                  Needs::kSelection, [propose] { propose(Tab::kOptions); });
-    commands.add("actionLikeThis", QStringLiteral("&Automatic Action..."), {}, Needs::kSelection,
+    commands.add("actionLikeThis", Texts::tr("&Automatic Action..."), {}, Needs::kSelection,
                  [propose] { propose(Tab::kActions); });
 }
 
@@ -84,42 +89,41 @@ RowCommands &addEventCommands(EventTableView &table, FindBar &bar, EventFinder &
     });
     commands->addSeparator();
     // The key is the table's own: it opens the event chosen last, also when others came since.
-    commands->add("openDetails", QStringLiteral("De&tails") + shown(Qt::Key_Return), {},
+    commands->add("openDetails", Texts::tr("De&tails") + shown(Qt::Key_Return), {},
                   Needs::kSelection, [&table] { Q_EMIT table.enterPressed(); });
     commands->addSeparator();
     addFilters(*commands, table, bar, finder);
     commands->addSeparator();
     addRecords(*commands, table, delegate);
     commands->addSeparator();
-    commands->add("deleteSelected", QStringLiteral("&Delete..."), QKeySequence::Delete,
-                  Needs::kNothing, std::move(deleteEvents));
+    commands->add("deleteSelected", Texts::tr("&Delete..."), QKeySequence::Delete, Needs::kNothing,
+                  std::move(deleteEvents));
     return *commands;
 }
 
 void addListCommands(QWidget &page, FindBar &bar, EventFinder &finder, QAbstractButton &hold,
                      QAbstractButton &timeline, EventTableView &table) {
     auto *commands = new ViewCommands(page);
-    commands->add("findEvents", QStringLiteral("&Find..."), QKeySequence::Find,
-                  [&bar] { bar.open(); });
-    commands->add("findSavedQuestions", QStringLiteral("&Questions..."),
+    commands->add("findEvents", Texts::tr("&Find..."), QKeySequence::Find, [&bar] { bar.open(); });
+    commands->add("findSavedQuestions", Texts::tr("&Questions..."),
                   QKeySequence(Qt::CTRL | Qt::Key_L), [&bar] { bar.openSaved(); });
     QAction *clear =
-        commands->add("clearFilter", QStringLiteral("&Clear the Filter"),
+        commands->add("clearFilter", Texts::tr("&Clear the Filter"),
                       QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L), [&bar] { bar.clear(); });
-    QAction *surroundings = commands->add("showSurroundings", QStringLiteral("&Show Surroundings"),
+    QAction *surroundings = commands->add("showSurroundings", Texts::tr("&Show Surroundings"),
                                           kSurroundings, [&finder] { finder.showSurroundings(); });
     QAction *held = commands->add(
-        "holdList", QStringLiteral("&Hold New Events"), QKeySequence(QStringLiteral("Ctrl+H")),
+        "holdList", Texts::tr("&Hold New Events"), QKeySequence(QStringLiteral("Ctrl+H")),
         [&hold] { hold.toggle(); },
         /*hasOwnKey=*/false);
     held->setCheckable(true);
     QAction *fold = commands->add(
-        "showTimeline", QStringLiteral("&Timeline"), QKeySequence(QStringLiteral("Ctrl+T")),
+        "showTimeline", Texts::tr("&Timeline"), QKeySequence(QStringLiteral("Ctrl+T")),
         [&timeline] { timeline.click(); },
         /*hasOwnKey=*/false);
     fold->setCheckable(true);
     commands->add(
-        "goToNewest", QStringLiteral("Go to the &Newest"), QKeySequence(Qt::CTRL | Qt::Key_Home),
+        "goToNewest", Texts::tr("Go to the &Newest"), QKeySequence(Qt::CTRL | Qt::Key_Home),
         [&table] { table.scrollToTop(); },
         /*hasOwnKey=*/false);
     QObject::connect(commands, &ViewCommands::aboutToShow, commands,

@@ -22,10 +22,14 @@ namespace quorbel {
 
 namespace {
 
+qint64 number(std::size_t count) {
+    return static_cast<qint64>(count);
+}
+
 QString events(std::size_t count) {
-    return count == 1
-               ? QStringLiteral("1 event")
-               : quorbel::countText(static_cast<qlonglong>(count)) + QStringLiteral(" events");
+    return count == 1 ? EventFinder::tr("1 event")
+                      : EventFinder::tr("%1 events", nullptr, pluralNumber(number(count)))
+                            .arg(quorbel::countText(number(count)));
 }
 
 }  // namespace
@@ -67,21 +71,24 @@ EventFinder::~EventFinder() {
 QString EventFinder::countText() const {
     const std::size_t all = m_events.list().size();
     if (m_events.isSearching() && m_sinceProgress.isValid()) {
-        const auto found = static_cast<qlonglong>(m_events.foundSoFar());
-        return tr("%1… of %2").arg(quorbel::countText(found), events(all));
+        return tr("%1… of %2", "of events")
+            .arg(quorbel::countText(number(m_events.foundSoFar())), events(all));
     }
-    return m_events.isFiltered() ? quorbel::countText(static_cast<qlonglong>(m_events.size())) +
-                                       QStringLiteral(" of ") + events(all)
-                                 : events(all);
+    return m_events.isFiltered()
+               ? tr("%1 of %2", "of events")
+                     .arg(quorbel::countText(number(m_events.size())), events(all))
+               : events(all);
 }
 
 QString EventFinder::deletionNote(std::size_t count) const {
     if (!m_events.isFiltered()) {
         return {};
     }
-    return count == 1 ? QStringLiteral("\n\nOnly the 1 event that matches is deleted.")
-                      : QStringLiteral("\n\nOnly the %1 events that match are deleted.")
-                            .arg(quorbel::countText(static_cast<qlonglong>(count)));
+    const QString note = count == 1 ? tr("Only the 1 event that matches is deleted.")
+                                    : tr("Only the %1 events that match are deleted.", nullptr,
+                                         pluralNumber(number(count)))
+                                          .arg(quorbel::countText(number(count)));
+    return QStringLiteral("\n\n") + note;
 }
 
 void EventFinder::refresh() {
@@ -129,9 +136,8 @@ void EventFinder::noteProgress() {
 
 void EventFinder::showResult() {
     m_marks.use(m_events.filterInForce());
-    m_table.setHint(m_events.isFiltered() && m_events.list().size() > 0
-                        ? QStringLiteral("No events match.")
-                        : m_hint);
+    m_table.setHint(m_events.isFiltered() && m_events.list().size() > 0 ? tr("No events match.")
+                                                                        : m_hint);
     showWhetherFound();
     m_table.viewport()->update();
     noteChange();

@@ -1,6 +1,7 @@
 #include "events/EventTableModel.h"
 
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
@@ -11,7 +12,11 @@ namespace quorbel {
 namespace {
 
 constexpr std::array<const char *, EventTableModel::kColumnCount> kTitles = {
-    "Rating", "Date", "Priority", "Host", "Message"};
+    QT_TRANSLATE_NOOP("quorbel::EventTableModel", "Rating"),
+    QT_TRANSLATE_NOOP("quorbel::EventTableModel", "Date"),
+    QT_TRANSLATE_NOOP("quorbel::EventTableModel", "Priority"),
+    QT_TRANSLATE_NOOP("quorbel::EventTableModel", "Host"),
+    QT_TRANSLATE_NOOP("quorbel::EventTableModel", "Message")};
 
 QString orEmpty(const std::optional<std::string_view> &text) {
     return toQString(text.value_or(std::string_view()));
@@ -49,9 +54,12 @@ QVariant EventTableModel::headerData(int section, Qt::Orientation orientation, i
     if (orientation != Qt::Horizontal || section < 0 || section >= kColumnCount) {
         return {};
     }
+    const char *title = kTitles[static_cast<std::size_t>(section)];
     switch (role) {
         case Qt::DisplayRole:
-            return QString::fromLatin1(kTitles[static_cast<std::size_t>(section)]);
+            return tr(title);
+        case Qt::EditRole:  // as files have it
+            return QString::fromLatin1(title);
         case Qt::TextAlignmentRole:
             return QVariant::fromValue(Qt::AlignLeft | Qt::AlignVCenter);
         default:
@@ -86,7 +94,8 @@ QVariant EventTableModel::data(const QModelIndex &index, int role) const {
         return text(row, index.column());
     }
     if (role == Qt::AccessibleTextRole) {
-        return paintedRow(text(row, index.column()));
+        const QString read = paintedRow(text(row, index.column()));
+        return index.column() == kRating ? knownName(read) : read;
     }
     if (role == Qt::DecorationRole && index.column() == kRating) {
         const std::string_view image = m_list.image(row);

@@ -9,6 +9,7 @@
 #include "events/questions/FindSaved.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -225,7 +226,7 @@ void FindBar::follow() {
 void FindBar::showError(const QString &error) {
     const QString text = error.isEmpty() ? QString()
                          : m_field->isExpression()
-                             ? tr("This is no regular expression: %1").arg(error)
+                             ? tr("This is no regular expression: %1").arg(knownProblem(error))
                              : tr("This text is too long to be looked for");
     m_error->setText(text);
     m_error->setVisible(!error.isEmpty());

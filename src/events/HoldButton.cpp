@@ -16,15 +16,24 @@ namespace {
 
 const QKeySequence kShortcut(QStringLiteral("Ctrl+H"));
 
-QString counted(std::size_t count, const char *one, const char *many) {
-    return countText(static_cast<qint64>(count)) + QLatin1Char(' ') +
-           QLatin1StringView(count == 1 ? one : many);
+QString newEvents(std::size_t count) {
+    const auto number = static_cast<qint64>(count);
+    return count == 1 ? HoldButton::tr("1 new event")
+                      : HoldButton::tr("%1 new events", nullptr, pluralNumber(number))
+                            .arg(countText(number));
 }
 
-QString briefly(std::size_t arrivals, std::size_t removals) {
-    return arrivals > 0 || removals == 0
-               ? shortCountText(static_cast<qint64>(arrivals)) + QStringLiteral(" new")
-               : shortCountText(static_cast<qint64>(removals)) + QStringLiteral(" removed");
+QString removals(std::size_t count) {
+    const auto number = static_cast<qint64>(count);
+    return count == 1 ? HoldButton::tr("1 removal")
+                      : HoldButton::tr("%1 removals", nullptr, pluralNumber(number))
+                            .arg(countText(number));
+}
+
+QString briefly(std::size_t arrived, std::size_t removed) {
+    return arrived > 0 || removed == 0
+               ? HoldButton::tr("%1 new").arg(shortCountText(static_cast<qint64>(arrived)))
+               : HoldButton::tr("%1 removed").arg(shortCountText(static_cast<qint64>(removed)));
 }
 
 }  // namespace
@@ -89,19 +98,16 @@ QString HoldButton::stateText() const {
     if (!m_hold->isOn()) {
         return waiting;
     }
-    return nothingWaits ? tr("Held") : tr("Held: ") + waiting;
+    return nothingWaits ? tr("Held") : tr("Held: %1").arg(waiting);
 }
 
 QString HoldButton::waitingText() const {
-    QString text;
-    if (m_hold->arrivals() > 0) {
-        text = counted(m_hold->arrivals(), "new event", "new events");
+    const QString arrived = m_hold->arrivals() > 0 ? newEvents(m_hold->arrivals()) : QString();
+    if (m_hold->removals() == 0) {
+        return arrived;
     }
-    if (m_hold->removals() > 0) {
-        text += (text.isEmpty() ? QString() : QStringLiteral(" and ")) +
-                counted(m_hold->removals(), "removal", "removals");
-    }
-    return text;
+    const QString removed = removals(m_hold->removals());
+    return arrived.isEmpty() ? removed : tr("%1 and %2").arg(arrived, removed);
 }
 
 void HoldButton::showState() {

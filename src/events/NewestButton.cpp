@@ -68,8 +68,9 @@ void NewestButton::tell(int count) {
     if (count == 0) {
         return;
     }
-    setText(shortCountText(count) + tr(" new"));
-    const QString exactly = countText(count) + (count == 1 ? tr(" new event") : tr(" new events"));
+    setText(tr("%1 new").arg(shortCountText(count)));
+    const QString exactly =
+        count == 1 ? tr("1 new event") : tr("%1 new events", nullptr, count).arg(countText(count));
     setAccessibleName(tr("Go to the newest: %1 above").arg(exactly));
     setToolTip(tr("%1 above; go to the newest (Ctrl+Home)").arg(exactly));
     place();

@@ -116,14 +116,16 @@ void NothingFound::showCostliest() {
         return;
     }
     const QString &name = conditions[m_costliest->condition].name;
-    const QString count = countText(static_cast<qint64>(m_costliest->matches));
+    const auto matches = static_cast<qint64>(m_costliest->matches);
+    const QString count = countText(matches);
     QString shown = fontMetrics().elidedText(name, Qt::ElideRight, sizedToFont(kWidestName));
     m_without->setText(tr("Without %1: %2").arg(shown.replace(u'&', QStringLiteral("&&")), count));
     m_without->setAccessibleName(tr("Without %1: %2").arg(name, count));
-    m_without->setToolTip(QStringLiteral("<p>%1</p>")
-                              .arg(tr("Remove the condition %1: then %2 events match")
-                                       .arg(name, count)
-                                       .toHtmlEscaped()));
+    m_without->setToolTip(
+        QStringLiteral("<p>%1</p>")
+            .arg(tr("Remove the condition %1: then %2 events match", nullptr, pluralNumber(matches))
+                     .arg(name, count)
+                     .toHtmlEscaped()));
     m_without->show();
     place();
 }

@@ -190,10 +190,12 @@ void ScanView::deleteEvents() {
     removeAnnounced();
     const Rows selection = m_selection->rows();
     if (!selection.empty()) {
-        confirmDeletion(QStringLiteral("selected"), countOf(selection), rowsLaterOf(selection));
+        confirmDeletion(tr("Are you sure you want to delete selected events?"),
+                        tr("By clicking 'Yes' you will permanently delete selected events."),
+                        countOf(selection), rowsLaterOf(selection));
         return;
     }
-    offerAll(QStringLiteral("Delete all events"), [this] { confirmDeletionOfAll(); });
+    offerAll(tr("Delete all events"), [this] { confirmDeletionOfAll(); });
 }
 
 void ScanView::confirmDeletionOfAll() {
@@ -202,7 +204,8 @@ void ScanView::confirmDeletionOfAll() {
     const auto wholeList = [this] {
         return arrController.size() == 0 ? Rows{} : Rows{{0, arrController.size()}};
     };
-    confirmDeletion(QStringLiteral("all"), countOf(all),
+    confirmDeletion(tr("Are you sure you want to delete all events?"),
+                    tr("By clicking 'Yes' you will permanently delete all events."), countOf(all),
                     m_events.isFiltered() ? rowsLaterOf(all) : wholeList);
 }
 
@@ -220,8 +223,8 @@ std::function<ScanView::Rows()> ScanView::rowsLaterOf(const Rows &rows) const {
 
 void ScanView::offerAll(const QString &checkBox, std::function<void()> onTicked) {
     openAlert(this,
-              {QStringLiteral("No events selected"),
-               QStringLiteral("Please select specific events or check all events."),
+              {tr("No events selected"),
+               tr("Please select specific events or check all events."),
                checkBox,
                {}},
               [ticked = std::move(onTicked)](const AlertAnswer &answer) {
@@ -231,20 +234,16 @@ void ScanView::offerAll(const QString &checkBox, std::function<void()> onTicked)
               });
 }
 
-void ScanView::confirmDeletion(const QString &what, std::size_t count, std::function<Rows()> rows) {
-    openAlert(
-        this,
-        {QStringLiteral("Are you sure you want to delete %1 events?").arg(what),
-         QStringLiteral("By clicking 'Yes' you will permanently delete %1 events.").arg(what) +
-             m_finder->deletionNote(count),
-         {},
-         {QStringLiteral("Yes"), QStringLiteral("No")}},
-        [this, rows = std::move(rows)](const AlertAnswer &answer) {
-            if (answer.button == 0) {
-                removeAnnounced();
-                deleteRows(rows());
-            }
-        });
+void ScanView::confirmDeletion(const QString &question, const QString &consequence,
+                               std::size_t count, std::function<Rows()> rows) {
+    openAlert(this,
+              {question, consequence + m_finder->deletionNote(count), {}, {tr("Yes"), tr("No")}},
+              [this, rows = std::move(rows)](const AlertAnswer &answer) {
+                  if (answer.button == 0) {
+                      removeAnnounced();
+                      deleteRows(rows());
+                  }
+              });
 }
 
 void ScanView::deleteRows(const Rows &rows) {
@@ -265,7 +264,7 @@ void ScanView::exportEvents() {
                         });
         return;
     }
-    offerAll(QStringLiteral("Export all events"), [this] {
+    offerAll(tr("Export all events"), [this] {
         openExportPanel(this, "events", [this](const QString &path) {
             writeEvents(path, m_selection->idsOf(allRows()));
         });

@@ -68,7 +68,8 @@ private:
     void offerAll(const QString &checkBox, std::function<void()> onTicked);
     /// Asks first. `rows` tells which events are meant once "Yes" was pressed: the list goes on
     /// changing while a question stands.
-    void confirmDeletion(const QString &what, std::size_t count, std::function<Rows()> rows);
+    void confirmDeletion(const QString &question, const QString &consequence, std::size_t count,
+                         std::function<Rows()> rows);
     void confirmDeletionOfAll();
     [[nodiscard]] std::function<Rows()> rowsLaterOf(const Rows &rows) const;
     void deleteRows(const Rows &rows);

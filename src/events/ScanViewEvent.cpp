@@ -29,7 +29,7 @@ ScanViewEvent::ScanViewEvent(QWidget *parent)
 ScanViewEvent::~ScanViewEvent() = default;
 
 void ScanViewEvent::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Event"));
+    setWindowTitle(tr("Quorbel Event"));
     ui->eventUp->setIcon(lineIcon(QStringLiteral("up")));
     ui->eventDown->setIcon(lineIcon(QStringLiteral("down")));
     ui->eventUp->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Up));

@@ -8,9 +8,9 @@ namespace {
 
 constexpr qint64 kDay = 86'400;
 
-QString tr(const char *text) {
-    return QCoreApplication::translate("EventSpan", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::EventSpan)
+};
 
 QString momentText(const QDateTime &moment, const QDate &known, const QString &clock) {
     return moment.toString(moment.date() == known ? clock : QStringLiteral("yyyy-MM-dd ") + clock);
@@ -45,13 +45,13 @@ EventQuery queryAt(const EventQuery &query, const QDateTime &now) {
 QString EventSpan::textAt(const QDateTime &now) const {
     switch (kind) {
         case Kind::kLastHour:
-            return tr("Last hour");
+            return Texts::tr("Last hour");
         case Kind::kToday:
-            return tr("Today");
+            return Texts::tr("Today");
         case Kind::kYesterday:
-            return tr("Yesterday");
+            return Texts::tr("Yesterday");
         case Kind::kLastDay:
-            return tr("Last 24 hours");
+            return Texts::tr("Last 24 hours");
         case Kind::kFromTo:
             return momentText(from, now.date(), clockFormat()) + QStringLiteral(" – ") +
                    momentText(to, from.date(), clockFormat());

@@ -24,7 +24,10 @@ const QColor kHover(0xe2, 0xe8, 0xef);
 const QColor kFocus(0x00, 0x66, 0xcc);
 const QColor kCrossColour(0x5b, 0x66, 0x75);
 
-const QString kNot = QStringLiteral("not ");
+/// In front of a text that events must not have.
+QString notText() {
+    return FindChip::tr("not") + u' ';
+}
 
 }  // namespace
 
@@ -42,19 +45,20 @@ FindChip::FindChip(TextCondition condition, QWidget *parent)
 QString FindChip::name() const {
     const QString text = paintedRow(toQString(m_condition.pattern.text));
     const bool isExpression = m_condition.pattern.isExpression;
-    return (m_condition.isNegated ? kNot : QString()) +
+    return (m_condition.isNegated ? notText() : QString()) +
            (isExpression ? QStringLiteral("/%1/") : QStringLiteral("“%1”")).arg(text);
 }
 
 QString FindChip::description() const {
     const TextPattern::Spec &spec = m_condition.pattern;
-    QString text = m_condition.isNegated ? tr("Does not contain ") : tr("Contains ");
-    text += QStringLiteral("“%1”").arg(paintedRow(toQString(spec.text)));
+    const QString sought = paintedRow(toQString(spec.text));
+    QString text =
+        (m_condition.isNegated ? tr("Does not contain “%1”") : tr("Contains “%1”")).arg(sought);
     if (spec.isExpression) {
-        text += tr(", a regular expression");
+        text += QStringLiteral(", ") + tr("a regular expression");
     }
     if (spec.isCaseSensitive) {
-        text += tr(", capital letters matter");
+        text += QStringLiteral(", ") + tr("capital letters matter");
     }
     return text;
 }
@@ -83,12 +87,13 @@ QFont FindChip::notFont() const {
 }
 
 QString FindChip::shownText() const {
-    const QString text = m_condition.isNegated ? name().mid(kNot.size()) : name();
+    const QString text = m_condition.isNegated ? name().mid(notText().size()) : name();
     return fontMetrics().elidedText(text, Qt::ElideRight, sizedToFont(kWidest));
 }
 
 QSize FindChip::sizeHint() const {
-    const int before = m_condition.isNegated ? QFontMetrics(notFont()).horizontalAdvance(kNot) : 0;
+    const int before =
+        m_condition.isNegated ? QFontMetrics(notFont()).horizontalAdvance(notText()) : 0;
     return {
         kMargin + before + fontMetrics().horizontalAdvance(shownText()) + sizedToFont(kCross) + 2,
         sizedToFont(kHeight)};
@@ -108,8 +113,8 @@ void FindChip::paintEvent(QPaintEvent * /*event*/) {
     QRect place = rect().adjusted(kMargin, 0, 0, 0);
     if (m_condition.isNegated) {
         painter.setFont(notFont());
-        painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, kNot);
-        place.setLeft(place.left() + painter.fontMetrics().horizontalAdvance(kNot));
+        painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, notText());
+        place.setLeft(place.left() + painter.fontMetrics().horizontalAdvance(notText()));
         painter.setFont(font());
     }
     painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, shownText());

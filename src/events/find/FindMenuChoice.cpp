@@ -1,6 +1,7 @@
 #include "events/find/FindMenuChoice.h"
 
 #include "common/Severity.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <QAction>
@@ -55,7 +56,7 @@ FindSeverity::FindSeverity(QWidget *parent)
                      tr("Show only events at least as severe as you choose"), parent) {
     addAny(tr("Any severity"));
     for (std::uint8_t i = 0; i < kUnknownClass; ++i) {
-        const QString label = toQString(kSeverityClasses[i].label);
+        const QString label = knownName(kSeverityClasses[i].label);
         addValue(i == 0 ? label : tr("%1 and worse").arg(label), QVariant::fromValue<uint>(i));
     }
 }

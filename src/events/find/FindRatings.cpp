@@ -2,6 +2,7 @@
 
 #include "common/Severity.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <QHBoxLayout>
@@ -57,9 +58,9 @@ void FindRatings::clear() {
 void FindRatings::showCounts(const std::array<std::size_t, kRatingCount> &counts) {
     for (std::size_t place = 0; place < kCount; ++place) {
         const auto count = static_cast<qint64>(counts[ratingAt(place)]);
-        const QString name = nameAt(place);
+        const QString name = knownName(nameAt(place));
         m_buttons[place]->setText(shortCountText(count));
-        m_buttons[place]->setAccessibleName(tr("%1: %2").arg(name, countText(count)));
+        m_buttons[place]->setAccessibleName(QStringLiteral("%1: %2").arg(name, countText(count)));
         m_buttons[place]->setToolTip(
             tr("Show only the events rated %1: %2").arg(name, countText(count)));
     }

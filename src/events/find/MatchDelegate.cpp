@@ -1,5 +1,7 @@
 #include "events/find/MatchDelegate.h"
 
+#include "platform/gui/KnownText.h"
+
 #include <QPainter>
 #include <QTextLayout>
 
@@ -82,6 +84,13 @@ void MatchDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
         painter->save();
         paintText(*painter, item, shown, area, marks);
         painter->restore();
+    }
+}
+
+void MatchDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const {
+    RowDelegate::initStyleOption(option, index);
+    if (!option->icon.isNull()) {
+        option->text = knownName(option->text);
     }
 }
 

@@ -15,6 +15,10 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 
+protected:
+    /// The name beside a picture is a rating's, and is shown in the user's language.
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+
 private:
     [[nodiscard]] std::vector<TextRange> ranges(const QString &shown,
                                                 const QStyleOptionViewItem &item,

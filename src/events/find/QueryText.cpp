@@ -1,7 +1,7 @@
 #include "events/find/QueryText.h"
 
 #include "core/SavedFilterText.h"
-#include "events/find/EventSpan.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
@@ -9,20 +9,30 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <array>
+
 namespace quorbel {
 
 namespace {
 
-QString tr(const char *text) {
-    return QCoreApplication::translate("quorbel::QueryText", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::QueryText)
+};
+
+/// By MovingSpan.
+constexpr std::array<const char *, kMovingSpanCount> kSpans{
+    QT_TRANSLATE_NOOP("quorbel::QueryText", "last hour"),
+    QT_TRANSLATE_NOOP("quorbel::QueryText", "today"),
+    QT_TRANSLATE_NOOP("quorbel::QueryText", "yesterday"),
+    QT_TRANSLATE_NOOP("quorbel::QueryText", "last 24 hours")};
 
 QString textOf(const TextCondition &condition) {
     const QString text = paintedRow(toQString(condition.pattern.text));
     if (condition.pattern.isExpression) {
-        return (condition.isNegated ? tr("does not match %1") : tr("matches %1")).arg(text);
+        return (condition.isNegated ? Texts::tr("does not match %1") : Texts::tr("matches %1"))
+            .arg(text);
     }
-    return (condition.isNegated ? tr("without “%1”") : tr("contains “%1”")).arg(text);
+    return (condition.isNegated ? Texts::tr("without “%1”") : Texts::tr("contains “%1”")).arg(text);
 }
 
 QString shownMoment(std::int64_t moment) {
@@ -33,7 +43,7 @@ QStringList spansOf(const EventQuery &query) {
     QStringList names;
     for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
         if (query.spans[span]) {
-            names += EventSpan::of(static_cast<MovingSpan>(span)).textAt({}).toLower();
+            names += Texts::tr(kSpans[span]);
         }
     }
     return names;
@@ -43,10 +53,10 @@ QString ratingsOf(const EventQuery &query) {
     QStringList names;
     for (std::size_t rating = kRatingCount; rating > 0; --rating) {
         if (query.ratings[rating - 1]) {
-            names += toQString(ratingName(static_cast<EventRating>(rating - 1)));
+            names += knownName(ratingName(static_cast<EventRating>(rating - 1)));
         }
     }
-    return names.join(tr(" or "));
+    return names.join(Texts::tr(" or "));
 }
 
 }  // namespace
@@ -60,19 +70,19 @@ QString queryText(const EventQuery &query) {
         parts += ratingsOf(query);
     }
     if (query.leastSeverity) {
-        parts += tr("%1 and worse").arg(toQString(severityName(*query.leastSeverity)));
+        parts += Texts::tr("%1 and worse").arg(knownName(severityName(*query.leastSeverity)));
     }
     if (!query.facility.empty()) {
-        parts += tr("facility %1").arg(paintedRow(toQString(query.facility)));
+        parts += Texts::tr("facility %1").arg(paintedRow(toQString(query.facility)));
     }
     if (!query.host.empty()) {
-        parts += tr("host %1").arg(paintedRow(toQString(query.host)));
+        parts += Texts::tr("host %1").arg(paintedRow(toQString(query.host)));
     }
     if (query.from) {
-        parts += tr("from %1").arg(shownMoment(*query.from));
+        parts += Texts::tr("from %1").arg(shownMoment(*query.from));
     }
     if (query.until) {
-        parts += tr("before %1").arg(shownMoment(*query.until));
+        parts += Texts::tr("before %1").arg(shownMoment(*query.until));
     }
     parts += spansOf(query);
     return parts.join(QStringLiteral("; "));

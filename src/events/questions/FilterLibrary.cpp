@@ -2,6 +2,7 @@
 
 #include "platform/gui/QtText.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -16,6 +17,11 @@ std::filesystem::path keptFile() {
     return (folder + QStringLiteral("/QuorbelFilters.txt")).toStdString();
 }
 
+/// As questions.txt has it, in the user's language; what stands in no question stays as it is.
+QString questionText(const std::string &text) {
+    return text.empty() ? QString() : QCoreApplication::translate("Questions", text.c_str());
+}
+
 std::vector<SavedFilter> readQuestions() {
     QFile file(QStringLiteral(":/questions.txt"));
     if (!file.open(QIODevice::ReadOnly)) {
@@ -25,6 +31,19 @@ std::vector<SavedFilter> readQuestions() {
 }
 
 }  // namespace
+
+QString FilterLibrary::nameOf(const SavedFilter &filter) {
+    // What the user keeps has a name of the user's own, and says nothing about itself.
+    return filter.about.empty() ? toQString(filter.name) : questionText(filter.name);
+}
+
+QString FilterLibrary::aboutOf(const SavedFilter &filter) {
+    return questionText(filter.about);
+}
+
+QString FilterLibrary::groupOf(const SavedFilter &filter) {
+    return questionText(filter.group);
+}
 
 FilterLibrary::FilterLibrary(QObject *parent) : QObject(parent), m_kept(keptFile()) {
     m_kept.load();

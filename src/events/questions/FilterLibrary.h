@@ -20,6 +20,11 @@ public:
     /// Reads the user's filters. Those that cannot be read are none until reload() says why.
     explicit FilterLibrary(QObject *parent = nullptr);
 
+    /// What is shown of a question, in the user's language; what the user has named stays as it is.
+    [[nodiscard]] static QString nameOf(const SavedFilter &filter);
+    [[nodiscard]] static QString aboutOf(const SavedFilter &filter);
+    [[nodiscard]] static QString groupOf(const SavedFilter &filter);
+
     [[nodiscard]] const Filters &kept() const { return m_kept.filters(); }
     /// Reads them when they are asked for first.
     [[nodiscard]] const Filters &questions() const;

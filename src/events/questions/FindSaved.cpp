@@ -5,6 +5,7 @@
 #include "platform/gui/AlertBox.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <utility>
@@ -58,7 +59,7 @@ void FindSaved::clear() {
 
 void FindSaved::choose(const SavedFilter &filter) {
     m_chosen = filter;
-    showState(toQString(filter.name));
+    showState(FilterLibrary::nameOf(filter));
 }
 
 void FindSaved::takeName(const std::string &from, const std::string &to) {
@@ -122,7 +123,8 @@ void FindSaved::importFrom(const QString &path) {
     const std::size_t added = m_library->kept().size() - before;
     openAlert(this,
               {added == 1 ? tr("1 filter was added")
-                          : tr("%1 filters were added").arg(countText(static_cast<qint64>(added))),
+                          : tr("%1 filters were added", nullptr, static_cast<int>(added))
+                                .arg(countText(static_cast<qint64>(added))),
                added == 0 ? tr("All filters of the file are kept already.") : QString(),
                {},
                {}},
@@ -144,7 +146,7 @@ void FindSaved::exportFilters() {
 }
 
 void FindSaved::tell(const QString &problem, std::function<void()> then) {
-    openAlert(this, {tr("The kept filters stay as they are"), problem + u'.', {}, {}},
+    openAlert(this, {tr("The kept filters stay as they are"), knownProblem(problem) + u'.', {}, {}},
               [then = std::move(then)](const AlertAnswer & /*answer*/) {
                   if (then) {
                       then();

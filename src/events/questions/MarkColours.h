@@ -3,6 +3,7 @@
 #include "core/SavedFilter.h"
 
 #include <QColor>
+#include <QCoreApplication>
 #include <QString>
 
 #include <array>
@@ -18,12 +19,12 @@ struct MarkLook {
 
 /// By MarkColour.
 inline constexpr std::array<MarkLook, kMarkColourNames.size()> kMarkLooks{{
-    {"Violet", 0xff5b2d90, 0xfff1ecfa},
-    {"Teal", 0xff00625f, 0xffe0f3f2},
-    {"Pink", 0xff9c1c62, 0xfffbe8f3},
-    {"Brown", 0xff74451a, 0xfff6ede4},
-    {"Olive", 0xff535c00, 0xfff1f3dc},
-    {"Grey", 0xff4a5461, 0xffe9ecf0},
+    {QT_TRANSLATE_NOOP("MarkColours", "Violet"), 0xff5b2d90, 0xfff1ecfa},
+    {QT_TRANSLATE_NOOP("MarkColours", "Teal"), 0xff00625f, 0xffe0f3f2},
+    {QT_TRANSLATE_NOOP("MarkColours", "Pink"), 0xff9c1c62, 0xfffbe8f3},
+    {QT_TRANSLATE_NOOP("MarkColours", "Brown"), 0xff74451a, 0xfff6ede4},
+    {QT_TRANSLATE_NOOP("MarkColours", "Olive"), 0xff535c00, 0xfff1f3dc},
+    {QT_TRANSLATE_NOOP("MarkColours", "Grey"), 0xff4a5461, 0xffe9ecf0},
 }};
 
 inline const MarkLook &lookOf(MarkColour colour) {

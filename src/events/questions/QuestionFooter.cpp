@@ -1,6 +1,7 @@
 #include "events/questions/QuestionFooter.h"
 
 #include "events/find/QueryText.h"
+#include "events/questions/FilterLibrary.h"
 #include "events/questions/MarkColours.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
@@ -92,10 +93,10 @@ QPushButton *QuestionFooter::addButton(const char *name, const QString &text, co
 
 void QuestionFooter::show(const SavedFilter *filter, const State &state) {
     m_state = state;
-    const QString name = filter == nullptr ? QString() : paintedRow(toQString(filter->name));
+    const QString name = filter == nullptr ? QString() : paintedRow(FilterLibrary::nameOf(*filter));
     const QString about = filter == nullptr       ? QString()
                           : filter->about.empty() ? queryText(filter->query)
-                                                  : paintedRow(toQString(filter->about));
+                                                  : paintedRow(FilterLibrary::aboutOf(*filter));
     m_name->setText(shortened(name, kLongestName));
     m_about->setText(shortened(about, kLongestAbout));
     m_about->setToolTip(QStringLiteral("<p>%1</p>").arg(about.toHtmlEscaped()));
@@ -124,7 +125,8 @@ void QuestionFooter::openMarkMenu() {
     };
     for (std::size_t i = 0; i < kMarkLooks.size(); ++i) {
         const auto colour = static_cast<MarkColour>(i);
-        add(tr(lookOf(colour).label), colour)->setIcon(colourIcon(colour));
+        add(QCoreApplication::translate("MarkColours", lookOf(colour).label), colour)
+            ->setIcon(colourIcon(colour));
     }
     menu->addSeparator();
     add(tr("No colour"), std::nullopt);

@@ -22,7 +22,8 @@ void QuestionModel::show(const FilterLibrary &library) {
 }
 
 void QuestionModel::add(const SavedFilter &filter, bool isKept) {
-    m_entries.push_back({filter, isKept, isKept ? tr("Kept filters") : toQString(filter.group)});
+    m_entries.push_back(
+        {filter, isKept, isKept ? tr("Kept filters") : FilterLibrary::groupOf(filter)});
 }
 
 void QuestionModel::setSearch(const QString &words) {
@@ -31,8 +32,8 @@ void QuestionModel::setSearch(const QString &words) {
 }
 
 bool QuestionModel::isLookedFor(const Entry &entry) const {
-    const QString text =
-        toQString(entry.filter.name) + u'\n' + entry.group + u'\n' + toQString(entry.filter.about);
+    const QString text = FilterLibrary::nameOf(entry.filter) + u'\n' + entry.group + u'\n' +
+                         FilterLibrary::aboutOf(entry.filter);
     return std::ranges::all_of(
         m_words, [&](const QString &word) { return text.contains(word, Qt::CaseInsensitive); });
 }
@@ -136,14 +137,25 @@ QVariant QuestionModel::titleData(const Row &row, int role) const {
     }
 }
 
+QString QuestionModel::spokenText(const Entry &entry, const QString &name) {
+    if (!entry.count) {
+        return (entry.filter.mark ? tr("%1, marks rows, still counting its events")
+                                  : tr("%1, still counting its events"))
+            .arg(name);
+    }
+    const int plural = pluralNumber(static_cast<qint64>(*entry.count));
+    return (entry.filter.mark ? tr("%1, marks rows, %2 events", nullptr, plural)
+                              : tr("%1, %2 events", nullptr, plural))
+        .arg(name, countOf(entry));
+}
+
 QVariant QuestionModel::entryData(const Entry &entry, int role) {
-    const QString name = paintedRow(toQString(entry.filter.name));
+    const QString name = paintedRow(FilterLibrary::nameOf(entry.filter));
     switch (role) {
         case Qt::DisplayRole:
             return name;
         case Qt::AccessibleTextRole:
-            return (entry.filter.mark ? tr("%1, marks rows, %2 events") : tr("%1, %2 events"))
-                .arg(name, entry.count ? countOf(entry) : tr("still counting its"));
+            return spokenText(entry, name);
         case Qt::ToolTipRole:
             return QStringLiteral("<p>%1</p>").arg(name.toHtmlEscaped());
         case kIsTitle:

@@ -62,6 +62,7 @@ private:
     [[nodiscard]] QVariant titleData(const Row &row, int role) const;
     [[nodiscard]] static QVariant entryData(const Entry &entry, int role);
     [[nodiscard]] static QString countOf(const Entry &entry);
+    [[nodiscard]] static QString spokenText(const Entry &entry, const QString &name);
 
     std::vector<Entry> m_entries;
     std::vector<Row> m_rows;

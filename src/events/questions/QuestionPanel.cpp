@@ -167,11 +167,11 @@ void QuestionPanel::showFilters() {
     const std::string name = before == nullptr ? "" : before->name;
     const bool wasKept = m_list->currentIndex().data(QuestionModel::kIsKept).toBool();
     m_model.show(m_library);
-    const QString among = m_library.kept().size() == 1
-                              ? tr("Find among %1 kept filter and %2 questions")
-                              : tr("Find among %1 kept filters and %2 questions");
+    const auto kept = static_cast<qint64>(m_library.kept().size());
+    const QString among = kept == 1 ? tr("Find among %1 kept filter and %2 questions")
+                                    : tr("Find among %1 kept filters and %2 questions");
     m_search->setPlaceholderText(
-        among.arg(m_library.kept().size()).arg(m_library.questions().size()));
+        among.arg(countText(kept), countText(static_cast<qint64>(m_library.questions().size()))));
     const QModelIndex same = m_model.find(name, wasKept);
     select(same.isValid() ? same : m_model.choosable(0, 1));
     startCounting();
@@ -365,8 +365,8 @@ void QuestionPanel::askToDelete() {
     }
     m_below->setCurrentWidget(m_prompt);
     m_prompt->askWhether(
-        tr("Delete the kept filter “%1”?").arg(paintedRow(toQString(filter->name))), tr("Delete"),
-        [this, name = filter->name] { run(m_library.remove(name)); });
+        tr("Delete the kept filter “%1”?").arg(paintedRow(FilterLibrary::nameOf(*filter))),
+        tr("Delete"), [this, name = filter->name] { run(m_library.remove(name)); });
 }
 
 void QuestionPanel::run(const QString &problem) {

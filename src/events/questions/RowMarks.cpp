@@ -35,7 +35,7 @@ void RowMarks::takeOver(const FilterLibrary &library) {
     m_markers.clear();
     for (const SavedFilter &filter : library.kept()) {
         if (filter.mark) {
-            m_markers.push_back({filter.query, {toQString(filter.name), *filter.mark}});
+            m_markers.push_back({filter.query, {FilterLibrary::nameOf(filter), *filter.mark}});
         }
     }
     makeMatchers();

@@ -2,6 +2,7 @@
 
 #include "events/timeline/TimeColumns.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
 
@@ -11,6 +12,10 @@
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::TimeTexts)
+};
 
 constexpr std::int64_t kDay = 86'400;
 
@@ -44,7 +49,8 @@ QDateTime local(std::int64_t moment) {
 }
 
 QString dayText(const QDate &date) {
-    return QLocale().toString(date, QStringLiteral("d MMM"));
+    //: A day of the timeline: see QDate::toString().
+    return QLocale().toString(date, Texts::tr("d MMM"));
 }
 
 QString clockText(const QDateTime &time, std::int64_t precision) {
@@ -86,7 +92,7 @@ QString dateText(const QDate &date, const Days &distance) {
     if (distance.months == 0) {
         return dayText(date);
     }
-    return distance.months < 12 ? QLocale().toString(date, QStringLiteral("MMM yyyy"))
+    return distance.months < 12 ? QLocale().toString(date, Texts::tr("MMM yyyy"))
                                 : QString::number(date.year());
 }
 
@@ -132,7 +138,7 @@ QString spanText(const TimeSpan &span, const TimeAxis &axis) {
     const bool needsDays = range.until - range.from > kDay;
     const auto text = [&](const QDateTime &time, bool withDay) {
         const bool withYear = range.until - range.from > 300 * kDay;
-        const QString day = withYear ? QLocale().toString(time.date(), QStringLiteral("d MMM yyyy"))
+        const QString day = withYear ? QLocale().toString(time.date(), Texts::tr("d MMM yyyy"))
                                      : dayText(time.date());
         return (withDay ? day + QLatin1Char(' ') : QString()) + clockText(time, precision);
     };

@@ -156,7 +156,7 @@ void Timeline::viewChanged() {
 
 void Timeline::pointerChanged() {
     const QString text = (QStringList(readOut()) + groupTexts()).join(QStringLiteral(", "));
-    setAccessibleName(text.isEmpty() ? tr("Timeline") : tr("Timeline: ") + text);
+    setAccessibleName(text.isEmpty() ? tr("Timeline") : tr("Timeline: %1").arg(text));
     update();
 }
 
@@ -250,7 +250,9 @@ QStringList Timeline::groupTexts() const {
 QString Timeline::readOut() const {
     if (isAtWaiting()) {
         return m_hold->arrivals() == 1 ? tr("1 new event waits")
-                                       : tr("%1 new events wait").arg(number(m_hold->arrivals()));
+                                       : tr("%1 new events wait", nullptr,
+                                            pluralNumber(static_cast<qint64>(m_hold->arrivals())))
+                                             .arg(number(m_hold->arrivals()));
     }
     const std::optional<TimeSpan> span = spanOfInterest();
     return span && m_isCounted ? spanText(*span, m_axis) + QStringLiteral(": ") + countText(*span)
@@ -267,11 +269,15 @@ std::optional<TimeSpan> Timeline::spanOfInterest() const {
 
 QString Timeline::countText(const TimeSpan &span) const {
     const RatingCounts all = m_counts->all().sum(span.from, span.until);
-    QString text = number(totalOf(all)) + (totalOf(all) == 1 ? tr(" event") : tr(" events"));
+    const auto total = static_cast<qint64>(totalOf(all));
+    QString text = total == 1
+                       ? tr("1 event")
+                       : tr("%1 events", nullptr, pluralNumber(total)).arg(number(totalOf(all)));
     if (const TimeCounts *matching = m_counts->matching()) {
-        text = number(totalOf(matching->sum(span.from, span.until))) + tr(" of ") + text;
+        text = tr("%1 of %2", "of events")
+                   .arg(number(totalOf(matching->sum(span.from, span.until))), text);
     }
-    return all[kSevereAt] == 0 ? text : text + tr(", %1 severe").arg(number(all[kSevereAt]));
+    return all[kSevereAt] == 0 ? text : tr("%1, %2 severe").arg(text, number(all[kSevereAt]));
 }
 
 std::int64_t Timeline::cursorColumn() const {

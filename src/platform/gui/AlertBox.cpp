@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QGridLayout>
 #include <QIcon>
 #include <QKeyEvent>
@@ -17,6 +18,10 @@
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::AlertBox)
+};
 
 constexpr int kImageSize = 48;
 constexpr int kTextWidth = 340;
@@ -69,7 +74,7 @@ void setRoom(QMessageBox &box) {
 
 QList<QAbstractButton *> addButtons(QMessageBox &box, const QStringList &titles) {
     QList<QAbstractButton *> buttons;
-    const QStringList shown = titles.isEmpty() ? QStringList{QStringLiteral("OK")} : titles;
+    const QStringList shown = titles.isEmpty() ? QStringList{Texts::tr("OK")} : titles;
     for (const QString &title : shown) {
         const bool first = buttons.isEmpty();
         QPushButton *button =

@@ -47,7 +47,7 @@ void shareMargins(QVBoxLayout &form, QVBoxLayout &rows, QLayout *buttons) {
 
 ContentArea::ContentArea(QWidget &view) : QScrollArea(&view) {
     setObjectName(QStringLiteral("contentArea"));
-    setAccessibleName(QStringLiteral("Content"));
+    setAccessibleName(tr("Content"));
     setWidgetResizable(true);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);

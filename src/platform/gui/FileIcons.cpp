@@ -2,11 +2,16 @@
 
 #include "platform/gui/Icons.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::FileIcons)
+};
 
 class FileIcons : public QAbstractFileIconProvider {
 public:
@@ -18,11 +23,10 @@ public:
     }
     [[nodiscard]] QString type(const QFileInfo &info) const override {
         if (info.isDir()) {
-            return QStringLiteral("Folder");
+            return Texts::tr("Folder");
         }
         const QString suffix = info.suffix();
-        return suffix.isEmpty() ? QStringLiteral("File")
-                                : QStringLiteral("%1 file").arg(suffix.toLower());
+        return suffix.isEmpty() ? Texts::tr("File") : Texts::tr("%1 file").arg(suffix.toLower());
     }
 };
 

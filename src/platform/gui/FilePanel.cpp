@@ -5,6 +5,7 @@
 #include "platform/gui/ScreenFit.h"
 
 #include <QAbstractItemView>
+#include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
@@ -26,6 +27,10 @@
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::FilePanel)
+};
 
 constexpr QSize kPanelSize(780, 520);
 
@@ -107,7 +112,7 @@ void FilePanel::setFilters() {
     }
     QStringList filters;
     for (const QString &pattern : std::as_const(patterns)) {
-        filters.append(QStringLiteral("Files (%1)").arg(pattern));
+        filters.append(Texts::tr("Files (%1)").arg(pattern));
     }
     setNameFilters(filters);
 }
@@ -217,8 +222,8 @@ void FilePanel::accept() {
         setDirectory(QDir::cleanPath(path));
         nameField()->setText(m_request.save ? m_request.name : QString());
     } else if (const QFileInfo folder(file.path()); !folder.isDir()) {
-        refuse(QStringLiteral("The folder “%1” was not found.").arg(file.path()),
-               QStringLiteral("Please check the name and try again."));
+        refuse(Texts::tr("The folder “%1” was not found.").arg(file.path()),
+               Texts::tr("Please check the name and try again."));
     } else if (m_request.save) {
         const QString clean = QDir::cleanPath(path);
         confirmSaving(hasAllowedExtension(clean) ? clean : clean + u'.' + chosenExtension());
@@ -235,11 +240,11 @@ void FilePanel::refuse(const QString &message, const QString &advice) {
 void FilePanel::confirmOpening(const QString &path) {
     const QFileInfo file(path);
     if (!file.exists()) {
-        refuse(QStringLiteral("“%1” was not found.").arg(file.fileName()),
-               QStringLiteral("Please check the name and try again."));
+        refuse(Texts::tr("“%1” was not found.").arg(file.fileName()),
+               Texts::tr("Please check the name and try again."));
     } else if (!hasAllowedExtension(path)) {
-        refuse(QStringLiteral("“%1” cannot be used here.").arg(file.fileName()),
-               QStringLiteral("Please choose a file with one of these extensions: %1.")
+        refuse(Texts::tr("“%1” cannot be used here.").arg(file.fileName()),
+               Texts::tr("Please choose a file with one of these extensions: %1.")
                    .arg(m_request.extensions.join(QStringLiteral(", "))));
     } else {
         finishWith(path);
@@ -254,21 +259,19 @@ void FilePanel::confirmSaving(const QString &path) {
         return;
     }
     if (file.isDir()) {
-        refuse(QStringLiteral("“%1” is a folder.").arg(name),
-               QStringLiteral("Please choose another name."));
+        refuse(Texts::tr("“%1” is a folder.").arg(name), Texts::tr("Please choose another name."));
         return;
     }
-    openAlert(
-        this,
-        {.message = QStringLiteral("“%1” already exists.").arg(name),
-         .informativeText = QStringLiteral("Replacing it will overwrite its current contents."),
-         .checkBox = {},
-         .buttons = {QStringLiteral("Replace"), QStringLiteral("Cancel")}},
-        [this, path](const AlertAnswer &answer) {
-            if (answer.button == 0) {
-                finishWith(path);
-            }
-        });
+    openAlert(this,
+              {.message = Texts::tr("“%1” already exists.").arg(name),
+               .informativeText = Texts::tr("Replacing it will overwrite its current contents."),
+               .checkBox = {},
+               .buttons = {Texts::tr("Replace"), Texts::tr("Cancel")}},
+              [this, path](const AlertAnswer &answer) {
+                  if (answer.button == 0) {
+                      finishWith(path);
+                  }
+              });
 }
 
 void FilePanel::finishWith(const QString &path) {

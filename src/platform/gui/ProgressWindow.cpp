@@ -72,7 +72,7 @@ bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
     const auto total = std::max<std::uint64_t>({done, inAll, 1});
     const double part = static_cast<double>(done) / static_cast<double>(total);
     m_bar->setValue(static_cast<int>(part * kSteps));
-    m_amount->setText(QStringLiteral("%1 of %2").arg(amount(done), amount(total)));
+    m_amount->setText(tr("%1 of %2").arg(amount(done), amount(total)));
     QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents;
     events.setFlag(QEventLoop::ExcludeUserInputEvents, m_cancel == Cancel::kNotOffered);
     QCoreApplication::processEvents(events);
@@ -113,7 +113,7 @@ void ProgressWindow::open() {
 void ProgressWindow::addCancel() {
     // No other window takes input, as none does without a button.
     m_window->setWindowModality(Qt::ApplicationModal);
-    auto *button = new QPushButton(QStringLiteral("Cancel"));
+    auto *button = new QPushButton(tr("Cancel"));
     button->setObjectName(QStringLiteral("onCancel"));
     button->setAccessibleName(button->text());
     static_cast<QVBoxLayout *>(m_window->layout())->addWidget(button, 0, Qt::AlignRight);

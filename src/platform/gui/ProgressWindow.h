@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QProgressBar>
@@ -19,6 +20,8 @@ namespace quorbel {
 /// events are listed and removed meanwhile, and row numbers change; the program may be told to end.
 /// Where cancelling is offered, the small window takes input, and it alone.
 class ProgressWindow {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::ProgressWindow)
+
 public:
     static constexpr qint64 kPatienceMs = 500;
 

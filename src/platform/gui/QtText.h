@@ -37,6 +37,13 @@ inline QString shortCountText(qint64 count) {
     return QLocale().toString(static_cast<double>(tenths) / 10, 'f', 1) + QLatin1Char('M');
 }
 
+/// What tr() picks the form of a text by for a count that is more than an int may be: the forms of
+/// all languages depend on the last digits.
+inline int pluralNumber(qint64 count) {
+    constexpr qint64 kMillion = 1'000'000;
+    return static_cast<int>(count < kMillion ? count : kMillion + count % kMillion);
+}
+
 /// Shows a text in a field; one that is too long for it is seen from its beginning.
 inline void showText(QLineEdit &field, const QString &text) {
     field.setText(text);

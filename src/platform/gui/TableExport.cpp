@@ -3,6 +3,7 @@
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/ProgressWindow.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QFileInfo>
 #include <QMetaObject>
@@ -14,6 +15,10 @@
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::TableExport)
+};
 
 QByteArray line(int columns, char separator, const std::function<QVariant(int column)> &cell) {
     QByteArray result;
@@ -27,14 +32,20 @@ QByteArray line(int columns, char separator, const std::function<QVariant(int co
     return result;
 }
 
+/// Files are read by programs: they have the titles that a model edits, where it has any.
+QVariant titleInFile(const QAbstractItemModel &model, int column) {
+    const QVariant title = model.headerData(column, Qt::Horizontal, Qt::EditRole);
+    return title.isValid() ? title : model.headerData(column, Qt::Horizontal, Qt::DisplayRole);
+}
+
 }  // namespace
 
 void openExportPanel(QWidget *parent, const char *content,
                      std::function<void(const QString &path)> onChosen) {
     const QString day = QDate::currentDate().toString(Qt::ISODate);
     openFilePanel(parent,
-                  {.message = QStringLiteral("Please select export file name with 'txt' or 'csv' "
-                                             "extensions:"),
+                  {.message = Texts::tr("Please select export file name with 'txt' or 'csv' "
+                                        "extensions:"),
                    .extensions = {QStringLiteral("txt"), QStringLiteral("csv")},
                    .folder = {},
                    .name = QStringLiteral("Quorbel %1 %2.txt").arg(QLatin1String(content), day),
@@ -54,14 +65,13 @@ bool exportTable(const QString &path, const QAbstractItemModel &model, const Exp
         return false;
     }
     ProgressWindow progress({.title = QStringLiteral("Quorbel"),
-                             .work = QStringLiteral("Writing the export file"),
-                             .accessibleName = QStringLiteral("Rows written")},
+                             .work = Texts::tr("Writing the export file"),
+                             .accessibleName = Texts::tr("Rows written")},
                             ProgressWindow::Unit::kRows, parent);
     const int columns = model.columnCount();
     const char separator = QFileInfo(path).suffix() == QStringLiteral("csv") ? ',' : '\t';
-    file.write(line(columns, separator, [&model](int column) {
-        return model.headerData(column, Qt::Horizontal, Qt::DisplayRole);
-    }));
+    file.write(
+        line(columns, separator, [&model](int column) { return titleInFile(model, column); }));
     for (std::size_t number = 0; number < rows.count; ++number) {
         if (rows.areStillThere && !rows.areStillThere()) {
             return false;
