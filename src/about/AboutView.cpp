@@ -19,27 +19,27 @@ namespace {
 
 constexpr int kWarningHeight = 110;
 constexpr int kWarningPointSize = 11;
-constexpr int kBoldCharacters = 8;  // "Warning:"
 constexpr float kWarningGrey = 0.33F;
 
 QString informationText() {
-    return QStringLiteral(
-        "Quorbel Version: " QUORBEL_VERSION
-        "\n\n"
-        "LIMITED WARRANTY\n"
-        "---------------------\n"
-        "THIS PROGRAM AND THE WRITTEN MATERIALS THAT COME WITH IT ARE PROVIDED "
-        "\"AS IS\", WITHOUT WARRANTY OF ANY KIND, EXPRESS OR IMPLIED, INCLUDING "
-        "THE WARRANTIES OF MERCHANTABILITY AND OF FITNESS FOR A PARTICULAR "
-        "PURPOSE. YOU BEAR THE ENTIRE RISK OF ITS USE. NOBODY WHO TOOK PART IN "
-        "MAKING, TESTING OR DELIVERING IT IS LIABLE FOR ANY DAMAGE THAT ARISES "
-        "FROM USING IT OR FROM BEING UNABLE TO USE IT, LOST PROFIT, LOST DATA AND "
-        "INTERRUPTED BUSINESS INCLUDED, EVEN IF THE POSSIBILITY OF SUCH DAMAGE "
-        "WAS KNOWN.");
+    const QString version =
+        AboutView::tr("Quorbel Version: %1").arg(QStringLiteral(QUORBEL_VERSION));
+    return version + QStringLiteral("\n\n") +
+           AboutView::tr(
+               "LIMITED WARRANTY\n"
+               "---------------------\n"
+               "THIS PROGRAM AND THE WRITTEN MATERIALS THAT COME WITH IT ARE PROVIDED "
+               "\"AS IS\", WITHOUT WARRANTY OF ANY KIND, EXPRESS OR IMPLIED, INCLUDING "
+               "THE WARRANTIES OF MERCHANTABILITY AND OF FITNESS FOR A PARTICULAR "
+               "PURPOSE. YOU BEAR THE ENTIRE RISK OF ITS USE. NOBODY WHO TOOK PART IN "
+               "MAKING, TESTING OR DELIVERING IT IS LIABLE FOR ANY DAMAGE THAT ARISES "
+               "FROM USING IT OR FROM BEING UNABLE TO USE IT, LOST PROFIT, LOST DATA AND "
+               "INTERRUPTED BUSINESS INCLUDED, EVEN IF THE POSSIBILITY OF SUCH DAMAGE "
+               "WAS KNOWN.");
 }
 
 QString warningText() {
-    return QStringLiteral(
+    return AboutView::tr(
         "Warning: This software is protected by copyright law and international treaties. "
         "Reproducing or distributing it, or any part of it, without permission may be punished "
         "under civil and criminal law, and will be prosecuted to the full extent that the law "
@@ -88,10 +88,11 @@ void AboutView::appendWarning() {
     QTextCursor cursor(ui->warningText->document());
     cursor.movePosition(QTextCursor::End);
     const QString text = warningText();
+    const qsizetype bold = text.indexOf(u':') + 1;  // "Warning:"
     format.setFontWeight(QFont::Bold);
-    cursor.insertText(text.left(kBoldCharacters), format);
+    cursor.insertText(text.left(bold), format);
     format.setFontWeight(QFont::Normal);
-    cursor.insertText(text.mid(kBoldCharacters), format);
+    cursor.insertText(text.mid(bold), format);
 }
 
 void AboutView::linkButton() {

@@ -18,7 +18,7 @@ ActionCommandEmail::ActionCommandEmail(QWidget *parent)
 ActionCommandEmail::~ActionCommandEmail() = default;
 
 void ActionCommandEmail::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel E-mail"));
+    setWindowTitle(tr("Quorbel E-mail"));
     connect(ui->onSave, &QAbstractButton::clicked, this, &ActionCommandEmail::onSave);
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionCommandEmail::onCancel);
 }

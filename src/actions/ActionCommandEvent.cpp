@@ -1,10 +1,10 @@
 #include "actions/ActionCommandEvent.h"
 
 #include "actions/ActionView.h"
-#include "actions/StoredChoice.h"
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/StoredChoice.h"
 #include "ui_ActionCommandEvent.h"
 
 #include <string>
@@ -20,10 +20,10 @@ ActionCommandEvent::ActionCommandEvent(QWidget *parent)
 ActionCommandEvent::~ActionCommandEvent() = default;
 
 void ActionCommandEvent::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Event"));
+    setWindowTitle(tr("Quorbel Event"));
     for (const SeverityClass &severity : kSeverityClasses) {
         if (!severity.name.empty()) {
-            ui->eventType->addItem(toQString(severity.name));
+            addStored(*ui->eventType, severity.name);
         }
     }
     connect(ui->onSave, &QAbstractButton::clicked, this, &ActionCommandEvent::onSave);
@@ -46,7 +46,7 @@ void ActionCommandEvent::onSave() {
         if (format.empty()) {
             *setEvent = {};
         } else {
-            setEvent->set("Type", ui->eventType->currentText().toStdString());
+            setEvent->set("Type", storedChoice(*ui->eventType));
             setEvent->set("Format", format);
         }
     }

@@ -17,7 +17,7 @@ ActionCommandRun::ActionCommandRun(QWidget *parent)
 ActionCommandRun::~ActionCommandRun() = default;
 
 void ActionCommandRun::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Command"));
+    setWindowTitle(tr("Quorbel Command"));
     connect(ui->browseCommand, &QAbstractButton::clicked, this, &ActionCommandRun::browseCommand);
     connect(ui->onSave, &QAbstractButton::clicked, this, &ActionCommandRun::onSave);
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionCommandRun::onCancel);
@@ -44,7 +44,7 @@ void ActionCommandRun::viewDidAppear() {
 
 void ActionCommandRun::browseCommand() {
     openFilePanel(this,
-                  {.message = QStringLiteral("Please select command file path:"),
+                  {.message = tr("Please select command file path:"),
                    .extensions = {},
                    .folder = QStringLiteral("/usr/bin"),
                    .save = false},

@@ -16,7 +16,7 @@ ActionView::ActionView(const Storyboard &storyboard, QWidget *parent)
 ActionView::~ActionView() = default;
 
 void ActionView::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Action"));
+    setWindowTitle(tr("Quorbel Action"));
     ui->filterForm->setPrefix(QStringLiteral("action"));
     connect(ui->actionRun, &QAbstractButton::clicked, this, &ActionView::commandRun);
     connect(ui->actionEmail, &QAbstractButton::clicked, this, &ActionView::commandEmail);

@@ -18,7 +18,7 @@ ActionsEmailFormat::ActionsEmailFormat(AppDelegate &delegate, QWidget *parent)
 ActionsEmailFormat::~ActionsEmailFormat() = default;
 
 void ActionsEmailFormat::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel E-mail Format"));
+    setWindowTitle(tr("Quorbel E-mail Format"));
     connect(ui->sendSubject, &QAbstractButton::clicked, this, &ActionsEmailFormat::sendSubject);
     connect(ui->sendBody, &QAbstractButton::clicked, this, &ActionsEmailFormat::sendBody);
     connect(ui->onSave, &QAbstractButton::clicked, this, [this] { onSave(); });

@@ -1,9 +1,9 @@
 #include "actions/ActionsEmailServer.h"
 
-#include "actions/StoredChoice.h"
 #include "common/SettingsDocument.h"
 #include "platform/Text.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/StoredChoice.h"
 #include "ui_ActionsEmailServer.h"
 
 #include <QLineEdit>
@@ -53,7 +53,8 @@ ActionsEmailServer::ActionsEmailServer(AppDelegate &delegate, QWidget *parent)
 ActionsEmailServer::~ActionsEmailServer() = default;
 
 void ActionsEmailServer::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel E-mail Server"));
+    setWindowTitle(tr("Quorbel E-mail Server"));
+    translateStored(*ui->serverSecurity);
     connect(ui->timeoutSlider, &QAbstractSlider::valueChanged, this,
             &ActionsEmailServer::timeoutChanged);
     connect(ui->showPassword, &QAbstractButton::clicked, this, &ActionsEmailServer::showPassword);
@@ -102,7 +103,7 @@ void ActionsEmailServer::takeSettings(SettingsCycle &settings) {
     for (const TextField &field : kTextFields) {
         settings.set(field.key, ((*ui).*field.control)->text().toStdString());
     }
-    settings.set(kSecurityKey, ui->serverSecurity->currentText().toStdString());
+    settings.set(kSecurityKey, storedChoice(*ui->serverSecurity));
 }
 
 void ActionsEmailServer::onCancel() {

@@ -20,7 +20,7 @@ ActionsEmailTest::ActionsEmailTest(AppDelegate &delegate, QWidget *parent)
 ActionsEmailTest::~ActionsEmailTest() = default;
 
 void ActionsEmailTest::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Test E-mail"));
+    setWindowTitle(tr("Quorbel Test E-mail"));
     connect(ui->onSave, &QAbstractButton::clicked, this, &ActionsEmailTest::onSave);
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ActionsEmailTest::onCancel);
 }

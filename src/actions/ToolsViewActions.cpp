@@ -23,11 +23,13 @@ constexpr std::array kColumnWidths = {190, 150, 86, 116, 160};
 /// Which reactions of an action are on.
 QString reactions(const Dictionary &record) {
     constexpr std::array<std::pair<std::string_view, const char *>, 3> kWords{
-        {{"runCommand", "Command"}, {"sendEmail", "E-mail"}, {"setEvent", "Event"}}};
+        {{"runCommand", QT_TRANSLATE_NOOP("quorbel::ToolsViewActions", "Command")},
+         {"sendEmail", QT_TRANSLATE_NOOP("quorbel::ToolsViewActions", "E-mail")},
+         {"setEvent", QT_TRANSLATE_NOOP("quorbel::ToolsViewActions", "Event")}}};
     QStringList words;
     for (const auto &[key, word] : kWords) {
         if (!settingDictionary(record, key).empty()) {
-            words += QString::fromLatin1(word);
+            words += ToolsViewActions::tr(word);
         }
     }
     return words.join(QStringLiteral(", "));
@@ -47,7 +49,7 @@ ToolsViewActions::ToolsViewActions(AppDelegate &delegate, const Storyboard &stor
     ui->setupUi(this);
     auto *controller = new RecordTableModel(this);
     controller->setObjectName(QStringLiteral("actionsController"));
-    controller->setLastColumn(QStringLiteral("Reactions"), &reactions);
+    controller->setLastColumn(tr("Reactions"), &reactions);
     m_actions = new RecordList({.table = ui->actionsTable,
                                 .edit = ui->actionsEdit,
                                 .remove = ui->actionsRemove,
@@ -64,8 +66,8 @@ void ToolsViewActions::viewDidLoad() {
     setUpPage(*ui->saveButton, *ui->onCancel);
     ContentArea::wrap(*this);
     ui->actionsTable->setHint(
-        QStringLiteral("No actions yet.\nAdd one to run a command, send an e-mail or set an event "
-                       "when certain events arrive."));
+        tr("No actions yet.\nAdd one to run a command, send an e-mail or set an event "
+           "when certain events arrive."));
     for (QAbstractButton *button : {ui->automaticActionsAdd, ui->actionsEdit}) {
         connect(button, &QAbstractButton::clicked, this,
                 [this, button] { automaticActions(*button); });
@@ -97,7 +99,7 @@ void ToolsViewActions::automaticActionsTable() {
 }
 
 void ToolsViewActions::automaticActions(const QAbstractButton &sender) {
-    if (sender.text().contains(QStringLiteral("Add"))) {
+    if (&sender == ui->automaticActionsAdd) {
         m_actions->deselect();
     }
     present(QStringLiteral("actionView"));

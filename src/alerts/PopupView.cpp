@@ -4,6 +4,7 @@
 #include "core/PageLinks.h"
 #include "platform/Preferences.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/Sheet.h"
@@ -74,7 +75,8 @@ PopupView::~PopupView() {
 void PopupView::viewDidLoad() {
     m_levels = preferredLevels();
     // A link without any target would not react to the pointer.
-    ui->popupAbout->setText(QStringLiteral("<a href=\"#\">Learn more about this event...</a>"));
+    ui->popupAbout->setText(QStringLiteral("<a href=\"#\">%1</a>")
+                                .arg(tr("Learn more about this event...").toHtmlEscaped()));
 }
 
 void PopupView::viewWillAppear() {
@@ -104,12 +106,15 @@ void PopupView::setDetails() {
         setLabelIcon(*ui->popupImage, image, kImageSize);
     }
     const std::string priority = field("Priority");
-    const QString header = paintedRow(toQString(headerOf(priority)));
+    const QString header = paintedRow(knownName(headerOf(priority)));
     ui->popupHeader->setText(header);
-    ui->popupHeader->setAccessibleName(QStringLiteral("Severity: ") + header);
-    ui->popupDetails->setWholeText(toQString("Date: " + field("Date") + "\nPriority: " + priority +
-                                             "\nHost: " + field("Host") + "\n\nMessage:\n" +
-                                             field("Message")));
+    ui->popupHeader->setAccessibleName(tr("Severity: %1").arg(header));
+    const auto text = [this](const char *key) { return toQString(field(key)); };
+    // Not by arg(), which would look for places in what was sent.
+    ui->popupDetails->setWholeText(tr("Date:") + u' ' + text("Date") + u'\n' + tr("Priority:") +
+                                   u' ' + toQString(priority) + u'\n' + tr("Host:") + u' ' +
+                                   text("Host") + QStringLiteral("\n\n") + tr("Message:") + u'\n' +
+                                   text("Message"));
 }
 
 void PopupView::popupTimeout() {

@@ -1,6 +1,7 @@
 #include "alerts/PopupViewTitle.h"
 
 #include "alerts/PopupView.h"
+#include "alerts/PopupWindow.h"
 #include "common/Severity.h"
 
 #include <QPainter>
@@ -43,7 +44,7 @@ void PopupViewTitle::paintEvent(QPaintEvent * /*event*/) {
     // As wide as the strip, though it begins further right: the title is meant to stand 8 pixels
     // right of the centre.
     painter.drawText(QRect(kTitlePlace, QSize(width(), kTitleHeight)), Qt::AlignCenter,
-                     QStringLiteral("Quorbel Alert"));
+                     PopupWindow::tr("Quorbel Alert"));
 }
 
 }  // namespace quorbel

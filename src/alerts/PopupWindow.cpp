@@ -9,7 +9,7 @@ PopupWindow::PopupWindow(const Storyboard &storyboard)
                            Qt::WindowDoesNotAcceptFocus),
       m_view(new PopupView(storyboard, this)) {
     setObjectName(QStringLiteral("popupWindow"));
-    setWindowTitle(QStringLiteral("Quorbel Alert"));
+    setWindowTitle(tr("Quorbel Alert"));
     setAccessibleName(windowTitle());
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_DeleteOnClose);

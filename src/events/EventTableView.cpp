@@ -1,6 +1,7 @@
 #include "events/EventTableView.h"
 
 #include "events/EventTableModel.h"
+#include "platform/gui/KnownText.h"
 
 #include <QFocusEvent>
 #include <QHeaderView>
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace quorbel {
@@ -16,8 +18,8 @@ namespace quorbel {
 namespace {
 
 // The longest texts that columns other than the message's usually have.
-constexpr std::array kUsualTexts = {"Moderate", "30.12.2026 10:30:30 PM", "Authpriv.Informational",
-                                    "255.255.255.255"};
+constexpr std::array<std::string_view, 4> kUsualTexts = {
+    "Moderate", "30.12.2026 10:30:30 PM", "Authpriv.Informational", "255.255.255.255"};
 constexpr int kLongestAddress = 39;  // of IPv6, written out
 constexpr int kMessageShare = 30;    // average characters
 constexpr int kTextMargins = 10;
@@ -46,9 +48,10 @@ void EventTableView::setModel(QAbstractItemModel *model) {
     RowTableView::setModel(model);
     ensurePolished();  // for the font of the style sheet
     const QScopedValueRollback fitting(m_isFitting, true);
-    for (std::size_t column = 0; column < kUsualTexts.size(); ++column) {
-        setColumnWidth(static_cast<int>(column),
-                       widthFor(QString::fromLatin1(kUsualTexts[column])));
+    for (std::size_t i = 0; i < kUsualTexts.size(); ++i) {
+        const auto column = static_cast<int>(i);
+        const QString title = model->headerData(column, Qt::Horizontal).toString();
+        setColumnWidth(column, std::max(widthFor(knownName(kUsualTexts[i])), widthFor(title)));
     }
     const int image = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this) + kTextMargins;
     setColumnWidth(EventTableModel::kRating, columnWidth(EventTableModel::kRating) + image);

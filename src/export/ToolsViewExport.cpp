@@ -28,18 +28,22 @@ constexpr int kLeastInterval = 1;
 constexpr int kMostInterval = 24 * 60;
 
 const ExportKind &textKind() {
-    static const ExportKind kind{"textInterval",
-                                 "textLocation",
-                                 "Please select text file location with 'txt' or 'csv' extensions:",
-                                 {QStringLiteral("txt"), QStringLiteral("csv")}};
+    static const ExportKind kind{
+        "textInterval",
+        "textLocation",
+        QT_TRANSLATE_NOOP("quorbel::ToolsViewExport",
+                          "Please select text file location with 'txt' or 'csv' extensions:"),
+        {QStringLiteral("txt"), QStringLiteral("csv")}};
     return kind;
 }
 
 const ExportKind &databaseKind() {
-    static const ExportKind kind{"databaseInterval",
-                                 "databaseLocation",
-                                 "Please select database file location with 'db' extension:",
-                                 {QStringLiteral("db")}};
+    static const ExportKind kind{
+        "databaseInterval",
+        "databaseLocation",
+        QT_TRANSLATE_NOOP("quorbel::ToolsViewExport",
+                          "Please select database file location with 'db' extension:"),
+        {QStringLiteral("db")}};
     return kind;
 }
 
@@ -156,7 +160,7 @@ void ToolsViewExport::browseDatabase() {
 void ToolsViewExport::openPanel(Export &entry) {
     const QString location = toQString(entry.workingLocation.value_or(""));
     openFilePanel(this,
-                  {.message = QString::fromLatin1(entry.kind->panelMessage),
+                  {.message = tr(entry.kind->panelMessage),
                    .extensions = entry.kind->extensions,
                    .folder = location.isEmpty() ? QString() : QFileInfo(location).path(),
                    .name = location.isEmpty()

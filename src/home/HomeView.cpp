@@ -8,6 +8,7 @@
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 #include "ui_HomeView.h"
 
@@ -59,8 +60,7 @@ void HomeView::viewDidLoad() {
     makeScrollable();
     setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")),
                  sizedToFont(kStatusImageSize));
-    setField(*ui->statusVersion,
-             QStringLiteral("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
+    setField(*ui->statusVersion, tr("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
 }
 
 void HomeView::makeScrollable() {
@@ -107,16 +107,16 @@ void HomeView::showRating() {
     const Rating &rating = kRatings.at(static_cast<std::size_t>(m_severityStatus));
     ui->eventsBox->setBorderColor(toQColor(rating.outerBorder));
     ui->eventsInnerBox->setBorderColor(toQColor(rating.innerBorder));
-    setField(*ui->eventsTitle, toQString(rating.title));
+    setField(*ui->eventsTitle, tr(rating.title.data()));
     const QString image = toQString(rating.image);
     setLabelIcon(*ui->eventsImage, severityIcon(image), sizedToFont(kRatingImageSize));
-    ui->eventsImage->setAccessibleName(image);
+    ui->eventsImage->setAccessibleName(knownName(image));
     ui->eventsBar->update();
 }
 
 void HomeView::setMonitorStatus() {
     const bool running = isProcessRunning(kServiceProcess);
-    setField(*ui->statusMonitor, running ? QStringLiteral("Running") : QStringLiteral("Stopped"));
+    setField(*ui->statusMonitor, running ? tr("Running") : tr("Stopped"));
     setStatusImage(*ui->statusMonitorImage, QStringLiteral("monitor"),
                    running ? Mood::kGood : Mood::kBad);
 }
@@ -124,8 +124,7 @@ void HomeView::setMonitorStatus() {
 void HomeView::setActionsStatus() {
     const auto settings = decodeSettings(AppDelegate::readSettings());
     const bool enabled = settings && !settingArray(*settings, "actionsArray").empty();
-    setField(*ui->statusActions,
-             enabled ? QStringLiteral("Actions enabled") : QStringLiteral("Do not use actions"));
+    setField(*ui->statusActions, enabled ? tr("Actions enabled") : tr("Do not use actions"));
     setStatusImage(*ui->statusActionsImage, QStringLiteral("actions"),
                    enabled ? Mood::kGood : Mood::kIdle);
 }
@@ -134,8 +133,7 @@ void HomeView::setExportStatus() {
     const auto settings = decodeSettings(AppDelegate::readSettings());
     const bool enabled = settings && (settingInteger(*settings, "textInterval") > 0 ||
                                       settingInteger(*settings, "databaseInterval") > 0);
-    setField(*ui->statusExport,
-             enabled ? QStringLiteral("Export enabled") : QStringLiteral("Do not use export"));
+    setField(*ui->statusExport, enabled ? tr("Export enabled") : tr("Do not use export"));
     setStatusImage(*ui->statusExportImage, QStringLiteral("export"),
                    enabled ? Mood::kGood : Mood::kIdle);
 }

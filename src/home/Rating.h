@@ -18,7 +18,7 @@ struct RatingColour {
 
 /// How the home page shows one overall rating.
 struct Rating {
-    std::string_view title;
+    std::string_view title;  ///< in English
     std::string_view image;
     RatingColour outerBorder;
     RatingColour innerBorder;

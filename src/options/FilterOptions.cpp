@@ -33,11 +33,6 @@ bool areEqualFilters(const Value &left, const Value &right) {
     });
 }
 
-/// Whether this is the Add button, rather than the Edit button, of a list.
-bool adds(const QAbstractButton &button) {
-    return button.text().contains(QStringLiteral("Add"));
-}
-
 }  // namespace
 
 FilterOptions::FilterOptions(const Controls &include, const Controls &exclude, QObject *parent)
@@ -116,7 +111,7 @@ void FilterOptions::storeFilter(const Dictionary &record) {
 }
 
 void FilterOptions::includeFilters(const QAbstractButton &sender) {
-    if (adds(sender)) {
+    if (&sender == m_include.add) {
         m_includeFilters->deselect();
     }
     m_bIncludeFilters = true;
@@ -125,7 +120,7 @@ void FilterOptions::includeFilters(const QAbstractButton &sender) {
 }
 
 void FilterOptions::excludeFilters(const QAbstractButton &sender) {
-    if (adds(sender)) {
+    if (&sender == m_exclude.add) {
         // The other list's selection, on purpose: with a row of this list selected, Add edits it.
         m_includeFilters->deselect();
     }

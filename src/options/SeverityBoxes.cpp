@@ -8,8 +8,9 @@ namespace quorbel {
 
 namespace {
 
-std::string labelOf(const QCheckBox &box) {
-    return box.text().toStdString();
+/// As it is stored, whatever the user's language.
+std::string labelOf(std::size_t severity) {
+    return std::string(kSeverityClasses[severity].label);
 }
 
 bool contains(const std::vector<std::string> &labels, const std::string &label) {
@@ -31,15 +32,15 @@ QWidgetList SeverityBoxes::tabOrder() const {
 
 void SeverityBoxes::setLabels(const std::vector<std::string> &labels) {
     m_labels = labels;
-    for (QCheckBox *box : m_boxes) {
-        box->setChecked(contains(m_labels, labelOf(*box)));
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        m_boxes[i]->setChecked(contains(m_labels, labelOf(i)));
     }
 }
 
 void SeverityBoxes::checkAll() {
-    for (QCheckBox *box : m_boxes) {
-        box->setChecked(true);
-        m_labels.push_back(labelOf(*box));
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        m_boxes[i]->setChecked(true);
+        m_labels.push_back(labelOf(i));
     }
 }
 
@@ -57,7 +58,7 @@ void SeverityBoxes::setEnabled(bool enabled) {
 }
 
 void SeverityBoxes::take(std::size_t severity) {
-    const std::string label = labelOf(*m_boxes[severity]);
+    const std::string label = labelOf(severity);
     if (!m_boxes[severity]->isChecked()) {
         std::erase(m_labels, label);
     } else if (!contains(m_labels, label)) {

@@ -2,11 +2,13 @@
 
 #include "platform/gui/BlockFlow.h"
 #include "platform/gui/FontSize.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 #include "settings/NumberStepper.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,6 +19,10 @@
 namespace quorbel {
 
 namespace {
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::SeverityControls)
+};
 
 constexpr int kColumns = 3;         // of choosers and boxes: the defaults make three equal rows
 constexpr int kRemovalColumns = 2;  // of retention times
@@ -31,17 +37,18 @@ class Maker {
 public:
     Maker(const SeverityClass &severity, QWidget *page)
         : m_keyPart(toQString(severity.keyPart)),
-          m_label(toQString(severity.label)),
+          m_label(knownName(severity.label)),
           m_page(page) {}
 
     template <class Control>
-    Control *make(const char *before, const char *behind, const char *accessibleName) const {
+    Control *make(const char *before, const char *behind, const QString &accessibleName) const {
         auto *control = new Control(m_page);
         control->setObjectName(QLatin1String(before) + m_keyPart + QLatin1String(behind));
-        control->setAccessibleName(QString::fromLatin1(accessibleName).arg(m_label));
+        control->setAccessibleName(accessibleName.arg(m_label));
         return control;
     }
-    QCheckBox *makeBox(const char *before, const char *behind, const char *accessibleName) const {
+    QCheckBox *makeBox(const char *before, const char *behind,
+                       const QString &accessibleName) const {
         auto *box = make<QCheckBox>(before, behind, accessibleName);
         box->setText(m_label);
         return box;
@@ -58,7 +65,7 @@ private:
 int labelWidth(const QWidget &page, int before) {
     int width = 0;
     for (const SeverityClass &severity : kSeverityClasses) {
-        width = std::max(width, page.fontMetrics().horizontalAdvance(toQString(severity.label)));
+        width = std::max(width, page.fontMetrics().horizontalAdvance(knownName(severity.label)));
     }
     return width + before;
 }
@@ -81,14 +88,15 @@ BlockFlow &addFlow(QBoxLayout &place, int columns) {
 
 RemovalControls makeRemoval(const Maker &maker) {
     RemovalControls controls{};
-    controls.removal = maker.makeBox("removal", "", "Remove %1 events after some time");
-    controls.time = maker.make<QLineEdit>("removal", "Time", "How long %1 events are kept");
-    controls.stepper =
-        maker.make<QSpinBox>("removal", "Stepper", "How long %1 events are kept, stepper");
-    controls.units = maker.make<QComboBox>("removal", "Units", "Unit of time for %1 events");
-    for (const char *unit : {"Minutes", "Hours", "Days", "Weeks", "Months"}) {
-        controls.units->addItem(QString::fromLatin1(unit));
-    }
+    controls.removal = maker.makeBox("removal", "", Texts::tr("Remove %1 events after some time"));
+    controls.time =
+        maker.make<QLineEdit>("removal", "Time", Texts::tr("How long %1 events are kept"));
+    controls.stepper = maker.make<QSpinBox>("removal", "Stepper",
+                                            Texts::tr("How long %1 events are kept, stepper"));
+    controls.units =
+        maker.make<QComboBox>("removal", "Units", Texts::tr("Unit of time for %1 events"));
+    controls.units->addItems({Texts::tr("Minutes"), Texts::tr("Hours"), Texts::tr("Days"),
+                              Texts::tr("Weeks"), Texts::tr("Months")});
     controls.time->setProperty("role", QStringLiteral("number"));
     controls.time->setAlignment(Qt::AlignRight);
     controls.stepper->setProperty("role", QStringLiteral("stepper"));
@@ -97,7 +105,7 @@ RemovalControls makeRemoval(const Maker &maker) {
     return controls;
 }
 
-BoxControls makeBoxes(QBoxLayout &place, const char *behind, const char *accessibleName) {
+BoxControls makeBoxes(QBoxLayout &place, const char *behind, const QString &accessibleName) {
     BoxControls all{};
     BlockFlow &flow = addFlow(place, kColumns);
     QWidget *page = place.parentWidget();
@@ -117,9 +125,9 @@ LevelControls makeLevelControls(QBoxLayout &place) {
     QWidget *page = place.parentWidget();
     for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
         const Maker maker(kSeverityClasses[i], page);
-        auto *level = maker.make<QComboBox>("severity", "", "Rating of %1 events");
+        auto *level = maker.make<QComboBox>("severity", "", Texts::tr("Rating of %1 events"));
         for (const SeverityLevel item : {kNormal, kModerate, kSevere}) {
-            level->addItem(toQString(severityLevelName(item)));
+            level->addItem(knownName(severityLevelName(item)));
         }
         auto *label = new QLabel(maker.label());
         label->setBuddy(level);
@@ -151,11 +159,11 @@ AllRemovalControls makeRemovalControls(QBoxLayout &place) {
 }
 
 BoxControls makeDisplayControls(QBoxLayout &place) {
-    return makeBoxes(place, "Display", "Popup for %1 events");
+    return makeBoxes(place, "Display", Texts::tr("Popup for %1 events"));
 }
 
 BoxControls makePlayControls(QBoxLayout &place) {
-    return makeBoxes(place, "Play", "Sound for %1 events");
+    return makeBoxes(place, "Play", Texts::tr("Sound for %1 events"));
 }
 
 }  // namespace quorbel

@@ -63,7 +63,7 @@ void SoundOptions::popupEventsPlay(std::size_t severity) {
 
 void SoundOptions::popupSoundBrowse() {
     openFilePanel(m_page,
-                  {.message = QStringLiteral("Please select sound file name with 'aif' extension:"),
+                  {.message = tr("Please select sound file name with 'aif' extension:"),
                    .extensions = {QStringLiteral("aiff"), QStringLiteral("aif")},
                    .folder = QStringLiteral("/System/Library/Sounds")},
                   [this](const QString &path) {

@@ -14,7 +14,7 @@ ToolsViewFilter::ToolsViewFilter(QWidget *parent)
 ToolsViewFilter::~ToolsViewFilter() = default;
 
 void ToolsViewFilter::viewDidLoad() {
-    setWindowTitle(QStringLiteral("Quorbel Filter"));
+    setWindowTitle(tr("Quorbel Filter"));
     connect(ui->onSave, &QAbstractButton::clicked, this, &ToolsViewFilter::onSave);
     connect(ui->onCancel, &QAbstractButton::clicked, this, &ToolsViewFilter::onCancel);
 }

@@ -10,16 +10,17 @@ namespace quorbel {
 
 namespace {
 
-QString title(ReportField field) {
+/// In English, as files have it.
+const char *title(ReportField field) {
     switch (field) {
         case ReportField::kDate:
-            return QStringLiteral("Date");
+            return QT_TRANSLATE_NOOP("quorbel::ReportTableModel", "Date");
         case ReportField::kPriority:
-            return QStringLiteral("Priority");
+            return QT_TRANSLATE_NOOP("quorbel::ReportTableModel", "Priority");
         case ReportField::kHost:
-            return QStringLiteral("Host");
+            return QT_TRANSLATE_NOOP("quorbel::ReportTableModel", "Host");
         default:
-            return QStringLiteral("Message");
+            return QT_TRANSLATE_NOOP("quorbel::ReportTableModel", "Message");
     }
 }
 
@@ -112,9 +113,12 @@ QVariant ReportTableModel::headerData(int section, Qt::Orientation orientation, 
     if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
         return {};
     }
+    const char *text = title(m_columns[static_cast<std::size_t>(section)]);
     switch (role) {
         case Qt::DisplayRole:
-            return title(m_columns[static_cast<std::size_t>(section)]);
+            return tr(text);
+        case Qt::EditRole:  // as files have it
+            return QString::fromLatin1(text);
         case Qt::TextAlignmentRole:
             return QVariant::fromValue(Qt::AlignLeft | Qt::AlignVCenter);
         default:
@@ -130,6 +134,14 @@ QString ReportTableModel::text(const ReportRows::Place &place, int column) const
                          ? m_report->detailText(place.group, *place.detail,
                                                 m_columns[static_cast<std::size_t>(column)])
                          : m_report->groupText(place.group));
+}
+
+QString ReportTableModel::spokenText(const ReportRows::Place &place, int column) const {
+    const QString read = paintedRow(text(place, column));
+    if (place.detail || column > 0) {
+        return read;
+    }
+    return (m_rows.isExpanded(place.group) ? tr("%1, expanded") : tr("%1, collapsed")).arg(read);
 }
 
 QVariant ReportTableModel::data(const QModelIndex &index, int role) const {
@@ -148,10 +160,7 @@ QVariant ReportTableModel::data(const QModelIndex &index, int role) const {
                    : m_rows.isExpanded(place.group) ? m_expandedMarker
                                                     : m_collapsedMarker;
         case Qt::AccessibleTextRole:
-            return paintedRow(text(place, index.column())) + (!isGroupCell ? QString()
-                                                              : m_rows.isExpanded(place.group)
-                                                                  ? QStringLiteral(", expanded")
-                                                                  : QStringLiteral(", collapsed"));
+            return spokenText(place, index.column());
         default:
             return {};
     }

@@ -51,6 +51,7 @@ public:
 private:
     [[nodiscard]] ReportRows::Place placeOf(int row) const;
     [[nodiscard]] QString text(const ReportRows::Place &place, int column) const;
+    [[nodiscard]] QString spokenText(const ReportRows::Place &place, int column) const;
 
     std::array<ReportField, kReportColumns> m_columns;
     std::unique_ptr<const ReportEngine> m_report;

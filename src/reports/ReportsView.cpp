@@ -54,7 +54,7 @@ void useOwnFilePanel(QPrintDialog &dialog) {
     QObject::connect(button, &QAbstractButton::clicked, &dialog, [&dialog, field] {
         const QFileInfo file(field->text());
         openFilePanel(&dialog,
-                      {.message = QStringLiteral("Please select a file to print to:"),
+                      {.message = ReportsView::tr("Please select a file to print to:"),
                        .extensions = {QStringLiteral("pdf")},
                        .folder = file.path(),
                        .name = file.fileName(),
@@ -63,13 +63,8 @@ void useOwnFilePanel(QPrintDialog &dialog) {
     });
 }
 
-const QString &allLogs() {
-    static const QString kItem = QStringLiteral("All Logs");
-    return kItem;
-}
-
 QString firstHint() {
-    return QStringLiteral(
+    return ReportsView::tr(
         "No report yet.\nChoose what to group the events by and which log to read, then press "
         "Display.");
 }
@@ -125,7 +120,7 @@ void ReportsView::viewWillAppear() {
     ++m_resets;
     ui->reportName->setCurrentIndex(-1);
     ui->reportFilter->clear();
-    ui->reportFilter->addItem(allLogs());
+    ui->reportFilter->addItem(tr("All Logs"));
     for (const auto &file : logFiles()) {
         // A name need not be text; the bytes tell which file is meant.
         const std::string name = file.stem().string();
@@ -170,7 +165,8 @@ std::vector<std::filesystem::path> ReportsView::chosenFiles() const {
         return files;
     }
     files = logFiles();
-    if (ui->reportFilter->currentText() != allLogs()) {
+    // The first item is for all of them.
+    if (ui->reportFilter->currentIndex() > 0) {
         const std::string name = ui->reportFilter->currentData().toByteArray().toStdString();
         std::erase_if(files, [&name](const auto &file) { return file.stem().string() != name; });
     }
@@ -212,8 +208,8 @@ void ReportsView::displayReport() {
     bool isComplete = false;
     {
         ProgressWindow progress({.title = QStringLiteral("Quorbel"),
-                                 .work = QStringLiteral("Reading the log files"),
-                                 .accessibleName = QStringLiteral("Bytes read")},
+                                 .work = tr("Reading the log files"),
+                                 .accessibleName = tr("Bytes read")},
                                 ProgressWindow::Unit::kBytes, this,
                                 ProgressWindow::Cancel::kOffered);
         isComplete = report->read(chosenFiles(), [&](std::uint64_t done, std::uint64_t inAll) {
@@ -224,8 +220,8 @@ void ReportsView::displayReport() {
     if (resets != m_resets) {
         return;
     }
-    ui->tableView->setHint(!isComplete ? QStringLiteral("The report was cancelled.")
-                           : kind      ? QStringLiteral("No events in the chosen log.")
+    ui->tableView->setHint(!isComplete ? tr("The report was cancelled.")
+                           : kind      ? tr("No events in the chosen log.")
                                        : firstHint());
     if (isComplete) {
         m_model->setReport(std::move(report));
@@ -293,8 +289,8 @@ void ReportsView::print() {
     const unsigned resets = m_resets;
     bool isCancelled = false;
     ProgressWindow progress({.title = QStringLiteral("Quorbel"),
-                             .work = QStringLiteral("Printing the report"),
-                             .accessibleName = QStringLiteral("Rows printed")},
+                             .work = tr("Printing the report"),
+                             .accessibleName = tr("Rows printed")},
                             ProgressWindow::Unit::kRows, this, ProgressWindow::Cancel::kOffered);
     ReportPrinter printer(*m_model, columns);
     printer.setCopies(m_printer->supportsMultipleCopies() ? 1 : m_printer->copyCount());
@@ -309,15 +305,16 @@ void ReportsView::print() {
         QFile::remove(m_printer->outputFileName());
     }
     if (isComplete && printer.printedPages() == 0) {
-        openAlert(this,
-                  {.message = QStringLiteral("No page was printed"),
-                   .informativeText =
-                       printer.pageCount() == 1
-                           ? QStringLiteral("The report has only one page.")
-                           : QStringLiteral("The report has %1 pages.").arg(printer.pageCount()),
-                   .checkBox = {},
-                   .buttons = {}},
-                  {});
+        openAlert(
+            this,
+            {.message = tr("No page was printed"),
+             .informativeText = printer.pageCount() == 1
+                                    ? tr("The report has only one page.")
+                                    : tr("The report has %1 pages.", nullptr, printer.pageCount())
+                                          .arg(countText(printer.pageCount())),
+             .checkBox = {},
+             .buttons = {}},
+            {});
     }
 }
 

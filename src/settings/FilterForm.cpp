@@ -8,6 +8,7 @@
 #include "platform/gui/FontSize.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
+#include "platform/gui/StoredChoice.h"
 #include "ui_FilterForm.h"
 
 #include <QLocale>
@@ -25,29 +26,32 @@ constexpr int kNarrowestHost = 60;
 
 QString addressCount(unsigned freeBits) {
     constexpr unsigned kMostWrittenOut = 32;
+    if (freeBits == 0) {
+        return FilterForm::tr("1 address");
+    }
+    const qint64 addresses = qint64{1} << std::min(freeBits, kMostWrittenOut);
     const QString count = freeBits <= kMostWrittenOut
-                              ? QLocale().toString(qulonglong{1} << freeBits)
+                              ? countText(addresses)
                               : QStringLiteral("2^") + QString::number(freeBits);
-    return count + (freeBits == 0 ? QStringLiteral(" address") : QStringLiteral(" addresses"));
+    return FilterForm::tr("%1 addresses", nullptr, pluralNumber(addresses)).arg(count);
 }
 
 /// What is said below the fields of the host. No text is longer than the one in the form, for which
 /// the sheets have room.
 QString meaningOf(const SenderRange &senders) {
     if (senders.ignoresAddress()) {
-        return QStringLiteral("Any host: with a mask of 0, the address is ignored");
+        return FilterForm::tr("Any host: with a mask of 0, the address is ignored");
     }
     if (senders.isAnybody()) {
-        return QStringLiteral("Any host; 192.168.1.0 / 24 is a whole network");
+        return FilterForm::tr("Any host; 192.168.1.0 / 24 is a whole network");
     }
     if (senders.isNobody()) {
-        return QStringLiteral("Not a valid address: matches no host");
+        return FilterForm::tr("Not a valid address: matches no host");
     }
     const QString count = addressCount(senders.freeBits());
-    return senders.isMaskTooLong()
-               ? count + QStringLiteral("; the longest mask for this address is ") +
-                     QString::number(senders.addressBits())
-               : count;
+    return senders.isMaskTooLong() ? FilterForm::tr("%1; the longest mask for this address is %2")
+                                         .arg(count, QString::number(senders.addressBits()))
+                                   : count;
 }
 
 QString fieldText(const Dictionary &record, std::string_view key) {
@@ -57,7 +61,7 @@ QString fieldText(const Dictionary &record, std::string_view key) {
 /// Selects the item that is equal to the stored value, or none.
 void select(QComboBox &chooser, const Dictionary &record, std::string_view key) {
     const auto value = settingText(record, key);
-    chooser.setCurrentIndex(value ? chooser.findText(toQString(*value)) : -1);
+    chooser.setCurrentIndex(value ? findStored(chooser, *value) : -1);
 }
 
 /// Gives a label the look of a role of the style sheet.
@@ -76,13 +80,13 @@ FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<U
     ui->setupUi(this);
     ui->hostMeaning->setTextFormat(Qt::PlainText);  // some of it may be a stranger's
     m_roomForMeaning = ui->hostMeaning->sizeHint().width();
-    ui->recordFacility->addItem(toQString(kAny));
+    addStored(*ui->recordFacility, kAny);
     for (const std::string_view facility : kFacilityNames) {
-        ui->recordFacility->addItem(toQString(facility));
+        ui->recordFacility->addItem(toQString(facility), toQString(facility));
     }
-    ui->recordSeverity->addItem(toQString(kAny));
+    addStored(*ui->recordSeverity, kAny);
     for (std::size_t i = 0; i < kUnknownClass; ++i) {
-        ui->recordSeverity->addItem(toQString(kSeverityClasses[i].name));
+        addStored(*ui->recordSeverity, kSeverityClasses[i].name);
     }
     connect(ui->recordIP, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
     connect(ui->recordMask, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
@@ -150,8 +154,8 @@ Dictionary FilterForm::allFields() const {
             {"IP", ui->recordIP->text().toStdString()},
             {"Message", ui->recordMessage->text().toStdString()},
             {"Mask", ui->recordMask->text().toStdString()},
-            {"Facility", ui->recordFacility->currentText().toStdString()},
-            {"Severity", ui->recordSeverity->currentText().toStdString()}};
+            {"Facility", storedChoice(*ui->recordFacility)},
+            {"Severity", storedChoice(*ui->recordSeverity)}};
 }
 
 FilterForm::Record FilterForm::record() const {

@@ -16,7 +16,7 @@ RecipientsList::RecipientsList(QWidget *parent)
       m_recipientsController(new QStandardItemModel(0, 1, this)) {
     ui->setupUi(this);
     m_recipientsController->setObjectName(QStringLiteral("recipientsController"));
-    m_recipientsController->setHorizontalHeaderLabels({QStringLiteral("Recipient")});
+    m_recipientsController->setHorizontalHeaderLabels({tr("Recipient")});
     ui->recipientsTable->setModel(m_recipientsController);
     ui->recipientsTable->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     ui->recipientEmail->installEventFilter(this);
@@ -48,8 +48,8 @@ std::vector<std::string> RecipientsList::recipients() const {
 
 void RecipientsList::alertNoRecipients() {
     openAlert(this,
-              {.message = QStringLiteral("No recipients selected"),
-               .informativeText = QStringLiteral("Please add recipients and try again."),
+              {.message = tr("No recipients selected"),
+               .informativeText = tr("Please add recipients and try again."),
                .checkBox = {},
                .buttons = {}},
               {});

@@ -1,6 +1,7 @@
 #include "settings/RecordTableModel.h"
 
 #include "common/SettingsDocument.h"
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <array>
@@ -11,8 +12,13 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array<std::string_view, RecordTableModel::kFilterColumnCount> kTitles{
-    "Name", "Host", "Facility", "Severity", "Message"};
+/// By column; but for the host's, keys of the fields as well.
+constexpr std::array<const char *, RecordTableModel::kFilterColumnCount> kTitles{
+    QT_TRANSLATE_NOOP("quorbel::RecordTableModel", "Name"),
+    QT_TRANSLATE_NOOP("quorbel::RecordTableModel", "Host"),
+    QT_TRANSLATE_NOOP("quorbel::RecordTableModel", "Facility"),
+    QT_TRANSLATE_NOOP("quorbel::RecordTableModel", "Severity"),
+    QT_TRANSLATE_NOOP("quorbel::RecordTableModel", "Message")};
 
 QString field(const Dictionary &record, std::string_view key) {
     return toQString(settingText(record, key).value_or(std::string()));
@@ -20,12 +26,15 @@ QString field(const Dictionary &record, std::string_view key) {
 
 QString cell(const Dictionary &record, int column) {
     if (column != RecordTableModel::kHost) {
-        return field(record, kTitles[static_cast<std::size_t>(column)]);
+        const QString text = field(record, kTitles[static_cast<std::size_t>(column)]);
+        const bool isChoice =
+            column == RecordTableModel::kFacility || column == RecordTableModel::kSeverity;
+        return isChoice ? knownName(text) : text;
     }
     const QString address = field(record, "IP");
     const QString mask = field(record, "Mask");
     if (address == QStringLiteral("0.0.0.0") && mask == QStringLiteral("0")) {
-        return QStringLiteral("Any");
+        return knownName(std::string_view("Any"));
     }
     return mask.isEmpty() ? address : address + u'/' + mask;
 }
@@ -100,7 +109,7 @@ QVariant RecordTableModel::headerData(int section, Qt::Orientation orientation, 
         return {};
     }
     return section == kFilterColumnCount ? m_lastTitle
-                                         : toQString(kTitles[static_cast<std::size_t>(section)]);
+                                         : tr(kTitles[static_cast<std::size_t>(section)]);
 }
 
 }  // namespace quorbel

@@ -178,7 +178,7 @@ void WindowController::Help() {
 }
 
 void WindowController::HelpDropDown() {
-    auto *menu = new QMenu(QStringLiteral("Menu"), this);
+    auto *menu = new QMenu(tr("Menu"), this);
     menu->setObjectName(QStringLiteral("helpDropDownMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu->addAction(ui->applicationHelp->text()), &QAction::triggered, this,
@@ -251,9 +251,9 @@ void WindowController::removeNotification(const EventFields &announced) {
 }
 
 void WindowController::initializeLog() {
-    ProgressWindow progress({.title = QStringLiteral("Quorbel is starting"),
-                             .work = QStringLiteral("Loading the stored events"),
-                             .accessibleName = QStringLiteral("Stored events loaded")},
+    ProgressWindow progress({.title = tr("Quorbel is starting"),
+                             .work = tr("Loading the stored events"),
+                             .accessibleName = tr("Stored events loaded")},
                             ProgressWindow::Unit::kBytes);
     m_intake->initializeLog(
         [&progress](std::uint64_t read, std::uint64_t total) { progress.update(read, total); });
