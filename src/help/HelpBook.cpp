@@ -1,5 +1,7 @@
 #include "help/HelpBook.h"
 
+#include "platform/gui/Language.h"
+
 #include <QFile>
 #include <QRegularExpression>
 #include <QTextBlock>
@@ -16,10 +18,18 @@ constexpr std::array kFiles{"getting-started", "pages",   "finding",        "que
                             "reports",         "devices", "settings",       "actions",   "export",
                             "service",         "keeping", "nothing-arrives"};
 
+/// Its place in the resources in the language in use; in English where it is not translated.
+QString placeOf(const QString &name) {
+    const QString translated = QStringLiteral("/help/%1/%2.html").arg(languageInUse(), name);
+    return QFile::exists(u':' + translated) ? translated
+                                            : QStringLiteral("/help/%1.html").arg(name);
+}
+
 HelpChapter loadChapter(const QString &name) {
     HelpChapter chapter;
-    chapter.url = QUrl(QStringLiteral("qrc:/help/%1.html").arg(name));
-    QFile file(QStringLiteral(":/help/%1.html").arg(name));
+    const QString place = placeOf(name);
+    chapter.url = QUrl(QStringLiteral("qrc:") + place);
+    QFile file(u':' + place);
     if (!file.open(QIODevice::ReadOnly)) {
         return chapter;
     }
@@ -31,6 +41,16 @@ HelpChapter loadChapter(const QString &name) {
 }
 
 }  // namespace
+
+QUrl chapterUrl(const QUrl &link) {
+    const QString file = link.fileName();
+    if (link.scheme() != u"qrc" || !file.endsWith(QStringLiteral(".html"))) {
+        return link;
+    }
+    QUrl url = link;
+    url.setPath(placeOf(file.chopped(5)));
+    return url;
+}
 
 std::vector<HelpChapter> loadHelpBook() {
     std::vector<HelpChapter> book;

@@ -8,7 +8,8 @@
 
 namespace quorbel {
 
-/// A chapter of the help book: one HTML file in the program's resources.
+/// A chapter of the help book: one HTML file in the program's resources, help/NAME.html, or
+/// help/LANGUAGE/NAME.html where it is translated.
 struct HelpChapter {
     QUrl url;
     QString title;  ///< its first heading
@@ -17,6 +18,11 @@ struct HelpChapter {
 
 /// The whole book, in reading order. A chapter that is missing has no title and no text.
 std::vector<HelpChapter> loadHelpBook();
+
+/// Where a link of a chapter leads: to the chapter of that name in the language in use, or in
+/// English where that is not translated, whichever of them the link stands in. Other links as they
+/// are.
+QUrl chapterUrl(const QUrl &link);
 
 /// What is between the blanks of a search text.
 QStringList searchWords(const QString &search);

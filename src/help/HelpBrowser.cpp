@@ -1,5 +1,7 @@
 #include "help/HelpBrowser.h"
 
+#include "help/HelpBook.h"
+
 #include <QFile>
 #include <QImage>
 #include <QPainter>
@@ -71,6 +73,10 @@ QVariant HelpBrowser::loadResource(int type, const QUrl &name) {
         resource = html;
     }
     return resource;
+}
+
+void HelpBrowser::doSetSource(const QUrl &name, QTextDocument::ResourceType type) {
+    QTextBrowser::doSetSource(chapterUrl(name), type);
 }
 
 void HelpBrowser::resizeEvent(QResizeEvent *event) {

@@ -19,6 +19,7 @@ public:
     QVariant loadResource(int type, const QUrl &name) override;
 
 protected:
+    void doSetSource(const QUrl &name, QTextDocument::ResourceType type) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
