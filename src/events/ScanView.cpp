@@ -6,6 +6,7 @@
 #include "events/EventFinder.h"
 #include "events/EventSelection.h"
 #include "events/EventTableModel.h"
+#include "events/HeadLinks.h"
 #include "events/NewestButton.h"
 #include "events/ReadingPlace.h"
 #include "events/TestMessage.h"
@@ -70,6 +71,10 @@ void ScanView::viewDidLoad() {
     connect(ui->scanActions, &QAbstractButton::clicked, this, &ScanView::syslogActions);
     connect(ui->scanOptions, &QAbstractButton::clicked, this, &ScanView::syslogOptions);
     ui->findOpen->setIcon(lineIcon(QStringLiteral("search")));
+    new HeadLinks(*ui->headLayout,
+                  {{ui->scanActions, QStringLiteral("actions")},
+                   {ui->scanOptions, QStringLiteral("options")}},
+                  *this);
     ui->findBar->attach(arrController, *ui->findOpen);
     m_finder =
         std::make_unique<EventFinder>(m_events, m_delegate.state, *ui->findBar, *ui->tableView);

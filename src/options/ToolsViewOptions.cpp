@@ -9,6 +9,7 @@
 #include "options/SoundOptions.h"
 #include "platform/gui/ScrolledControls.h"
 #include "platform/gui/Sheet.h"
+#include "platform/gui/WrappedTexts.h"
 #include "ui_ToolsViewOptions.h"
 
 #include <QScrollBar>
@@ -64,6 +65,7 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
     m_groups = {showing, levels, m_removal, m_popup, m_sound, m_filters};
     joinTabOrders(m_groups);
     new ScrolledControls(*ui->scrollView);
+    new WrappedTexts(*ui->scrollView);
 }
 
 ToolsViewOptions::~ToolsViewOptions() = default;

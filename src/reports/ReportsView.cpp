@@ -33,7 +33,9 @@ constexpr QMarginsF kPaperMargins(15, 15, 15, 15);
 constexpr int kColumnWidth = 120;
 constexpr int kDateWidth = 140;
 constexpr int kDateGroupWidth = 165;
-constexpr int kOtherColumns = 380;  // beside a column of messages
+constexpr std::string_view kAllLogs =
+    QT_TRANSLATE_NOOP("quorbel::ReportsView", "All Logs");  // also a file's name, in any language
+constexpr int kOtherColumns = 380;                          // beside a column of messages
 
 // By ReportKind: where what the user made of the columns is remembered.
 constexpr const char *kMemoryNames[] = {"ReportByHost", "ReportByMessage", "ReportByPriority",
@@ -120,7 +122,7 @@ void ReportsView::viewWillAppear() {
     ++m_resets;
     ui->reportName->setCurrentIndex(-1);
     ui->reportFilter->clear();
-    ui->reportFilter->addItem(tr("All Logs"));
+    ui->reportFilter->addItem(tr(kAllLogs.data()));
     for (const auto &file : logFiles()) {
         // A name need not be text; the bytes tell which file is meant.
         const std::string name = file.stem().string();
@@ -165,9 +167,8 @@ std::vector<std::filesystem::path> ReportsView::chosenFiles() const {
         return files;
     }
     files = logFiles();
-    // The first item is for all of them.
-    if (ui->reportFilter->currentIndex() > 0) {
-        const std::string name = ui->reportFilter->currentData().toByteArray().toStdString();
+    const std::string name = ui->reportFilter->currentData().toByteArray().toStdString();
+    if (ui->reportFilter->currentIndex() > 0 && name != kAllLogs) {
         std::erase_if(files, [&name](const auto &file) { return file.stem().string() != name; });
     }
     return files;

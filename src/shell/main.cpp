@@ -1,6 +1,7 @@
 #include "core/AppDelegate.h"
 #include "platform/bus/SingleInstance.h"
 #include "platform/gui/Appearance.h"
+#include "platform/gui/Language.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/Storyboard.h"
 #include "shell/MainStoryboard.h"
@@ -61,6 +62,7 @@ int main(int argc, char **argv) {
     QApplication::setApplicationVersion(QStringLiteral(QUORBEL_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("com.Halvern.Quorbel"));
     QApplication::setQuitOnLastWindowClosed(false);
+    useLanguageOf(QLocale::system());
     applyAppearance(application);
 
     AppDelegate delegate;

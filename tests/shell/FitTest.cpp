@@ -2,6 +2,7 @@
 #include "platform/gui/Appearance.h"
 #include "platform/gui/RowTableView.h"
 #include "platform/gui/Sheet.h"
+#include "shell/FitChecks.h"
 #include "support/FrontEnd.h"
 #include "support/TemporaryFolder.h"
 
@@ -52,91 +53,6 @@ constexpr SheetCase kSheets[] = {
 constexpr const char *kPages[] = {"HomeView",       "ScanView",         "ReportsView",
                                   "ToolsView",      "ToolsViewOptions", "ToolsViewActions",
                                   "ToolsViewExport"};
-
-QByteArray told(const QWidget &widget) {
-    const QRect place(widget.mapTo(widget.window(), QPoint()), widget.size());
-    QString text;
-    QDebug(&text) << widget.objectName() << place << "in" << widget.window()->frameGeometry()
-                  << "on" << widget.screen()->availableGeometry();
-    return text.toUtf8();
-}
-
-bool isControl(const QWidget &widget) {
-    return qobject_cast<const QAbstractButton *>(&widget) != nullptr ||
-           qobject_cast<const QLineEdit *>(&widget) != nullptr ||
-           qobject_cast<const QPlainTextEdit *>(&widget) != nullptr ||
-           qobject_cast<const QComboBox *>(&widget) != nullptr ||
-           qobject_cast<const QAbstractSpinBox *>(&widget) != nullptr ||
-           qobject_cast<const QAbstractSlider *>(&widget) != nullptr ||
-           qobject_cast<const QAbstractItemView *>(&widget) != nullptr;
-}
-
-bool isPart(const QWidget &widget) {
-    const QWidget *parent = widget.parentWidget();
-    return qobject_cast<const QScrollBar *>(&widget) != nullptr ||
-           widget.objectName().startsWith("qt_"_L1) || widget.size().isNull() ||
-           qobject_cast<const QComboBox *>(parent) != nullptr ||
-           qobject_cast<const QAbstractItemView *>(parent) != nullptr;
-}
-
-QScrollArea *scrollAreaAround(const QWidget &widget) {
-    for (QWidget *parent = widget.parentWidget(); parent != nullptr;
-         parent = parent->parentWidget()) {
-        if (auto *area = qobject_cast<QScrollArea *>(parent)) {
-            return area;
-        }
-    }
-    return nullptr;
-}
-
-bool isInside(const QWidget &widget, const QWidget &around) {
-    return around.rect().contains(QRect(widget.mapTo(&around, QPoint()), widget.size()));
-}
-
-/// Whether the user can get to see the whole of it, or its beginning where it is larger than that.
-bool isReachable(QWidget &control) {
-    QScrollArea *area = scrollAreaAround(control);
-    if (area == nullptr) {
-        return isInside(control, *control.window());
-    }
-    const QPoint centre = control.mapTo(area->widget(), control.rect().center());
-    area->ensureVisible(centre.x(), centre.y(), control.width() / 2 + 1, control.height() / 2 + 1);
-    return isInside(*area->viewport(), *area->window()) && isInside(control, *area->viewport());
-}
-
-/// What a chooser, stepper or slider is set to.
-QVariant valueOf(const QWidget &control) {
-    if (const auto *chooser = qobject_cast<const QComboBox *>(&control)) {
-        return chooser->currentIndex();
-    }
-    if (const auto *stepper = qobject_cast<const QSpinBox *>(&control)) {
-        return stepper->value();
-    }
-    const auto *slider = qobject_cast<const QSlider *>(&control);
-    return slider != nullptr ? slider->value() : QVariant();
-}
-
-bool isWhole(const QLabel &label) {
-    const int height =
-        label.hasHeightForWidth() ? label.heightForWidth(label.width()) : label.sizeHint().height();
-    return label.height() >= height &&
-           (label.wordWrap() || label.width() >= label.sizeHint().width());
-}
-
-/// What a button's or chooser's text needs, without the air around it.
-bool isWhole(const QWidget &control, const QString &text) {
-    const QFontMetrics metrics = control.fontMetrics();
-    return control.width() > metrics.horizontalAdvance(text) &&
-           control.height() >= metrics.height();
-}
-
-int roomForText(const QLineEdit &field) {
-    QStyleOptionFrame option;
-    option.initFrom(&field);
-    constexpr int kInnerMargin = 2;
-    return field.style()->subElementRect(QStyle::SE_LineEditContents, &option, &field).width() -
-           2 * kInnerMargin;
-}
 
 }  // namespace
 
@@ -244,7 +160,7 @@ private Q_SLOTS:
         QVERIFY(view != nullptr);
         for (QWidget *widget : visible<QWidget>(*view->window())) {
             if (isControl(*widget)) {
-                QVERIFY2(isReachable(*widget), told(*widget).constData());
+                QTRY_VERIFY2(isReachable(*widget), told(*widget).constData());
             }
         }
     }
@@ -295,6 +211,17 @@ private Q_SLOTS:
         }
         for (const QLineEdit *field : visible<QLineEdit>(*view)) {
             QVERIFY2(field->height() >= field->sizeHint().height(), told(*field).constData());
+        }
+    }
+
+    void nothingLiesOverSomethingElse_data() { addViews(); }
+    void nothingLiesOverSomethingElse() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (const QWidget *widget : visible<QWidget>(*view)) {
+            const QWidget *other = overlapping(*widget);
+            QVERIFY2(other == nullptr,
+                     (told(*widget) + " and " + (other ? told(*other) : "")).constData());
         }
     }
 
@@ -362,24 +289,6 @@ private Q_SLOTS:
     }
 };
 
-namespace {
-
-/// Screens of the sizes that $QUORBEL_TEST_SCREENS names, as "1024x768 800x540", side by side.
-QByteArray screensFile(const testing::TemporaryFolder &folder) {
-    QByteArray screens;
-    int left = 0;
-    for (const QByteArray &size : qgetenv("QUORBEL_TEST_SCREENS").split(' ')) {
-        const QList<QByteArray> sides = size.split('x');
-        screens += (screens.isEmpty() ? "" : ",") + QByteArray("{\"name\":\"") + size +
-                   "\",\"x\":" + QByteArray::number(left) + ",\"y\":0,\"width\":" + sides.at(0) +
-                   ",\"height\":" + sides.at(1) + "}";
-        left += sides.at(0).toInt();
-    }
-    return folder.write("screens.json", ("{\"screens\":[" + screens + "]}").toStdString()).c_str();
-}
-
-}  // namespace
-
 }  // namespace quorbel
 
 int main(int argc, char **argv) {
@@ -389,6 +298,7 @@ int main(int argc, char **argv) {
     }
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral(QUORBEL_VERSION));
+    quorbel::useLanguage();
     quorbel::FitTest test;
     return QTest::qExec(&test, argc, argv);
 }

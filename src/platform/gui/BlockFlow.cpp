@@ -1,5 +1,8 @@
 #include "platform/gui/BlockFlow.h"
 
+#include <QStyle>
+#include <QWidget>
+
 #include <algorithm>
 
 namespace quorbel {
@@ -57,7 +60,10 @@ void BlockFlow::setGeometry(const QRect &place) {
     for (int i = 0; i < count(); ++i) {
         const int left = place.left() + i % columns * (width + m_horizontalGap);
         const int top = place.top() + i / columns * (height + m_verticalGap);
-        itemAt(i)->setGeometry({left, top, width, height});
+        const QWidget *parent = parentWidget();
+        itemAt(i)->setGeometry(
+            QStyle::visualRect(parent == nullptr ? Qt::LeftToRight : parent->layoutDirection(),
+                               place, {left, top, width, height}));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/gui/FontSize.h"
 #include "platform/gui/ScrolledControls.h"
+#include "platform/gui/WrappedTexts.h"
 
 #include <QLayout>
 #include <QVBoxLayout>
@@ -69,6 +70,7 @@ ContentArea &ContentArea::wrap(QWidget &view) {
     }
     form.insertWidget(0, area, 1);
     new ScrolledControls(*area);
+    new WrappedTexts(*area);
     return *area;
 }
 
