@@ -1,4 +1,6 @@
 // Takes the pictures of the windows: quorbel-pictures FOLDER [SUFFIX [NAME...]]
+// In the language of the desktop; $QUORBEL_PICTURES_LANGUAGE may say "pseudo", for one made of the
+// English texts, half as long again.
 //
 // Puts the real front-end together over prepared log files and settings, goes to each page and
 // sheet through its controls, and saves what the display shows as FOLDER/NAME SUFFIX.png. Needs an
@@ -6,9 +8,11 @@
 
 #include "SampleLibrary.h"
 #include "platform/gui/Appearance.h"
+#include "platform/gui/Language.h"
 #include "platform/gui/WindowMemory.h"
 #include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
+#include "support/PseudoLanguage.h"
 #include "support/ServiceStandIn.h"
 #include "support/TemporaryFolder.h"
 
@@ -445,6 +449,12 @@ int main(int argc, char **argv) {
     QApplication::setApplicationName(QStringLiteral("Quorbel"));
     QApplication::setApplicationVersion(QStringLiteral(QUORBEL_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
+    if (qEnvironmentVariable("QUORBEL_PICTURES_LANGUAGE") == u"pseudo") {
+        static quorbel::testing::PseudoLanguage pseudo;
+        QCoreApplication::installTranslator(&pseudo);
+    } else {
+        quorbel::useLanguageOf(QLocale::system());
+    }
     quorbel::applyAppearance(application);
     if (argc < 2) {
         std::fprintf(stderr, "usage: %s FOLDER [SUFFIX [NAME...]]\n", argv[0]);

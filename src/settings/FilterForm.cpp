@@ -21,7 +21,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::string_view kAny = "Any";
 constexpr int kNarrowestHost = 60;
 
 QString addressCount(unsigned freeBits) {
@@ -29,10 +28,10 @@ QString addressCount(unsigned freeBits) {
     if (freeBits == 0) {
         return FilterForm::tr("1 address");
     }
-    const qint64 addresses = qint64{1} << std::min(freeBits, kMostWrittenOut);
-    const QString count = freeBits <= kMostWrittenOut
-                              ? countText(addresses)
-                              : QStringLiteral("2^") + QString::number(freeBits);
+    const bool isWrittenOut = freeBits <= kMostWrittenOut;
+    const qint64 addresses = qint64{1} << (isWrittenOut ? freeBits : kMostWrittenOut);
+    const QString count =
+        isWrittenOut ? countText(addresses) : QStringLiteral("2^") + QString::number(freeBits);
     return FilterForm::tr("%1 addresses", nullptr, pluralNumber(addresses)).arg(count);
 }
 
@@ -53,6 +52,8 @@ QString meaningOf(const SenderRange &senders) {
                                          .arg(count, QString::number(senders.addressBits()))
                                    : count;
 }
+
+constexpr std::string_view kAny = "Any";
 
 QString fieldText(const Dictionary &record, std::string_view key) {
     return toQString(settingText(record, key).value_or(std::string()));

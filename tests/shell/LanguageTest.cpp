@@ -235,6 +235,20 @@ private Q_SLOTS:
         report();
     }
 
+    void whatAFilterSaysOfItsHosts() {
+        const Sheet *sheet = openOver(show("ToolsViewOptions"), "filterView");
+        auto &address = *sheet->findChild<QLineEdit *>(u"filterIP"_s);
+        auto &mask = *sheet->findChild<QLineEdit *>(u"filterMask"_s);
+        for (const char *one :
+             {"10.0.0.0/8", "10.0.0.1/32", "10.0.0.1/40", "10.0.0.1/0", "x/8", "fe80::/10"}) {
+            const QStringList parts = QString::fromLatin1(one).split(u'/');
+            address.setText(parts[0]);
+            mask.setText(parts[1]);
+            checkAll();
+        }
+        report();
+    }
+
     void theSheetsOfTheActionEditor() {
         Sheet *editor = openOver(show("ToolsViewActions"), "actionView");
         for (const char *sheet : {"commandRun", "commandEmail", "commandEvent"}) {

@@ -1,7 +1,9 @@
 #include "support/PseudoLanguage.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QStringList>
+#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <array>
@@ -54,13 +56,29 @@ QString padding(qsizetype length) {
 
 }  // namespace
 
+PseudoLanguage::PseudoLanguage() {
+    QFile file(QStringLiteral(QUORBEL_TRANSLATIONS "/quorbel_de.ts"));
+    file.open(QIODevice::ReadOnly);
+    QXmlStreamReader xml(&file);
+    QString context;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement() && xml.name() == u"name") {
+            context = xml.readElementText();
+        } else if (xml.isStartElement() && xml.name() == u"source") {
+            m_collected.emplace(context, xml.readElementText());
+        }
+    }
+}
+
 QString PseudoLanguage::translate(const char *context, const char *sourceText,
                                   const char * /*disambiguation*/, int /*n*/) const {
-    if (isForQt(context) || isForPrograms(context)) {
+    const QString source = QString::fromUtf8(sourceText);
+    if (isForQt(context) || isForPrograms(context) ||
+        m_collected.count({QString::fromUtf8(context), source}) == 0) {
         return {};
     }
     static const QRegularExpression place(QStringLiteral("(%\\d)"));
-    const QString source = QString::fromUtf8(sourceText);
     QString text = accented(source);
     text.replace(place, QStringLiteral("]\\1["));
     return u'[' + text + u' ' + padding(source.size()) + u']';

@@ -2,6 +2,9 @@
 
 #include <QTranslator>
 
+#include <set>
+#include <utility>
+
 namespace quorbel::testing {
 
 /// A language made of the English texts: with accents, half as long again, in brackets, and with
@@ -9,7 +12,7 @@ namespace quorbel::testing {
 /// of brackets has come past translation. Qt's own texts stay in English.
 class PseudoLanguage : public QTranslator {
 public:
-    using QTranslator::QTranslator;
+    PseudoLanguage();
 
     [[nodiscard]] QString translate(const char *context, const char *sourceText,
                                     const char *disambiguation, int n) const override;
@@ -17,6 +20,9 @@ public:
 
     /// What of a text that is shown stands outside of brackets, but for blanks and marks.
     [[nodiscard]] static QString outside(const QString &shown);
+
+private:
+    std::set<std::pair<QString, QString>> m_collected;  ///< contexts and sources
 };
 
 }  // namespace quorbel::testing

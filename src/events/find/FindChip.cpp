@@ -46,7 +46,7 @@ QString FindChip::name() const {
     const QString text = paintedRow(toQString(m_condition.pattern.text));
     const bool isExpression = m_condition.pattern.isExpression;
     return (m_condition.isNegated ? notText() : QString()) +
-           (isExpression ? QStringLiteral("/%1/") : QStringLiteral("“%1”")).arg(text);
+           (isExpression ? QStringLiteral("/%1/") : tr("“%1”")).arg(text);
 }
 
 QString FindChip::description() const {

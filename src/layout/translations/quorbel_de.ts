@@ -419,17 +419,6 @@
         <source>* stands for any text, ? for any one character: *disk full*</source>
         <translation>* steht für beliebigen Text, ? für ein Zeichen: *disk full*</translation>
     </message>
-    <message>
-        <source>1 address</source>
-        <translation>1 Adresse</translation>
-    </message>
-    <message numerus="yes">
-        <source>%1 addresses</source>
-        <translation>
-            <numerusform>%1 Adresse</numerusform>
-            <numerusform>%1 Adressen</numerusform>
-        </translation>
-    </message>
 </context>
 <context>
     <name>HelpWindow</name>
@@ -2571,6 +2560,17 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <source>%1; the longest mask for this address is %2</source>
         <translation>%1; die längste Maske dieser Adresse ist %2</translation>
     </message>
+    <message>
+        <source>1 address</source>
+        <translation>1 Adresse</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 addresses</source>
+        <translation>
+            <numerusform>%1 Adresse</numerusform>
+            <numerusform>%1 Adressen</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>quorbel::FindBar</name>
@@ -2628,6 +2628,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>Click to turn it round, click the cross to remove it</source>
         <translation>Klicken kehrt es um, ein Klick auf das Kreuz entfernt es</translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation>„%1“</translation>
     </message>
 </context>
 <context>
