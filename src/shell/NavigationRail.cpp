@@ -8,6 +8,7 @@
 #include <QResizeEvent>
 #include <QToolButton>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -20,12 +21,23 @@ constexpr int kWidth = 168;
 constexpr int kMargin = 10;
 constexpr int kNarrowMargin = 5;
 constexpr int kIconSize = 20;
+constexpr int kAroundWords = 40;
 
 constexpr std::array kIcons{std::pair("Home", "home"), std::pair("Scan", "events"),
                             std::pair("Reports", "reports"), std::pair("Tools", "tools"),
                             std::pair("HelpDropDown", "help")};
 
 }  // namespace
+
+/// A tool button asks for so little that it cuts its own text.
+int NavigationRail::widthOfWords() const {
+    int widest = 0;
+    for (const auto *entry : m_frame.findChildren<QToolButton *>()) {
+        widest = std::max(widest, entry->fontMetrics().horizontalAdvance(entry->text()) +
+                                      entry->iconSize().width());
+    }
+    return widest + sizedToFont(kAroundWords) + 2 * kMargin;
+}
 
 NavigationRail::NavigationRail(QFrame &frame) : QObject(&frame), m_frame(frame) {
     const int iconSize = sizedToFont(kIconSize);
@@ -60,7 +72,7 @@ void NavigationRail::setNarrow(bool narrow) {
     margins.setLeft(narrow ? kNarrowMargin : kMargin);
     margins.setRight(margins.left());
     m_frame.layout()->setContentsMargins(margins);
-    m_frame.setMinimumWidth(narrow ? 0 : sizedToFont(kWidth));
+    m_frame.setMinimumWidth(narrow ? 0 : std::max(sizedToFont(kWidth), widthOfWords()));
 }
 
 }  // namespace quorbel

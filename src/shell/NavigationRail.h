@@ -23,6 +23,7 @@ protected:
 
 private:
     void setNarrow(bool narrow);
+    [[nodiscard]] int widthOfWords() const;
 
     QFrame &m_frame;
     bool m_isNarrow = false;

@@ -214,6 +214,34 @@ private Q_SLOTS:
         }
     }
 
+    void noHeadingIsCut_data() { addViews(); }
+    void noHeadingIsCut() {
+        QWidget *view = showView();
+        QVERIFY(view != nullptr);
+        for (const QTableView *table : visible<QTableView>(*view)) {
+            const QHeaderView *header = table->horizontalHeader();
+            // The last one has what the others leave.
+            for (int column = 0; column < header->count() - 1; ++column) {
+                QVERIFY2(header->isSectionHidden(column) ||
+                             header->sectionSize(column) >= header->sectionSizeHint(column),
+                         (told(*table) + QByteArray::number(column)).constData());
+            }
+        }
+    }
+
+    void theNavigationAsksForRoomForItsWords() {
+        const auto &rail = m_frontEnd->control<QWidget>("navigation");
+        const QMargins margins = rail.layout()->contentsMargins();
+        const int room = rail.minimumWidth() - margins.left() - margins.right();
+        for (const QToolButton *entry : rail.findChildren<QToolButton *>()) {
+            constexpr int kAround = 36;  // padding, and the gap beside the picture
+            const int needed =
+                entry->fontMetrics().horizontalAdvance(entry->text()) + entry->iconSize().width();
+            QVERIFY2(entry->toolButtonStyle() == Qt::ToolButtonIconOnly || room >= needed + kAround,
+                     told(*entry).constData());
+        }
+    }
+
     void nothingLiesOverSomethingElse_data() { addViews(); }
     void nothingLiesOverSomethingElse() {
         QWidget *view = showView();

@@ -9,7 +9,8 @@ namespace quorbel::testing {
 
 /// A language made of the English texts: with accents, half as long again, in brackets, and with
 /// each place for something else outside of them, "[Ŕéàd ]%1[ òf ]%2[ ~~~~]". What is shown outside
-/// of brackets has come past translation. Qt's own texts stay in English.
+/// of brackets has come past translation, or was never collected for it. Qt's own texts stay in
+/// English.
 class PseudoLanguage : public QTranslator {
 public:
     PseudoLanguage();

@@ -111,8 +111,11 @@ void RowTableView::focusInEvent(QFocusEvent *event) {
 }
 
 void RowTableView::setColumnWidths(std::span<const int> widths) {
+    horizontalHeader()->ensurePolished();  // for the font of the style sheet
     for (int column = 0; const int width : widths) {
-        setColumnWidth(column++, sizedToFont(width));
+        setColumnWidth(column,
+                       std::max(sizedToFont(width), horizontalHeader()->sectionSizeHint(column)));
+        ++column;
     }
 }
 
