@@ -1,5 +1,6 @@
 #include "service/input/StreamChannel.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,6 +33,11 @@ private:
 };
 
 }  // namespace
+
+std::size_t heldByKernel(int socket) {
+    int count = 0;
+    return ::ioctl(socket, FIONREAD, &count) < 0 ? 0 : static_cast<std::size_t>(count);
+}
 
 std::unique_ptr<StreamChannel> makePlainChannel(UniqueFd socket, const std::string & /*host*/) {
     return std::make_unique<PlainChannel>(std::move(socket));

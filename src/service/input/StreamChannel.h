@@ -33,6 +33,9 @@ public:
     [[nodiscard]] virtual bool isEstablished() const = 0;
 };
 
+/// How many bytes of a socket have arrived and were not read.
+std::size_t heldByKernel(int socket);
+
 /// Makes the channel of a connection that was accepted from `host`.
 using ChannelMaker =
     std::function<std::unique_ptr<StreamChannel>(UniqueFd socket, const std::string &host)>;

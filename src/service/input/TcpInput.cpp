@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -23,12 +22,6 @@ constexpr std::chrono::milliseconds kAcceptPause{100};
 // EPOLLIN and EPOLLOUT, without the header's untyped macros of the same names.
 constexpr std::uint32_t kReadable = 1;
 constexpr std::uint32_t kWritable = 4;
-
-/// How many bytes have arrived and were not read.
-std::size_t heldByKernel(int socket) {
-    int count = 0;
-    return ::ioctl(socket, FIONREAD, &count) < 0 ? 0 : static_cast<std::size_t>(count);
-}
 
 /// Whether messages have arrived that were not read.
 bool isUnread(const StreamChannel &channel) {
@@ -388,10 +381,6 @@ void TcpInput::sayUnread(std::size_t unread) {
             "Connections that were closed before everything that had arrived was read: " +
                 std::to_string(unread));
     }
-}
-
-std::uint16_t TcpInput::port() const {
-    return boundPort(m_listener);
 }
 
 void TcpInput::resume(PassedSockets::Stream stream) {

@@ -49,7 +49,7 @@ public:
     /// -1 after drain().
     [[nodiscard]] int listener() const { return m_listener.get(); }
     /// 0 after drain().
-    [[nodiscard]] std::uint16_t port() const;
+    [[nodiscard]] std::uint16_t port() const { return boundPort(m_listener); }
 
 private:
     class Connection;
