@@ -39,6 +39,7 @@ namespace quorbel {
 namespace {
 
 constexpr int kSettleMs = 400;
+constexpr int kSmallScreen = 1000;  // pixels wide, or less
 
 class Stage : public testing::FrontEnd {
 public:
@@ -114,6 +115,7 @@ struct Picture {
     Sample sample;
     const char *window;  ///< whose window is shown
     std::function<void(Stage &)> prepare;
+    bool isOfSmallScreen = false;  ///< all of such a screen, on which the others are not taken
 };
 
 testing::ServiceStandIn::UserInfo alertingEvent(const char *priority, const char *message) {
@@ -246,12 +248,13 @@ void keepAndMark(const Stage &stage) {
 }
 
 std::vector<Picture> questionPictures() {
-    const auto openAt = [](QSize size) {
-        return [size](const Stage &stage) {
+    const auto openFilling = [](bool fillsScreen) {
+        return [fillsScreen](const Stage &stage) {
             stage.click("Scan");
-            if (!size.isEmpty()) {
+            if (fillsScreen) {
                 stage.window->setMinimumSize(0, 0);
-                stage.window->resize(size);
+                stage.window->showMaximized();
+                QTest::qWait(kSettleMs);
             }
             keepAndMark(stage);
             stage.click("findSaved");
@@ -259,8 +262,9 @@ std::vector<Picture> questionPictures() {
         };
     };
     return {
-        {"events-questions", Sample::kBad, "findSavedPanel", openAt({})},
-        {"events-questions-small", Sample::kBad, "findSavedPanel", openAt({800, 500})},
+        {"events-questions", Sample::kBad, "findSavedPanel", openFilling(false)},
+        {"events-questions-small", Sample::kBad, "WindowController", openFilling(true),
+         /*isOfSmallScreen=*/true},
         {"events-marked", Sample::kBad, "WindowController",
          [](Stage &stage) {
              stage.click("Scan");
@@ -343,6 +347,14 @@ std::vector<Picture> pictures() {
              stage.window->resize(800, 500);
              find(stage);
          }},
+        {"events-filtered-large", Sample::kDay, "WindowController",
+         [](Stage &stage) {
+             stage.click("Scan");
+             stage.window->resize(2560, 1440);
+             narrow(stage, 40, 90);
+             find(stage);
+             chooseBelow(stage, "findSeverity", 6);
+         }},
         {"events-none-found", Sample::kBad, "WindowController",
          [](Stage &stage) {
              stage.click("Scan");
@@ -416,7 +428,8 @@ bool save(const Picture &picture, testing::ServiceStandIn &service, const QStrin
         return false;
     }
     QTest::qWait(kSettleMs);
-    return window->screen()->grabWindow(window->winId()).save(file);
+    const WId shown = picture.isOfSmallScreen ? 0 : window->winId();
+    return window->screen()->grabWindow(shown).save(file);
 }
 
 int run(const QStringList &arguments) {
@@ -425,9 +438,13 @@ int run(const QStringList &arguments) {
     const QStringList wanted = arguments.mid(3);
     const testing::PrivateBus bus;
     testing::ServiceStandIn service;
+    const bool isSmall = QGuiApplication::primaryScreen()->size().width() <= kSmallScreen;
     bool all = true;
     for (const Picture &picture : pictures()) {
         const QString name = QLatin1String(picture.name);
+        if (picture.isOfSmallScreen != isSmall) {
+            continue;
+        }
         if (!wanted.isEmpty() && !wanted.contains(name)) {
             continue;
         }
