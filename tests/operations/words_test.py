@@ -25,6 +25,7 @@ ELSEWHERE = {
     "bus/CommandFile.cpp": "replies to commands",
     "store/EventRemoval.cpp": "replies to commands",
     "store/EventRestoration.cpp": "replies to commands",
+    "base/Refusals.cpp": "the status over the bus",
     "mail/MailMessage.cpp": "the mails themselves",
     "message/MessageParser.cpp": "what messages have in them",
     "export/Sqlite.cpp": "the database's language",
