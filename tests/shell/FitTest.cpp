@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -250,6 +251,20 @@ private Q_SLOTS:
             const QWidget *other = overlapping(*widget);
             QVERIFY2(other == nullptr,
                      (told(*widget) + " and " + (other ? told(*other) : "")).constData());
+        }
+    }
+
+    void eachCommandOfAMenuHasAKeyOfItsOwn() {
+        showPage("ScanView");
+        m_frontEnd->control<QWidget>("ScanView").findChild<QTableView *>()->selectRow(0);
+        for (QMenu *menu : window().findChildren<QMenu *>()) {
+            Q_EMIT menu->aboutToShow();
+            QStringList keys;
+            for (const QAction *action : menu->actions()) {
+                const QString key = QKeySequence::mnemonic(action->text()).toString();
+                QVERIFY2(key.isEmpty() || !keys.contains(key), qPrintable(action->text()));
+                keys += key;
+            }
         }
     }
 

@@ -3,6 +3,7 @@
 #include "platform/KeyedArchive.h"
 #include "platform/gui/Language.h"
 #include "platform/gui/Sheet.h"
+#include "platform/gui/TableExport.h"
 #include "support/FrontEnd.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceStandIn.h"
@@ -11,6 +12,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QStackedWidget>
 #include <QTableView>
@@ -176,6 +178,26 @@ private Q_SLOTS:
         QCOMPARE(german.states, english.states);
         QCOMPARE(english.documents.size(), 4U);
         QVERIFY(german.documents == english.documents);
+    }
+
+    void anExportHasTheSameHeadingsInEachLanguage() {
+        QCOMPARE(languageInUse(), u"de"_s);
+        const testing::TemporaryFolder folder;
+        writeSample(Sample::kBad, folder);
+        qputenv("QUORBEL_LIBRARY", folder.path().c_str());
+        qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
+        const Window window;
+        const auto &table = *window.show("ScanView").findChild<QTableView *>(u"tableView"_s);
+        QCOMPARE(table.model()->headerData(0, Qt::Horizontal).toString(), u"Bewertung"_s);
+        const QString path = QString::fromStdString((folder.path() / "events.csv").string());
+        const auto row = [&table](std::size_t number) {
+            return table.model()->index(static_cast<int>(number), 0);
+        };
+        QVERIFY(exportTable(path, *table.model(), {1, row}, nullptr));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readLine().trimmed(), QByteArray("Rating,Date,Priority,Host,Message"));
+        QVERIFY(file.readLine().startsWith("Severe,"));
     }
 };
 

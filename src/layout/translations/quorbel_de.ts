@@ -2344,7 +2344,7 @@ Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</tran
     </message>
     <message>
         <source>Only &amp;Like This</source>
-        <translation>Nur ä&amp;hnliche</translation>
+        <translation>Nur ähnl&amp;iche</translation>
     </message>
     <message>
         <source>&amp;Show Surroundings</source>
@@ -2356,7 +2356,7 @@ Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</tran
     </message>
     <message>
         <source>&amp;Automatic Action...</source>
-        <translation>Automatische A&amp;ktion...</translation>
+        <translation>Automatische Ak&amp;tion...</translation>
     </message>
     <message>
         <source>De&amp;tails</source>
@@ -2376,7 +2376,7 @@ Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</tran
     </message>
     <message>
         <source>&amp;Clear the Filter</source>
-        <translation>Filter au&amp;fheben</translation>
+        <translation>Filter auf&amp;heben</translation>
     </message>
     <message>
         <source>&amp;Hold New Events</source>

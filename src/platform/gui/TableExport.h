@@ -28,7 +28,8 @@ struct ExportRows {
 void openExportPanel(QWidget *parent, const char *content,
                      std::function<void(const QString &path)> onChosen);
 
-/// Writes the column titles and the rows' texts as they are shown, each line ended by a line feed,
+/// Writes the column titles, as Qt::EditRole has them where a model has a title for files, and the
+/// rows' texts as they are shown, each line ended by a line feed,
 /// in UTF-8: all of the model's columns, with commas between them when the file's extension is
 /// exactly "csv", otherwise tabs. Nothing is quoted.
 ///
