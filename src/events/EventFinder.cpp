@@ -9,6 +9,7 @@
 #include "events/questions/FilterLibrary.h"
 #include "events/questions/FindSaved.h"
 #include "events/questions/RowMarkDelegate.h"
+#include "platform/gui/EventsText.h"
 #include "platform/gui/QtText.h"
 
 #include <QItemSelectionModel>
@@ -24,12 +25,6 @@ namespace {
 
 qint64 number(std::size_t count) {
     return static_cast<qint64>(count);
-}
-
-QString events(std::size_t count) {
-    return count == 1 ? EventFinder::tr("1 event")
-                      : EventFinder::tr("%1 events", nullptr, pluralNumber(number(count)))
-                            .arg(quorbel::countText(number(count)));
 }
 
 }  // namespace
@@ -71,13 +66,10 @@ EventFinder::~EventFinder() {
 QString EventFinder::countText() const {
     const std::size_t all = m_events.list().size();
     if (m_events.isSearching() && m_sinceProgress.isValid()) {
-        return tr("%1… of %2", "of events")
-            .arg(quorbel::countText(number(m_events.foundSoFar())), events(all));
+        return eventsText(quorbel::countText(number(m_events.foundSoFar())) + u'…', all);
     }
-    return m_events.isFiltered()
-               ? tr("%1 of %2", "of events")
-                     .arg(quorbel::countText(number(m_events.size())), events(all))
-               : events(all);
+    return m_events.isFiltered() ? eventsText(quorbel::countText(number(m_events.size())), all)
+                                 : eventsText(all);
 }
 
 QString EventFinder::deletionNote(std::size_t count) const {

@@ -1,5 +1,6 @@
 #include "events/questions/FilterLibrary.h"
 
+#include "platform/gui/KnownText.h"
 #include "platform/gui/QtText.h"
 
 #include <QCoreApplication>
@@ -100,7 +101,7 @@ QString FilterLibrary::whyNotKept(const EventQuery &query) {
     if (query.texts.size() > SavedFilterLimits::kTexts) {
         return tr("No more than %1 texts can be kept together").arg(SavedFilterLimits::kTexts);
     }
-    const QString problem = toQString(quorbel::whyNotKept(query));
+    const QString problem = knownProblem(toQString(quorbel::whyNotKept(query)));
     return problem.isEmpty() ? problem : tr("This filter cannot be kept: %1").arg(problem);
 }
 

@@ -1,6 +1,7 @@
 #include "events/timeline/Timeline.h"
 
 #include "events/timeline/TimeTexts.h"
+#include "platform/gui/EventsText.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
@@ -269,14 +270,11 @@ std::optional<TimeSpan> Timeline::spanOfInterest() const {
 
 QString Timeline::countText(const TimeSpan &span) const {
     const RatingCounts all = m_counts->all().sum(span.from, span.until);
-    const auto total = static_cast<qint64>(totalOf(all));
-    QString text = total == 1
-                       ? tr("1 event")
-                       : tr("%1 events", nullptr, pluralNumber(total)).arg(number(totalOf(all)));
-    if (const TimeCounts *matching = m_counts->matching()) {
-        text = tr("%1 of %2", "of events")
-                   .arg(number(totalOf(matching->sum(span.from, span.until))), text);
-    }
+    const TimeCounts *matching = m_counts->matching();
+    const QString text =
+        matching == nullptr
+            ? eventsText(totalOf(all))
+            : eventsText(number(totalOf(matching->sum(span.from, span.until))), totalOf(all));
     return all[kSevereAt] == 0 ? text : tr("%1, %2 severe").arg(text, number(all[kSevereAt]));
 }
 

@@ -812,6 +812,10 @@
         <source>invalid named capture group: %1</source>
         <translation>ungültige benannte Gruppe: %1</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; names &quot;%2&quot;, which is no network</source>
+        <translation>„%1“ nennt „%2“; das ist kein Netz</translation>
+    </message>
 </context>
 <context>
     <name>Language</name>
@@ -2394,22 +2398,6 @@ Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</tran
 <context>
     <name>quorbel::EventFinder</name>
     <message>
-        <source>1 event</source>
-        <translation>1 Ereignis</translation>
-    </message>
-    <message numerus="yes">
-        <source>%1 events</source>
-        <translation>
-            <numerusform>%1 Ereignis</numerusform>
-            <numerusform>%1 Ereignisse</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>%1 of %2</source>
-        <comment>of events</comment>
-        <translation>%1 von %2</translation>
-    </message>
-    <message>
         <source>Only the 1 event that matches is deleted.</source>
         <translation>Gelöscht wird nur das eine zutreffende Ereignis.</translation>
     </message>
@@ -2474,6 +2462,31 @@ Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</tran
 Point the syslog output of your devices at this machine, and they appear here within a second.</source>
         <translation>Noch keine Ereignisse.
 Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheinen sie hier binnen einer Sekunde.</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::EventsText</name>
+    <message>
+        <source>1 event</source>
+        <translation>1 Ereignis</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 events</source>
+        <translation>
+            <numerusform>%1 Ereignis</numerusform>
+            <numerusform>%1 Ereignisse</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 of 1 event</source>
+        <translation>%1 von 1 Ereignis</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 of %2 events</source>
+        <translation>
+            <numerusform>%1 von %2 Ereignis</numerusform>
+            <numerusform>%1 von %2 Ereignissen</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -2571,6 +2584,21 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
             <numerusform>%1 Adressen</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Any host: only an address can be meant, not “%1”</source>
+        <translation>Jeder Host: nur eine Adresse kann gemeint sein, nicht „%1“</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::FilterLibrary</name>
+    <message>
+        <source>No more than %1 texts can be kept together</source>
+        <translation>Mehr als %1 Texte lassen sich nicht zusammen merken</translation>
+    </message>
+    <message>
+        <source>This filter cannot be kept: %1</source>
+        <translation>Dieser Filter lässt sich nicht merken: %1</translation>
+    </message>
 </context>
 <context>
     <name>quorbel::FindBar</name>
@@ -2597,6 +2625,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>Clear</source>
         <translation>Aufheben</translation>
+    </message>
+    <message>
+        <source>This text is too long to be looked for</source>
+        <translation>Dieser Text ist zu lang für die Suche</translation>
     </message>
 </context>
 <context>
@@ -2722,6 +2754,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <source>Hosts of the listed events</source>
         <translation>Hosts der Ereignisse in der Liste</translation>
     </message>
+    <message>
+        <source>This is no network: %1</source>
+        <translation>Das ist kein Netz: %1</translation>
+    </message>
 </context>
 <context>
     <name>quorbel::FindMore</name>
@@ -2789,6 +2825,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>The kept filters stay as they are</source>
         <translation>Die gemerkten Filter bleiben, wie sie sind</translation>
+    </message>
+    <message>
+        <source>Unnamed filter</source>
+        <translation>Filter ohne Namen</translation>
     </message>
 </context>
 <context>
@@ -3262,6 +3302,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <source>Delete</source>
         <translation>Löschen</translation>
     </message>
+    <message>
+        <source>Find among %1 kept filter and %2 questions</source>
+        <translation>Suchen (gemerkte Filter: %1, Fragen: %2)</translation>
+    </message>
 </context>
 <context>
     <name>quorbel::QuestionPrompt</name>
@@ -3604,22 +3648,6 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
             <numerusform>%1 neues Ereignis wartet</numerusform>
             <numerusform>%1 neue Ereignisse warten</numerusform>
         </translation>
-    </message>
-    <message>
-        <source>1 event</source>
-        <translation>1 Ereignis</translation>
-    </message>
-    <message numerus="yes">
-        <source>%1 events</source>
-        <translation>
-            <numerusform>%1 Ereignis</numerusform>
-            <numerusform>%1 Ereignisse</numerusform>
-        </translation>
-    </message>
-    <message>
-        <source>%1 of %2</source>
-        <comment>of events</comment>
-        <translation>%1 von %2</translation>
     </message>
     <message>
         <source>%1, %2 severe</source>

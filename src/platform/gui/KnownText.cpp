@@ -65,6 +65,7 @@ constexpr std::array kProblems{
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" is no severity that there is"),
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" is no span of time that there is"),
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" is no moment like 2026-11-21T02:00:00Z"),
+    QT_TRANSLATE_NOOP("KnownText", "\"%1\" names \"%2\", which is no network"),
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" is one condition too many"),
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" is one expression too many"),
     QT_TRANSLATE_NOOP("KnownText", "\"%1\" does not follow an expression"),
