@@ -182,14 +182,14 @@ wait_for is_stored "after the move"
 
 note_run nftables
 note_run nftables-check
-if [ "$(id -u)" -eq 0 ] && unshare --net true 2>/dev/null; then
+if [ "$(id -u)" -eq 0 ] && unshare --net nft list ruleset >/dev/null 2>&1; then
     mkdir -- "$scratch/fence"
     block nftables >"$scratch/fence/quorbel.nft"
     block nftables-check | sed "s|/etc/quorbel.nft|$scratch/fence/quorbel.nft|g" >"$scratch/fence/rules"
     check "the firewall lets devices in, and nobody else" quietly \
         unshare --net "$here/firewall" "$scratch/fence" "$server"
 else
-    echo "Skipped: only root can make the network that the firewall's rules are tried in."
+    echo "Skipped: only root, with a kernel that filters, can try the firewall's rules."
 fi
 
 # --- What was run ---------------------------------------------------------------------------------
