@@ -102,7 +102,7 @@ QString HoldButton::stateText() const {
 }
 
 QString HoldButton::waitingText() const {
-    const QString arrived = m_hold->arrivals() > 0 ? newEvents(m_hold->arrivals()) : QString();
+    QString arrived = m_hold->arrivals() > 0 ? newEvents(m_hold->arrivals()) : QString();
     if (m_hold->removals() == 0) {
         return arrived;
     }
