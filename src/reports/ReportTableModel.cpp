@@ -137,7 +137,7 @@ QString ReportTableModel::text(const ReportRows::Place &place, int column) const
 }
 
 QString ReportTableModel::spokenText(const ReportRows::Place &place, int column) const {
-    const QString read = paintedRow(text(place, column));
+    QString read = paintedRow(text(place, column));
     if (place.detail || column > 0) {
         return read;
     }
