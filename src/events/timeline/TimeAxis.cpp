@@ -1,7 +1,5 @@
 #include "events/timeline/TimeAxis.h"
 
-#include "events/timeline/TimeColumns.h"
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -25,7 +23,10 @@ void TimeAxis::setWidth(int width) {
 }
 
 void TimeAxis::setClockOffset(std::int64_t seconds) {
-    m_offset = seconds;
+    if (m_offset != seconds) {
+        m_offset = seconds;
+        m_columns.clear();  // the clock's zone may be another one, too
+    }
 }
 
 void TimeAxis::setRange(std::int64_t first, std::int64_t last) {
@@ -80,8 +81,8 @@ void TimeAxis::setView(const View &view) {
     look(view.follows ? rightmost() : view.left, view.left);
 }
 
-TimeColumns TimeAxis::columns() const {
-    return {m_view.step, m_offset};
+const TimeColumns &TimeAxis::columns() const {
+    return m_columns.try_emplace(m_view.step, m_view.step, m_offset).first->second;
 }
 
 std::int64_t TimeAxis::columnOf(std::int64_t moment) const {

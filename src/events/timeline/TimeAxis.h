@@ -1,11 +1,12 @@
 #pragma once
 
+#include "events/timeline/TimeColumns.h"
+
 #include <cstdint>
+#include <map>
 #include <optional>
 
 namespace quorbel {
-
-class TimeColumns;
 
 /// From a moment, in seconds since 1970, up to another one.
 struct TimeSpan {
@@ -79,7 +80,7 @@ private:
         double moment;
     };
 
-    [[nodiscard]] TimeColumns columns() const;
+    [[nodiscard]] const TimeColumns &columns() const;
     /// From where the columns are counted.
     [[nodiscard]] std::int64_t pixelOf(std::int64_t moment) const;
     [[nodiscard]] double exactMomentAt(int x) const;
@@ -91,6 +92,7 @@ private:
 
     int m_width = 1;
     std::int64_t m_offset = 0;
+    mutable std::map<std::int64_t, TimeColumns> m_columns;  // of each length that was asked for
     bool m_hasRange = false;
     std::int64_t m_first = 0;
     std::int64_t m_last = 0;

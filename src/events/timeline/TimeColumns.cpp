@@ -14,6 +14,8 @@ constexpr std::int64_t kDay = 86'400;
 constexpr std::int64_t kMonth = 2'629'746;  // in the mean of the calendar
 constexpr std::int64_t kYear = 12 * kMonth;
 
+constexpr std::size_t kMostKept = 8192;
+
 constexpr std::array<std::int64_t, 32> kLengths{
     1,          2,           5,           10,           15,           30,
     kMinute,    2 * kMinute, 5 * kMinute, 10 * kMinute, 15 * kMinute, 30 * kMinute,
@@ -41,6 +43,17 @@ std::int64_t TimeColumns::startOf(std::int64_t column) const {
     if (m_length <= kHour) {
         return column * m_length - m_clockOffset;
     }
+    if (m_starts.size() == kMostKept) {
+        m_starts.clear();
+    }
+    const auto [start, isNew] = m_starts.try_emplace(column);
+    if (isNew) {
+        start->second = askCalendar(column);
+    }
+    return start->second;
+}
+
+std::int64_t TimeColumns::askCalendar(std::int64_t column) const {
     if (m_months > 0) {
         const std::int64_t month = column * m_months;
         const std::int64_t year = floorDivide(month, 12);

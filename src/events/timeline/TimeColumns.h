@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <unordered_map>
 
 namespace quorbel {
 
@@ -23,10 +24,13 @@ public:
 
 private:
     [[nodiscard]] std::int64_t guess(std::int64_t moment) const;
+    [[nodiscard]] std::int64_t askCalendar(std::int64_t column) const;
 
     std::int64_t m_length;
     std::int64_t m_clockOffset;
     int m_months;  // 0 for columns that are no months
+    // What the calendar has said: it takes microseconds, and a frame asks for a thousand of them.
+    mutable std::unordered_map<std::int64_t, std::int64_t> m_starts;
 };
 
 }  // namespace quorbel
