@@ -6,14 +6,6 @@
 
 namespace quorbel {
 
-namespace {
-
-std::int64_t floorDivide(std::int64_t number, std::int64_t by) {
-    return number / by - (number % by < 0 ? 1 : 0);
-}
-
-}  // namespace
-
 void TimeAxis::setWidth(int width) {
     const int change = std::max(width, 1) - m_width;
     m_width += change;

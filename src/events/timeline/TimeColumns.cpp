@@ -24,10 +24,6 @@ constexpr std::array<std::int64_t, 32> kLengths{
     6 * kMonth, kYear,       2 * kYear,   5 * kYear,    10 * kYear,   20 * kYear,
     50 * kYear, 100 * kYear};
 
-std::int64_t floorDivide(std::int64_t number, std::int64_t by) {
-    return number / by - (number % by < 0 ? 1 : 0);
-}
-
 }  // namespace
 
 std::span<const std::int64_t> TimeColumns::lengths() {

@@ -6,6 +6,11 @@
 
 namespace quorbel {
 
+/// Rounded down below zero, too. `by` is positive.
+constexpr std::int64_t floorDivide(std::int64_t number, std::int64_t by) {
+    return number / by - (number % by < 0 ? 1 : 0);
+}
+
 /// Cuts time into columns that are numbered one after the other and begin where the local clock or
 /// calendar begins something: an hour, half a day, a week with its Monday, a month, a year. So when
 /// clocks change, or in February, one of them is longer or shorter than its like.
