@@ -2,6 +2,7 @@
 
 #include "platform/DescriptorIo.h"
 #include "platform/Files.h"
+#include "support/ExecArguments.h"
 #include "support/WaitUntil.h"
 
 #include <fcntl.h>
@@ -22,16 +23,6 @@
 namespace quorbel::testing {
 
 namespace {
-
-std::vector<char *> pointersTo(std::vector<std::string> &texts) {
-    std::vector<char *> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string &text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
 
 void becomeUser(uid_t user) {
     if (user != 0 && (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0)) {

@@ -1,5 +1,7 @@
 #include "support/ServiceProcess.h"
 
+#include "support/ExecArguments.h"
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -36,17 +38,6 @@ std::vector<std::string> environmentFor(const ServiceProcess::Setup &setup) {
         }
     }
     return variables;
-}
-
-/// The strings' addresses, ended by a null, as exec wants them.
-std::vector<char *> pointersTo(std::vector<std::string> &texts) {
-    std::vector<char *> pointers;
-    pointers.reserve(texts.size() + 1);
-    for (std::string &text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
 }
 
 /// Puts them where a service manager does: from 3 on, in this order. Allocates nothing.
