@@ -3,7 +3,6 @@
 #include "core/LogFields.h"
 #include "core/SavedFilterText.h"
 
-#include <numeric>
 #include <utility>
 
 namespace quorbel {
@@ -71,17 +70,14 @@ void LogSearch::match() {
     for (std::size_t i = 0; i < m_reader.chunkCount(); ++i) {
         EventChunk &chunk = m_reader.chunk(i);
         if (m_matcher.mayBeIn(chunk)) {
-            m_positions.resize(chunk.size());
-            std::iota(m_positions.begin(), m_positions.end(), 0U);
-            m_matcher.match(chunk, m_positions, m_matches);
+            m_matcher.matchAll(chunk, 0, chunk.size(), m_positions, m_matches);
         }
     }
 }
 
 bool LogSearch::tell() {
-    const auto &ratings = m_matcher.filter().ratings;
     for (const EventMatch match : m_matches) {
-        const bool isMeant = ratings.none() || ratings[match.rating()];
+        const bool isMeant = m_matcher.filter().meansRating(match.rating());
         if (isMeant && !m_onFound(lineOf(m_held[match.id() - m_first]), match.rating())) {
             return false;
         }

@@ -123,11 +123,9 @@ void ArrangedEvents::startSearch(EventMatcher matcher, bool isNarrowing) {
 }
 
 std::size_t ArrangedEvents::foundSoFar() const {
-    const auto &ratings = filter().ratings;
-    return ratings.none()
-               ? m_search->matches.size()
-               : static_cast<std::size_t>(std::ranges::count_if(
-                     m_search->matches, [&](EventMatch match) { return ratings[match.rating()]; }));
+    return static_cast<std::size_t>(std::ranges::count_if(
+        m_search->matches,
+        [this](EventMatch match) { return filter().meansRating(match.rating()); }));
 }
 
 void ArrangedEvents::search(const std::function<bool()> &isTimeUp) {
@@ -227,7 +225,7 @@ void ArrangedEvents::rowWasInserted() {
     }
     const EventMatch match(chunk.endOfIds() - 1, chunk.record(position).image);
     ++m_counts[match.rating()];
-    const bool isShown = !choosesRatings() || filterInForce().ratings[match.rating()];
+    const bool isShown = filterInForce().meansRating(match.rating());
     if (isShown) {
         tell(&EventListObserver::rowWillBeInsertedAtTop);
     }

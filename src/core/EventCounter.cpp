@@ -85,9 +85,8 @@ bool EventCounter::countRun(Count &count) {
         count.shown = count.count;
         return false;
     }
-    const auto &ratings = count.filter.ratings;
     count.count += static_cast<std::size_t>(std::ranges::count_if(
-        m_matches, [&](EventMatch match) { return ratings.none() || ratings[match.rating()]; }));
+        m_matches, [&](EventMatch match) { return count.filter.meansRating(match.rating()); }));
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <numeric>
 #include <utility>
 
 namespace quorbel {
@@ -126,6 +127,13 @@ void EventMatcher::makeRoom() {
         text.priorities.makeRoom(priorities);
         text.hosts.makeRoom(hosts);
     }
+}
+
+void EventMatcher::matchAll(EventChunk &chunk, std::size_t first, std::size_t last,
+                            Positions &positions, std::vector<EventMatch> &matches) {
+    positions.resize(last - first);
+    std::iota(positions.begin(), positions.end(), static_cast<std::uint32_t>(first));
+    match(chunk, positions, matches);
 }
 
 void EventMatcher::match(EventChunk &chunk, Positions &positions,

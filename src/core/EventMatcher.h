@@ -48,6 +48,9 @@ public:
     /// Appends those that match among the events at some positions of a chunk, and leaves the
     /// positions of these.
     void match(EventChunk &chunk, Positions &positions, std::vector<EventMatch> &matches);
+    /// The same for all positions from `first` up to `last`; `positions` are written over.
+    void matchAll(EventChunk &chunk, std::size_t first, std::size_t last, Positions &positions,
+                  std::vector<EventMatch> &matches);
     /// Whether a single event matches.
     [[nodiscard]] bool matches(EventChunk &chunk, std::uint32_t position);
     /// Forgets what it knows of shared texts. To be called whenever events have left the list.

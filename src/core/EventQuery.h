@@ -44,6 +44,10 @@ struct EventQuery {
     std::bitset<kMovingSpanCount> spans;
 
     [[nodiscard]] bool isInUse() const;
+    /// Whether events of this rating are meant.
+    [[nodiscard]] bool meansRating(EventRating rating) const {
+        return ratings.none() || ratings[rating];
+    }
     bool operator==(const EventQuery &) const = default;
 };
 

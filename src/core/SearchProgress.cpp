@@ -1,8 +1,5 @@
 #include "core/SearchProgress.h"
 
-#include <cstdint>
-#include <numeric>
-
 namespace quorbel {
 
 bool SearchProgress::matchRun(const EventReader &reader, EventMatcher &matcher,
@@ -18,9 +15,7 @@ bool SearchProgress::matchRun(const EventReader &reader, EventMatcher &matcher,
     const std::size_t last = mayBeIn ? endOfRun(chunk, first) : chunk.size();
     goTo(chunk, last);
     if (first < last && mayBeIn) {
-        positions.resize(last - first);
-        std::iota(positions.begin(), positions.end(), static_cast<std::uint32_t>(first));
-        matcher.match(chunk, positions, matches);
+        matcher.matchAll(chunk, first, last, positions, matches);
     }
     return true;
 }

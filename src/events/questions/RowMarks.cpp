@@ -127,8 +127,7 @@ bool RowMarks::isMeant(Marker &marker, EventChunk &chunk, std::size_t position) 
     if (!marker.matcher || !marker.matcher->matches(chunk, static_cast<std::uint32_t>(position))) {
         return false;
     }
-    const auto &ratings = marker.query.ratings;
-    return ratings.none() || ratings[chunk.record(position).image];
+    return marker.query.meansRating(chunk.record(position).image);
 }
 
 }  // namespace quorbel
