@@ -109,7 +109,7 @@ bool benchLoading(const std::filesystem::path &folder) {
     }
     std::printf("awk over the same file %.3f s, start-up load %.3f s\n", awkBest, loadBest);
     bool reached = report("start-up load of 2 million lines, times awk", loadBest / awkBest,
-                          "of awk", true, 0.8);
+                          "of awk", true, 0.4);
     reached &= report("resident memory of that list, times the files", memory, "of bytes", true, 1);
     std::filesystem::remove(file);
     return reached;

@@ -4,25 +4,21 @@
 // is all that is measured without the folder.
 
 #include "Measure.h"
+#include "Storing.h"
+#include "Yardstick.h"
 #include "load/LoadCheck.h"
 #include "load/LoadSender.h"
-#include "platform/UniqueFd.h"
 #include "platform/bus/NotificationObserver.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
 
-#include <netinet/in.h>
 #include <poll.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -41,105 +37,14 @@ using Transport = Plan::Transport;
 
 constexpr std::size_t kRounds = 3;
 
-/// Sends a flood and returns how many messages a second were stored, from the first that was sent
-/// to the last that is in the files. Exits when one is missing.
+/// Sends a flood and returns how many messages a second were stored. Exits when one is missing.
 double storedPerSecond(std::uint16_t port, Transport transport,
                        const std::filesystem::path &output) {
     Plan plan;
     plan.port = port;
     plan.transport = transport;
     plan.count = transport == Transport::kUdp ? 400'000 : 800'000;
-    // Half of what either asks its socket to hold.
-    plan.mostQueued = std::uint64_t{16} << 20U;
-    load::LineCounter lines(output);
-    const std::uint64_t before = lines.count();
-    const Stopwatch watch;
-    load::send(plan);
-    const bool complete =
-        waitUntil([&] { return lines.count() - before >= plan.count; }, std::chrono::seconds(60));
-    const double rate = static_cast<double>(plan.count) / watch.seconds();
-    if (!complete) {
-        std::fprintf(stderr, "Only %lu of %lu messages were stored in %s\n", lines.count() - before,
-                     plan.count, output.c_str());
-        std::exit(2);
-    }
-    return rate;
-}
-
-std::uint16_t freePort() {
-    const UniqueFd probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    if (::bind(probe.get(), reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 ||
-        ::getsockname(probe.get(), reinterpret_cast<sockaddr *>(&address), &length) != 0) {
-        std::fprintf(stderr, "No port is free\n");
-        std::exit(2);
-    }
-    return ntohs(address.sin_port);
-}
-
-bool isListening(std::uint16_t port) {
-    const UniqueFd probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return ::connect(probe.get(), reinterpret_cast<sockaddr *>(&address), sizeof address) == 0;
-}
-
-/// The yardstick, with its usual inputs and one file.
-class Yardstick {
-public:
-    explicit Yardstick(const std::filesystem::path &packages) {
-        const std::string port = std::to_string(m_port);
-        const auto configuration =
-            m_folder.write("rsyslog.conf", "global(workDirectory=\"" + m_folder.path().string() +
-                                               "\")\n"
-                                               "module(load=\"imudp\")\nmodule(load=\"imtcp\")\n"
-                                               "input(type=\"imudp\" port=\"" +
-                                               port +
-                                               "\" rcvbufSize=\"32m\")\n"
-                                               "input(type=\"imtcp\" port=\"" +
-                                               port + "\")\naction(type=\"omfile\" file=\"" +
-                                               output().string() + "\")\n");
-        const std::string libraries = (packages / "usr/lib/x86_64-linux-gnu").string();
-        const std::string modules = libraries + "/rsyslog";
-        const std::string program = (packages / "usr/sbin/rsyslogd").string();
-        const std::string pidFile = (m_folder.path() / "pid").string();
-        m_process = ::fork();
-        if (m_process == 0) {
-            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            ::setenv("LD_LIBRARY_PATH", libraries.c_str(), 1);
-            ::execl(program.c_str(), program.c_str(), "-n", "-f", configuration.c_str(), "-i",
-                    pidFile.c_str(), "-M", modules.c_str(), nullptr);
-            ::_exit(127);
-        }
-        if (!waitUntil([this] { return isListening(m_port); })) {
-            std::fprintf(stderr, "%s does not start\n", program.c_str());
-            std::exit(2);
-        }
-    }
-    ~Yardstick() {
-        ::kill(m_process, SIGTERM);
-        ::waitpid(m_process, nullptr, 0);
-    }
-    Yardstick(const Yardstick &) = delete;
-    Yardstick &operator=(const Yardstick &) = delete;
-
-    [[nodiscard]] std::uint16_t port() const { return m_port; }
-    [[nodiscard]] std::filesystem::path output() const { return m_folder.path() / "messages"; }
-
-private:
-    testing::TemporaryFolder m_folder;
-    std::uint16_t m_port = freePort();
-    pid_t m_process = -1;
-};
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
+    return store(plan, ::getpid(), output).perSecond;
 }
 
 bool compare(const char *name, Transport transport, const std::filesystem::path &packages) {

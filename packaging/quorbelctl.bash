@@ -18,7 +18,7 @@ _quorbelctl_offer() {
 _quorbelctl_values() { # _quorbelctl_values OPTION WORD: false when the option takes no value
     case $1 in
         --rating) _quorbelctl_offer "$2" Normal Moderate Severe Unrated ;;
-        --severity)
+        --severity | --class)
             _quorbelctl_offer "$2" Emergency Alert Critical Error Warning Notice Informational \
                 Debug Unknown
             ;;
@@ -51,7 +51,7 @@ _quorbelctl() {
         return
     fi
     local filter=(--contains --contains-case --lacks --lacks-case --matches --matches-case
-        --matches-not --matches-not-case --rating --severity --facility --host --from --until
+        --matches-not --matches-not-case --rating --severity --class --facility --host --from --until
         --time --json)
     case ${COMP_WORDS[1]} in
         status) _quorbelctl_offer "$word" --json ;;

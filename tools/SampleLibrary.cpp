@@ -1,5 +1,6 @@
 #include "SampleLibrary.h"
 
+#include "SampleWeeks.h"
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
 #include "platform/KeyedArchive.h"
@@ -103,9 +104,9 @@ void addMinute(Log &log, int minutesAgo, std::mt19937 &random) {
     }
 }
 
-void addFullDay(Log &log) {
-    std::mt19937 random{1};  // the same day each time
-    for (int minutesAgo = 24 * 60; minutesAgo > 0; --minutesAgo) {
+void addFullDays(Log &log, int days) {
+    std::mt19937 random{1};  // the same days each time
+    for (int minutesAgo = days * 24 * 60; minutesAgo > 0; --minutesAgo) {
         addMinute(log, minutesAgo, random);
     }
     log.add(0, "Auth.Alert", "gw-west",
@@ -131,6 +132,7 @@ Array actions() {
     logins.set("sendEmail", Dictionary{});
     logins.set("setEvent",
                Dictionary{{"Type", "Alert"}, {"Format", "Failed login at $host: $message"}});
+    logins.set("threshold", Dictionary{{"Matches", 20}, {"Minutes", 10}, {"PerHost", true}});
     return {page, logins};
 }
 
@@ -180,6 +182,13 @@ void writeSample(Sample sample, const testing::TemporaryFolder &library) {
     if (sample == Sample::kEmpty) {
         return;
     }
+    if (sample == Sample::kWeeks || sample == Sample::kSilentHosts || sample == Sample::kFirstDay) {
+        library.write("2026-01-01.log", sample == Sample::kFirstDay
+                                            ? sampleFirstDay()
+                                            : sampleWeeks(sample == Sample::kWeeks ? 0 : 6));
+        library.write(kSettingsFileName, writeKeyedArchive(settings()));
+        return;
+    }
     Log log;
     switch (sample) {
         case Sample::kQuiet:
@@ -192,7 +201,10 @@ void writeSample(Sample sample, const testing::TemporaryFolder &library) {
             addBadDay(log);
             break;
         case Sample::kDay:
-            addFullDay(log);
+            addFullDays(log, 1);
+            break;
+        case Sample::kTwoDays:
+            addFullDays(log, 2);
             break;
         default:
             addLongTexts(log);

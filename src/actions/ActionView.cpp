@@ -43,6 +43,11 @@ void ActionView::viewWillAppear() {
     sendEmail = settingDictionary(reactions, "sendEmail");
     setEvent = settingDictionary(reactions, "setEvent");
     checkReactions();
+    ui->thresholdForm->showRecord(reactions);
+    if (page != nullptr) {
+        ui->actionEffect->follow(*ui->filterForm, page->listedEvents(),
+                                 FilterEffect::Kind::kMatches);
+    }
     ui->actionBlank->setFocus();
 }
 
@@ -94,6 +99,7 @@ void ActionView::onSave() {
         form.fields.set("runCommand", runCommand);
         form.fields.set("sendEmail", sendEmail);
         form.fields.set("setEvent", setEvent);
+        ui->thresholdForm->addTo(form.fields);
     }
     if (auto *page = dynamic_cast<ToolsViewActions *>(presenter())) {
         page->storeRecord(form.fields);

@@ -13,8 +13,8 @@ namespace quorbel {
 
 class Storyboard;
 
-/// The sheet that edits one action: the filter that says for which events it is, and the reactions
-/// to them. Presented over the actions page.
+/// The sheet that edits one action: the filter that says for which events it is, the reactions to
+/// them, and how many it takes until the action acts. Presented over the actions page.
 class ActionView : public Sheet {
     Q_OBJECT
 

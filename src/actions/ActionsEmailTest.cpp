@@ -1,6 +1,7 @@
 #include "actions/ActionsEmailTest.h"
 
 #include "actions/TestEmail.h"
+#include "actions/ToolsViewActions.h"
 #include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "platform/DateFormat.h"
@@ -37,8 +38,10 @@ void ActionsEmailTest::onSave() {
     }
     const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
     const std::string date = DateFormat(m_delegate.state.newDateFormat).render(now.count());
+    auto *page = dynamic_cast<ToolsViewActions *>(presenter());
     m_delegate.setPipe(
-        testEmailCommand(recipients, decodeSettings(AppDelegate::readSettings()), date));
+        testEmailCommand(recipients, decodeSettings(AppDelegate::readSettings()), date),
+        page != nullptr ? page->awaitEmailAnswer() : CommandSender::AnswerHandler());
     close();
 }
 

@@ -13,7 +13,8 @@ namespace quorbel {
 class AppDelegate;
 
 /// The sheet that sends an e-mail about a sample event to a few addresses, as a trial of the mail
-/// server and the templates that are stored.
+/// server and the templates that are stored. It closes at once; the page that it is presented over
+/// shows the answer.
 class ActionsEmailTest : public Sheet {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "actions/ToolsViewActions.h"
 
 #include "common/SettingsDocument.h"
+#include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/Sheet.h"
 #include "settings/RecordList.h"
@@ -58,6 +59,7 @@ ToolsViewActions::ToolsViewActions(AppDelegate &delegate, const Storyboard &stor
                                 .areEqual = &areEqualActions,
                                 .columnWidths = kColumnWidths},
                                this);
+    ui->actionResults->follow(delegate.service, *controller, delegate.state.newDateFormat);
 }
 
 ToolsViewActions::~ToolsViewActions() = default;
@@ -138,9 +140,17 @@ std::optional<Dictionary> ToolsViewActions::selectedRecord() const {
     return m_actions->selectedRecord();
 }
 
+EventList &ToolsViewActions::listedEvents() const {
+    return delegate().events;
+}
+
 void ToolsViewActions::storeRecord(const Dictionary &record) {
     m_actions->store(record);
     enableSave();
+}
+
+CommandSender::AnswerHandler ToolsViewActions::awaitEmailAnswer() {
+    return ui->emailAnswer->await();
 }
 
 }  // namespace quorbel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/bus/CommandSender.h"
 #include "settings/SettingsView.h"
 
 #include <memory>
@@ -47,6 +48,10 @@ public:
     [[nodiscard]] const std::optional<Dictionary> &proposal() const { return m_proposal; }
     /// Puts a record in the place of the selected one, or at the end when no row is selected.
     void storeRecord(const Dictionary &record);
+    /// The events that the window lists, to try an action's filter on.
+    [[nodiscard]] EventList &listedEvents() const;
+    /// Has the page show what comes of a test e-mail that is sent now.
+    CommandSender::AnswerHandler awaitEmailAnswer();
 
 protected:
     void showSettings(const SettingsCycle &settings) override;

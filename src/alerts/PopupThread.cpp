@@ -8,6 +8,7 @@
 
 #include <QMetaObject>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -16,6 +17,7 @@ namespace quorbel {
 namespace {
 
 constexpr std::chrono::milliseconds kPause{200};
+constexpr std::size_t kDroppedAtOnce = 10'000;  // a few milliseconds
 
 }  // namespace
 
@@ -23,7 +25,9 @@ PopupThread::PopupThread(AppDelegate &delegate, const Storyboard &storyboard, Pl
     : m_delegate(delegate),
       m_alertLock(delegate.alertLock()),
       m_storyboard(storyboard),
-      m_playSound(std::move(playSound)) {}
+      m_playSound(std::move(playSound)) {
+    QObject::connect(&m_drop, &QTimer::timeout, &m_receiver, [this] { dropSome(); });
+}
 
 PopupThread::~PopupThread() {
     {
@@ -57,6 +61,7 @@ void PopupThread::append(Event event) {
     const MutexLock lock(m_alertLock);
     if (popupArray) {
         popupArray->push_back({classes, std::move(event)});
+        ++m_waiting[classes.to_ulong()];
     }
 }
 
@@ -85,6 +90,7 @@ void PopupThread::handleNextEvent() {
         }
         next.emplace(std::move(popupArray->front()));
         popupArray->pop_front();
+        --m_waiting[next->classes.to_ulong()];
         settings = static_cast<const AlertSettings &>(m_delegate.state);
     }
     // By pointer: nothing on the way to the main thread can copy it.
@@ -135,11 +141,49 @@ void PopupThread::makePopup(std::int64_t popupTime, Event event,
     view.popupTime = popupTime;
     view.popupDict = std::move(event);
     view.setCondition(std::move(condition));
+    view.setQueue(this);
     QObject::connect(&view, &PopupView::eventSheetOpened, &m_receiver, [this](QWidget *sheet) {
         std::erase_if(m_eventSheets, [](const auto &closed) { return closed.isNull(); });
         m_eventSheets.emplace_back(sheet);
     });
     displayAlert(*window);
+}
+
+std::size_t PopupThread::waitingPopups() {
+    const MutexLock lock(m_alertLock);
+    const AlertSettings &settings = m_delegate.state;
+    std::size_t count = 0;
+    for (const auto &[classes, waiting] : m_waiting) {
+        count += waiting > 0 && isPopupWanted(CountedClasses(classes), settings) ? waiting : 0;
+    }
+    return count;
+}
+
+void PopupThread::skipAll() {
+    std::deque<Entry> skipped;
+    {
+        const MutexLock lock(m_alertLock);
+        m_waiting.clear();
+        if (popupArray) {
+            popupArray->swap(skipped);
+        }
+    }
+    for (Entry &entry : m_skipped) {
+        skipped.push_back(std::move(entry));
+    }
+    m_skipped = std::move(skipped);
+    m_drop.start(0);
+}
+
+/// Letting go of a million events takes a while, in which the window would not answer.
+void PopupThread::dropSome() {
+    const std::size_t left = m_skipped.size() - std::min(m_skipped.size(), kDroppedAtOnce);
+    while (m_skipped.size() > left) {
+        m_skipped.pop_back();
+    }
+    if (left == 0) {
+        m_drop.stop();
+    }
 }
 
 void PopupThread::displayAlert(QWidget &popupWindow) {

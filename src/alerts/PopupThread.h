@@ -2,6 +2,7 @@
 
 #include "alerts/AlertDecision.h"
 #include "alerts/PopupCondition.h"
+#include "alerts/PopupQueue.h"
 #include "core/AlertQueueLink.h"
 #include "core/AppState.h"
 #include "core/Event.h"
@@ -9,11 +10,13 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,7 +33,7 @@ class Storyboard;
 ///
 /// Made, started and destroyed on the main thread, which also makes the popups. Refers to its
 /// arguments, which outlive it; the event list that its events belong to must outlive it as well.
-class PopupThread final : public AlertQueueLink {
+class PopupThread final : public AlertQueueLink, private PopupQueue {
 public:
     /// Starts a sound file and returns at once; called on the main thread.
     using PlaySound = std::function<void(const std::string &path)>;
@@ -66,6 +69,9 @@ private:
     void showAndWait(std::int64_t popupTime, std::unique_ptr<Event> event);
 
     // On the main thread.
+    std::size_t waitingPopups() override;
+    void skipAll() override;
+    void dropSome();
     /// Sees to it that `condition` is signalled when the popup ends, or at once if none can be
     /// made.
     void makePopup(std::int64_t popupTime, Event event, std::shared_ptr<PopupCondition> condition);
@@ -79,10 +85,15 @@ private:
     std::vector<QPointer<QWidget>> m_eventSheets;
 
     std::optional<std::deque<Entry>> popupArray GUARDED_BY(m_alertLock);
+    /// How many of them count under each set of classes.
+    std::map<unsigned long, std::size_t> m_waiting GUARDED_BY(m_alertLock);
     bool m_stopping GUARDED_BY(m_alertLock) = false;
     /// What the worker waits for, or waited for last.
     std::shared_ptr<PopupCondition> m_popupEnd GUARDED_BY(m_alertLock);
     Condition m_wake;  ///< ends its pause
+
+    std::deque<Entry> m_skipped;  ///< what is left of them; the main thread's
+    QTimer m_drop;
 
     std::thread m_thread;
     QObject m_receiver;  ///< of what the worker posts to the main thread; what it has not got ends

@@ -1,5 +1,8 @@
 #include "alerts/PopupView.h"
 
+#include "alerts/PopupDismissal.h"
+#include "alerts/PopupHold.h"
+#include "alerts/PopupQueue.h"
 #include "common/Severity.h"
 #include "core/PageLinks.h"
 #include "platform/Preferences.h"
@@ -11,6 +14,7 @@
 #include "platform/gui/Storyboard.h"
 #include "ui_PopupView.h"
 
+#include <QDateTime>
 #include <QEasingCurve>
 #include <QGuiApplication>
 #include <QScreen>
@@ -25,6 +29,8 @@ namespace quorbel {
 namespace {
 
 constexpr std::chrono::milliseconds kSlide{1000};
+constexpr std::chrono::milliseconds kRecount{250};
+constexpr int kLeastTimeLeft = 1000;  // in milliseconds, once it is not held open any more
 constexpr int kImageSize = 40;
 
 SeverityLevels preferredLevels() {
@@ -66,6 +72,22 @@ PopupView::PopupView(const Storyboard &storyboard, QWidget *parent)
     m_timeout.setTimerType(Qt::PreciseTimer);
     connect(&m_timeout, &QTimer::timeout, this, &PopupView::popupTimeout);
     connect(ui->popupAbout, &QLabel::linkActivated, this, &PopupView::popupAbout);
+    connectUser();
+}
+
+void PopupView::connectUser() {
+    m_hold = new PopupHold(*this);
+    connect(m_hold, &PopupHold::changed, this, &PopupView::setHeld);
+    m_dismissal = new PopupDismissal(*this);
+    m_dismissal->leaveTo(*ui->popupAbout);
+    m_dismissal->leaveTo(*ui->popupSkip);
+    connect(m_dismissal, &PopupDismissal::dismissed, this, [this] { window()->close(); });
+    connect(m_dismissal, &PopupDismissal::allSkipped, this, &PopupView::skipAll);
+    connect(ui->popupSkip, &QAbstractButton::clicked, this, &PopupView::skipAll);
+    connect(&m_recount, &QTimer::timeout, this, &PopupView::showWaiting);
+    ui->popupHeld->hide();
+    ui->popupWaiting->hide();
+    ui->popupSkip->hide();
 }
 
 PopupView::~PopupView() {
@@ -88,6 +110,8 @@ void PopupView::viewWillAppear() {
     m_openPlace.moveLeft(visible.width() - m_openPlace.width());
     m_openPlace.moveBottom(visible.bottom());
     setDetails();
+    showWaiting();
+    m_recount.start(kRecount);
     setWindowHeight(0);
     animateTo(m_openPlace.height());
 }
@@ -95,6 +119,7 @@ void PopupView::viewWillAppear() {
 void PopupView::viewWillDisappear() {
     m_slide.stop();
     m_timeout.stop();
+    m_recount.stop();
     if (m_condition) {
         m_condition->signal();
     }
@@ -109,12 +134,83 @@ void PopupView::setDetails() {
     const QString header = paintedRow(knownName(headerOf(priority)));
     ui->popupHeader->setText(header);
     ui->popupHeader->setAccessibleName(tr("Severity: %1").arg(header));
+    showDate();
     const auto text = [this](const char *key) { return toQString(field(key)); };
     // Not by arg(), which would look for places in what was sent.
     ui->popupDetails->setWholeText(tr("Date:") + u' ' + text("Date") + u'\n' + tr("Priority:") +
                                    u' ' + toQString(priority) + u'\n' + tr("Host:") + u' ' +
                                    text("Host") + QStringLiteral("\n\n") + tr("Message:") + u'\n' +
                                    text("Message"));
+}
+
+/// How wide a text beside the header may be that leaves the header whole.
+int PopupView::roomBesideHeader() const {
+    ui->popupHeader->ensurePolished();  // for the font of the style sheet
+    ui->popupDate->ensurePolished();
+    const QMargins margins = ui->contentLayout->contentsMargins();
+    return width() - margins.left() - margins.right() - ui->popupImage->maximumWidth() -
+           ui->popupHeader->sizeHint().width() - 2 * ui->headLayout->spacing();
+}
+
+/// As much of it as there is room for; nothing where the event's moment is not known any more.
+void PopupView::showDate() {
+    const auto moment = popupDict ? popupDict->moment() : std::nullopt;
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(moment.value_or(0));
+    const bool isThisYear = time.date().year() == QDate::currentDate().year();
+    const QStringList forms = isThisYear
+                                  ? QStringList{tr("dddd d MMM, HH:mm"), tr("ddd d MMM, HH:mm"),
+                                                tr("d MMM, HH:mm"), tr("HH:mm")}
+                                  : QStringList{tr("d MMM yyyy, HH:mm"), tr("d MMM yyyy")};
+    const int room = roomBesideHeader();
+    ui->popupDate->hide();
+    for (const QString &form : forms) {
+        const QString text = QLocale().toString(time, form);
+        if (moment && ui->popupDate->fontMetrics().horizontalAdvance(text) <= room) {
+            ui->popupDate->setText(text);
+            ui->popupDate->show();
+            break;
+        }
+    }
+    const QString whole = moment ? QLocale().toString(time, forms.first()) : QString();
+    ui->popupDate->setAccessibleName(tr("Date: %1").arg(whole));
+}
+
+void PopupView::setHeld(bool isHeld) {
+    ui->popupHeld->setVisible(isHeld && ui->popupHeld->sizeHint().width() <= roomBesideHeader());
+    if (!isHeld) {
+        if (!m_closing && m_slide.state() == QAbstractAnimation::Stopped) {
+            m_timeout.start(std::max(m_timeLeft, kLeastTimeLeft));
+        }
+    } else if (std::exchange(m_closing, false)) {
+        m_timeLeft = 0;
+        animateTo(m_openPlace.height());
+    } else if (m_timeout.isActive()) {
+        m_timeLeft = m_timeout.remainingTime();
+        m_timeout.stop();
+    }
+}
+
+void PopupView::showWaiting() {
+    const auto count = static_cast<qint64>(m_queue == nullptr ? 0 : m_queue->waitingPopups());
+    ui->popupWaiting->setText(tr("%1 more", nullptr, pluralNumber(count)).arg(countText(count)));
+    ui->popupWaiting->setAccessibleName(tr("Waiting alerts: %1").arg(countText(count)));
+    ui->popupWaiting->setVisible(count > 0);
+    ui->popupSkip->setVisible(count > 0);
+    // Below the link where there is no room beside it.
+    const QMargins margins = ui->contentLayout->contentsMargins();
+    const int room = width() - margins.left() - margins.right();
+    const int wanted = ui->popupAbout->sizeHint().width() + ui->popupWaiting->sizeHint().width() +
+                       ui->popupSkip->sizeHint().width() + ui->linkLayout->spacing() +
+                       2 * ui->waitingLayout->spacing();
+    const bool isBelow = count > 0 && wanted > room;
+    ui->linkLayout->setDirection(isBelow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+}
+
+void PopupView::skipAll() {
+    if (m_queue != nullptr) {
+        m_queue->skipAll();
+    }
+    window()->close();
 }
 
 void PopupView::popupTimeout() {
@@ -173,8 +269,11 @@ void PopupView::animateTo(int height) {
 void PopupView::slideEnded() {
     if (m_closing) {
         window()->close();
+    } else if (m_hold->isHeld()) {
+        m_timeLeft = std::exchange(m_wasOpen, true) ? m_timeLeft : timerInterval(popupTime);
     } else {
-        m_timeout.start(timerInterval(popupTime));
+        m_timeout.start(std::exchange(m_wasOpen, true) ? std::max(m_timeLeft, kLeastTimeLeft)
+                                                       : timerInterval(popupTime));
     }
 }
 

@@ -22,10 +22,14 @@ class PopupView;
 
 namespace quorbel {
 
+class PopupDismissal;
+class PopupHold;
+class PopupQueue;
 class Storyboard;
 
 /// The alert popup's content: one event. When it appears, its window grows upward from the bottom
-/// of the screen, stays for `popupTime` seconds, shrinks and closes.
+/// of the screen, stays for `popupTime` seconds, shrinks and closes. The user may close it before,
+/// hold it open with the pointer, and skip what waits behind it.
 class PopupView final : public QFrame, public PageLifeCycle {
     Q_OBJECT
 
@@ -52,6 +56,8 @@ public:
         m_condition = std::move(condition);
     }
     [[nodiscard]] std::shared_ptr<PopupCondition> condition() const { return m_condition; }
+    /// What waits behind it; outlives the popup. Without one, nothing does.
+    void setQueue(PopupQueue *queue) { m_queue = queue; }
     /// How this popup rates its event (SeverityLevel, or what the preferences say instead).
     [[nodiscard]] std::int64_t level() const;
 
@@ -68,6 +74,12 @@ private:
     void setWindowHeight(int height);
     void animateTo(int height);
     void slideEnded();
+    void connectUser();
+    void setHeld(bool isHeld);
+    void showWaiting();
+    void skipAll();
+    [[nodiscard]] int roomBesideHeader() const;
+    void showDate();
 
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::PopupView> ui;
@@ -75,8 +87,14 @@ private:
     std::shared_ptr<PopupCondition> m_condition;
     QRect m_openPlace;  ///< the window's place when it stands fully open
     bool m_closing = false;
+    bool m_wasOpen = false;  ///< fully, once
+    int m_timeLeft = 0;      ///< while it is held open, in milliseconds
     QVariantAnimation m_slide;
     QTimer m_timeout{this};
+    QTimer m_recount{this};
+    PopupQueue *m_queue = nullptr;
+    PopupHold *m_hold = nullptr;
+    PopupDismissal *m_dismissal = nullptr;
     QPointer<QWidget> m_eventSheet;
 };
 

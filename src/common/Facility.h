@@ -13,5 +13,6 @@ inline constexpr std::array<std::string_view, 24> kFacilityNames{
     "Uucp",   "Cron",   "Authpriv", "Ftp",    "Ntp",    "Audit",  "Console", "Clock",
     "Local0", "Local1", "Local2",   "Local3", "Local4", "Local5", "Local6",  "Local7",
 };
+inline constexpr unsigned kFacilityCount = kFacilityNames.size();
 
 }  // namespace quorbel

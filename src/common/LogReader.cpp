@@ -2,14 +2,19 @@
 
 #include "platform/DescriptorIo.h"
 #include "platform/Files.h"
+#include "platform/Utf8.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace quorbel {
 
@@ -81,26 +86,112 @@ bool splitPlainLine(std::string_view piece, LogLine &line) {
     return true;
 }
 
-/// Hands every complete piece on and returns how many bytes they took; nothing when the handler
-/// ended the reading.
-std::optional<std::size_t> handOn(std::string_view bytes, bool atEnd,
-                                  const LogReader::LineHandler &onLine) {
+/// Hands on every complete piece of the lines that begin before `end`, and returns how many bytes
+/// they took; nothing when the handler ended the reading. `extent` grows by them.
+std::optional<std::size_t> handOn(std::string_view bytes, bool atEnd, std::uint64_t end,
+                                  const LogReader::LineHandler &onLine, LogExtent &extent) {
+    const bool isAscii = asciiPrefixLength(bytes) == bytes.size();
     std::size_t taken = 0;
-    while (const std::size_t length = logPieceLength(bytes.substr(taken), atEnd)) {
-        const auto line = splitLogLine(bytes.substr(taken, length));
+    while (extent.lines < end || extent.bytes > extent.lines) {
+        const std::size_t length = logPieceLength(bytes.substr(taken), atEnd);
+        if (length == 0) {
+            break;
+        }
+        auto line = splitLogLine(bytes.substr(taken, length));
         taken += length;
-        if (line && !onLine(*line)) {
+        ++extent.pieces;
+        extent.bytes += length;
+        if (bytes[taken - 1] == '\n') {
+            extent.lines = extent.bytes;
+        }
+        if (!line) {
+            continue;
+        }
+        line->isAscii = isAscii;
+        if (!onLine(*line)) {
             return std::nullopt;
         }
     }
     return taken;
 }
 
-/// The bytes read; 0 at the end, at an error, and of a file that could not be opened.
-std::size_t readOrEnd(const UniqueFd &file, char *buffer, std::size_t room) {
-    return static_cast<std::size_t>(
-        std::max<ssize_t>(file.isOpen() ? readSome(file.get(), buffer, room) : 0, 0));
+/// What stands in a file around a place that moves forward.
+class Window {
+public:
+    Window(const LogFile &file, std::uint64_t place) : m_file(file), m_place(place) {}
+
+    /// The bytes from place() on, as far as they were read.
+    [[nodiscard]] std::string_view bytes() const { return {m_buffer.data(), m_held}; }
+    [[nodiscard]] std::uint64_t place() const { return m_place; }
+    /// Where the bytes end.
+    [[nodiscard]] std::uint64_t end() const { return m_place + m_held; }
+
+    /// Reads on, not much beyond `end`. False at the end of the file, at an error, and of a file
+    /// that could not be opened.
+    bool read(std::uint64_t end) {
+        const std::uint64_t wanted = std::max(end, this->end()) - this->end();
+        const std::size_t room = m_buffer.size() - m_held;
+        const std::size_t count =
+            readOrEnd(wanted < room ? std::min<std::size_t>(wanted + kLogPieceSize, room) : room);
+        m_held += count;
+        return count > 0;
+    }
+    /// Moves the place forward over bytes that were read.
+    void pass(std::size_t count) {
+        m_held -= count;
+        m_place += count;
+        std::memmove(m_buffer.data(), m_buffer.data() + count, m_held);
+    }
+
+private:
+    std::size_t readOrEnd(std::size_t room) {
+        ssize_t count = 0;
+        do {
+            count = ::pread(m_file.fd(), m_buffer.data() + m_held, room, static_cast<off_t>(end()));
+        } while (count < 0 && errno == EINTR);
+        return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    }
+
+    const LogFile &m_file;
+    std::uint64_t m_place;
+    std::vector<char> m_buffer = std::vector<char>(kBufferSize);
+    std::size_t m_held = 0;
+};
+
+/// Moves on to where the first line of a part begins, which is behind a line feed. False when none
+/// begins there.
+bool findFirstLine(Window &window, const LogSpan &span) {
+    if (span.begin == 0) {
+        return true;
+    }
+    while (window.place() < span.end && window.read(span.end)) {
+        const std::size_t lineFeed = window.bytes().find('\n');
+        if (lineFeed != std::string_view::npos) {
+            window.pass(lineFeed + 1);
+            return window.place() < span.end;
+        }
+        window.pass(window.bytes().size());
+    }
+    return false;
 }
+
+/// Tells of each byte of a part once.
+class Progress {
+public:
+    Progress(const LogSpan &span, const LogReader::ProgressHandler &handler)
+        : m_span(span), m_handler(handler), m_told(span.begin) {}
+
+    bool reached(std::uint64_t place) {
+        const std::uint64_t within = std::clamp(place, m_told, m_span.end);
+        const std::uint64_t count = within - std::exchange(m_told, within);
+        return !m_handler || m_handler(static_cast<std::size_t>(count));
+    }
+
+private:
+    const LogSpan &m_span;
+    const LogReader::ProgressHandler &m_handler;
+    std::uint64_t m_told;
+};
 
 }  // namespace
 
@@ -153,28 +244,46 @@ std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
     return total;
 }
 
-bool LogReader::readFile(const std::filesystem::path &file, const LineHandler &onLine,
-                         const ProgressHandler &onProgress) {
-    const UniqueFd source = openRegular(file, O_RDONLY);
-    std::vector<char> buffer(kBufferSize);
-    std::size_t held = 0;
-    for (;;) {
-        const std::size_t count = readOrEnd(source, buffer.data() + held, buffer.size() - held);
-        held += count;
-        const auto taken = handOn({buffer.data(), held}, count == 0, onLine);
-        if (!taken || (onProgress && !onProgress(count))) {
-            return false;
-        }
-        if (count == 0) {
-            return true;
-        }
-        held -= *taken;
-        std::memmove(buffer.data(), buffer.data() + *taken, held);
+LogFile::LogFile(std::filesystem::path file)
+    : m_source(openRegular(file, O_RDONLY)), m_unread{.file = std::move(file)} {
+    struct stat status {};
+    if (m_source.isOpen() && ::fstat(m_source.get(), &status) == 0) {
+        m_size = static_cast<std::uint64_t>(status.st_size);
+        m_unread.device = status.st_dev;
+        m_unread.inode = status.st_ino;
     }
 }
 
+bool LogReader::readFile(const std::filesystem::path &file, const LineHandler &onLine,
+                         const ProgressHandler &onProgress, LogExtent *extent) {
+    LogExtent unasked;
+    return readPart(LogFile(file), {}, onLine, onProgress, extent != nullptr ? *extent : unasked);
+}
+
+bool LogReader::readPart(const LogFile &file, const LogSpan &span, const LineHandler &onLine,
+                         const ProgressHandler &onProgress, LogExtent &extent) {
+    extent = file.unread();
+    Progress progress(span, onProgress);
+    Window window(file, span.begin - std::min<std::uint64_t>(span.begin, 1));
+    if (!findFirstLine(window, span)) {
+        return progress.reached(window.end());
+    }
+    extent.bytes = extent.lines = window.place();
+    for (bool isThereMore = true; isThereMore;) {
+        isThereMore = window.read(span.end);
+        const auto taken = handOn(window.bytes(), !isThereMore, span.end, onLine, extent);
+        if (!taken || !progress.reached(window.end())) {
+            return false;
+        }
+        window.pass(*taken);
+        isThereMore &= extent.lines < span.end || extent.bytes > extent.lines;
+    }
+    return true;
+}
+
 void LogReader::readBytes(std::string_view bytes, const LineHandler &onLine) {
-    handOn(bytes, true, onLine);
+    LogExtent extent;
+    handOn(bytes, true, LogSpan::kNoEnd, onLine, extent);
 }
 
 }  // namespace quorbel

@@ -10,6 +10,8 @@ namespace quorbel {
 
 inline constexpr std::size_t kSeverityClassCount = 9;
 inline constexpr std::size_t kUnknownClass = 8;
+/// Those that a message can have (RFC 5424, 6.2.1); their classes have the same numbers.
+inline constexpr unsigned kSeverityCount = 8;
 
 /// The user's rating of a severity class; also the order of the three images.
 enum SeverityLevel : std::int64_t { kNormal = 0, kModerate = 1, kSevere = 2 };

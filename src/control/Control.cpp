@@ -32,6 +32,7 @@ Filters, all of which have to hold, as on the events page:
       ...-case           --contains-case and so on tell capital and small letters apart
       --rating NAME      Normal, Moderate, Severe, Unrated; several for any of them
       --severity NAME    that severity (Emergency to Debug, Unknown), and worse
+      --class NAME       just that severity; may stand several times
       --facility NAME    Kern to Local7
       --host LIST        names, addresses, *, ?, 10.0.0.0/8, !except, with commas between
       --from MOMENT      2026-11-21, "2026-11-21 02:00", 2026-11-21T02:00:00Z, seconds

@@ -1,6 +1,6 @@
 #include "control/LogFollower.h"
 
-#include "control/LogTail.h"
+#include "common/LogTail.h"
 #include "platform/DescriptorIo.h"
 #include "platform/Files.h"
 #include "platform/Text.h"

@@ -115,6 +115,7 @@ std::vector<Option> QueryOptions::options() {
     }
     options.push_back(nameOption("rating", ratingNames()));
     options.push_back(nameOption("severity", severityNames()));
+    options.push_back(nameOption("class", severityNames()));
     options.push_back(nameOption("facility", {kFacilityNames.begin(), kFacilityNames.end()}));
     options.push_back(textOption("host"));
     options.push_back(momentOption("from"));

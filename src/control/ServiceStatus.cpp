@@ -10,8 +10,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace quorbel {
 
@@ -72,6 +74,24 @@ int readRefusals(sd_bus_message *reply, ServiceStatus &status) {
     });
 }
 
+int readResults(sd_bus_message *reply, std::optional<std::vector<ServiceStatus::Result>> &results) {
+    results.emplace();
+    return readArray(reply, "(stxtsx)", [&] {
+        const char *name = nullptr;
+        const char *problem = nullptr;
+        ServiceStatus::Result one;
+        const int result =
+            sd_bus_message_read(reply, "(stxtsx)", &name, &one.done, &one.doneSeconds, &one.failed,
+                                &problem, &one.failedSeconds);
+        if (result > 0) {
+            one.name = name;
+            one.problem = problem;
+            results->push_back(std::move(one));
+        }
+        return result;
+    });
+}
+
 using ReadProperty = int (*)(sd_bus_message *reply, ServiceStatus &status);
 
 struct Property {
@@ -90,6 +110,14 @@ constexpr Property kProperties[] = {
     {"Counters", "a{st}", readCounters},
     {"Listeners", "a(sq)", readListeners},
     {"Refusals", "a(sssxt)", readRefusals},
+    {"Actions", "a(stxtsx)",
+     [](sd_bus_message *reply, ServiceStatus &status) {
+         return readResults(reply, status.actions);
+     }},
+    {"Exports", "a(stxtsx)",
+     [](sd_bus_message *reply, ServiceStatus &status) {
+         return readResults(reply, status.exports);
+     }},
 };
 
 /// The value behind a property's name. What is not known here is passed over.
@@ -167,6 +195,45 @@ void appendCount(std::string &out, std::uint64_t count) {
     out += number.data();
 }
 
+using Results = std::optional<std::vector<ServiceStatus::Result>>;
+
+void appendResults(std::string &out, const char *title, const Results &results) {
+    const DateFormat dates("");
+    if (!results || results->empty()) {
+        return;
+    }
+    out += std::string("\n") + title + '\n';
+    for (const ServiceStatus::Result &one : *results) {
+        appendCount(out, one.done);
+        appendVisible(out, one.name);
+        out += one.done > 0 ? "  last " + dates.render(static_cast<double>(one.doneSeconds))
+                            : "  never";
+        if (one.failed > 0) {
+            out += "  failed " + std::to_string(one.failed) + ", last " +
+                   dates.render(static_cast<double>(one.failedSeconds)) + ": ";
+            appendVisible(out, one.problem);
+        }
+        out += '\n';
+    }
+}
+
+void appendJsonResults(std::string &out, const char *name, const Results &results) {
+    if (!results) {
+        return;
+    }
+    out += std::string(",\"") + name + "\":[";
+    for (const ServiceStatus::Result &one : *results) {
+        out += out.ends_with('[') ? "{\"name\":" : ",{\"name\":";
+        appendJson(out, one.name);
+        out += ",\"done\":" + std::to_string(one.done) +
+               ",\"doneTime\":" + std::to_string(one.doneSeconds) +
+               ",\"failed\":" + std::to_string(one.failed) + ",\"problem\":";
+        appendJson(out, one.problem);
+        out += ",\"failedTime\":" + std::to_string(one.failedSeconds) + '}';
+    }
+    out += ']';
+}
+
 }  // namespace
 
 std::variant<ServiceStatus, StatusProblem> askForStatus(std::chrono::seconds patience) {
@@ -201,6 +268,8 @@ std::string ServiceStatus::text() const {
         out += (one.detail.empty() ? "" : "  ") + std::string("last ") +
                dates.render(static_cast<double>(one.seconds)) + '\n';
     }
+    appendResults(out, "Actions", actions);
+    appendResults(out, "Exports", exports);
     return out;
 }
 
@@ -230,7 +299,10 @@ std::string ServiceStatus::json() const {
         out += ",\"time\":" + std::to_string(one.seconds) +
                ",\"count\":" + std::to_string(one.count) + '}';
     }
-    return out + "]}\n";
+    out += ']';
+    appendJsonResults(out, "actions", actions);
+    appendJsonResults(out, "exports", exports);
+    return out + "}\n";
 }
 
 }  // namespace quorbel

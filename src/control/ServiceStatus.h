@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,11 +22,24 @@ struct ServiceStatus {
         std::uint64_t count = 0;
     };
 
+    /// Of something that the service does by itself: an action, an export.
+    struct Result {
+        std::string name;
+        std::uint64_t done = 0;
+        std::int64_t doneSeconds = 0;  ///< of the last one; 0: never
+        std::uint64_t failed = 0;
+        std::string problem;  ///< the last one
+        std::int64_t failedSeconds = 0;
+    };
+
     std::string version;
     std::int64_t since = 0;
     std::vector<std::pair<std::string, std::uint64_t>> counters;
     std::vector<std::pair<std::string, std::uint16_t>> listeners;
     std::vector<Refusal> refusals;
+    // Nothing when the service is too old to tell them.
+    std::optional<std::vector<Result>> actions;
+    std::optional<std::vector<Result>> exports;
 
     /// What people read, or an object of JSON; ended by a line feed.
     [[nodiscard]] std::string text() const;

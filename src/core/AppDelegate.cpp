@@ -24,10 +24,17 @@ std::optional<std::string> AppDelegate::readSettings() {
 }
 
 void AppDelegate::saveSettings(Dictionary settings) {
-    setPipe({{"command", "save"}, {"Settings", std::move(settings)}});
+    setPipe({{"command", "save"}, {"Settings", std::move(settings)}},
+            [this, number = lastSave.begin()](const std::optional<std::string> &reply) {
+                lastSave.end(number, reply);
+            });
 }
 
 void AppDelegate::setPipe(Dictionary command, CommandSender::AnswerHandler onAnswer) {
+    m_sender.send(std::move(command), std::move(onAnswer));
+}
+
+void AppDelegate::setPipe(LineCommand command, CommandSender::AnswerHandler onAnswer) {
     m_sender.send(std::move(command), std::move(onAnswer));
 }
 

@@ -3,7 +3,11 @@
 #include "core/AppState.h"
 #include "core/EventHold.h"
 #include "core/EventList.h"
+#include "core/HostWatch.h"
+#include "core/LastSave.h"
 #include "core/PageLinks.h"
+#include "core/ServiceState.h"
+#include "platform/LineCommand.h"
 #include "platform/Mutex.h"
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
@@ -25,6 +29,12 @@ public:
     EventList events;
     /// What is new while the user has the list held.
     EventHold hold{events};
+    /// What the service says of itself.
+    ServiceState service;
+    /// What became of the settings that were saved last.
+    LastSave lastSave;
+    /// Who sends, and who has fallen silent.
+    HostWatch hosts{events};
 
     /// Replaces the four alert settings in `state` together: the alert worker never sees some of
     /// them old and some new. Once the worker runs, nothing else may write them.
@@ -35,11 +45,12 @@ public:
 
     /// The bytes of the settings document, or nothing when it cannot be read.
     [[nodiscard]] static std::optional<std::string> readSettings();
-    /// Sends the whole document to the service, which stores it. Nothing tells whether it did.
+    /// Sends the whole document to the service, which stores it. Whether it did, `lastSave` tells.
     void saveSettings(Dictionary settings);
     /// Sends one command to the service and returns at once. `onAnswer` is called on the sender's
     /// thread.
     void setPipe(Dictionary command, CommandSender::AnswerHandler onAnswer = {});
+    void setPipe(LineCommand command, CommandSender::AnswerHandler onAnswer = {});
 
     // Application-level commands: show the main window again and forward to it. They do nothing
     // before the window exists.

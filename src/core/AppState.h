@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Severity.h"
+#include "core/HourlyArrivals.h"
 
 #include <array>
 #include <cstdint>
@@ -43,6 +44,8 @@ struct AppState : SeverityLevels, AlertSettings {
     std::int64_t iInformation = 0;
     std::int64_t iDebug = 0;
     std::int64_t iUnknown = 0;
+
+    HourlyArrivals arrivals;  ///< of the events that the intake took in
 
     std::string newDateFormat;  ///< now chosen; empty means the default format
     std::string oldDateFormat;  ///< in force before the options were last saved

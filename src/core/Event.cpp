@@ -35,4 +35,9 @@ std::optional<std::string> Event::value(std::string_view key) const {
     return m_list->value(m_id, key);
 }
 
+std::optional<std::int64_t> Event::moment() const {
+    const auto row = m_list->rowOf(m_id);
+    return row ? m_list->momentHeld(*row) : std::nullopt;
+}
+
 }  // namespace quorbel

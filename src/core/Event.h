@@ -38,6 +38,8 @@ public:
     /// The value of a key ("Date", "Priority", "Host", "Message", "Image", or one that came with
     /// the event); nothing when it is absent.
     [[nodiscard]] std::optional<std::string> value(std::string_view key) const;
+    /// The moment that its date came as; nothing when it came as text, or the event left the list.
+    [[nodiscard]] std::optional<std::int64_t> moment() const;
 
 private:
     EventList *m_list;

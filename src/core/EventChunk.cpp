@@ -1,5 +1,7 @@
 #include "core/EventChunk.h"
 
+#include "platform/MemoryPages.h"
+
 #include <algorithm>
 #include <bit>
 #include <utility>
@@ -27,7 +29,7 @@ StoredMessage readMessage(const char *bytes) {
     return {{bytes + used, length}, used + length};
 }
 
-void writeMessage(std::vector<char> &bytes, std::string_view text) {
+void writeMessage(MessageBytes &bytes, std::string_view text) {
     std::size_t length = text.size();
     while (length >= 0x80U) {
         bytes.push_back(static_cast<char>(0x80U | (length & 0x7FU)));
@@ -41,7 +43,7 @@ void writeMessage(std::vector<char> &bytes, std::string_view text) {
 
 EventChunk::EventChunk(EventId first, std::size_t expectedBytes) : m_first(first) {
     m_records.reserve(kSlots);
-    m_bytes.reserve(expectedBytes);
+    m_bytes->reserve(expectedBytes);
 }
 
 EventId EventChunk::idAt(std::size_t position) const {
@@ -90,26 +92,26 @@ std::optional<std::string_view> EventChunk::message(const EventRecord &record) c
     if (record.message == EventRecord::kNoMessage) {
         return std::nullopt;
     }
-    return readMessage(m_bytes.data() + record.message).text;
+    return readMessage(bytes() + record.message).text;
 }
 
 std::size_t EventChunk::placeFrom(std::size_t position) const {
     while (position < size() && m_records[position].message == EventRecord::kNoMessage) {
         ++position;
     }
-    return position < size() ? m_records[position].message : m_bytes.size();
+    return position < size() ? m_records[position].message : messageBytes();
 }
 
 std::string_view EventChunk::messagesBetween(std::size_t first, std::size_t last) const {
     const std::size_t begin = placeFrom(first);
-    return {m_bytes.data() + begin, placeFrom(last + 1) - begin};
+    return {bytes() + begin, placeFrom(last + 1) - begin};
 }
 
 EventRecord &EventChunk::append(const std::optional<std::string_view> &message) {
     EventRecord &record = m_records.emplace_back();
     if (message) {
-        record.message = static_cast<std::uint32_t>(m_bytes.size());
-        writeMessage(m_bytes, *message);
+        record.message = static_cast<std::uint32_t>(m_bytes->size());
+        writeMessage(*m_bytes, *message);
     }
     m_present[m_used / kWordBits] |= std::uint64_t{1} << (m_used % kWordBits);
     ++m_used;
@@ -117,11 +119,23 @@ EventRecord &EventChunk::append(const std::optional<std::string_view> &message) 
 }
 
 void EventChunk::close() {
+    if (std::exchange(m_isClosed, true)) {
+        return;
+    }
     // A little room that was never written to takes no memory; moving everything would.
-    if (m_bytes.capacity() - m_bytes.size() > m_bytes.size() / 8) {
-        m_bytes.shrink_to_fit();
+    if (m_bytes->capacity() - m_bytes->size() > m_bytes->size() / 8) {
+        m_bytes->shrink_to_fit();
     }
     m_records.shrink_to_fit();
+}
+
+void EventChunk::takeMemory() {
+    makePages(m_bytes->data(), m_bytes->capacity() - m_bytes->capacity() / 16);
+}
+
+EventChunk EventChunk::closeAndFollow(EventId first) {
+    close();
+    return {first, expectedBytes()};
 }
 
 void EventChunk::remove(const std::vector<Positions> &ranges, EventChunk *taken) {
@@ -144,14 +158,18 @@ void EventChunk::remove(const std::vector<Positions> &ranges, EventChunk *taken)
                 taken->adopt(wordBegin + static_cast<std::size_t>(std::countr_zero(rest)), record,
                              message(record));
             }
-            if (record.message != EventRecord::kNoMessage) {
-                m_deadBytes += readMessage(m_bytes.data() + record.message).storedSize;
+            if (record.message != EventRecord::kNoMessage && !m_packed) {
+                m_deadBytes += readMessage(bytes() + record.message).storedSize;
             }
         }
         wordBegin += kWordBits;
     }
     m_records.resize(kept);
-    if (m_deadBytes > m_bytes.size() / 2) {
+    if (m_packed) {
+        // About so many: to know is not worth unpacking them.
+        m_deadBytes = messageBytes() * (m_used - kept) / m_used;
+    }
+    if (m_deadBytes > messageBytes() / 2) {
         dropUnusedBytes();
     }
 }
@@ -169,17 +187,17 @@ void EventChunk::adopt(std::size_t slot, const EventRecord &record,
                        const std::optional<std::string_view> &text) {
     EventRecord &own = m_records.emplace_back(record);
     if (text) {
-        own.message = static_cast<std::uint32_t>(m_bytes.size());
-        writeMessage(m_bytes, *text);
+        own.message = static_cast<std::uint32_t>(m_bytes->size());
+        writeMessage(*m_bytes, *text);
     }
     m_present[slot / kWordBits] |= std::uint64_t{1} << (slot % kWordBits);
 }
 
 void EventChunk::putBack(const EventChunk &taken) {
     std::vector<EventRecord> records;
-    std::vector<char> bytes;  // in the order of the records, as everywhere
+    MessageBytes bytes;  // in the order of the records, as everywhere
     records.reserve(m_records.size() + taken.m_records.size());
-    bytes.reserve(m_bytes.size() - m_deadBytes + taken.m_bytes.size() - taken.m_deadBytes);
+    bytes.reserve(messageBytes() - m_deadBytes + taken.messageBytes() - taken.m_deadBytes);
     const auto add = [&](const EventChunk &from, const EventRecord &record) {
         EventRecord &added = records.emplace_back(record);
         if (const auto text = from.message(record)) {
@@ -200,8 +218,7 @@ void EventChunk::putBack(const EventChunk &taken) {
         m_present[i] |= taken.m_present[i];
     }
     m_records = std::move(records);
-    m_bytes = std::move(bytes);
-    m_deadBytes = 0;
+    replaceBytes(std::move(bytes));
     m_earliest = std::min(m_earliest, taken.m_earliest);
     m_latest = std::max(m_latest, taken.m_latest);
     m_showings.reset();
@@ -219,19 +236,38 @@ void EventChunk::listIds(std::vector<EventId> &ids) const {
 }
 
 void EventChunk::dropUnusedBytes() {
-    std::vector<char> kept;
-    kept.reserve(m_bytes.size() - m_deadBytes);
+    MessageBytes kept;
+    kept.reserve(messageBytes() - m_deadBytes);
     for (EventRecord &record : m_records) {
         if (const auto text = message(record)) {
             record.message = static_cast<std::uint32_t>(kept.size());
             writeMessage(kept, *text);
         }
     }
-    m_bytes = std::move(kept);
-    m_deadBytes = 0;
+    replaceBytes(std::move(kept));
     if (m_used == kSlots) {
         m_records.shrink_to_fit();
     }
+}
+
+void EventChunk::pack(const std::shared_ptr<const MessageBytes> &from,
+                      std::optional<PackedBytes> packed, UnpackedMessages &unpacked) {
+    if (m_bytes != from) {
+        return;
+    }
+    if (!packed) {
+        m_isIncompressible = true;
+        return;
+    }
+    m_packed = std::make_unique<PackedMessages>(std::move(*packed), unpacked);
+    m_bytes.reset();
+}
+
+void EventChunk::replaceBytes(MessageBytes bytes) {
+    m_bytes = std::make_shared<MessageBytes>(std::move(bytes));
+    m_packed.reset();
+    m_isIncompressible = false;
+    m_deadBytes = 0;
 }
 
 void EventChunk::dropIndex() {

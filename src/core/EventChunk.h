@@ -2,6 +2,7 @@
 
 #include "core/Event.h"
 #include "core/HashIndex.h"
+#include "core/PackedMessages.h"
 #include "core/StringTable.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -63,24 +65,64 @@ public:
     [[nodiscard]] std::size_t countBefore(EventId id) const;
     [[nodiscard]] std::optional<std::size_t> positionOf(EventId id) const;
     [[nodiscard]] std::size_t size() const { return m_records.size(); }
-    [[nodiscard]] std::size_t messageBytes() const { return m_bytes.size(); }
+    [[nodiscard]] std::size_t messageBytes() const {
+        return m_packed ? m_packed->size() : m_bytes->size();
+    }
     /// Whether no further event can be added.
-    [[nodiscard]] bool isFull() const { return m_used == kSlots || m_bytes.size() >= kBytesLimit; }
+    [[nodiscard]] bool isFull() const { return m_used == kSlots || messageBytes() >= kBytesLimit; }
 
     EventRecord &record(std::size_t position) { return m_records[position]; }
     [[nodiscard]] const EventRecord &record(std::size_t position) const {
         return m_records[position];
     }
-    /// Valid until the chunk changes.
+    /// Valid until the chunk changes, or until messages of UnpackedMessages::kMost other chunks
+    /// were looked at.
     [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
     /// The bytes of the messages of the records from one position to another, that one included, in
-    /// their order, with others between them.
+    /// their order, with others between them. As long valid.
     [[nodiscard]] std::string_view messagesBetween(std::size_t first, std::size_t last) const;
+    /// How many these are.
+    [[nodiscard]] std::size_t bytesBetween(std::size_t first, std::size_t last) const {
+        return placeFrom(last + 1) - placeFrom(first);
+    }
 
     /// Adds the next event. Precondition: not full.
     EventRecord &append(const std::optional<std::string_view> &message);
     /// Returns unused memory; called when no further event will come.
     void close();
+    /// How much room the messages of a chunk of such events will probably take.
+    [[nodiscard]] std::size_t expectedBytes() const {
+        return std::min(messageBytes() + messageBytes() / 16, kMaxBytesReserved);
+    }
+    /// Takes at once the memory that what it expects will need, which is quicker where it all
+    /// comes.
+    void takeMemory();
+    /// Closes it and makes the one that takes the next events, expected to need as much room.
+    [[nodiscard]] EventChunk closeAndFollow(EventId first);
+    /// Gives its events other ids. Precondition: none was removed, and it has no look-up table.
+    void setFirst(EventId first) { m_first = first; }
+
+    /// Says that messages of it will be looked at soon.
+    void foresee() {
+        if (m_packed) {
+            m_packed->foresee();
+        }
+    }
+    [[nodiscard]] bool isPacked() const { return m_packed != nullptr; }
+    /// Whether the messages' bytes will not change any more, are as they are, and may gain from
+    /// packing.
+    [[nodiscard]] bool isToBePacked() const {
+        return m_isClosed && !m_packed && !m_isIncompressible;
+    }
+    /// They are replaced, never changed, once the list has a later chunk. Precondition:
+    /// isToBePacked().
+    [[nodiscard]] std::shared_ptr<const MessageBytes> bytesToPack() const { return m_bytes; }
+    /// Puts packed messages in the place of the bytes that they were made of, unless these have
+    /// been replaced since; nothing where packing them gained nothing. `unpacked` outlives the
+    /// chunk.
+    void pack(const std::shared_ptr<const MessageBytes> &from, std::optional<PackedBytes> packed,
+              UnpackedMessages &unpacked);
+
     /// A run of positions, [first, last).
     struct Positions {
         std::size_t first = 0;
@@ -132,8 +174,13 @@ public:
     }
 
 private:
+    static constexpr std::size_t kMaxBytesReserved = std::size_t{1} << 20U;
     static constexpr std::size_t kBytesLimit = std::size_t{256} << 20U;
 
+    [[nodiscard]] const char *bytes() const {
+        return (m_packed ? m_packed->bytes() : *m_bytes).data();
+    }
+    void replaceBytes(MessageBytes bytes);
     void dropUnusedBytes();
     /// Where the message begins that a record or the next one after it has.
     [[nodiscard]] std::size_t placeFrom(std::size_t position) const;
@@ -153,7 +200,11 @@ private:
     std::size_t m_used = 0;  // slots handed out
     std::array<std::uint64_t, kSlots / 64> m_present{};
     std::vector<EventRecord> m_records;
-    std::vector<char> m_bytes;  // each message after its length, seven bits a byte
+    // Each message after its length, seven bits a byte: as they are, or packed.
+    std::shared_ptr<MessageBytes> m_bytes = std::make_shared<MessageBytes>();
+    std::unique_ptr<PackedMessages> m_packed;
+    bool m_isClosed = false;
+    bool m_isIncompressible = false;
     std::size_t m_deadBytes = 0;
     std::int64_t m_earliest = INT64_MAX;
     std::int64_t m_latest = INT64_MIN;

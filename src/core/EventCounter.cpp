@@ -50,20 +50,15 @@ void EventCounter::invalidate() {
     }
 }
 
-EventId EventCounter::endOfIds() const {
-    const std::size_t chunks = m_reader.chunkCount();
-    return chunks == 0 ? 0 : m_reader.chunk(chunks - 1).endOfIds();
-}
-
 bool EventCounter::isCounting() const {
-    return std::ranges::any_of(m_counts, [end = endOfIds()](const Count &count) {
+    return std::ranges::any_of(m_counts, [end = m_reader.endOfIds()](const Count &count) {
         return !count.shown || count.progress.next() < end;
     });
 }
 
 void EventCounter::run(const std::function<bool()> &isTimeUp) {
     for (Count &count : m_counts) {
-        bool hasMore = !count.shown || count.progress.next() < endOfIds();
+        bool hasMore = !count.shown || count.progress.next() < m_reader.endOfIds();
         while (hasMore) {
             const auto start = std::chrono::steady_clock::now();
             hasMore = countRun(count);

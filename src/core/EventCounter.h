@@ -59,7 +59,6 @@ private:
     void listChangedAtLarge() override { invalidate(); }
 
     void invalidate();
-    [[nodiscard]] EventId endOfIds() const;
     bool countRun(Count &count);
 
     EventList &m_list;

@@ -1,9 +1,27 @@
 #include "core/EventDates.h"
 
+#include "platform/Number.h"
+#include "platform/Text.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace quorbel {
+
+namespace {
+
+constexpr std::size_t kMaxPlainDigits = 18;
+
+/// Seconds as the digits that the service writes: no sign, no leading zero, within 64 bits.
+std::optional<std::int64_t> plainSeconds(std::string_view text) {
+    const bool fits = !text.empty() && text.size() <= kMaxPlainDigits && text.front() != '-';
+    if (!fits || (text.front() == '0' && text.size() > 1)) {
+        return std::nullopt;
+    }
+    return readNumber<std::int64_t>(text);
+}
+
+}  // namespace
 
 void EventDates::noteShowing(const AppState &state) {
     const Showing showing = showingFor(state);
@@ -36,6 +54,25 @@ void EventDates::showAtOnce(EventRecord &record, std::uint8_t severityClass, con
     }
     record.showings = static_cast<std::uint16_t>(showings());
     pickImage(showing, record, severityClass);
+}
+
+bool EventDates::setAsItCame(EventChunk &chunk, EventRecord &record,
+                             const std::optional<std::string_view> &text) {
+    const auto plain = text ? plainSeconds(*text) : std::nullopt;
+    if (plain) {
+        record.seconds = *plain;
+    } else if (!text) {
+        record.format = EventRecord::kTextDate;
+    } else {
+        record.format = isAllDecimalDigits(*text) ? EventRecord::kRawDate : EventRecord::kTextDate;
+        record.seconds = wholeSeconds(floatingPointValue(*text));
+        record.hasExtras = 1;
+    }
+    chunk.addMoment(record.seconds);
+    if (text && record.format == EventRecord::kTextDate) {
+        chunk.addMoment(INT64_MIN);  // what a text reads as is not known yet
+    }
+    return record.hasExtras != 0;
 }
 
 std::int64_t EventDates::wholeSeconds(double seconds) {

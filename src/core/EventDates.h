@@ -44,6 +44,11 @@ public:
     void showAtOnce(EventRecord &record, std::uint8_t severityClass, const AppState &state,
                     bool hasDate);
 
+    /// Puts a date into a new record of a chunk as it came. True, and noted in the record, when its
+    /// text has to be kept beside it.
+    static bool setAsItCame(EventChunk &chunk, EventRecord &record,
+                            const std::optional<std::string_view> &text);
+
     /// The whole second of a number, within what a date can be rendered from.
     static std::int64_t wholeSeconds(double seconds);
 

@@ -60,6 +60,14 @@ void EventHold::release(std::chrono::milliseconds limit, EventListPageLink &page
     }
 }
 
+void EventHold::forget() {
+    if (m_waiting.size() > 0) {
+        m_waiting.removeRows({{0, m_waiting.size()}});
+    }
+    m_removals = 0;
+    changed();
+}
+
 void EventHold::handOn(std::size_t row, EventListPageLink &page) {
     const auto date = m_waiting.date(row);
     const auto others = m_waiting.others(row);

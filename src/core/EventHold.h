@@ -56,6 +56,9 @@ public:
     /// as if each arrived now, removals through the page.
     void release(std::chrono::milliseconds limit, EventListPageLink &page);
 
+    /// Forgets all that waits.
+    void forget();
+
     /// Each outlives the hold or is removed before it ends.
     void addObserver(EventHoldObserver &observer) { m_observers.push_back(&observer); }
     void removeObserver(EventHoldObserver &observer) { std::erase(m_observers, &observer); }

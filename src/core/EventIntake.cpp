@@ -1,31 +1,68 @@
 #include "core/EventIntake.h"
 
-#include "common/LogReader.h"
 #include "common/Severity.h"
+#include "core/ArrivalObserver.h"
 #include "core/EventHold.h"
 #include "core/EventList.h"
-#include "core/LogFields.h"
+#include "core/LogLoad.h"
 #include "core/StartSettings.h"
+#include "platform/Number.h"
 
+#include <algorithm>
 #include <bit>
+#include <ctime>
+#include <utility>
 
 namespace quorbel {
+
+namespace {
+
+/// Adds how far the next part of a file was read: of one that was read already, or a new one.
+void addExtent(std::vector<LogExtent> &extents, LogExtent part) {
+    if (extents.empty() || extents.back().file != part.file) {
+        extents.push_back(std::move(part));
+        return;
+    }
+    LogExtent &whole = extents.back();
+    whole.bytes = std::max(whole.bytes, part.bytes);
+    whole.lines = std::max(whole.lines, part.lines);
+    whole.pieces += part.pieces;
+}
+
+}  // namespace
 
 EventIntake::EventIntake(AppState &state, EventList &events, EventHold &hold,
                          EventListPageLink &page, HomePageLink &home)
     : m_state(state), m_events(events), m_hold(hold), m_eventPage(page), m_homePage(home) {}
 
-void EventIntake::count(const PriorityClasses &classes) {
+void EventIntake::count(const PriorityClasses &classes, std::optional<std::string_view> date) {
     for (unsigned long rest = classes.counted.to_ulong(); rest != 0; rest &= rest - 1) {
         ++(m_state.*kSeverityCounters[static_cast<std::size_t>(std::countr_zero(rest))]);
     }
+    if (const auto seconds = readNumber<std::int64_t>(date.value_or(""))) {
+        m_state.arrivals.add(classes.counted, *seconds, std::time(nullptr));
+    }
+}
+
+void EventIntake::count(const LogLoad::Batch &batch) {
+    const auto counts = batch.events.countByClass();
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        m_state.*kSeverityCounters.at(i) += static_cast<std::int64_t>(counts.at(i));
+    }
+    m_state.arrivals.add(batch.arrivals);
 }
 
 EventPlace EventIntake::setNotification(const EventFields &event) {
     const EventPlace place = m_hold.take(event, m_eventPage);
-    count(place.list.classes(0));
-    if (m_homePage.isOnScreen()) {
-        m_homePage.setEventsStatus();
+    const PriorityClasses &classes = place.list.classes(0);
+    count(classes, event.date);
+    for (ArrivalObserver *observer : m_observers) {
+        observer->eventArrived(event, classes.shown);
+    }
+    if (m_isAmongMany) {
+        m_isHomeDue = true;
+    } else {
+        tellHomePage();
     }
     return place;
 }
@@ -38,32 +75,76 @@ void EventIntake::removeNotification(const EventFields &announced) {
     }
 }
 
-void EventIntake::initializeLog(const Progress &onProgress) {
+void EventIntake::resetCounters() {
     for (const auto counter : kSeverityCounters) {
         m_state.*counter = 0;
     }
+    m_state.arrivals = {};
+}
+
+void EventIntake::beginAnew() {
+    resetCounters();
+    m_hold.forget();
+    m_events.removeMarked();
+    if (m_events.size() > 0) {
+        m_events.removeRows({{0, m_events.size()}});
+    }
+    for (ArrivalObserver *observer : m_observers) {
+        observer->logBeginsAnew();
+    }
+}
+
+void EventIntake::takeLogged(const EventFields &event) {
+    // Past the hold, which would keep an empty list.
+    const bool isOnScreen = m_eventPage.isOnScreen();
+    isOnScreen ? m_eventPage.insertEvent(event) : m_events.insertRaw(event);
+    count(m_events.classes(0), event.date);
+}
+
+void EventIntake::endAnew() {
+    for (ArrivalObserver *observer : m_observers) {
+        observer->logWasLoaded();
+    }
+    tellHomePage();
+}
+
+void EventIntake::tellHomePage() {
+    if (m_homePage.isOnScreen()) {
+        m_homePage.setEventsStatus();
+    }
+}
+
+void EventIntake::endMany() {
+    m_isAmongMany = false;
+    if (std::exchange(m_isHomeDue, false)) {
+        tellHomePage();
+    }
+}
+
+std::vector<LogExtent> EventIntake::initializeLog(const Progress &onProgress,
+                                                  const LogLoad::Shares &shares) {
+    resetCounters();
     takeStartSettings(m_state);
 
-    const auto files = logFiles();
-    const std::uint64_t total = totalSize(files);
-    std::uint64_t read = 0;
+    LogLoad load(logFiles(), std::time(nullptr), shares);
+    std::vector<LogExtent> extents;
     m_events.beginBulkInsert();
-    for (const auto &file : files) {
-        LogReader::readFile(
-            file,
-            [this](const LogLine &line) {
-                setNotification(fieldsOf(line));
-                return true;
-            },
-            [&](std::size_t bytes) {
-                read += bytes;
-                if (onProgress) {
-                    onProgress(read, total);
-                }
-                return true;
-            });
+    while (auto batch = load.next([&](std::uint64_t read) {
+        if (onProgress) {
+            onProgress(read, load.total());
+        }
+    })) {
+        count(*batch);
+        m_events.append(std::move(batch->events));
+        for (LogExtent &extent : batch->extents) {
+            addExtent(extents, std::move(extent));
+        }
     }
     m_events.endBulkInsert();
+    for (ArrivalObserver *observer : m_observers) {
+        observer->logWasLoaded();
+    }
+    return extents;
 }
 
 }  // namespace quorbel

@@ -1,15 +1,21 @@
 #pragma once
 
+#include "common/LogReader.h"
 #include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/Event.h"
+#include "core/LogLoad.h"
 #include "core/PageLinks.h"
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace quorbel {
 
+class ArrivalObserver;
 class EventHold;
 class EventList;
 
@@ -25,23 +31,43 @@ public:
     EventIntake(AppState &state, EventList &events, EventHold &hold, EventListPageLink &page,
                 HomePageLink &home);
 
+    /// Each outlives the intake.
+    void addObserver(ArrivalObserver &observer) { m_observers.push_back(&observer); }
+
     /// Takes one new event in and says where it is: in the list, or with the hold while that delays
     /// it. It is counted either way.
     EventPlace setNotification(const EventFields &event);
     /// Hands an announced removal on, to wait where events do; counters stay as they are.
     void removeNotification(const EventFields &announced);
-    /// The start-up load: counters to zero, the settings into the state, every log file into the
-    /// list, oldest file first.
-    void initializeLog(const Progress &onProgress = {});
+    /// The start-up load, before anything is shown or held: counters to zero, the settings into the
+    /// state, every log file into the list, oldest file first. Says how far it read those files
+    /// that could be opened, in that order: what is added to them from then on is not listed.
+    std::vector<LogExtent> initializeLog(const Progress &onProgress = {},
+                                         const LogLoad::Shares &shares = {});
+    /// The same once more, bit by bit: all that is listed, that waits and that was counted is void;
+    /// then each event of the log by takeLogged(), oldest first, and endAnew().
+    void beginAnew();
+    void takeLogged(const EventFields &event);
+    void endAnew();
+
+    /// Between these two nothing is painted, and the home page is told once for all events.
+    void beginMany() { m_isAmongMany = true; }
+    void endMany();
 
 private:
-    void count(const PriorityClasses &classes);
+    void resetCounters();
+    void count(const PriorityClasses &classes, std::optional<std::string_view> date);
+    void count(const LogLoad::Batch &batch);
+    void tellHomePage();
 
     AppState &m_state;
     EventList &m_events;
     EventHold &m_hold;
     EventListPageLink &m_eventPage;
     HomePageLink &m_homePage;
+    std::vector<ArrivalObserver *> m_observers;
+    bool m_isAmongMany = false;
+    bool m_isHomeDue = false;
 };
 
 }  // namespace quorbel

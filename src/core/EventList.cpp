@@ -1,6 +1,6 @@
 #include "core/EventList.h"
 
-#include "platform/Number.h"
+#include "core/LoadedEvents.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -8,22 +8,6 @@
 #include <cmath>
 
 namespace quorbel {
-
-namespace {
-
-constexpr std::size_t kMaxPlainDigits = 18;
-constexpr std::size_t kMaxBytesReserved = std::size_t{1} << 20U;
-
-/// Seconds as the digits that the service writes: no sign, no leading zero, within 64 bits.
-std::optional<std::int64_t> plainSeconds(std::string_view text) {
-    const bool fits = !text.empty() && text.size() <= kMaxPlainDigits && text.front() != '-';
-    if (!fits || (text.front() == '0' && text.size() > 1)) {
-        return std::nullopt;
-    }
-    return readNumber<std::int64_t>(text);
-}
-
-}  // namespace
 
 EventList::~EventList() {
     assert(m_held.empty());
@@ -49,15 +33,10 @@ StringTable::Id EventList::acquirePriority(const std::optional<std::string_view>
 }
 
 EventList::Place EventList::add(const EventFields &fields) {
-    if (m_chunks.empty() || m_chunks.back().isFull() || m_chunks.back().endOfIds() != m_nextId) {
-        std::size_t expectedBytes = 0;
-        if (!m_chunks.empty()) {
-            m_chunks.back().close();
-            expectedBytes = m_chunks.back().messageBytes() + m_chunks.back().messageBytes() / 16;
-        }
-        m_chunks.emplace_back(m_nextId, std::min(expectedBytes, kMaxBytesReserved));
-        m_chunks.back().noteShowings(static_cast<std::uint16_t>(m_dates.showings()));
-        m_countUpTo.push_back(m_size);
+    if (m_chunks.empty()) {
+        startChunk(EventChunk(m_nextId, 0));
+    } else if (m_chunks.back().isFull() || m_chunks.back().endOfIds() != m_nextId) {
+        startChunk(m_chunks.back().closeAndFollow(m_nextId));
     }
     EventChunk &chunk = m_chunks.back();
     EventRecord &record = chunk.append(fields.message);
@@ -65,7 +44,9 @@ EventList::Place EventList::add(const EventFields &fields) {
     record.host = fields.host ? m_hosts.acquire(*fields.host) : StringTable::kAbsent;
     record.showings = static_cast<std::uint16_t>(m_dates.showings());
     const Place place{&chunk, chunk.size() - 1};
-    setDate(place, fields.date);
+    if (EventDates::setAsItCame(chunk, record, fields.date)) {
+        m_extras[m_nextId].date = *fields.date;
+    }
     if (!fields.others.empty()) {
         record.hasExtras = 1;
         auto &others = m_extras[m_nextId].others;
@@ -84,26 +65,45 @@ EventList::Place EventList::add(const EventFields &fields) {
     return place;
 }
 
-void EventList::setDate(const Place &place, const std::optional<std::string_view> &text) {
-    EventRecord &record = place.record();
-    if (!text) {
-        record.format = EventRecord::kTextDate;
-        place.chunk->addMoment(record.seconds);
-        return;
+void EventList::startChunk(EventChunk chunk) {
+    m_chunks.push_back(std::move(chunk));
+    m_chunks.back().noteShowings(static_cast<std::uint16_t>(m_dates.showings()));
+    m_countUpTo.push_back(m_size);
+}
+
+void EventList::append(LoadedEvents events) {
+    assert(m_inBulk);
+    const std::vector<StringTable::Id> priorities = acquirePriorities(events);
+    const std::vector<StringTable::Id> hosts = m_hosts.acquireAll(events.m_hosts);
+    const auto showings = static_cast<std::uint16_t>(m_dates.showings());
+    for (auto &[id, date] : events.m_dateTexts) {
+        m_extras[m_nextId + id].date = std::move(date);
     }
-    if (const auto seconds = plainSeconds(*text)) {
-        record.seconds = *seconds;
-        place.chunk->addMoment(*seconds);
-        return;
+    if (!m_chunks.empty()) {
+        m_chunks.back().close();
     }
-    record.format = isAllDecimalDigits(*text) ? EventRecord::kRawDate : EventRecord::kTextDate;
-    record.seconds = EventDates::wholeSeconds(floatingPointValue(*text));
-    record.hasExtras = 1;
-    m_extras[m_nextId].date = *text;
-    place.chunk->addMoment(record.seconds);
-    if (record.format == EventRecord::kTextDate) {
-        place.chunk->addMoment(INT64_MIN);  // what a text reads as is not known yet
+    for (EventChunk &chunk : events.m_chunks) {
+        chunk.setFirst(m_nextId);
+        for (std::size_t position = 0; position < chunk.size(); ++position) {
+            EventRecord &record = chunk.record(position);
+            record.priority = priorities[record.priority];
+            record.host = hosts[record.host];
+            record.showings = showings;
+        }
+        startChunk(std::move(chunk));
+        m_nextId = m_chunks.back().endOfIds();
+        m_size += m_chunks.back().size();
+        m_countUpTo.back() = m_size;
     }
+}
+
+std::vector<StringTable::Id> EventList::acquirePriorities(const LoadedEvents &events) {
+    std::vector<StringTable::Id> ids = m_priorities.acquireAll(events.m_priorities);
+    m_classes.resize(m_priorities.idLimit());
+    for (StringTable::Id id = 1; id < ids.size(); ++id) {
+        m_classes[ids[id]] = events.m_classes[id];
+    }
+    return ids;
 }
 
 EventId EventList::insertRaw(const EventFields &fields) {

@@ -21,6 +21,8 @@
 
 namespace quorbel {
 
+class LoadedEvents;
+
 /// Hears of changes to the list's rows, before and after each. Row 0 is the newest event.
 class EventListObserver {
 public:
@@ -72,10 +74,14 @@ public:
     EventId insertRaw(const EventFields &fields);
     /// Adds an event at row 0 with its date rendered in the format now in force and its image set.
     EventId insertShown(const EventFields &fields, const AppState &state);
+    /// Adds events, the first of them first, as insertRaw() would each. Precondition: between
+    /// beginBulkInsert() and endBulkInsert().
+    void append(LoadedEvents events);
     /// Converts the dates and sets the images of all rows, as each time before the list is shown.
     void show(const AppState &state);
 
-    // One row's texts, each absent when the event has no such field. `row` < size().
+    // One row's texts, each absent when the event has no such field; valid until the list changes
+    // or eight more rows were asked for. `row` < size().
     [[nodiscard]] std::optional<std::string> date(std::size_t row);
     [[nodiscard]] std::optional<std::string_view> priority(std::size_t row);
     [[nodiscard]] std::optional<std::string_view> host(std::size_t row);
@@ -129,6 +135,12 @@ public:
     /// that one from now on.
     void leadOn(EventId id, EventList &other, EventId newId);
 
+    /// Puts packed messages in the place of those that they were made of, see EventChunk::pack().
+    void pack(EventChunk &chunk, const std::shared_ptr<const MessageBytes> &from,
+              std::optional<PackedBytes> packed) {
+        chunk.pack(from, std::move(packed), m_unpacked);
+    }
+
     /// Between these two, rows are added without a word to the observers.
     void beginBulkInsert();
     void endBulkInsert();
@@ -164,7 +176,8 @@ private:
     }
 
     Place add(const EventFields &fields);
-    void setDate(const Place &place, const std::optional<std::string_view> &text);
+    void startChunk(EventChunk chunk);
+    std::vector<StringTable::Id> acquirePriorities(const LoadedEvents &events);
     StringTable::Id acquirePriority(const std::optional<std::string_view> &text);
     [[nodiscard]] Place placeOfRow(std::size_t row);
     [[nodiscard]] std::optional<Place> placeOf(EventId id);
@@ -211,6 +224,7 @@ private:
     bool m_inBulk = false;
     std::size_t m_size = 0;
     EventId m_nextId = 1;
+    UnpackedMessages m_unpacked;           // outlives the chunks
     std::deque<EventChunk> m_chunks;       // oldest first
     std::vector<std::size_t> m_countUpTo;  // records up to and with each chunk
     bool m_countsCurrent = true;

@@ -187,7 +187,11 @@ bool EventMatcher::meetsPriority(const EventRecord &record) {
 }
 
 bool EventMatcher::isPriorityMeant(StringTable::Id id) const {
-    if (m_filter.leastSeverity && m_events.classes(id).shown > *m_filter.leastSeverity) {
+    const PriorityClasses &classes = m_events.classes(id);
+    if (m_filter.leastSeverity && classes.shown > *m_filter.leastSeverity) {
+        return false;
+    }
+    if (m_filter.classes.any() && (classes.counted & m_filter.classes).none()) {
         return false;
     }
     const std::string_view priority = m_events.priority(id);

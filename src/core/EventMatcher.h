@@ -43,6 +43,8 @@ public:
     /// Positions in a chunk, ascending.
     using Positions = std::vector<std::uint32_t>;
 
+    /// Whether it looks at messages.
+    [[nodiscard]] bool readsMessages() const { return !m_texts.empty(); }
     /// False when no event of the chunk is meant.
     [[nodiscard]] bool mayBeIn(const EventChunk &chunk) const;
     /// Appends those that match among the events at some positions of a chunk, and leaves the
@@ -101,7 +103,7 @@ private:
     [[nodiscard]] bool meetsHost(const EventRecord &record);
     [[nodiscard]] bool choosesTime() const { return m_filter.from || m_filter.until; }
     [[nodiscard]] bool choosesPriority() const {
-        return m_filter.leastSeverity || !m_filter.facility.empty();
+        return m_filter.leastSeverity || m_filter.classes.any() || !m_filter.facility.empty();
     }
     [[nodiscard]] bool isPriorityMeant(StringTable::Id id) const;
     void applyFields(const EventChunk &chunk, Positions &positions);

@@ -32,6 +32,7 @@ EventQuery bothOf(const EventQuery &first, const EventQuery &second) {
     EventQuery both = first;
     both.texts.insert(both.texts.end(), second.texts.begin(), second.texts.end());
     both.ratings = first.ratings.any() ? first.ratings : second.ratings;
+    both.classes = first.classes.any() ? first.classes : second.classes;
     both.facility = first.facility.empty() ? second.facility : first.facility;
     both.host = first.host.empty() ? second.host : first.host;
     both.from = std::max(first.from, second.from);  // nothing is less than any moment

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "core/TextPattern.h"
 
 #include <bitset>
@@ -33,6 +34,8 @@ struct EventQuery {
     std::bitset<kRatingCount> ratings;
     /// A severity class (see kSeverityClasses) that an event's has to be, or a worse one.
     std::optional<std::uint8_t> leastSeverity;
+    /// Severity classes: an event has to be counted in one of them, as the home page counts.
+    std::bitset<kSeverityClassCount> classes;
     /// What stands before the point in the priority.
     std::string facility;
     /// See HostPattern.
@@ -51,8 +54,8 @@ struct EventQuery {
     bool operator==(const EventQuery &) const = default;
 };
 
-/// A filter whose events meet the conditions of both: but where both name a facility, a host or
-/// ratings, it is those of the first one.
+/// A filter whose events meet the conditions of both: but where both name a facility, a host,
+/// ratings or classes, it is those of the first one.
 EventQuery bothOf(const EventQuery &first, const EventQuery &second);
 
 /// Whether every event that the first filter means is meant by the second one, as far as that can

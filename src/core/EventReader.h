@@ -29,6 +29,19 @@ public:
         return number > 0 && id < chunk(number - 1).endOfIds() ? number - 1 : number;
     }
 
+    /// Says that all messages of the chunks from this one on will be looked at, one after the
+    /// other.
+    void foresee(std::size_t number) const {
+        const std::size_t end = std::min(chunkCount(), number + UnpackingAhead::kMost - 1);
+        for (; number < end; ++number) {
+            chunk(number).foresee();
+        }
+    }
+    /// One more than the largest id that an event has or had; 0 when there are none.
+    [[nodiscard]] EventId endOfIds() const {
+        return m_list.m_chunks.empty() ? 0 : m_list.m_chunks.back().endOfIds();
+    }
+
     /// Brings dates and images of the records from `first` up to `last` to what is shown now.
     void settle(EventChunk &chunk, std::size_t first, std::size_t last) const {
         m_list.settle(chunk, first, last);

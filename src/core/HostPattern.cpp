@@ -44,17 +44,46 @@ std::optional<unsigned> bitsOfMask(std::string_view text) {
     return std::nullopt;
 }
 
+constexpr char kQuote = '"';
+
+/// Of a name in quotation marks that begins the text and is all of a part; else 0.
+std::size_t quotedLength(std::string_view text) {
+    std::size_t end = text.starts_with(kQuote) ? text.find(kQuote, 1) : std::string_view::npos;
+    while (end != std::string_view::npos && text.substr(end + 1).starts_with(kQuote)) {
+        end = text.find(kQuote, end + 2);
+    }
+    if (end == std::string_view::npos) {
+        return 0;
+    }
+    const std::string_view rest = trimmed(text.substr(end + 1));
+    return rest.empty() || rest.starts_with(',') ? end + 1 : 0;
+}
+
+/// The name that a part has in quotation marks; nothing where it has none.
+std::optional<std::string> unquoted(std::string_view part) {
+    if (part.empty() || quotedLength(part) != part.size()) {
+        return std::nullopt;
+    }
+    std::string name;
+    for (std::size_t at = 1; at + 1 < part.size(); at += part[at] == kQuote ? 2U : 1U) {
+        name += part[at];
+    }
+    return name;
+}
+
 /// Calls `visit(part, isExcluded)` for each part that names something.
 template <typename Visit>
 void visitParts(std::string_view pattern, Visit visit) {
     while (!pattern.empty()) {
-        const std::size_t comma = std::min(pattern.find(','), pattern.size());
-        std::string_view part = trimmed(pattern.substr(0, comma));
-        pattern.remove_prefix(std::min(comma + 1, pattern.size()));
-        const bool isExcluded = part.starts_with('!');
+        pattern = trimmed(pattern);
+        const bool isExcluded = pattern.starts_with('!');
         if (isExcluded) {
-            part = trimmed(part.substr(1));
+            pattern = trimmed(pattern.substr(1));
         }
+        const std::size_t comma =
+            std::min(pattern.find(',', quotedLength(pattern)), pattern.size());
+        const std::string_view part = trimmed(pattern.substr(0, comma));
+        pattern.remove_prefix(std::min(comma + 1, pattern.size()));
         if (!part.empty()) {
             visit(part, isExcluded);
         }
@@ -73,7 +102,8 @@ bool isLikeNetwork(std::string_view part) {
 }  // namespace
 
 HostPattern::Part::Part(std::string_view pattern)
-    : m_network(networkOf(pattern)),
+    : m_host(unquoted(pattern)),
+      m_network(networkOf(pattern)),
       m_name({expressionFor(pattern), /*isCaseSensitive=*/false, /*isExpression=*/true}) {}
 
 std::optional<HostPattern::Part::Network> HostPattern::Part::networkOf(std::string_view pattern) {
@@ -96,6 +126,9 @@ std::optional<HostPattern::Part::Network> HostPattern::Part::networkOf(std::stri
 }
 
 bool HostPattern::Part::matches(std::string_view host) const {
+    if (m_host) {
+        return host == *m_host;
+    }
     if (!m_network) {
         return m_name.error().empty() && m_name.isIn(host);
     }
@@ -107,6 +140,20 @@ HostPattern::HostPattern(std::string_view pattern) {
     visitParts(pattern, [this](std::string_view part, bool isExcluded) {
         (isExcluded ? m_excluded : m_meant).emplace_back(part);
     });
+}
+
+std::string HostPattern::quoted(std::string_view host) {
+    std::string quoted(1, kQuote);
+    for (const char character : host) {
+        quoted.append(character == kQuote ? 2 : 1, character);
+    }
+    return quoted + kQuote;
+}
+
+std::string HostPattern::meaning(std::string_view host) {
+    const bool isPlain = host.find_first_of("*?!,/\"") == std::string_view::npos && !host.empty() &&
+                         trimmed(host) == host;
+    return isPlain ? std::string(host) : quoted(host);
 }
 
 std::optional<std::string> HostPattern::wrongNetworkIn(std::string_view pattern) {

@@ -15,9 +15,18 @@ namespace quorbel {
 /// "10.0.0.0/255.0.0.0", "fe80::/10"), which mean the addresses alone. An address means itself
 /// however it is written. What follows a "!" is excluded; a list of nothing else means all other
 /// hosts. Capital and small letters are alike.
+///
+/// A name in quotation marks means the host of that name alone, to the letter; a quotation mark
+/// that is part of it stands twice. Quotation marks that do not embrace all of a name are a part
+/// of it.
 class HostPattern {
 public:
     explicit HostPattern(std::string_view pattern);
+
+    /// The name in quotation marks.
+    static std::string quoted(std::string_view host);
+    /// What means that host: its name, in quotation marks where it would mean others without.
+    static std::string meaning(std::string_view host);
 
     /// The part of a pattern that was to be a network, but is none ("10.0.0.0/99", "10.0.0/8");
     /// nothing when there is no such part. It would mean no host.
@@ -38,6 +47,7 @@ private:
         static std::optional<Network> networkOf(std::string_view pattern);
 
     private:
+        std::optional<std::string> m_host;  // alone, to the letter
         std::optional<Network> m_network;
         TextPattern m_name;
     };

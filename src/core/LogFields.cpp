@@ -6,7 +6,7 @@ namespace quorbel {
 
 EventFields fieldsOf(const LogLine &line) {
     // The separators are ASCII, so that what is UTF-8 as a whole is so field by field.
-    if (isUtf8({line.date.data(), line.message.end()})) {
+    if (line.isAscii || isUtf8({line.date.data(), line.message.end()})) {
         return {line.date, line.priority, line.host, line.message, {}};
     }
     EventFields fields;

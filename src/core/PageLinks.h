@@ -1,14 +1,17 @@
 #pragma once
 
 #include "core/Event.h"
+#include "core/EventQuery.h"
 #include "platform/Value.h"
+
+#include <memory>
 
 namespace quorbel {
 
 // What the shell and the pages see of one another. A page includes no other page's header.
 
 /// The tabs of the main window, in their fixed order.
-enum class Tab { kHome, kEvents, kReports, kTools, kOptions, kActions, kExport };
+enum class Tab { kHome, kEvents, kReports, kTools, kOptions, kActions, kExport, kHosts };
 
 /// The main window, as the delegate and the pages reach it.
 class MainWindowLink {
@@ -23,12 +26,15 @@ public:
     /// Shows the window again after it was closed or minimised, and raises it.
     virtual void makeVisible() = 0;
 
-    /// Opens one of the settings pages 4 to 6 and records the page that it returns to.
+    /// Opens a page that is a SettingsPageLink, from 4 on, and records the page that it returns to.
     virtual void openSettingsPage(Tab page, Tab parentTab) = 0;
     virtual void selectTab(Tab page) = 0;
     /// Opens a settings page that is a RecordPageLink as openSettingsPage() does, and its editor
     /// for a new record with these values.
     virtual void proposeRecord(Tab page, Tab parentTab, const Dictionary &record) = 0;
+    /// Opens the events page and asks there for these events alone, in place of what was asked for.
+    /// Main thread only.
+    virtual void showEvents(const EventQuery &query) = 0;
 
 protected:
     MainWindowLink() = default;
@@ -62,11 +68,30 @@ public:
     virtual EventId insertEvent(const EventFields &event) = 0;
     /// Takes out an event that the service removed, as it was announced.
     virtual void removeEvent(const EventFields &announced) = 0;
+    /// Asks for these events alone: the filter bar says so, in place of what it said.
+    virtual void setFilter(const EventQuery &query) = 0;
 
 protected:
     EventListPageLink() = default;
     EventListPageLink(const EventListPageLink &) = default;
     EventListPageLink &operator=(const EventListPageLink &) = default;
+};
+
+/// The events above and below the one that a details sheet shows, where its presenter is no list of
+/// events.
+class EventSteps {
+public:
+    virtual ~EventSteps() = default;
+
+    /// Whether there is one above (-1), or below (1).
+    [[nodiscard]] virtual bool canStep(int direction) = 0;
+    /// Goes there and returns it. Precondition: canStep(direction).
+    virtual Event step(int direction) = 0;
+
+protected:
+    EventSteps() = default;
+    EventSteps(const EventSteps &) = default;
+    EventSteps &operator=(const EventSteps &) = default;
 };
 
 /// The details sheet of one event, as those who open it through the storyboard ("eventView") see
@@ -78,8 +103,11 @@ public:
     /// The event to show. Called before the sheet is presented.
     virtual void setDict(const Event &event) = 0;
     /// Whether the sheet goes without the buttons that step to the events beside it; false at
-    /// first. They need a presenter that is a list.
+    /// first. They need a presenter that is a list, or steps.
     virtual void setHideButtons(bool hide) = 0;
+    /// Where the buttons step to, which the sheet keeps as long as it lives. Called before it is
+    /// presented.
+    virtual void setSteps(std::shared_ptr<EventSteps> steps) = 0;
 
 protected:
     EventSheetLink() = default;
@@ -87,7 +115,7 @@ protected:
     EventSheetLink &operator=(const EventSheetLink &) = default;
 };
 
-/// A settings page that remembers where Save and Cancel return to.
+/// A page without an entry of its own, which remembers where it returns to.
 class SettingsPageLink {
 public:
     virtual ~SettingsPageLink() = default;

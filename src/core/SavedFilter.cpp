@@ -43,6 +43,14 @@ void appendRatings(std::string &text, const std::bitset<kRatingCount> &ratings) 
     }
 }
 
+void appendClasses(std::string &text, const std::bitset<kSeverityClassCount> &classes) {
+    for (std::uint8_t number = 0; number < kSeverityClassCount; ++number) {
+        if (classes[number]) {
+            appendLine(text, "class", severityName(number));
+        }
+    }
+}
+
 void appendSpans(std::string &text, const std::bitset<kMovingSpanCount> &spans) {
     for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
         if (spans[span]) {
@@ -59,6 +67,7 @@ void appendQuery(std::string &text, const EventQuery &query) {
     if (query.leastSeverity) {
         appendLine(text, "severity", severityName(*query.leastSeverity));
     }
+    appendClasses(text, query.classes);
     appendIfAny(text, "facility", query.facility);
     appendIfAny(text, "host", query.host);
     appendMoment(text, "from", query.from);

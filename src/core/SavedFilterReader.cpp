@@ -17,6 +17,7 @@ using Limits = SavedFilterLimits;
 
 constexpr std::string_view kTwice = "is given twice";
 constexpr std::string_view kTooLong = "is too long";
+constexpr std::string_view kNoSeverity = "is no severity that there is";
 /// Some editors begin a file of UTF-8 with it.
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -32,6 +33,15 @@ bool hasUnseen(std::string_view text) {
         before = character.code;
     }
     return false;
+}
+
+std::optional<std::uint8_t> severityNamed(std::string_view name) {
+    for (std::uint8_t severity = 0; severity < kSeverityClassCount; ++severity) {
+        if (name == severityName(severity)) {
+            return severity;
+        }
+    }
+    return std::nullopt;
 }
 
 /// Reads line after line. What takes a line returns what is wrong with it; empty when nothing is.
@@ -56,6 +66,7 @@ private:
     Problem takeMark(std::string_view value);
     Problem takeRating(std::string_view value);
     Problem takeSeverity(std::string_view value);
+    Problem takeClass(std::string_view value);
     Problem takeFacility(std::string_view value);
     Problem takeHost(std::string_view value);
     Problem takeFrom(std::string_view value);
@@ -89,6 +100,7 @@ const Reader::Keyword Reader::kKeywords[] = {
     {"facility", &Reader::takeFacility}, {"host", &Reader::takeHost},
     {"from", &Reader::takeFrom},         {"until", &Reader::takeUntil},
     {"time", &Reader::takeSpan},         {"or", &Reader::takeAlternative},
+    {"class", &Reader::takeClass},
 };
 
 ReadFilters Reader::read(std::string_view text) {
@@ -250,12 +262,21 @@ Reader::Problem Reader::takeRating(std::string_view value) {
 }
 
 Reader::Problem Reader::takeSeverity(std::string_view value) {
-    for (std::uint8_t severity = 0; severity < kSeverityClassCount; ++severity) {
-        if (value == severityName(severity)) {
-            return std::exchange(query().leastSeverity, severity) ? std::string(kTwice) : Problem();
-        }
+    const auto severity = severityNamed(value);
+    if (!severity) {
+        return std::string(kNoSeverity);
     }
-    return "is no severity that there is";
+    return std::exchange(query().leastSeverity, severity) ? std::string(kTwice) : Problem();
+}
+
+Reader::Problem Reader::takeClass(std::string_view value) {
+    const auto number = severityNamed(value);
+    if (!number) {
+        return std::string(kNoSeverity);
+    }
+    const bool isTwice = query().classes[*number];
+    query().classes.set(*number);
+    return isTwice ? std::string(kTwice) : Problem();
 }
 
 Reader::Problem Reader::takeFacility(std::string_view value) {

@@ -15,6 +15,9 @@ bool SearchProgress::matchRun(const EventReader &reader, EventMatcher &matcher,
     const std::size_t last = mayBeIn ? endOfRun(chunk, first) : chunk.size();
     goTo(chunk, last);
     if (first < last && mayBeIn) {
+        if (matcher.readsMessages()) {
+            reader.foresee(number + 1);
+        }
         matcher.matchAll(chunk, first, last, positions, matches);
     }
     return true;

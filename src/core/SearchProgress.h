@@ -26,8 +26,7 @@ public:
     [[nodiscard]] std::size_t endOfRun(const EventChunk &chunk, std::size_t first) const {
         std::size_t last = chunk.size();
         while (last > first + 1 &&
-               (last - first) * kRecordCost + chunk.messagesBetween(first, last - 1).size() >
-                   m_runCost) {
+               (last - first) * kRecordCost + chunk.bytesBetween(first, last - 1) > m_runCost) {
             last = first + (last - first) / 2;
         }
         return last;

@@ -21,10 +21,19 @@ public:
 
     /// Nothing when no record uses that text.
     [[nodiscard]] std::optional<Id> find(std::string_view text) const;
-    /// Adds one use of a text.
-    Id acquire(std::string_view text);
-    /// Adds one use of an id that find() gave.
-    void acquire(Id id);
+    /// Adds uses of a text, one or more.
+    Id acquire(std::string_view text, std::uint64_t uses = 1) {
+        return acquire(hashBytes(text), text, uses);
+    }
+    /// The same for whoever has hashBytes() of the text, and may have called prefetch() with it.
+    Id acquire(std::size_t hash, std::string_view text, std::uint64_t uses = 1);
+    /// Begins to fetch from memory what acquire() needs: worth it when other work comes in between.
+    void prefetch(std::size_t hash) const { m_ids.prefetch(hash); }
+    /// Adds uses of an id that find() gave.
+    void acquire(Id id, std::uint64_t uses = 1);
+    /// Adds all uses of the texts of another table of which none was released, in the order of
+    /// their ids. Returns the ids here by those there.
+    std::vector<Id> acquireAll(const StringTable &others);
     /// Takes one use away; the last one frees the text, and its id may come back for another.
     void release(Id id);
 

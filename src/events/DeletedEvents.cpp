@@ -41,11 +41,11 @@ DeletedEvents::Counters DeletedEvents::counters() const {
     return values;
 }
 
-Dictionary DeletedEvents::take(const std::vector<RowRange> &rows) {
+LineCommand DeletedEvents::take(const std::vector<RowRange> &rows) {
     // The service is to hear of what came back before it hears that it goes again.
     finish();
     const Counters before = counters();
-    Dictionary deleted = takeForDeletion(m_delegate.events, rows, m_delegate.state);
+    LineCommand deleted = takeForDeletion(m_delegate.events, rows, m_delegate.state);
     if (!rows.empty()) {
         m_counted = counters();
         for (std::size_t i = 0; i < before.size(); ++i) {

@@ -2,7 +2,7 @@
 
 #include "core/AppState.h"
 #include "core/EventList.h"
-#include "platform/Value.h"
+#include "platform/LineCommand.h"
 
 #include <QObject>
 #include <QTimer>
@@ -38,8 +38,8 @@ public:
     ~DeletedEvents() override;
 
     /// Takes rows out of the list and its counters, and keeps them in place of what was kept before
-    /// if there are any. Returns what the service is to be told (see takeForDeletion()).
-    [[nodiscard]] Dictionary take(const std::vector<RowRange> &rows);
+    /// if there are any. Returns what tells the service (see takeForDeletion()).
+    [[nodiscard]] LineCommand take(const std::vector<RowRange> &rows);
     /// Undo Delete, "undoDelete", enabled while something is kept. It is the page's.
     [[nodiscard]] QAction *undoAction() const { return m_undo; }
 

@@ -2,8 +2,8 @@
 
 #include "core/HashIndex.h"
 
-#include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,35 +14,28 @@ namespace {
 /// Counts equal lines.
 class LineCounter {
 public:
-    explicit LineCounter(std::size_t expectedLines) { m_numbers.reserve(expectedLines); }
+    explicit LineCounter(std::size_t expectedLines) {
+        m_known.reserve(expectedLines);
+        m_command.setName("update");
+        m_command.begin("Events", LineCommand::Kind::kCounted);
+    }
 
-    void count(const std::string &line) {
+    void count(std::string_view line) {
         const std::size_t hash = hashBytes(line);
-        const auto known = m_numbers.find(
-            hash, [&](std::uint32_t number) { return m_lines[number].first == line; });
+        const auto known = m_known.find(
+            hash, [&](LineCommand::Place place) { return m_command.line(place) == line; });
         if (known) {
-            ++m_lines[*known].second;
+            m_command.again(*known);
         } else {
-            m_numbers.insert(hash, static_cast<std::uint32_t>(m_lines.size()));
-            m_lines.emplace_back(line, 1);
+            m_known.insert(hash, m_command.add(line));
         }
     }
 
-    /// Each line with its count as text; the counter is empty afterwards.
-    Dictionary take() {
-        Dictionary counts;
-        counts.reserve(m_lines.size());
-        for (auto &[line, count] : m_lines) {
-            counts.append(std::move(line), std::to_string(count));
-        }
-        m_lines.clear();
-        m_numbers.clear();
-        return counts;
-    }
+    LineCommand take() { return std::move(m_command); }
 
 private:
-    std::vector<std::pair<std::string, std::int64_t>> m_lines;
-    HashIndex m_numbers;
+    LineCommand m_command;
+    HashIndex m_known;
 };
 
 void writeEventLine(EventList &list, std::size_t row, std::string_view dateFormat,
@@ -57,7 +50,7 @@ void writeEventLine(EventList &list, std::size_t row, std::string_view dateForma
 
 }  // namespace
 
-Dictionary takeForDeletion(EventList &list, const std::vector<RowRange> &rows, AppState &state) {
+LineCommand takeForDeletion(EventList &list, const std::vector<RowRange> &rows, AppState &state) {
     std::size_t total = 0;
     for (const RowRange &range : rows) {
         total += range.count;

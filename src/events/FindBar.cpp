@@ -169,12 +169,35 @@ void FindBar::open() {
 void FindBar::clear() {
     {
         const QScopedValueRollback clearing(m_isClearing, true);
-        m_field->clear();
-        m_ratings->clear();
-        for (FindChoice *choice : std::as_const(m_choices)) {
-            choice->clear();
+        clearControls();
+    }
+    change();
+}
+
+void FindBar::clearControls() {
+    m_field->clear();
+    m_ratings->clear();
+    for (FindChoice *choice : std::as_const(m_choices)) {
+        choice->clear();
+    }
+    m_saved->clear();
+}
+
+void FindBar::setFilter(const EventQuery &query) {
+    {
+        const QScopedValueRollback clearing(m_isClearing, true);
+        clearControls();
+        for (const TextCondition &text : query.texts) {
+            m_field->add(text);
         }
-        m_saved->clear();
+        m_ratings->takeFrom(query);
+        for (FindChoice *choice : std::as_const(m_choices)) {
+            choice->takeFrom(query);
+        }
+        if (ownFilter() != query) {
+            clearControls();
+            m_saved->takeFrom(query);
+        }
     }
     change();
 }

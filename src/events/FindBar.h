@@ -57,6 +57,9 @@ public:
     /// Unfolds the bar and puts the cursor into its field, all of whose text is selected.
     void open();
     void clear();
+    /// Asks for just that, each part with the control that it belongs to. What they have no way to
+    /// say stands as a kept filter without a name.
+    void setFilter(const EventQuery &query);
     /// Opens the kept filters and questions.
     void openSaved();
     [[nodiscard]] FindSaved &saved() { return *m_saved; }
@@ -89,6 +92,7 @@ private:
     /// What all but the kept filter or question asks for.
     [[nodiscard]] EventQuery ownFilter() const;
     void makeRow();
+    void clearControls();
     void change();
     void follow();
     void leave();

@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTableView>
 
 #include <algorithm>
@@ -80,9 +81,10 @@ void NewestButton::place() {
     const QRect header = m_table.horizontalHeader()->geometry();
     const QSize size(sizeHint().width(), std::min(sizeHint().height(), header.height()));
     const int right = header.right() - kMargin;
-    setGeometry(std::max(header.left(), right - size.width()),
-                header.top() + (header.height() - size.height()) / 2,
-                std::min(size.width(), header.width()), size.height());
+    const QRect place(std::max(header.left(), right - size.width()),
+                      header.top() + (header.height() - size.height()) / 2,
+                      std::min(size.width(), header.width()), size.height());
+    setGeometry(QStyle::visualRect(m_table.layoutDirection(), header, place));
     raise();
 }
 

@@ -33,13 +33,20 @@ RestorationLines::RestorationLines(EventList &list, std::vector<EventId> restore
       m_restored(std::move(restored)),
       m_left(m_restored.size()),
       m_nextOther(std::numeric_limits<EventId>::max()) {
-    m_events.reserve(m_restored.size());
     m_alike.reserve(m_restored.size());
+    m_command.setName("restore");
+    m_command.begin("Events", LineCommand::Kind::kListed);
 }
 
 bool RestorationLines::work(std::chrono::milliseconds limit) {
     const auto end = limit == std::chrono::milliseconds::max() ? Time::max() : Clock::now() + limit;
-    return nameRestored(end) && nameOthers(end);
+    if (!nameRestored(end)) {
+        return false;
+    }
+    if (!std::exchange(m_namesOthers, true)) {
+        m_command.begin("Listed", LineCommand::Kind::kListed);
+    }
+    return nameOthers(end);
 }
 
 bool RestorationLines::nameRestored(Time end) {
@@ -49,14 +56,16 @@ bool RestorationLines::nameRestored(Time end) {
         }
         const auto row = m_list.rowOf(m_restored[m_next]);
         const auto seconds = row ? m_list.momentHeld(*row) : std::nullopt;
-        auto line = seconds ? lineOf(*row, *seconds) : std::nullopt;
+        const auto line = seconds ? lineOf(*row, *seconds) : std::nullopt;
         if (!line) {
             m_unnamed += row ? 1U : 0U;
             continue;
         }
-        note(m_minutes, hashOf(minuteOf(*seconds)));
-        note(m_alike, hashOf(minuteOf(*seconds), *line));
-        m_events.emplace_back(std::move(*line));
+        const std::size_t minute = hashOf(minuteOf(*seconds));
+        if (!knows(m_minutes, minute)) {
+            m_minutes.insert(minute, 0);
+        }
+        addLine(hashOf(minuteOf(*seconds), *line), *line);
     }
     return true;
 }
@@ -84,9 +93,10 @@ void RestorationLines::nameIfAlike(std::size_t row, EventId id) {
     if (!seconds || !knows(m_minutes, hashOf(minuteOf(*seconds)))) {
         return;
     }
-    if (auto line = lineOf(row, *seconds);
-        line && knows(m_alike, hashOf(minuteOf(*seconds), *line))) {
-        m_listed.emplace_back(std::move(*line));
+    const auto line = lineOf(row, *seconds);
+    const std::size_t hash = line ? hashOf(minuteOf(*seconds), *line) : 0;
+    if (line && knows(m_alike, hash)) {
+        addLine(hash, *line);
     }
 }
 
@@ -103,9 +113,13 @@ std::optional<std::string> RestorationLines::lineOf(std::size_t row, std::int64_
     return line;
 }
 
-void RestorationLines::note(HashIndex &index, std::size_t hash) {
-    if (!knows(index, hash)) {
-        index.insert(hash, 0);
+void RestorationLines::addLine(std::size_t hash, std::string_view line) {
+    const auto equal =
+        m_alike.find(hash, [&](LineCommand::Place place) { return m_command.line(place) == line; });
+    if (equal) {
+        m_command.again(*equal);
+    } else {
+        m_alike.insert(hash, m_command.add(line));
     }
 }
 
@@ -113,12 +127,8 @@ bool RestorationLines::knows(const HashIndex &index, std::size_t hash) {
     return index.find(hash, [](std::uint32_t) { return true; }).has_value();
 }
 
-Dictionary RestorationLines::takeCommand() {
-    Dictionary command;  // not as a list of entries, which would be copied
-    command.append("command", "restore");
-    command.append("Events", std::exchange(m_events, {}));
-    command.append("Listed", std::exchange(m_listed, {}));
-    return command;
+LineCommand RestorationLines::takeCommand() {
+    return std::move(m_command);
 }
 
 }  // namespace quorbel

@@ -2,13 +2,14 @@
 
 #include "core/EventList.h"
 #include "core/HashIndex.h"
-#include "platform/Value.h"
+#include "platform/LineCommand.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorbel {
@@ -25,7 +26,7 @@ public:
     /// Goes on for about `limit`. Returns whether all are named.
     bool work(std::chrono::milliseconds limit);
     /// The command, once all are named; the lines are gone then.
-    [[nodiscard]] Dictionary takeCommand();
+    [[nodiscard]] LineCommand takeCommand();
 
     /// How many there are of which no log file can hold a line: they lack a field, or a time.
     [[nodiscard]] std::size_t unnamed() const { return m_unnamed; }
@@ -37,7 +38,7 @@ private:
     bool nameOthers(Time end);
     void nameIfAlike(std::size_t row, EventId id);
     [[nodiscard]] std::optional<std::string> lineOf(std::size_t row, std::int64_t seconds);
-    void note(HashIndex &index, std::size_t hash);
+    void addLine(std::size_t hash, std::string_view line);
     [[nodiscard]] static bool knows(const HashIndex &index, std::size_t hash);
 
     EventList &m_list;
@@ -46,10 +47,11 @@ private:
     std::size_t m_left;      // of m_restored, while the list is walked from its top
     EventId m_nextOther;     // all larger ones were looked at
     std::size_t m_unnamed = 0;
-    HashIndex m_minutes;  // hashes of what the restored ones are, which others may share
+    // By the hash of what of an event others may share; in the second index the lines.
+    HashIndex m_minutes;
     HashIndex m_alike;
-    Array m_events;
-    Array m_listed;
+    bool m_namesOthers = false;
+    LineCommand m_command;
 };
 
 }  // namespace quorbel

@@ -136,6 +136,10 @@ void ScanView::removeAnnounced() {
     arrController.removeMarked();
 }
 
+void ScanView::setFilter(const EventQuery &query) {
+    ui->findBar->setFilter(query);
+}
+
 const QAbstractItemModel &ScanView::rowModel() {
     return *m_model;
 }
@@ -256,8 +260,8 @@ void ScanView::deleteRows(const Rows &rows) {
     m_selection->clear();
 }
 
-void ScanView::updateEvents(Dictionary deleted) {
-    m_delegate.setPipe({{"command", "update"}, {"Events", std::move(deleted)}});
+void ScanView::updateEvents(LineCommand deleted) {
+    m_delegate.setPipe(std::move(deleted));
 }
 
 void ScanView::exportEvents() {

@@ -3,7 +3,7 @@
 #include "core/ArrangedEvents.h"
 #include "core/PageLinks.h"
 #include "events/SteppableList.h"
-#include "platform/Value.h"
+#include "platform/LineCommand.h"
 #include "platform/gui/Page.h"
 
 #include <functional>
@@ -41,6 +41,7 @@ public:
     [[nodiscard]] bool isOnScreen() const override { return isPageOnScreen(); }
     EventId insertEvent(const EventFields &event) override;
     void removeEvent(const EventFields &announced) override;
+    void setFilter(const EventQuery &query) override;
 
     [[nodiscard]] const QAbstractItemModel &rowModel() override;
     [[nodiscard]] int numberOfRows() override;
@@ -73,7 +74,7 @@ private:
     void confirmDeletionOfAll();
     [[nodiscard]] std::function<Rows()> rowsLaterOf(const Rows &rows) const;
     void deleteRows(const Rows &rows);
-    void updateEvents(Dictionary deleted);
+    void updateEvents(LineCommand deleted);
     void writeEvents(const QString &path, const std::vector<EventId> &ids);
     void showCount();
 

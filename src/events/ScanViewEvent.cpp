@@ -75,8 +75,8 @@ void ScanViewEvent::setDetails() {
 }
 
 void ScanViewEvent::setStepping() {
-    ui->eventDown->setEnabled(rowBeside(1).has_value());
-    ui->eventUp->setEnabled(rowBeside(-1).has_value());
+    ui->eventDown->setEnabled(canStep(1));
+    ui->eventUp->setEnabled(canStep(-1));
 }
 
 SteppableList *ScanViewEvent::list() const {
@@ -100,9 +100,13 @@ std::optional<int> ScanViewEvent::rowBeside(int distance) const {
     return row >= 0 && row < events->numberOfRows() ? std::optional(row) : std::nullopt;
 }
 
-void ScanViewEvent::step(int distance) {
-    if (const auto row = rowBeside(distance)) {
-        m_dict = list()->selectRow(*row);
+bool ScanViewEvent::canStep(int direction) const {
+    return m_steps ? m_steps->canStep(direction) : rowBeside(direction).has_value();
+}
+
+void ScanViewEvent::step(int direction) {
+    if (canStep(direction)) {
+        m_dict = m_steps ? m_steps->step(direction) : list()->selectRow(*rowBeside(direction));
     }
     setDetails();
 }

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace Ui {
 class ScanViewEvent;
@@ -13,7 +14,8 @@ class ScanViewEvent;
 
 namespace quorbel {
 
-/// The details of one event. Presented over a SteppableList it can step to the events beside it.
+/// The details of one event. Presented over a SteppableList, or with steps of its own, it can step
+/// to the events beside it.
 class ScanViewEvent : public Sheet, public EventSheetLink {
     Q_OBJECT
 
@@ -23,6 +25,7 @@ public:
 
     void setDict(const Event &event) override { m_dict = event; }
     void setHideButtons(bool hide) override { m_hideButtons = hide; }
+    void setSteps(std::shared_ptr<EventSteps> steps) override { m_steps = std::move(steps); }
 
     void viewDidLoad() override;
     void viewWillAppear() override;
@@ -44,10 +47,12 @@ private:
     [[nodiscard]] SteppableList *list() const;
     /// The row that a step of `distance` rows leads to; nothing when the list ends before.
     [[nodiscard]] std::optional<int> rowBeside(int distance) const;
-    void step(int distance);
+    [[nodiscard]] bool canStep(int direction) const;
+    void step(int direction);
     void setStepping();
 
     std::unique_ptr<Ui::ScanViewEvent> ui;
+    std::shared_ptr<EventSteps> m_steps;  // may have what the event belongs to
     std::optional<Event> m_dict;
     bool m_hideButtons = false;
 };

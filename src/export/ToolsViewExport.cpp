@@ -1,6 +1,7 @@
 #include "export/ToolsViewExport.h"
 
 #include "common/SettingsDocument.h"
+#include "core/AppDelegate.h"
 #include "platform/gui/ContentArea.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"
@@ -66,6 +67,8 @@ ToolsViewExport::ToolsViewExport(AppDelegate &delegate, QWidget *parent)
                   .location = ui->databaseLocation,
                   .browse = ui->databaseBrowse,
                   .workingLocation = {}};
+    ui->textResult->follow(delegate.service, "text", delegate.state.newDateFormat);
+    ui->databaseResult->follow(delegate.service, "database", delegate.state.newDateFormat);
 }
 
 ToolsViewExport::~ToolsViewExport() = default;

@@ -14,9 +14,9 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array kFiles{"getting-started", "pages",   "finding",        "questions", "ratings",
-                            "reports",         "devices", "settings",       "actions",   "export",
-                            "service",         "keeping", "nothing-arrives"};
+constexpr std::array kFiles{"getting-started", "pages",   "finding", "questions",      "ratings",
+                            "reports",         "hosts",   "devices", "settings",       "actions",
+                            "export",          "service", "keeping", "nothing-arrives"};
 
 /// Its place in the resources in the language in use; in English where it is not translated.
 QString placeOf(const QString &name) {

@@ -3,6 +3,7 @@
 #include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "core/AppState.h"
+#include "home/HomeCards.h"
 #include "home/Rating.h"
 #include "platform/ProcessTable.h"
 #include "platform/gui/ContentArea.h"
@@ -22,6 +23,9 @@ namespace {
 constexpr std::string_view kServiceProcess = "QuorbelSrv";
 constexpr int kRatingImageSize = 56;
 constexpr int kStatusImageSize = 20;
+// Of the page, in a window of 900 by 650.
+constexpr int kNarrow = 732;
+constexpr int kLow = 622;
 
 /// Assistive tools read a label's accessible name in place of its text, so it holds both what the
 /// field means (the label's "caption", from the form) and what it says.
@@ -55,12 +59,38 @@ HomeView::HomeView(AppDelegate &delegate, QWidget *parent)
 
 HomeView::~HomeView() = default;
 
+void HomeView::setHostBoxes(QWidget &boxes) {
+    ui->hostAreaLayout->addWidget(&boxes);
+    ui->hostArea->show();
+}
+
 void HomeView::viewDidLoad() {
     setWhiteBackground();
     makeScrollable();
     setLabelIcon(*ui->statusVersionImage, lineIcon(QStringLiteral("version")),
                  sizedToFont(kStatusImageSize));
     setField(*ui->statusVersion, tr("Mac program %1").arg(QStringLiteral(QUORBEL_VERSION)));
+    m_cards = std::make_unique<HomeCards>(
+        m_delegate,
+        HomeCards::Cards{ui->cardEmergency, ui->cardAlerting, ui->cardCritical, ui->cardError,
+                         ui->cardWarning, ui->cardNotice, ui->cardInformation, ui->cardDebug,
+                         ui->cardUnknown},
+        *ui->chartLegend, *this);
+    connect(m_cards.get(), &HomeCards::refreshDue, this,
+            [this] { m_cards->refresh(m_severityStatus); });
+    fit();
+}
+
+void HomeView::resizeEvent(QResizeEvent *event) {
+    Page::resizeEvent(event);
+    fit();
+}
+
+/// A small window has small cards.
+void HomeView::fit() {
+    if (m_cards) {
+        m_cards->setCompact(width() < sizedToFont(kNarrow) || height() < sizedToFont(kLow));
+    }
 }
 
 void HomeView::makeScrollable() {
@@ -76,6 +106,7 @@ void HomeView::viewWillAppear() {
     setActionsStatus();
     setExportStatus();
     setMonitorStatus();
+    m_cards->refresh(m_severityStatus);
 }
 
 void HomeView::setEventsStatus() {
@@ -85,6 +116,7 @@ void HomeView::setEventsStatus() {
     }
     showCounters();
     showRating();
+    m_cards->noteArrival();
 }
 
 void HomeView::showCounters() {

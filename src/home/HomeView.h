@@ -18,9 +18,10 @@ class HomeView;
 namespace quorbel {
 
 class AppDelegate;
+class HomeCards;
 
 /// The home page: how many events of each severity there are, what they amount to, and whether the
-/// service, actions and export are in use.
+/// service, actions and export are in use. The card of each severity tells of its last day.
 class HomeView : public Page, public HomePageLink {
     Q_OBJECT
 
@@ -28,6 +29,9 @@ public:
     /// `delegate` outlives the page.
     explicit HomeView(AppDelegate &delegate, QWidget *parent = nullptr);
     ~HomeView() override;
+
+    /// Puts what there is to say of hosts below the cards; the page owns it from now on.
+    void setHostBoxes(QWidget &boxes);
 
     void viewDidLoad() override;
     void viewWillAppear() override;
@@ -41,10 +45,16 @@ public:
     void setActionsStatus();
     void setExportStatus();
 
+    [[nodiscard]] HomeCards &cards() { return *m_cards; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void makeScrollable();
     void showCounters();
     void showRating();
+    void fit();
 
     struct CounterField {
         QLabel *label = nullptr;
@@ -53,6 +63,7 @@ private:
 
     AppDelegate &m_delegate;
     std::unique_ptr<Ui::HomeView> ui;
+    std::unique_ptr<HomeCards> m_cards;
     std::array<CounterField, kSeverityClassCount> m_counters;
     int m_severityStatus = 0;
     int m_shownRating = -1;

@@ -6,6 +6,8 @@
 
 namespace quorbel {
 
+class EventList;
+
 /// A page that the filter editor is presented over.
 class FilterEditing {
 public:
@@ -17,6 +19,11 @@ public:
     [[nodiscard]] virtual std::optional<Dictionary> proposal() const = 0;
     /// Takes what the editor made.
     virtual void storeFilter(const Dictionary &record) = 0;
+
+    /// Whether what the filter matches is left out, and not accepted.
+    [[nodiscard]] virtual bool editsExcludeFilter() const = 0;
+    /// The events that the window lists, to try a filter on.
+    [[nodiscard]] virtual EventList &listedEvents() const = 0;
 
 protected:
     FilterEditing() = default;

@@ -37,6 +37,7 @@ public:
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const;
     [[nodiscard]] const std::optional<Dictionary> &proposal() const { return m_proposal; }
     void storeFilter(const Dictionary &record);
+    [[nodiscard]] bool editsExcludeFilter() const { return m_bExcludeFilters; }
 
     /// Opens the editor for a new record of the exclude list with these values.
     void proposeExclusion(const Dictionary &record);

@@ -1,11 +1,14 @@
 #include "options/ShowingOptions.h"
 
 #include "options/OptionsValues.h"
+#include "platform/DateFormat.h"
+#include "platform/gui/NoteLabel.h"
 #include "platform/gui/QtText.h"
 
 #include <QComboBox>
 #include <QRadioButton>
 
+#include <chrono>
 #include <optional>
 
 namespace quorbel {
@@ -38,6 +41,7 @@ ShowingOptions::ShowingOptions(const Controls &controls, QObject *parent)
     }
     for (const auto *chooser : {m.userDateFormat, m.userTimeFormat}) {
         connect(chooser, &QComboBox::activated, this, &ShowingOptions::changed);
+        connect(chooser, &QComboBox::currentIndexChanged, this, &ShowingOptions::showExample);
     }
 }
 
@@ -49,6 +53,7 @@ void ShowingOptions::showValues(const OptionsValues &values) {
     }
     m_dateFormat = values.dateFormat;
     showDateFormat();
+    showExample();
 }
 
 void ShowingOptions::takeValues(OptionsValues &values) const {
@@ -88,7 +93,19 @@ void ShowingOptions::dateFormat() {
         chooser->setEnabled(isDefined);
         chooser->setCurrentIndex(isDefined ? 0 : -1);
     }
+    showExample();
     Q_EMIT changed();
+}
+
+/// The present moment, for one of which everybody knows how it looks otherwise.
+void ShowingOptions::showExample() {
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    const std::string date = DateFormat(chosenDateFormat()).render(now.count());
+    if (date.empty()) {
+        m.dateExample->say(tr("Not a date format: dates would be empty"), true);
+    } else {
+        m.dateExample->say(tr("Example: %1").arg(toQString(date)));
+    }
 }
 
 std::string ShowingOptions::chosenDateFormat() const {

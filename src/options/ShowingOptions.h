@@ -9,6 +9,8 @@ class QRadioButton;
 
 namespace quorbel {
 
+class NoteLabel;
+
 /// How hosts and dates are shown.
 class ShowingOptions : public OptionsGroup {
     Q_OBJECT
@@ -21,6 +23,7 @@ public:
         QRadioButton *definedDateFormat;
         QComboBox *userDateFormat;
         QComboBox *userTimeFormat;
+        NoteLabel *dateExample;  ///< how a date looks in the format that is chosen
     };
 
     /// The controls outlive the group.
@@ -36,6 +39,7 @@ public:
 
 private:
     void showDateFormat();
+    void showExample();
     [[nodiscard]] std::string chosenDateFormat() const;
 
     Controls m;

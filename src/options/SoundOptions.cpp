@@ -2,6 +2,7 @@
 
 #include "options/OptionsValues.h"
 #include "options/SeverityBoxes.h"
+#include "options/SoundTrial.h"
 #include "platform/gui/FilePanel.h"
 #include "platform/gui/QtText.h"
 
@@ -16,6 +17,7 @@ SoundOptions::SoundOptions(const Controls &controls, QWidget *page)
             [this] { popupSound(m.popupEventsPlay); });
     connect(m.popupSoundFile, &QLineEdit::textEdited, this, &SoundOptions::takeSound);
     connect(m.popupSoundBrowse, &QAbstractButton::clicked, this, &SoundOptions::popupSoundBrowse);
+    new SoundTrial(*m.popupSoundTry, *m.popupSoundFile, *m.popupSoundNote, this);
     connect(m_boxes, &SeverityBoxes::changed, this, &SoundOptions::changed);
 }
 
@@ -34,7 +36,7 @@ void SoundOptions::takeValues(OptionsValues &values) const {
 }
 
 QWidgetList SoundOptions::tabOrder() const {
-    return QWidgetList{m.popupEventsPlay, m.popupSoundFile, m.popupSoundBrowse} +
+    return QWidgetList{m.popupEventsPlay, m.popupSoundFile, m.popupSoundBrowse, m.popupSoundTry} +
            m_boxes->tabOrder();
 }
 

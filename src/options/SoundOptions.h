@@ -12,6 +12,7 @@ class QPushButton;
 
 namespace quorbel {
 
+class NoteLabel;
 class SeverityBoxes;
 
 /// Which severities play a sound, and which sound.
@@ -23,6 +24,8 @@ public:
         QCheckBox *popupEventsPlay;
         QLineEdit *popupSoundFile;
         QPushButton *popupSoundBrowse;
+        QPushButton *popupSoundTry;
+        NoteLabel *popupSoundNote;
         BoxControls boxes;
     };
 

@@ -27,9 +27,11 @@ void ToolsView::viewDidLoad() {
     setLabelIcon(*ui->optionsIcon, lineIcon(QStringLiteral("options")), iconSize);
     setLabelIcon(*ui->actionsIcon, lineIcon(QStringLiteral("actions")), iconSize);
     setLabelIcon(*ui->exportIcon, lineIcon(QStringLiteral("export")), iconSize);
+    setLabelIcon(*ui->hostsIcon, lineIcon(QStringLiteral("hosts")), iconSize);
     connect(ui->toolsOptions, &QAbstractButton::clicked, this, &ToolsView::options);
     connect(ui->toolsActions, &QAbstractButton::clicked, this, &ToolsView::actions);
     connect(ui->toolsExport, &QAbstractButton::clicked, this, &ToolsView::export_);
+    connect(ui->toolsHosts, &QAbstractButton::clicked, this, &ToolsView::hosts);
 }
 
 void ToolsView::options() {
@@ -42,6 +44,10 @@ void ToolsView::actions() {
 
 void ToolsView::export_() {
     open(Tab::kExport);
+}
+
+void ToolsView::hosts() {
+    open(Tab::kHosts);
 }
 
 void ToolsView::open(Tab page) {

@@ -11,7 +11,7 @@ class ToolsView;
 
 namespace quorbel {
 
-/// The tools page: it leads to the three settings pages.
+/// The tools page: it leads to the three settings pages, and to the hosts.
 class ToolsView : public Page {
     Q_OBJECT
 
@@ -25,6 +25,7 @@ public:
     void options();
     void actions();
     void export_();
+    void hosts();
 
 private:
     void open(Tab page);

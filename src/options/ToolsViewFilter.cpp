@@ -28,6 +28,11 @@ void ToolsViewFilter::viewWillAppear() {
     } else {
         ui->filterForm->showNew(QStringLiteral("New Filter"));
     }
+    if (page != nullptr) {
+        ui->filterEffect->follow(*ui->filterForm, page->listedEvents(),
+                                 page->editsExcludeFilter() ? FilterEffect::Kind::kLeavesOut
+                                                            : FilterEffect::Kind::kAccepts);
+    }
     ui->filterBlank->setFocus();
 }
 

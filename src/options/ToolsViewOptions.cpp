@@ -4,6 +4,7 @@
 #include "options/FilterOptions.h"
 #include "options/LevelOptions.h"
 #include "options/PopupOptions.h"
+#include "options/RemovalEffect.h"
 #include "options/RemovalOptions.h"
 #include "options/ShowingOptions.h"
 #include "options/SoundOptions.h"
@@ -43,7 +44,8 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
                                         .localeDateFormat = ui->localeDateFormat,
                                         .definedDateFormat = ui->definedDateFormat,
                                         .userDateFormat = ui->userDateFormat,
-                                        .userTimeFormat = ui->userTimeFormat},
+                                        .userTimeFormat = ui->userTimeFormat,
+                                        .dateExample = ui->dateExample},
                                        this);
     auto *levels = new LevelOptions(makeLevelControls(*ui->levelsGroupLayout), this);
     m_removal = new RemovalOptions(makeRemovalControls(*ui->removalGroupLayout), this);
@@ -55,6 +57,8 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
     m_sound = new SoundOptions({.popupEventsPlay = ui->popupEventsPlay,
                                 .popupSoundFile = ui->popupSoundFile,
                                 .popupSoundBrowse = ui->popupSoundBrowse,
+                                .popupSoundTry = ui->popupSoundTry,
+                                .popupSoundNote = ui->popupSoundNote,
                                 .boxes = makePlayControls(*ui->soundGroupLayout)},
                                this);
     m_filters = new FilterOptions({ui->includeFiltersTable, ui->includeFiltersAdd,
@@ -64,6 +68,9 @@ ToolsViewOptions::ToolsViewOptions(AppDelegate &delegate, const Storyboard &stor
                                   this);
     m_groups = {showing, levels, m_removal, m_popup, m_sound, m_filters};
     joinTabOrders(m_groups);
+    m_removalEffect = new RemovalEffect(*m_removal, delegate.events, delegate.hold,
+                                        *ui->removalEffect, *ui->saveButton);
+    m_removalEffect->setParent(this);
     new ScrolledControls(*ui->scrollView);
     new WrappedTexts(*ui->scrollView);
 }
@@ -74,6 +81,7 @@ void ToolsViewOptions::viewDidLoad() {
     setUpPage(*ui->saveButton, *ui->onCancel);
     for (const OptionsGroup *group : m_groups) {
         connect(group, &OptionsGroup::changed, this, &ToolsViewOptions::enableSave);
+        connect(group, &OptionsGroup::changed, m_removalEffect, &RemovalEffect::edited);
     }
     connect(m_filters, &FilterOptions::editFilter, this,
             [this] { presentSheet(m_storyboard, QStringLiteral("filterView"), this); });
@@ -85,6 +93,7 @@ void ToolsViewOptions::viewDidAppear() {
 
 void ToolsViewOptions::showSettings(const SettingsCycle &settings) {
     ui->scrollView->verticalScrollBar()->setValue(0);
+    m_removalEffect->reset(settings.working());
     m_values = OptionsValues::read(settings);
     for (OptionsGroup *group : m_groups) {
         group->showValues(m_values);
@@ -124,6 +133,14 @@ void ToolsViewOptions::propose(const Dictionary &record) {
 
 void ToolsViewOptions::storeFilter(const Dictionary &record) {
     m_filters->storeFilter(record);
+}
+
+EventList &ToolsViewOptions::listedEvents() const {
+    return delegate().events;
+}
+
+bool ToolsViewOptions::editsExcludeFilter() const {
+    return m_filters->editsExcludeFilter();
 }
 
 void ToolsViewOptions::eventRemoval(std::size_t severity) {

@@ -17,6 +17,7 @@ namespace quorbel {
 class FilterOptions;
 class OptionsGroup;
 class PopupOptions;
+class RemovalEffect;
 class RemovalOptions;
 class SoundOptions;
 class Storyboard;
@@ -38,6 +39,8 @@ public:
     [[nodiscard]] std::optional<Dictionary> filterToEdit() const override;
     [[nodiscard]] std::optional<Dictionary> proposal() const override;
     void storeFilter(const Dictionary &record) override;
+    [[nodiscard]] bool editsExcludeFilter() const override;
+    [[nodiscard]] EventList &listedEvents() const override;
     /// One of the exclude list.
     void propose(const Dictionary &record) override;
 
@@ -59,6 +62,7 @@ private:
     const Storyboard &m_storyboard;
     std::unique_ptr<Ui::ToolsViewOptions> ui;
     RemovalOptions *m_removal;
+    RemovalEffect *m_removalEffect;
     PopupOptions *m_popup;
     SoundOptions *m_sound;
     FilterOptions *m_filters;

@@ -1,76 +1,16 @@
 #include "platform/BinaryPropertyListWriter.h"
 
+#include "platform/PropertyListBytes.h"
 #include "platform/Utf8.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <functional>
 #include <utility>
 
 namespace quorbel {
 
-namespace {
-
-constexpr std::string_view kMagic = "bplist00";
-constexpr std::size_t kTrailerSize = 32;
-
-// At most eight bytes, most significant first.
-void appendBigEndian(std::string &output, std::uint64_t number, std::size_t size) {
-    std::array<char, sizeof number> bytes{};
-    for (std::size_t at = bytes.size(); at-- > 0; number >>= 8) {
-        bytes[at] = static_cast<char>(number & 0xFF);
-    }
-    output.append(bytes.end() - size, bytes.end());
-}
-
-// The sizes that readers take are powers of two.
-std::size_t smallestSize(std::uint64_t number) {
-    std::size_t size = 1;
-    while (size < sizeof number && number >> (8 * size) != 0) {
-        size *= 2;
-    }
-    return size;
-}
-
-// Integers of up to four bytes are read as unsigned: a negative one takes eight.
-void appendInteger(std::string &output, std::uint64_t bits) {
-    const std::size_t size = smallestSize(bits);
-    output += static_cast<char>(0x10 | std::countr_zero(size));
-    appendBigEndian(output, bits, size);
-}
-
-void appendHead(std::string &output, unsigned type, std::size_t count) {
-    constexpr std::size_t kCountFollows = 0xF;
-    if (count < kCountFollows) {
-        output += static_cast<char>(type << 4 | count);
-    } else {
-        output += static_cast<char>(type << 4 | kCountFollows);
-        appendInteger(output, count);
-    }
-}
-
-void appendWideText(std::string &output, std::string_view text) {
-    std::string units;
-    units.reserve(2 * text.size());
-    while (!text.empty()) {
-        constexpr Utf8Character kReplacement{0xFFFD, 1};
-        const Utf8Character found = firstUtf8Character(text);
-        const Utf8Character character = found.length == 0 ? kReplacement : found;
-        if (character.code < 0x10000) {
-            appendBigEndian(units, character.code, 2);
-        } else {
-            const char32_t rest = character.code - 0x10000;
-            appendBigEndian(units, 0xD800 + (rest >> 10), 2);
-            appendBigEndian(units, 0xDC00 + (rest & 0x3FF), 2);
-        }
-        text.remove_prefix(character.length);
-    }
-    appendHead(output, 0x6, units.size() / 2);
-    output += units;
-}
-
-}  // namespace
+using namespace propertylist;
 
 using Number = BinaryPropertyListWriter::Number;
 
@@ -203,13 +143,7 @@ std::string BinaryPropertyListWriter::write(Number top) const {
     for (const std::uint64_t offset : offsets) {
         appendBigEndian(output, offset, offsetSize);
     }
-    // Six bytes of no meaning, the two sizes, then three numbers of eight bytes.
-    output.append(6, '\0');
-    appendBigEndian(output, offsetSize, 1);
-    appendBigEndian(output, numberSize, 1);
-    appendBigEndian(output, m_objects.size(), sizeof(std::uint64_t));
-    appendBigEndian(output, top, sizeof(std::uint64_t));
-    appendBigEndian(output, table, sizeof(std::uint64_t));
+    appendTrailer(output, {offsetSize, numberSize, m_objects.size(), top, table});
     return output;
 }
 
@@ -233,14 +167,13 @@ void BinaryPropertyListWriter::writeObject(std::string &output, const Object &ob
             appendBigEndian(output, object.content, sizeof(double));
             break;
         case Kind::kReference:
-            output += static_cast<char>(0x80 | (smallestSize(object.content) - 1));
-            appendBigEndian(output, object.content, smallestSize(object.content));
+            appendReference(output, object.content);
             break;
         case Kind::kAscii:
+            appendAsciiText(output, m_texts[object.content]);
+            break;
         case Kind::kData:
-            appendHead(output, object.kind == Kind::kData ? 0x4 : 0x5,
-                       m_texts[object.content].size());
-            output += m_texts[object.content];
+            appendData(output, m_texts[object.content]);
             break;
         case Kind::kWideText:
             appendWideText(output, m_texts[object.content]);
@@ -256,7 +189,7 @@ void BinaryPropertyListWriter::writeContainer(std::string &output, const Object 
                                               std::size_t numberSize) const {
     const bool isDictionary = object.kind == Kind::kDictionary;
     const std::size_t count = m_elements[object.content];
-    appendHead(output, isDictionary ? 0xD : 0xA, count);
+    isDictionary ? appendDictionaryHead(output, count) : appendArrayHead(output, count);
     const std::span<const Number> elements(m_elements);
     for (const Number number :
          elements.subspan(object.content + 1, isDictionary ? 2 * count : count)) {

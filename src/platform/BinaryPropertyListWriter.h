@@ -21,6 +21,10 @@ class BinaryPropertyListWriter {
 public:
     using Number = std::uint32_t;
 
+    /// How much text may be named again at first, counted twice; each new text allows for as much
+    /// as it has.
+    static constexpr std::size_t kShareableText = std::size_t{16} << 20U;
+
     Number addBoolean(bool value);
     Number addInteger(std::int64_t value);
     Number addUnsigned(std::uint64_t value);
@@ -75,8 +79,8 @@ private:
     std::vector<Object> m_objects;
     std::vector<std::string_view> m_texts;
     std::vector<Number> m_elements;
-    std::size_t m_largestSize = 0;                    // an upper bound of what the objects take
-    std::size_t m_shareable = std::size_t{16} << 20;  // bytes of text still to be named again
+    std::size_t m_largestSize = 0;             // an upper bound of what the objects take
+    std::size_t m_shareable = kShareableText;  // bytes of text still to be named again
 
     NumbersByBits m_booleans;
     NumbersByBits m_integers;

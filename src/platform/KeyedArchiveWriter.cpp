@@ -21,8 +21,9 @@ using ClassNames = std::vector<std::string>;
 const ClassNames kNullClass{"NSNull", "NSObject"};
 const ClassNames kStringClass{"NSMutableString", "NSString", "NSObject"};
 const ClassNames kDateClass{"NSDate", "NSObject"};
-const ClassNames kArrayClass{"NSArray", "NSObject"};
-const ClassNames kDictionaryClass{"NSDictionary", "NSObject"};
+const ClassNames kArrayClass{std::string(archive::kArrayClass), std::string(archive::kObjectClass)};
+const ClassNames kDictionaryClass{std::string(archive::kDictionaryClass),
+                                  std::string(archive::kObjectClass)};
 
 /// Builds the object graph of one archive.
 ///
@@ -68,15 +69,14 @@ private:
 };
 
 std::string ArchiveWriter::write(const Value &root) {
-    constexpr std::int64_t kVersion = 100000;
     m_objects.push_back(word(archive::kNull));  // number 0, which is no reference's number
     const Number rootReference = reference(add(root));
     const Number rootKey = word(archive::kRoot);
     const Number top = m_list.addDictionary({&rootKey, 1}, {&rootReference, 1});
-    const std::array keys{word("$version"), word("$archiver"), word(archive::kTop),
+    const std::array keys{word(archive::kVersion), word(archive::kArchiver), word(archive::kTop),
                           word(archive::kObjects)};
-    const std::array values{m_list.addInteger(kVersion), word("NSKeyedArchiver"), top,
-                            m_list.addArray(m_objects)};
+    const std::array values{m_list.addInteger(archive::kVersionNumber),
+                            word(archive::kArchiverName), top, m_list.addArray(m_objects)};
     return m_list.write(m_list.addDictionary(keys, values));
 }
 
@@ -188,8 +188,10 @@ ArchiveWriter::Index ArchiveWriter::addArray(const Array &array) {
     for (const Value &element : array) {
         elements.push_back(reference(add(element)));
     }
-    setInstance(index, {word(archive::kCollectionObjects)}, {m_list.addArray(elements)},
-                kArrayClass);
+    // The order of what is added here and below stays what it is, so that equal commands are equal
+    // bytes.
+    const Number content = m_list.addArray(elements);
+    setInstance(index, {word(archive::kCollectionObjects)}, {content}, kArrayClass);
     return index;
 }
 
@@ -203,8 +205,9 @@ ArchiveWriter::Index ArchiveWriter::addDictionary(const Dictionary &dictionary) 
         keys.push_back(reference(addText(key)));
         values.push_back(reference(add(value)));
     }
+    const std::array contents{m_list.addArray(keys), m_list.addArray(values)};
     setInstance(index, {word(archive::kCollectionKeys), word(archive::kCollectionObjects)},
-                {m_list.addArray(keys), m_list.addArray(values)}, kDictionaryClass);
+                {contents.front(), contents.back()}, kDictionaryClass);
     return index;
 }
 

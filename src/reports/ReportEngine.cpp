@@ -80,16 +80,20 @@ bool ReportEngine::read(const std::vector<std::filesystem::path> &files,
         m_dates.reserve(expected);
     }
     for (const auto &file : files) {
+        LogExtent extent;
         const bool isComplete = LogReader::readFile(
             file,
             [this](const LogLine &line) {
+                ++m_accepted;
                 withDecodedFields(line, [this](const LogLine &decoded) { add(decoded); });
                 return true;
             },
             [&](std::size_t bytes) {
                 done += bytes;
                 return !onProgress || onProgress(done, total);
-            });
+            },
+            &extent);
+        m_lines += extent.pieces;
         if (!isComplete) {
             return false;
         }
@@ -149,6 +153,7 @@ void ReportEngine::sortByGroup() {
     for (const std::uint32_t group : m_groupOf) {
         ++m_starts[group];
     }
+    m_largest = *std::ranges::max_element(m_starts);
     std::inclusive_scan(m_starts.begin(), m_starts.end(), m_starts.begin());
     m_order.resize(m_groupOf.size());
     for (std::size_t detail = m_groupOf.size(); detail-- > 0;) {

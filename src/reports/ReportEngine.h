@@ -47,6 +47,17 @@ public:
     /// False when `onProgress` ended it; then the report is good for nothing.
     bool read(const std::vector<std::filesystem::path> &files, const Progress &onProgress = {});
 
+    [[nodiscard]] std::optional<ReportKind> kind() const { return m_kind; }
+    /// Lines read, those among them that hold no event included. A line that is too long to be read
+    /// at once counts as several, as which it is read.
+    [[nodiscard]] std::uint64_t lineCount() const { return m_lines; }
+    /// Lines that hold no event, and were skipped.
+    [[nodiscard]] std::uint64_t skippedLineCount() const { return m_lines - m_accepted; }
+    /// Events in all groups.
+    [[nodiscard]] std::size_t eventCount() const { return m_order.size(); }
+    /// Events in the largest group; 0 without any.
+    [[nodiscard]] std::size_t largestGroup() const { return m_largest; }
+
     [[nodiscard]] std::size_t groupCount() const { return m_starts.size() - 1; }
     /// Valid until the next call.
     [[nodiscard]] std::string_view groupText(std::size_t group) const;
@@ -70,6 +81,9 @@ private:
     void sortByGroup();
 
     std::optional<ReportKind> m_kind;
+    std::uint64_t m_lines = 0;
+    std::uint64_t m_accepted = 0;
+    std::size_t m_largest = 0;
     mutable DateTexts m_dateTexts;
     TextStore m_shared;  // apart from what comes in between, so that it stays in the caches
     TextStore m_store;

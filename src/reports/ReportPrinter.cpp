@@ -1,6 +1,7 @@
 #include "reports/ReportPrinter.h"
 
 #include "platform/gui/PaintedText.h"
+#include "platform/gui/QtText.h"
 #include "reports/ReportTableModel.h"
 
 #include <QFontMetricsF>
@@ -23,7 +24,8 @@ constexpr qreal kPointSize = 8;
 constexpr int kMostMeasured = 2000;  // rows whose texts settle the columns' widths
 constexpr qreal kMarkerSide = 0.55;  // of a line's height
 constexpr qreal kMarkerRoom = 1.0;
-constexpr qreal kTabLines = 2;  // lines' heights between tab stops
+constexpr qreal kTabLines = 2;       // lines' heights between tab stops
+constexpr qreal kNumberLines = 1.6;  // what a page's number takes of the page, in lines' heights
 constexpr QColor kText(0x1f, 0x27, 0x33);
 constexpr QColor kRule(0xb4, 0xbd, 0xc9);
 
@@ -69,6 +71,9 @@ bool ReportPrinter::print(QPagedPaintDevice &device, const Progress &onProgress)
     QPainter painter;
     measure(device);
     m_printedPages = 0;
+    if (m_hasPageNotes && !countPages(device, painter, onProgress)) {
+        return false;
+    }
     for (int copy = 0; copy < m_copies; ++copy) {
         if (!printCopy(device, painter, onProgress)) {
             return false;
@@ -77,15 +82,32 @@ bool ReportPrinter::print(QPagedPaintDevice &device, const Progress &onProgress)
     return !painter.isActive() || painter.end();
 }
 
+bool ReportPrinter::countPages(QPagedPaintDevice &device, QPainter &painter,
+                               const Progress &onProgress) {
+    m_isCounting = true;
+    const bool isComplete = printCopy(device, painter, onProgress);
+    m_isCounting = false;
+    m_pagesInAll = m_pageNumber;
+    return isComplete;
+}
+
+/// With page notes, counting was the first half of the work.
+bool ReportPrinter::tellProgress(const Progress &onProgress, int done) const {
+    const int rows = m_model.rowCount();
+    return !onProgress ||
+           (!m_hasPageNotes ? onProgress(done, rows)
+                            : onProgress(m_isCounting ? done : rows + done, 2 * rows));
+}
+
 bool ReportPrinter::printCopy(QPagedPaintDevice &device, QPainter &painter,
                               const Progress &onProgress) {
     m_pageNumber = 0;
+    m_groupRow = -1;
     if (!beginPage(device, painter)) {
         return false;
     }
     for (int row = 0; row < m_model.rowCount(); ++row) {
-        if (!printRow(device, painter, row) ||
-            (onProgress && !onProgress(row + 1, m_model.rowCount()))) {
+        if (!printRow(device, painter, row) || !tellProgress(onProgress, row + 1)) {
             return false;
         }
     }
@@ -96,6 +118,9 @@ void ReportPrinter::measure(QPagedPaintDevice &device) {
     const QFontMetricsF metrics(m_font, &device);
     m_page = QRectF(0, 0, device.width(), device.height());
     m_lineHeight = metrics.lineSpacing();
+    if (m_hasPageNotes) {
+        placePageNotes(device);
+    }
     m_ascent = metrics.ascent();
     m_gap = m_lineHeight;
     m_pad = m_lineHeight / 8;
@@ -209,7 +234,7 @@ void ReportPrinter::printTitles(QPainter &painter) {
 bool ReportPrinter::beginPage(QPagedPaintDevice &device, QPainter &painter) {
     ++m_pageNumber;
     const QPageRanges chosen = device.pageRanges();
-    m_isChosen = chosen.isEmpty() || chosen.contains(m_pageNumber);
+    m_isChosen = !m_isCounting && (chosen.isEmpty() || chosen.contains(m_pageNumber));
     if (m_isChosen) {
         // A device begins with a page.
         if (painter.isActive() ? !device.newPage() : !painter.begin(&device)) {
@@ -218,10 +243,65 @@ bool ReportPrinter::beginPage(QPagedPaintDevice &device, QPainter &painter) {
         ++m_printedPages;
     }
     printTitles(painter);
+    if (m_hasPageNotes) {
+        printPageNumber(painter);
+        printContinuation(painter);
+    }
     return true;
 }
 
+void ReportPrinter::placePageNotes(const QPagedPaintDevice &device) {
+    const qreal inPoints = device.pageLayout().margins(QPageLayout::Point).bottom();
+    const qreal margin = inPoints / 72 * device.logicalDpiY();
+    const qreal needed = kNumberLines * m_lineHeight;
+    if (margin < needed) {
+        m_page.setHeight(m_page.height() - needed);
+        m_numberPlace = QRectF(m_page.left(), m_page.bottom(), m_page.width(), needed);
+    } else {
+        // Not at the edge of the paper, where few printers reach.
+        m_numberPlace =
+            QRectF(m_page.left(), m_page.bottom(), m_page.width(), std::max(margin / 2, needed));
+    }
+}
+
+void ReportPrinter::printPageNumber(QPainter &painter) const {
+    if (!m_isChosen) {
+        return;
+    }
+    painter.setFont(m_font);
+    painter.setPen(kText);
+    painter.drawText(m_numberPlace, Qt::AlignHCenter | Qt::AlignBottom,
+                     tr("Page %1 of %2").arg(countText(m_pageNumber), countText(m_pagesInAll)));
+}
+
+/// The value of the group that goes on, in one line over all columns.
+void ReportPrinter::printContinuation(QPainter &painter) {
+    const auto first = std::ranges::find(m_columns, 0, &Column::number);
+    if (m_groupRow < 0 || first == m_columns.end() || linesThatFit(m_y) < 2) {
+        return;
+    }
+    if (m_isChosen) {
+        const qreal indent = markerRoom(0);
+        const QRectF place(m_page.left() + indent, m_y + m_pad, m_page.width() - indent,
+                           m_lineHeight);
+        const QString value = m_model.index(m_groupRow, 0).data().toString();
+        const QFontMetricsF metrics(m_titleFont, painter.device());
+        const QString text = tr("%1 (continued)");
+        const qreal room = place.width() - metrics.horizontalAdvance(text);
+        painter.setFont(m_titleFont);
+        painter.setPen(kText);
+        painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter,
+                         text.arg(metrics.elidedText(paintedRow(value), Qt::ElideRight, room)));
+    }
+    m_y += m_lineHeight + 2 * m_pad;
+    m_bodyTop = m_y;
+}
+
 bool ReportPrinter::printRow(QPagedPaintDevice &device, QPainter &painter, int row) {
+    // Until its own row is printed, nothing of a group goes on.
+    const bool isGroup =
+        m_model.index(row, 0).data(ReportTableModel::kMarkerRole).value<Marker>() != Marker::kNone;
+    m_groupRow = isGroup ? -1 : m_groupRow;
     const Row cells = layOut(
         device, m_font, [this, row](int column) { return printed(m_model.index(row, column)); });
     const int lines = lineCount(cells);
@@ -232,6 +312,7 @@ bool ReportPrinter::printRow(QPagedPaintDevice &device, QPainter &painter, int r
         return false;
     }
     drawMarker(painter, row);
+    m_groupRow = isGroup ? row : m_groupRow;
     for (Lines part{0, 0}; part.first < lines; part.first += part.count) {
         if (part.first > 0 && !beginPage(device, painter)) {
             return false;

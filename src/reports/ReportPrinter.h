@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QFont>
 #include <QList>
 #include <QRectF>
@@ -19,8 +20,10 @@ namespace quorbel {
 ///
 /// The columns together are as wide as the paper lets them be; longer texts wrap, and nothing is
 /// cut off. A row stands on one page unless it is taller than that. Each page begins with the
-/// columns' titles and has nothing else of its own.
+/// columns' titles and has nothing else of its own, unless page notes are asked for.
 class ReportPrinter {
+    Q_DECLARE_TR_FUNCTIONS(quorbel::ReportPrinter)
+
 public:
     /// Told of the rows printed, now and then; returning false ends the printing.
     using Progress = std::function<bool(int done, int inAll)>;
@@ -34,6 +37,10 @@ public:
 
     /// For a device that makes no copies by itself.
     void setCopies(int copies) { m_copies = copies; }
+    /// Has each page that goes on with a group begin with that group's value, and say in the bottom
+    /// margin which page of how many it is; where that margin is too low, at the end of the page.
+    /// Lays out everything twice, as nobody knows before how many pages there will be.
+    void setPageNotes(bool pageNotes) { m_hasPageNotes = pageNotes; }
 
     /// Prints the device's chosen pages on the whole of its paintable area. False when the device
     /// refuses or `onProgress` ended it. Where none of the chosen pages exists, nothing is begun on
@@ -58,6 +65,8 @@ private:
     using Row = std::vector<Cell>;  // null for an empty cell
 
     bool printCopy(QPagedPaintDevice &device, QPainter &painter, const Progress &onProgress);
+    bool countPages(QPagedPaintDevice &device, QPainter &painter, const Progress &onProgress);
+    [[nodiscard]] bool tellProgress(const Progress &onProgress, int done) const;
     void measure(QPagedPaintDevice &device);
     void fitColumns(QPagedPaintDevice &device);
     [[nodiscard]] qreal wantedWidth(QPagedPaintDevice &device, int column) const;
@@ -70,11 +79,15 @@ private:
     bool beginPage(QPagedPaintDevice &device, QPainter &painter);
     [[nodiscard]] qreal tabDistance(QPagedPaintDevice &device) const;
     bool printRow(QPagedPaintDevice &device, QPainter &painter, int row);
+    void placePageNotes(const QPagedPaintDevice &device);
+    void printContinuation(QPainter &painter);
+    void printPageNumber(QPainter &painter) const;
     void drawLines(QPainter &painter, const Row &row, const Lines &lines, bool leaveMarkerRoom);
     void drawMarker(QPainter &painter, int row) const;
 
     const QAbstractItemModel &m_model;
     int m_copies = 1;
+    bool m_hasPageNotes = false;
     std::vector<Column> m_columns;
     QFont m_font;
     QFont m_titleFont;
@@ -90,6 +103,11 @@ private:
     int m_pageNumber = 0;
     bool m_isChosen = true;  // whether this page is printed, or only counted
     int m_printedPages = 0;
+    // For page notes.
+    bool m_isCounting = false;  // no page is printed
+    int m_pagesInAll = 0;
+    QRectF m_numberPlace;
+    int m_groupRow = -1;  // of the row that is being printed
 };
 
 }  // namespace quorbel

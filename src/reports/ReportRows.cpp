@@ -1,6 +1,9 @@
 #include "reports/ReportRows.h"
 
+#include <algorithm>
 #include <bit>
+#include <iterator>
+#include <utility>
 
 namespace quorbel {
 
@@ -16,6 +19,20 @@ void ReportRows::reset(std::size_t groups) {
     m_isExpanded.assign(groups, false);
     m_tree.assign(groups + 1, 0);
     m_detailRows = 0;
+}
+
+void ReportRows::reset(std::vector<bool> isExpanded, const Details &details) {
+    reset(isExpanded.size());
+    m_isExpanded = std::move(isExpanded);
+    for (std::size_t i = 1; i < m_tree.size(); ++i) {
+        const std::size_t own = m_isExpanded[i - 1] ? details(i - 1) : 0;
+        m_detailRows += own;
+        m_tree[i] += static_cast<std::uint32_t>(own);
+        // Entries in front of it are complete, so it is what the next larger one covers of it.
+        if (const std::size_t above = i + lowestBit(i); above < m_tree.size()) {
+            m_tree[above] += m_tree[i];
+        }
+    }
 }
 
 ReportRows::Place ReportRows::at(std::size_t row) const {
@@ -39,6 +56,39 @@ std::size_t ReportRows::rowOf(std::size_t group) const {
         row += m_tree[i];
     }
     return row;
+}
+
+std::optional<std::size_t> ReportRows::detailBelow(std::size_t row) const {
+    const std::size_t below = row + 1;
+    if (below >= count()) {
+        return std::nullopt;
+    }
+    const Place place = at(below);
+    if (place.detail) {
+        return below;
+    }
+    const auto group = std::find(m_isExpanded.begin() + static_cast<std::ptrdiff_t>(place.group),
+                                 m_isExpanded.end(), true);
+    return group == m_isExpanded.end()
+               ? std::nullopt
+               : std::optional(rowOf(static_cast<std::size_t>(group - m_isExpanded.begin())) + 1);
+}
+
+std::optional<std::size_t> ReportRows::detailAbove(std::size_t row) const {
+    if (row == 0) {
+        return std::nullopt;
+    }
+    const Place place = at(row - 1);
+    if (place.detail) {
+        return row - 1;
+    }
+    // The details of the nearest expanded group above end where the next group begins.
+    const auto groups =
+        std::reverse_iterator(m_isExpanded.begin() + static_cast<std::ptrdiff_t>(place.group));
+    const auto group = std::find(groups, m_isExpanded.rend(), true);
+    return group == m_isExpanded.rend()
+               ? std::nullopt
+               : std::optional(rowOf(static_cast<std::size_t>(m_isExpanded.rend() - group)) - 1);
 }
 
 void ReportRows::expand(std::size_t group, std::size_t details) {

@@ -4,6 +4,9 @@
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
+#include <algorithm>
+#include <cmath>
+#include <functional>
 #include <utility>
 
 namespace quorbel {
@@ -24,7 +27,22 @@ const char *title(ReportField field) {
     }
 }
 
+constexpr std::size_t kMostLookedAt = 50'000;
+constexpr std::size_t kCandidates = 16;
+
 }  // namespace
+
+QString percentText(const GroupShare &share) {
+    const auto inAll = static_cast<double>(std::max<std::size_t>(share.inAll, 1));
+    const double percent = 100 * static_cast<double>(share.events) / inAll;
+    if (share.events > 0 && percent < 1) {
+        return ReportTableModel::tr("< 1 %");
+    }
+    if (share.events < share.inAll && percent > 99) {
+        return ReportTableModel::tr("> 99 %");
+    }
+    return ReportTableModel::tr("%1 %").arg(countText(std::llround(percent)));
+}
 
 ReportTableModel::ReportTableModel(QObject *parent)
     : QAbstractTableModel(parent),
@@ -44,20 +62,139 @@ void ReportTableModel::setKind(ReportKind kind) {
     Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 
-void ReportTableModel::setReport(std::unique_ptr<const ReportEngine> report) {
+void ReportTableModel::setReport(std::shared_ptr<const ReportEngine> report) {
     beginResetModel();
     m_report = std::move(report);
+    ++m_reportNumber;
+    m_bySize.reset();
     m_rows.reset(m_report ? m_report->groupCount() : 0);
     m_lastRow = -1;
     endResetModel();
 }
 
+std::unique_ptr<ReportTableModel> ReportTableModel::inOrderOfAppearance() const {
+    auto model = std::make_unique<ReportTableModel>();
+    model->m_columns = m_columns;
+    model->setReport(m_report);
+    std::vector<bool> isExpanded(m_report ? m_report->groupCount() : 0);
+    for (std::size_t group = 0; group < isExpanded.size(); ++group) {
+        isExpanded[group] = this->isExpanded(group);
+    }
+    model->setExpanded(std::move(isExpanded), false);
+    return model;
+}
+
+const GroupsBySize &ReportTableModel::bySize() const {
+    if (!m_bySize) {
+        m_bySize = m_report ? GroupsBySize(*m_report) : GroupsBySize();
+    }
+    return *m_bySize;
+}
+
+std::size_t ReportTableModel::groupAt(std::size_t slot) const {
+    return m_isLargestFirst ? bySize().at(slot) : slot;
+}
+
+std::size_t ReportTableModel::slotOf(std::size_t group) const {
+    return m_isLargestFirst ? bySize().placeOf(group) : group;
+}
+
+bool ReportTableModel::isExpanded(std::size_t group) const {
+    return m_rows.isExpanded(slotOf(group));
+}
+
+GroupShare ReportTableModel::share(std::size_t group) const {
+    return {m_report->detailCount(group), m_report->largestGroup(), m_report->eventCount()};
+}
+
 ReportRows::Place ReportTableModel::placeOf(int row) const {
     if (row != m_lastRow) {
         m_lastPlace = m_rows.at(static_cast<std::size_t>(row));
+        m_lastPlace.group = groupAt(m_lastPlace.group);
         m_lastRow = row;
     }
     return m_lastPlace;
+}
+
+int ReportTableModel::rowOf(const ReportRows::Place &place) const {
+    const std::size_t row = m_rows.rowOf(slotOf(place.group));
+    const bool isShown = place.detail && isExpanded(place.group);
+    return static_cast<int>(isShown ? row + 1 + *place.detail : row);
+}
+
+int ReportTableModel::rowOfNextSmaller(int row) const {
+    const GroupsBySize &groups = bySize();
+    const std::size_t next = row < 0 ? 0 : groups.placeOf(placeOf(row).group) + 1;
+    return next < groups.count() ? rowOf({groups.at(next), std::nullopt}) : -1;
+}
+
+int ReportTableModel::rowOfNextLarger(int row) const {
+    const GroupsBySize &groups = bySize();
+    const std::size_t place = row < 0 ? groups.count() : groups.placeOf(placeOf(row).group);
+    return place > 0 ? rowOf({groups.at(place - 1), std::nullopt}) : -1;
+}
+
+int ReportTableModel::detailBelow(int row) const {
+    const auto found = m_rows.detailBelow(static_cast<std::size_t>(row));
+    return found ? static_cast<int>(*found) : -1;
+}
+
+int ReportTableModel::detailAbove(int row) const {
+    const auto found = m_rows.detailAbove(static_cast<std::size_t>(row));
+    return found ? static_cast<int>(*found) : -1;
+}
+
+std::vector<std::size_t> ReportTableModel::longestGroups(
+    const std::function<int(std::string_view value)> &length) const {
+    std::vector<std::pair<int, std::size_t>> found;
+    const std::size_t groups = m_report ? m_report->groupCount() : 0;
+    const std::size_t lookedAt = std::min(groups, kMostLookedAt);
+    for (std::size_t i = 0; i < lookedAt; ++i) {
+        const std::size_t group = i * groups / lookedAt;
+        const std::pair candidate(length(m_report->groupText(group)), group);
+        if (found.size() == kCandidates && candidate.first <= found.back().first) {
+            continue;
+        }
+        found.insert(std::ranges::upper_bound(found, candidate, std::greater<>()), candidate);
+        found.resize(std::min(found.size(), kCandidates));
+    }
+    std::vector<std::size_t> result(found.size());
+    std::ranges::transform(found, result.begin(), &std::pair<int, std::size_t>::second);
+    return result;
+}
+
+void ReportTableModel::setAllExpanded(bool expanded) {
+    if (m_report) {
+        setExpanded(std::vector<bool>(m_report->groupCount(), expanded), m_isLargestFirst);
+    }
+}
+
+void ReportTableModel::setLargestFirst(bool largestFirst) {
+    if (largestFirst == m_isLargestFirst) {
+        return;
+    }
+    std::vector<bool> isExpanded(m_report ? m_report->groupCount() : 0);
+    for (std::size_t group = 0; group < isExpanded.size(); ++group) {
+        isExpanded[group] = this->isExpanded(group);
+    }
+    setExpanded(isExpanded, largestFirst);
+}
+
+/// `isExpanded` is by group.
+void ReportTableModel::setExpanded(std::vector<bool> isExpanded, bool largestFirst) {
+    beginResetModel();
+    m_isLargestFirst = largestFirst;
+    std::vector<bool> bySlot = std::move(isExpanded);
+    if (largestFirst) {
+        const std::vector<bool> byGroup = bySlot;
+        for (std::size_t slot = 0; slot < bySlot.size(); ++slot) {
+            bySlot[slot] = byGroup[groupAt(slot)];
+        }
+    }
+    m_rows.reset(std::move(bySlot),
+                 [this](std::size_t slot) { return m_report->detailCount(groupAt(slot)); });
+    m_lastRow = -1;
+    endResetModel();
 }
 
 ReportTableModel::Marker ReportTableModel::marker(int row) const {
@@ -65,7 +202,7 @@ ReportTableModel::Marker ReportTableModel::marker(int row) const {
     if (place.detail) {
         return Marker::kNone;
     }
-    return m_rows.isExpanded(place.group) ? Marker::kExpanded : Marker::kCollapsed;
+    return isExpanded(place.group) ? Marker::kExpanded : Marker::kCollapsed;
 }
 
 std::optional<QString> ReportTableModel::message(int row) const {
@@ -76,6 +213,18 @@ std::optional<QString> ReportTableModel::message(int row) const {
     return !place.detail ? std::nullopt
                          : std::optional(toQString(m_report->detailText(place.group, *place.detail,
                                                                         ReportField::kMessage)));
+}
+
+std::optional<LogLine> ReportTableModel::detail(int row) const {
+    const ReportRows::Place place = placeOf(row);
+    if (!place.detail) {
+        return std::nullopt;
+    }
+    const auto field = [this, &place](ReportField which) {
+        return m_report->detailText(place.group, *place.detail, which);
+    };
+    return LogLine{field(ReportField::kDate), field(ReportField::kPriority),
+                   field(ReportField::kHost), field(ReportField::kMessage)};
 }
 
 void ReportTableModel::toggle(int row) {
@@ -90,11 +239,11 @@ void ReportTableModel::toggle(int row) {
     m_lastRow = -1;
     if (before == Marker::kCollapsed) {
         beginInsertRows({}, first, last);
-        m_rows.expand(group, details);
+        m_rows.expand(slotOf(group), details);
         endInsertRows();
     } else {
         beginRemoveRows({}, first, last);
-        m_rows.collapse(group, details);
+        m_rows.collapse(slotOf(group), details);
         endRemoveRows();
     }
     m_lastRow = -1;
@@ -136,12 +285,24 @@ QString ReportTableModel::text(const ReportRows::Place &place, int column) const
                          : m_report->groupText(place.group));
 }
 
-QString ReportTableModel::spokenText(const ReportRows::Place &place, int column) const {
-    QString read = paintedRow(text(place, column));
-    if (place.detail || column > 0) {
-        return read;
+/// A group's value with its state, how many events it has and how much of all that is.
+QString ReportTableModel::spokenGroup(std::size_t group, const QString &value) const {
+    const GroupShare share = this->share(group);
+    const auto events = static_cast<qint64>(share.events);
+    const int number = pluralNumber(events);
+    const bool isOpen = isExpanded(group);
+    if (events == 1) {
+        return (isOpen ? tr("%1, expanded, 1 event, %2") : tr("%1, collapsed, 1 event, %2"))
+            .arg(value, percentText(share));
     }
-    return (m_rows.isExpanded(place.group) ? tr("%1, expanded") : tr("%1, collapsed")).arg(read);
+    return (isOpen ? tr("%1, expanded, %2 events, %3", nullptr, number)
+                   : tr("%1, collapsed, %2 events, %3", nullptr, number))
+        .arg(value, countText(events), percentText(share));
+}
+
+QString ReportTableModel::spokenText(const ReportRows::Place &place, int column) const {
+    const QString read = paintedRow(text(place, column));
+    return place.detail || column > 0 ? read : spokenGroup(place.group, read);
 }
 
 QVariant ReportTableModel::data(const QModelIndex &index, int role) const {
@@ -155,10 +316,12 @@ QVariant ReportTableModel::data(const QModelIndex &index, int role) const {
             return text(place, index.column());
         case kMarkerRole:
             return QVariant::fromValue(marker(index.row()));
+        case kShareRole:
+            return place.detail ? QVariant() : QVariant::fromValue(share(place.group));
         case Qt::DecorationRole:
-            return !isGroupCell                     ? QVariant()
-                   : m_rows.isExpanded(place.group) ? m_expandedMarker
-                                                    : m_collapsedMarker;
+            return !isGroupCell              ? QVariant()
+                   : isExpanded(place.group) ? m_expandedMarker
+                                             : m_collapsedMarker;
         case Qt::AccessibleTextRole:
             return spokenText(place, index.column());
         default:

@@ -1,10 +1,11 @@
 #include "reports/ReportTableView.h"
 
+#include "reports/ReportDelegate.h"
 #include "reports/ReportTableModel.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QPainter>
+#include <QMouseEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -17,56 +18,10 @@ using Marker = ReportTableModel::Marker;
 
 constexpr int kRevealedRows = 5;
 
-constexpr QColor kExpandedGroup(0xf1, 0xf5, 0xfa);
-
-Marker markerOf(const QModelIndex &index) {
-    return index.data(ReportTableModel::kMarkerRole).value<Marker>();
+bool isDetail(const QModelIndex &index) {
+    return index.isValid() &&
+           index.data(ReportTableModel::kMarkerRole).value<Marker>() == Marker::kNone;
 }
-
-/// A group's value runs on over the empty cells behind it, however narrow its own column is.
-class ReportDelegate : public RowDelegate {
-public:
-    using RowDelegate::RowDelegate;
-
-    void paint(QPainter *painter, const QStyleOptionViewItem &option,
-               const QModelIndex &index) const override {
-        if (markerOf(index) == Marker::kNone) {
-            RowDelegate::paint(painter, option, index);
-            return;
-        }
-        painter->save();
-        painter->setClipRect(option.rect, Qt::IntersectClip);
-        RowDelegate::paint(painter, overAllColumns(option), index.siblingAtColumn(0));
-        painter->restore();
-    }
-
-    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
-                   const QModelIndex &index) override {
-        if (markerOf(index) == Marker::kNone) {
-            return RowDelegate::helpEvent(event, view, option, index);
-        }
-        return RowDelegate::helpEvent(event, view, overAllColumns(option),
-                                      index.siblingAtColumn(0));
-    }
-
-protected:
-    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override {
-        RowDelegate::initStyleOption(option, index);
-        if (markerOf(index) == Marker::kExpanded) {
-            option->backgroundBrush = kExpandedGroup;
-        }
-    }
-
-private:
-    static QStyleOptionViewItem overAllColumns(const QStyleOptionViewItem &option) {
-        QStyleOptionViewItem all = option;
-        if (const auto *table = qobject_cast<const QTableView *>(option.widget)) {
-            all.rect.setLeft(table->columnViewportPosition(0));
-            all.rect.setWidth(table->horizontalHeader()->length());
-        }
-        return all;
-    }
-};
 
 }  // namespace
 
@@ -81,25 +36,49 @@ int ReportTableView::widthForColumns() const {
 void ReportTableView::revealBelow(int row, int count) {
     executeDelayedItemsLayout();  // the scroll bar knows only then of new rows
     const int inSight = std::max(1, viewport()->height() / verticalHeader()->defaultSectionSize());
-    const int last = row + std::min({count, kRevealedRows, inSight - 1});
+    const int last = row + std::max(std::min({count, kRevealedRows, inSight - 1}), 0);
     QScrollBar *bar = verticalScrollBar();  // it counts rows
-    bar->setValue(std::max(bar->value(), last + 1 - inSight));
+    bar->setValue(std::min(std::max(bar->value(), last + 1 - inSight), row));
+}
+
+int ReportTableView::selectedRow() const {
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    return selected.isEmpty() ? -1 : selected.first().row();
+}
+
+void ReportTableView::goTo(int row) {
+    selectRow(row);
+    revealBelow(row, 0);
+}
+
+int ReportTableView::topRow() const {
+    return verticalScrollBar()->value();
+}
+
+void ReportTableView::setTopRow(int row) {
+    executeDelayedItemsLayout();
+    verticalScrollBar()->setValue(row);
 }
 
 void ReportTableView::mouseDoubleClickEvent(QMouseEvent *event) {
-    mousePressEvent(event);  // of two quick clicks, each is one
+    if (event->button() == Qt::LeftButton && isDetail(indexAt(event->pos()))) {
+        RowTableView::mouseDoubleClickEvent(event);
+    } else {
+        mousePressEvent(event);  // of two quick clicks, each is one
+    }
 }
 
 void ReportTableView::keyPressEvent(QKeyEvent *event) {
-    // A key held down would expand and collapse a group over and over.
-    const bool isRepeated = event->isAutoRepeat();
+    if (event->modifiers().testFlag(Qt::ControlModifier) && goBySize(event->key())) {
+        return;
+    }
     switch (event->key()) {
         case Qt::Key_Space:
+            tellOnce(*event, &ReportTableView::togglePressed);
+            break;
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            if (!isRepeated) {
-                Q_EMIT togglePressed();
-            }
+            tellOnce(*event, &ReportTableView::openPressed);
             break;
         case Qt::Key_Right:
             Q_EMIT expandPressed();
@@ -107,9 +86,31 @@ void ReportTableView::keyPressEvent(QKeyEvent *event) {
         case Qt::Key_Left:
             Q_EMIT collapsePressed();
             break;
+        case Qt::Key_Asterisk:
+            tellOnce(*event, &ReportTableView::expandAllPressed);
+            break;
+        case Qt::Key_Slash:
+            tellOnce(*event, &ReportTableView::collapseAllPressed);
+            break;
         default:
             RowTableView::keyPressEvent(event);
     }
+}
+
+/// A key held down would expand and collapse a group over and over.
+void ReportTableView::tellOnce(const QKeyEvent &event, void (ReportTableView::*what)()) {
+    if (!event.isAutoRepeat()) {
+        Q_EMIT(this->*what)();
+    }
+}
+
+bool ReportTableView::goBySize(int key) {
+    if (key == Qt::Key_Down) {
+        Q_EMIT nextSmallerPressed();
+    } else if (key == Qt::Key_Up) {
+        Q_EMIT nextLargerPressed();
+    }
+    return key == Qt::Key_Down || key == Qt::Key_Up;
 }
 
 }  // namespace quorbel

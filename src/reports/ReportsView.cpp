@@ -2,26 +2,23 @@
 
 #include "common/LogReader.h"
 #include "core/AppDelegate.h"
-#include "platform/gui/AlertBox.h"
+#include "core/PageLinks.h"
 #include "platform/gui/ColumnMemory.h"
-#include "platform/gui/FileIcons.h"
-#include "platform/gui/FilePanel.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/RowCommands.h"
+#include "platform/gui/Sheet.h"
+#include "platform/gui/Storyboard.h"
 #include "platform/gui/TableExport.h"
-#include "reports/ReportPrinter.h"
+#include "reports/ReportCounts.h"
+#include "reports/ReportPrinting.h"
+#include "reports/ReportSteps.h"
 #include "reports/ReportTableModel.h"
 #include "ui_ReportsView.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QFileSystemModel>
 #include <QHeaderView>
-#include <QPrintDialog>
-#include <QPrinter>
 
 #include <utility>
 
@@ -29,7 +26,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr QMarginsF kPaperMargins(15, 15, 15, 15);
 constexpr int kColumnWidth = 120;
 constexpr int kDateWidth = 140;
 constexpr int kDateGroupWidth = 165;
@@ -41,30 +37,6 @@ constexpr int kOtherColumns = 380;                          // beside a column o
 constexpr const char *kMemoryNames[] = {"ReportByHost", "ReportByMessage", "ReportByPriority",
                                         "ReportByDate"};
 
-/// The dialog would look into files to complete a name, and choose one in a nested event loop, with
-/// a panel that deletes.
-void useOwnFilePanel(QPrintDialog &dialog) {
-    for (auto *files : dialog.findChildren<QFileSystemModel *>()) {
-        files->setIconProvider(&fileIcons());
-    }
-    auto *button = dialog.findChild<QAbstractButton *>(QStringLiteral("fileBrowser"));
-    auto *field = dialog.findChild<QLineEdit *>(QStringLiteral("filename"));
-    if (button == nullptr || field == nullptr) {
-        return;
-    }
-    button->disconnect();
-    QObject::connect(button, &QAbstractButton::clicked, &dialog, [&dialog, field] {
-        const QFileInfo file(field->text());
-        openFilePanel(&dialog,
-                      {.message = ReportsView::tr("Please select a file to print to:"),
-                       .extensions = {QStringLiteral("pdf")},
-                       .folder = file.path(),
-                       .name = file.fileName(),
-                       .save = true},
-                      [field](const QString &path) { field->setText(path); });
-    });
-}
-
 QString firstHint() {
     return ReportsView::tr(
         "No report yet.\nChoose what to group the events by and which log to read, then press "
@@ -73,18 +45,16 @@ QString firstHint() {
 
 }  // namespace
 
-ReportsView::ReportsView(AppDelegate &delegate, QWidget *parent)
+ReportsView::ReportsView(AppDelegate &delegate, const Storyboard &storyboard, QWidget *parent)
     : Page(parent),
       m_delegate(delegate),
+      m_storyboard(storyboard),
       m_model(std::make_unique<ReportTableModel>()),
       ui(std::make_unique<Ui::ReportsView>()) {
     ui->setupUi(this);
 }
 
-ReportsView::~ReportsView() {
-    // A print dialog must not outlive its printer, as the children of this widget would.
-    qDeleteAll(findChildren<QPrintDialog *>(Qt::FindDirectChildrenOnly));
-}
+ReportsView::~ReportsView() = default;
 
 void ReportsView::viewDidLoad() {
     setWhiteBackground();
@@ -93,6 +63,7 @@ void ReportsView::viewDidLoad() {
     ui->tableView->setModel(m_model.get());
     new RowCommands(*ui->tableView, [this](int row) { return m_model->message(row); });
     m_columnMemory = new ColumnMemory(*ui->tableView);
+    m_printing = std::make_unique<ReportPrinting>(*this);
     // A group's value begins there.
     ui->tableView->horizontalHeader()->setFirstSectionMovable(false);
     connectControls();
@@ -105,17 +76,27 @@ void ReportsView::connectControls() {
     connect(ui->exportResults, &QAbstractButton::clicked, this, &ReportsView::exportResults);
     connect(ui->printResults, &QAbstractButton::clicked, this, &ReportsView::printResults);
 
+    connect(ui->expandAll, &QAbstractButton::clicked, this, &ReportsView::expandAll);
+    connect(ui->collapseAll, &QAbstractButton::clicked, this, &ReportsView::collapseAll);
+    connect(ui->largestFirst, &QAbstractButton::toggled, this, &ReportsView::setLargestFirst);
+    connect(m_printing.get(), &ReportPrinting::confirmed, this, &ReportsView::print);
     connect(ui->tableView, &QAbstractItemView::clicked, this, &ReportsView::tableClicked);
-    connect(ui->tableView, &ReportTableView::togglePressed, this, &ReportsView::tableClicked);
-    const auto clickIf = [this](ReportTableModel::Marker marker) {
-        if (const int row = selectedRow(); row >= 0 && m_model->marker(row) == marker) {
-            tableClicked();
-        }
-    };
-    connect(ui->tableView, &ReportTableView::expandPressed, this,
-            [clickIf] { clickIf(ReportTableModel::Marker::kCollapsed); });
-    connect(ui->tableView, &ReportTableView::collapsePressed, this,
-            [clickIf] { clickIf(ReportTableModel::Marker::kExpanded); });
+    connect(ui->tableView, &QAbstractItemView::doubleClicked, this, &ReportsView::openDetails);
+    connectKeys();
+}
+
+void ReportsView::connectKeys() {
+    const ReportTableView *table = ui->tableView;
+    connect(table, &ReportTableView::togglePressed, this, &ReportsView::tableClicked);
+    connect(table, &ReportTableView::openPressed, this, &ReportsView::openPressed);
+    connect(table, &ReportTableView::expandPressed, this, &ReportsView::expandPressed);
+    connect(table, &ReportTableView::collapsePressed, this, &ReportsView::collapsePressed);
+    connect(table, &ReportTableView::expandAllPressed, this, &ReportsView::expandAll);
+    connect(table, &ReportTableView::collapseAllPressed, this, &ReportsView::collapseAll);
+    connect(table, &ReportTableView::nextSmallerPressed, this,
+            [this] { goTo(m_model->rowOfNextSmaller(selectedRow())); });
+    connect(table, &ReportTableView::nextLargerPressed, this,
+            [this] { goTo(m_model->rowOfNextLarger(selectedRow())); });
 }
 
 void ReportsView::viewWillAppear() {
@@ -129,7 +110,7 @@ void ReportsView::viewWillAppear() {
         ui->reportFilter->addItem(toQString(name), QByteArray::fromStdString(name));
     }
     ui->reportFilter->setCurrentIndex(0);
-    m_model->clear();
+    showReport(nullptr);
     for (int column = 0; column < m_model->columnCount(); ++column) {
         ui->tableView->hideColumn(column);
     }
@@ -199,7 +180,7 @@ void ReportsView::showColumns(std::optional<ReportKind> kind) {
 }
 
 void ReportsView::displayReport() {
-    m_model->clear();
+    showReport(nullptr);
     ui->tableView->setHint({});
     const std::optional<ReportKind> kind = chosenKind();
     showColumns(kind);
@@ -225,15 +206,22 @@ void ReportsView::displayReport() {
                            : kind      ? tr("No events in the chosen log.")
                                        : firstHint());
     if (isComplete) {
-        m_model->setReport(std::move(report));
+        showReport(std::move(report));
         ui->tableView->clearSelection();
         ui->tableView->scrollToTop();
     }
 }
 
+void ReportsView::showReport(std::unique_ptr<const ReportEngine> report) {
+    ui->reportCounts->setText(report ? reportCounts(*report) : QString());
+    m_model->setReport(std::move(report));
+    const bool hasGroups = m_model->rowCount() > 0;
+    ui->expandAll->setEnabled(hasGroups);
+    ui->collapseAll->setEnabled(hasGroups);
+}
+
 int ReportsView::selectedRow() const {
-    const QModelIndexList selected = ui->tableView->selectionModel()->selectedRows();
-    return selected.isEmpty() ? -1 : selected.first().row();
+    return ui->tableView->selectedRow();
 }
 
 void ReportsView::tableClicked() {
@@ -245,38 +233,108 @@ void ReportsView::tableClicked() {
     }
 }
 
+void ReportsView::openPressed() {
+    const int row = selectedRow();
+    if (row >= 0 && m_model->marker(row) == ReportTableModel::Marker::kNone) {
+        openDetails();
+    } else {
+        tableClicked();
+    }
+}
+
+void ReportsView::expandPressed() {
+    const int row = selectedRow();
+    if (row >= 0 && m_model->marker(row) == ReportTableModel::Marker::kCollapsed) {
+        tableClicked();
+    }
+}
+
+void ReportsView::collapsePressed() {
+    const int row = selectedRow();
+    if (row < 0) {
+        return;
+    }
+    if (m_model->marker(row) == ReportTableModel::Marker::kNone) {
+        goTo(m_model->rowOf({m_model->placeOf(row).group, std::nullopt}));
+    } else if (m_model->marker(row) == ReportTableModel::Marker::kExpanded) {
+        tableClicked();
+    }
+}
+
+void ReportsView::goTo(int row) {
+    if (row >= 0) {
+        ui->tableView->goTo(row);
+    }
+}
+
+void ReportsView::expandAll() {
+    changeRows([this] { m_model->setAllExpanded(true); });
+}
+
+void ReportsView::collapseAll() {
+    changeRows([this] { m_model->setAllExpanded(false); });
+}
+
+void ReportsView::setLargestFirst(bool largestFirst) {
+    changeRows([this, largestFirst] { m_model->setLargestFirst(largestFirst); });
+    ui->tableView->scrollToTop();
+}
+
+/// Changes the rows at large. What was selected stays so, and in its place on the screen; a hidden
+/// event hands both on to its group. Without a selection it is the row at the top that stays.
+void ReportsView::changeRows(const std::function<void()> &change) {
+    if (m_model->rowCount() == 0) {
+        change();
+        return;
+    }
+    const int selected = selectedRow();
+    const int top = ui->tableView->topRow();
+    const int anchor = selected >= 0 ? selected : top;
+    const ReportRows::Place place = m_model->placeOf(anchor);
+    change();
+    const int row = m_model->rowOf(place);
+    ui->tableView->setTopRow(row - (anchor - top));
+    if (selected >= 0) {
+        goTo(row);
+    }
+}
+
+void ReportsView::openDetails() {
+    const int row = selectedRow();
+    if (row < 0 || m_model->marker(row) != ReportTableModel::Marker::kNone) {
+        return;
+    }
+    std::unique_ptr<QWidget> controller = m_storyboard.instantiate(QStringLiteral("eventView"));
+    auto *sheet = dynamic_cast<Sheet *>(controller.get());
+    auto *details = dynamic_cast<EventSheetLink *>(controller.get());
+    if (sheet == nullptr || details == nullptr) {
+        return;
+    }
+    auto steps = std::make_shared<ReportSteps>(*m_model, *ui->tableView);
+    details->setDict(steps->current());
+    details->setSteps(std::move(steps));
+    controller.release();  // NOLINT(bugprone-unused-return-value): it deletes itself
+    sheet->presentOver(this);
+}
+
 void ReportsView::exportResults() {
     openExportPanel(this, "report", [this](const QString &path) { writeRows(path); });
 }
 
 void ReportsView::writeRows(const QString &path) {
-    const auto row = [this](std::size_t number) {
-        return m_model->index(static_cast<int>(number), 0);
+    const auto model = modelInOrder();
+    const auto row = [&model](std::size_t number) {
+        return model->index(static_cast<int>(number), 0);
     };
     // The page may be shown anew meanwhile, from the tray.
     const auto areStillThere = [this, resets = m_resets] { return resets == m_resets; };
     // A file that cannot be written stays as it was; nobody is told.
-    exportTable(path, *m_model, {static_cast<std::size_t>(m_model->rowCount()), row, areStillThere},
+    exportTable(path, *model, {static_cast<std::size_t>(model->rowCount()), row, areStillThere},
                 this);
 }
 
 void ReportsView::printResults() {
-    m_printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-    m_printer->setPageMargins(kPaperMargins, QPageLayout::Millimeter);
-    auto *dialog = new QPrintDialog(m_printer.get(), this);
-    dialog->setObjectName(QStringLiteral("printPanel"));
-    dialog->setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize |
-                       QAbstractPrintDialog::PrintPageRange);
-    // Pages are made one after the other, so the last cannot come first.
-    if (auto *reverse = dialog->findChild<QWidget *>(QStringLiteral("reverse"))) {
-        reverse->hide();
-    }
-    useOwnFilePanel(*dialog);
-    connect(dialog, &QDialog::finished, dialog, &QObject::deleteLater);
-    // Not from within the dialog's own signal: printing runs the event loop, which may delete it.
-    connect(
-        dialog, &QDialog::accepted, this, [this] { print(); }, Qt::QueuedConnection);
-    dialog->open();
+    m_printing->openPanel();
 }
 
 void ReportsView::print() {
@@ -287,36 +345,16 @@ void ReportsView::print() {
             columns.append(column);
         }
     }
-    const unsigned resets = m_resets;
-    bool isCancelled = false;
-    ProgressWindow progress({.title = QStringLiteral("Quorbel"),
-                             .work = tr("Printing the report"),
-                             .accessibleName = tr("Rows printed")},
-                            ProgressWindow::Unit::kRows, this, ProgressWindow::Cancel::kOffered);
-    ReportPrinter printer(*m_model, columns);
-    printer.setCopies(m_printer->supportsMultipleCopies() ? 1 : m_printer->copyCount());
-    const bool isComplete = printer.print(*m_printer, [&](int done, int inAll) {
-        isCancelled =
-            !progress.update(static_cast<std::uint64_t>(done), static_cast<std::uint64_t>(inAll)) ||
-            resets != m_resets;
-        return !isCancelled;
-    });
-    // On paper, the pages so far come out; a file is not left behind half done.
-    if (isCancelled && printer.printedPages() > 0) {
-        QFile::remove(m_printer->outputFileName());
+    const auto ordered = modelInOrder();
+    m_printing->print(*ordered, columns, [this, resets = m_resets] { return resets == m_resets; });
+}
+
+/// As exported and printed: in the order of appearance, whatever the table shows.
+std::shared_ptr<const ReportTableModel> ReportsView::modelInOrder() const {
+    if (m_model->isLargestFirst()) {
+        return m_model->inOrderOfAppearance();
     }
-    if (isComplete && printer.printedPages() == 0) {
-        openAlert(
-            this,
-            {.message = tr("No page was printed"),
-             .informativeText = printer.pageCount() == 1
-                                    ? tr("The report has only one page.")
-                                    : tr("The report has %1 pages.", nullptr, printer.pageCount())
-                                          .arg(countText(printer.pageCount())),
-             .checkBox = {},
-             .buttons = {}},
-            {});
-    }
+    return {std::shared_ptr<void>(), m_model.get()};
 }
 
 }  // namespace quorbel

@@ -48,7 +48,9 @@ Service::Service(const std::filesystem::path &folder, PassedSockets sockets, boo
       m_worker(m_loop.get(), m_commands),
       m_retention(m_store, m_removals),
       m_removalTeller(m_removals, m_notifications),
-      m_bus(m_loop.get(), m_notifications, m_worker, this),
+      m_bus(
+          m_loop.get(), m_notifications, m_worker, m_store, [this] { return removalsToTell(); },
+          this),
       m_actions(
           [this](CommandRunner::Command command) { m_commandRunner.submit(std::move(command)); },
           [this](MailMessage mail) { m_mail.submit(std::move(mail)); }, m_counters),
@@ -142,7 +144,13 @@ std::uint64_t Service::idleMicroseconds() const {
     return left.count() < 0 ? 0 : static_cast<std::uint64_t>(left.count());
 }
 
-bool Service::hasToTell() const {
+NotificationSender::Removals Service::removalsToTell() const {
+    // Asked first: what it could not tell is counted before it is done.
+    const bool areTold = !m_retention.isBusy();
+    return {m_removalTeller.untold() + m_retention.untold(), areTold};
+}
+
+bool Service::hasToTell() {
     return m_bus.canNotify() || m_removalTeller.canTell(m_bus.bus());
 }
 

@@ -53,7 +53,8 @@ private:
     void configure();
     void sayFilterProblems(const Dictionary &settings);
     [[nodiscard]] std::uint64_t idleMicroseconds() const;
-    [[nodiscard]] bool hasToTell() const;
+    [[nodiscard]] bool hasToTell();
+    [[nodiscard]] NotificationSender::Removals removalsToTell() const;
     bool turn(std::uint64_t timeoutMicroseconds);
     void stop();
     void drainInputs();
@@ -64,6 +65,12 @@ private:
     [[nodiscard]] const Counters &currentCounters() override;
     [[nodiscard]] std::vector<Listener> listeners() const override;
     [[nodiscard]] const Refusals &refusals() const override { return m_collector.refusals(); }
+    [[nodiscard]] std::vector<NamedResult> actionResults() const override {
+        return m_actions.results();
+    }
+    [[nodiscard]] std::vector<NamedResult> exportResults() const override {
+        return m_exporter.results();
+    }
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,

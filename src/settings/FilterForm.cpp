@@ -6,13 +6,13 @@
 #include "common/Severity.h"
 #include "platform/Text.h"
 #include "platform/gui/FontSize.h"
+#include "platform/gui/LookProperty.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 #include "platform/gui/StoredChoice.h"
 #include "ui_FilterForm.h"
 
 #include <QLocale>
-#include <QStyle>
 
 #include <algorithm>
 #include <utility>
@@ -65,16 +65,6 @@ void select(QComboBox &chooser, const Dictionary &record, std::string_view key) 
     chooser.setCurrentIndex(value ? findStored(chooser, *value) : -1);
 }
 
-/// Gives a label the look of a role of the style sheet.
-void setRole(QLabel &label, const QString &role) {
-    if (label.property("role").toString() != role) {
-        label.setProperty("role", role);
-        // The style sheet's rules look at a property, and properties are not watched.
-        label.style()->unpolish(&label);
-        label.style()->polish(&label);
-    }
-}
-
 }  // namespace
 
 FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<Ui::FilterForm>()) {
@@ -91,6 +81,12 @@ FilterForm::FilterForm(QWidget *parent) : QWidget(parent), ui(std::make_unique<U
     }
     connect(ui->recordIP, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
     connect(ui->recordMask, &QLineEdit::textChanged, this, &FilterForm::sayWhichHosts);
+    for (const QLineEdit *field : {ui->recordIP, ui->recordMask, ui->recordMessage}) {
+        connect(field, &QLineEdit::textChanged, this, &FilterForm::edited);
+    }
+    for (const QComboBox *chooser : {ui->recordFacility, ui->recordSeverity}) {
+        connect(chooser, &QComboBox::currentIndexChanged, this, &FilterForm::edited);
+    }
     connect(ui->anyHost, &QAbstractButton::clicked, this, &FilterForm::anyHost);
     connect(ui->anyFacility, &QAbstractButton::clicked, this, &FilterForm::anyFacility);
     connect(ui->anySeverity, &QAbstractButton::clicked, this, &FilterForm::anySeverity);
@@ -182,7 +178,8 @@ void FilterForm::sayWhichHosts() {
 void FilterForm::showMeaning(const QString &meaning, bool isOdd) {
     ui->hostMeaning->setText(meaning);
     ui->hostMeaning->setToolTip({});
-    setRole(*ui->hostMeaning, isOdd ? QStringLiteral("warning") : QStringLiteral("caption"));
+    setLookProperty(*ui->hostMeaning, "role",
+                    isOdd ? QStringLiteral("warning") : QStringLiteral("caption"));
     ui->recordIP->setAccessibleDescription(meaning);
     ui->recordMask->setAccessibleDescription(meaning);
 }

@@ -54,6 +54,10 @@ public:
     void anySeverity();
     void anyMessage();
 
+Q_SIGNALS:
+    /// A field other than the name shows something else than before.
+    void edited();
+
 private:
     void sayWhichHosts();
     void sayHostIsAName(const QString &host);

@@ -15,6 +15,8 @@
 #include "events/ScanViewEvent.h"
 #include "export/ToolsViewExport.h"
 #include "home/HomeView.h"
+#include "hosts/HostBoxes.h"
+#include "hosts/HostsView.h"
 #include "options/ToolsView.h"
 #include "options/ToolsViewFilter.h"
 #include "options/ToolsViewOptions.h"
@@ -50,8 +52,13 @@ void addActions(Storyboard &storyboard, AppDelegate &delegate) {
 }  // namespace
 
 void fillMainStoryboard(Storyboard &storyboard, AppDelegate &delegate) {
-    storyboard.add(QStringLiteral("HomeView"),
-                   [&delegate] { return std::make_unique<HomeView>(delegate); });
+    storyboard.add(QStringLiteral("HomeView"), [&delegate] {
+        auto page = std::make_unique<HomeView>(delegate);
+        page->setHostBoxes(*new HostBoxes(delegate));
+        return page;
+    });
+    storyboard.add(QStringLiteral("HostsView"),
+                   [&delegate] { return std::make_unique<HostsView>(delegate); });
     storyboard.add(QStringLiteral("ScanView"), [&delegate, &storyboard] {
         return std::make_unique<ScanView>(delegate, storyboard);
     });
@@ -69,8 +76,9 @@ void fillMainStoryboard(Storyboard &storyboard, AppDelegate &delegate) {
     addActions(storyboard, delegate);
     storyboard.add(QStringLiteral("ToolsViewExport"),
                    [&delegate] { return std::make_unique<ToolsViewExport>(delegate); });
-    storyboard.add(QStringLiteral("ReportsView"),
-                   [&delegate] { return std::make_unique<ReportsView>(delegate); });
+    storyboard.add(QStringLiteral("ReportsView"), [&delegate, &storyboard] {
+        return std::make_unique<ReportsView>(delegate, storyboard);
+    });
 }
 
 }  // namespace quorbel

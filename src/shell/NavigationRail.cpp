@@ -73,6 +73,7 @@ void NavigationRail::setNarrow(bool narrow) {
     margins.setRight(margins.left());
     m_frame.layout()->setContentsMargins(margins);
     m_frame.setMinimumWidth(narrow ? 0 : std::max(sizedToFont(kWidth), widthOfWords()));
+    Q_EMIT narrowChanged(narrow);
 }
 
 }  // namespace quorbel

@@ -18,6 +18,9 @@ public:
 
     [[nodiscard]] bool isNarrow() const { return m_isNarrow; }
 
+Q_SIGNALS:
+    void narrowChanged(bool isNarrow);
+
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 

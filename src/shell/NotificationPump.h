@@ -1,13 +1,12 @@
 #pragma once
 
 #include "platform/bus/NotificationObserver.h"
+#include "shell/DescriptorNotifiers.h"
 
 #include <QObject>
-#include <QSocketNotifier>
 #include <QTimer>
 
 #include <chrono>
-#include <memory>
 
 namespace quorbel {
 
@@ -19,7 +18,8 @@ class NotificationPump : public QObject {
 public:
     static constexpr std::chrono::milliseconds kSlice{8};
 
-    explicit NotificationPump(NotificationObserver::Handler handler, QObject *parent = nullptr);
+    /// The follower outlives the pump.
+    explicit NotificationPump(NotificationFollower &follower, QObject *parent = nullptr);
     ~NotificationPump() override;
 
     [[nodiscard]] bool isConnected() const { return m_observer.isConnected(); }
@@ -27,12 +27,9 @@ public:
 private:
     void dispatch();
     void watch(bool moreIsWaiting);
-    void replace(std::unique_ptr<QSocketNotifier> &notifier, QSocketNotifier::Type type);
 
     NotificationObserver m_observer;
-    int m_fd = -1;  ///< what the notifiers watch
-    std::unique_ptr<QSocketNotifier> m_input;
-    std::unique_ptr<QSocketNotifier> m_output;
+    DescriptorNotifiers m_notifiers;
     QTimer m_timer;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QMenu>
+#include "platform/gui/LetteredMenu.h"
+
 #include <QSystemTrayIcon>
 
 namespace quorbel {
@@ -17,7 +18,7 @@ public:
     [[nodiscard]] bool isShown() const;
 
 private:
-    QMenu m_menu;
+    LetteredMenu m_menu;
     QSystemTrayIcon m_icon;
 };
 

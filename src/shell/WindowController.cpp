@@ -3,6 +3,8 @@
 #include "alerts/PopupThread.h"
 #include "core/AppState.h"
 #include "help/HelpWindow.h"
+#include "platform/Files.h"
+#include "platform/gui/LetteredMenu.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/QtText.h"
@@ -12,6 +14,10 @@
 #include "platform/gui/ViewCommands.h"
 #include "shell/NavigationRail.h"
 #include "shell/NotificationPump.h"
+#include "shell/PackingPump.h"
+#include "shell/ServiceDetails.h"
+#include "shell/ServiceLine.h"
+#include "shell/ServicePump.h"
 #include "ui_WindowController.h"
 
 #include <QAction>
@@ -29,8 +35,8 @@ namespace quorbel {
 namespace {
 
 /// The pages' identifiers, in the order of Tab.
-constexpr std::array kPages{"HomeView",         "ScanView",         "ReportsView",    "ToolsView",
-                            "ToolsViewOptions", "ToolsViewActions", "ToolsViewExport"};
+constexpr std::array kPages{"HomeView",         "ScanView",         "ReportsView",     "ToolsView",
+                            "ToolsViewOptions", "ToolsViewActions", "ToolsViewExport", "HostsView"};
 
 constexpr int kBelowPointer = 20;
 
@@ -77,10 +83,24 @@ WindowController::WindowController(AppDelegate &delegate, const Storyboard &stor
     m_homePage = &dynamic_cast<HomePageLink &>(*pageAt(Tab::kHome));
     m_intake = std::make_unique<EventIntake>(m_delegate.state, m_delegate.events, m_delegate.hold,
                                              *m_eventPage, *m_homePage);
-    new NavigationRail(*ui->navigation);
+    m_intake->addObserver(m_delegate.hosts);
+    addServiceLine(*new NavigationRail(*ui->navigation));
     connectCommands();
     selectTab(Tab::kHome);
     m_delegate.setMainWindow(this);
+}
+
+void WindowController::addServiceLine(NavigationRail &rail) {
+    auto *line = new ServiceLine(m_delegate, ui->navigation);
+    ui->navigationLayout->insertWidget(ui->navigationLayout->indexOf(ui->HelpDropDown), line);
+    line->setNarrow(rail.isNarrow());
+    connect(&rail, &NavigationRail::narrowChanged, line, &ServiceLine::setNarrow);
+    connect(line, &ServiceLine::detailsAsked, this, [this] {
+        if (!m_serviceSheet) {
+            m_serviceSheet = new ServiceDetails(m_delegate.service);
+            m_serviceSheet->presentOver(ui->tabView);
+        }
+    });
 }
 
 WindowController::~WindowController() {
@@ -125,7 +145,7 @@ QList<QAction *> WindowController::applicationCommands() const {
 }
 
 void WindowController::windowDidLoad() {
-    initializeLog();
+    const std::vector<LogExtent> read = initializeLog();
     m_screenFit->openAtMinimum();
     // Else the first navigation entry would have the keyboard focus.
     ui->tabView->setFocus();
@@ -136,8 +156,10 @@ void WindowController::windowDidLoad() {
         m_alertQueue = m_popupThread.get();
     }
     m_popupThread->start();
-    m_notifications = std::make_unique<NotificationPump>(
-        [this](const NotificationObserver::UserInfo &userInfo) { syslogNotify(userInfo); });
+    m_follower = std::make_unique<NoticeFollower>(*this, libraryFolder(), read);
+    m_notifications = std::make_unique<NotificationPump>(*m_follower);
+    m_servicePump = std::make_unique<ServicePump>(m_delegate.service);
+    m_packingPump = std::make_unique<PackingPump>(m_delegate.events);
 }
 
 bool WindowController::hearsService() const {
@@ -178,7 +200,7 @@ void WindowController::Help() {
 }
 
 void WindowController::HelpDropDown() {
-    auto *menu = new QMenu(tr("Menu"), this);
+    auto *menu = new LetteredMenu(tr("Menu"), this);
     menu->setObjectName(QStringLiteral("helpDropDownMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu->addAction(ui->applicationHelp->text()), &QAction::triggered, this,
@@ -210,8 +232,14 @@ void WindowController::proposeRecord(Tab page, Tab parentTab, const Dictionary &
     }
 }
 
+void WindowController::showEvents(const EventQuery &query) {
+    m_eventPage->setFilter(query);
+    selectTab(Tab::kEvents);
+}
+
 void WindowController::selectTab(Tab page) {
-    // The settings pages have no entry of their own: they belong to where they were opened.
+    // The settings pages and the hosts have no entry of their own: they belong to where they were
+    // opened.
     const auto *settings = dynamic_cast<SettingsPageLink *>(pageAt(page));
     switch (settings != nullptr ? settings->parentTab : page) {
         case Tab::kHome:
@@ -250,12 +278,12 @@ void WindowController::removeNotification(const EventFields &announced) {
     m_intake->removeNotification(announced);
 }
 
-void WindowController::initializeLog() {
+std::vector<LogExtent> WindowController::initializeLog() {
     ProgressWindow progress({.title = tr("Quorbel is starting"),
                              .work = tr("Loading the stored events"),
                              .accessibleName = tr("Stored events loaded")},
                             ProgressWindow::Unit::kBytes);
-    m_intake->initializeLog(
+    return m_intake->initializeLog(
         [&progress](std::uint64_t read, std::uint64_t total) { progress.update(read, total); });
 }
 

@@ -3,6 +3,7 @@
 #include "core/AlertQueueLink.h"
 #include "core/AppDelegate.h"
 #include "core/EventIntake.h"
+#include "core/NoticeFollower.h"
 #include "core/PageLinks.h"
 #include "platform/bus/NotificationObserver.h"
 #include "platform/gui/SoundPlayer.h"
@@ -14,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QAction;
 
@@ -24,20 +26,24 @@ class WindowController;
 namespace quorbel {
 
 class HelpWindow;
+class NavigationRail;
 class NotificationPump;
+class PackingPump;
 class PopupThread;
 class ScreenFit;
+class ServiceDetails;
+class ServicePump;
 
-/// The main window: seven pages, the way from one to the other, and the way in for events.
+/// The main window: eight pages, the way from one to the other, and the way in for events.
 ///
 /// Made by its constructor with all its pages, and loaded by windowDidLoad(); nothing is shown
 /// before makeVisible(). Refers to the delegate and the storyboard, which outlive it; the delegate
 /// knows it for as long as it lives.
-class WindowController final : public QMainWindow, public MainWindowLink {
+class WindowController final : public QMainWindow, public MainWindowLink, public NoticeSink {
     Q_OBJECT
 
 public:
-    /// The storyboard knows the seven pages; those at Tab::kHome and Tab::kEvents are the
+    /// The storyboard knows the eight pages; those at Tab::kHome and Tab::kEvents are the
     /// HomePageLink and the EventListPageLink. Throws std::bad_cast where that is not so.
     WindowController(AppDelegate &delegate, const Storyboard &storyboard);
     ~WindowController() override;
@@ -74,20 +80,32 @@ public:
     void openSettingsPage(Tab page, Tab parentTab) override;
     void selectTab(Tab page) override;
     void proposeRecord(Tab page, Tab parentTab, const Dictionary &record) override;
+    void showEvents(const EventQuery &query) override;
 
     // Events.
     EventPlace setNotification(const EventFields &event);
     void removeNotification(const EventFields &announced);
-    void initializeLog();
+    /// Says how far it read the log files.
+    std::vector<LogExtent> initializeLog();
     void syslogNotify(const NotificationObserver::UserInfo &userInfo);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void notified(const NotificationInfo &info) override { syslogNotify(info); }
+    void missed(const EventFields &event) override { setNotification(event); }
+    void logBeginsAnew() override { m_intake->beginAnew(); }
+    void readAnew(const EventFields &event) override { m_intake->takeLogged(event); }
+    void logWasReadAnew() override { m_intake->endAnew(); }
+    void manyBegin() override { m_intake->beginMany(); }
+    void manyEnd() override { m_intake->endMany(); }
+
     void connectCommands();
     /// Edit and View hold the commands of the page in sight, whatever it has.
     void fillPageMenus();
+    /// What the service says of itself, above the last entry of the navigation.
+    void addServiceLine(NavigationRail &rail);
     [[nodiscard]] QWidget *pageAt(Tab page) const;
 
     AppDelegate &m_delegate;
@@ -102,8 +120,12 @@ private:
     AlertQueueLink *m_alertQueue = nullptr;
     std::function<bool()> m_isReopenable = [] { return false; };
     QPointer<QWidget> m_aboutSheet;
+    QPointer<ServiceDetails> m_serviceSheet;
     std::unique_ptr<HelpWindow> m_help;
+    std::unique_ptr<NoticeFollower> m_follower;
     std::unique_ptr<NotificationPump> m_notifications;
+    std::unique_ptr<ServicePump> m_servicePump;
+    std::unique_ptr<PackingPump> m_packingPump;
 };
 
 }  // namespace quorbel

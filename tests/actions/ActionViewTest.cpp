@@ -1,5 +1,7 @@
 #include "actions/ActionsFixture.h"
 
+#include <QLabel>
+
 namespace quorbel {
 
 using namespace testing;
@@ -51,6 +53,24 @@ private Q_SLOTS:
         QCOMPARE(m_page->savedActions(), asText(Array{m_page->action("one", kRun, kEmail, kEvent),
                                                       m_page->action("New Action")}));
         QCOMPARE(m_page->mainWindow.selected, std::vector{Tab::kTools});
+    }
+
+    void theEditorSaysHowManyEventsItWouldHaveMatched() {
+        for (const char *priority : {"Kern.Critical", "Kern.Error", "Local7.Error"}) {
+            m_page->delegate().events.insertRaw({"1000", priority, "10.0.0.1", "fan", {}});
+        }
+        Dictionary errors = ActionsPage::action("a", kRun);
+        errors.set("Severity", "Error");
+        m_page->writeActions({errors});
+        m_page->show();
+        m_page->clickRow("actionsTable", 0);
+        m_page->click("actionsEdit");
+        const auto said = [this] { return m_page->control<QLabel>("consequence").text(); };
+        QTRY_COMPARE(said(), u"It would have matched 2 of 3 listed events."_s);
+        QCOMPARE(m_page->control<QLabel>("consequenceMore").text(), u"Today: 0."_s);
+        m_page->click("anySeverity");
+        QTRY_COMPARE(said(), u"It would have matched all 3 listed events."_s);
+        QVERIFY(m_page->control<QLabel>("consequence").font().bold());
     }
 
     void aProposalIsANewAction() {

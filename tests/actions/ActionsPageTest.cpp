@@ -73,6 +73,20 @@ private Q_SLOTS:
         QVERIFY(m_page->nothingWasSent());
     }
 
+    void aSmallPageShowsSeveralActionsToo() {
+        Array actions;
+        for (const char *name : {"one", "two", "three", "four", "five", "six"}) {
+            actions.push_back(m_page->action(name));
+        }
+        m_page->writeActions(actions);
+        m_page->show();
+        m_page->page().resize(700, 380);
+        auto &table = m_page->control<QTableView>("actionsTable");
+        QTRY_VERIFY(m_page->page().height() <= 400);
+        QVERIFY2(table.viewport()->height() >= 3 * table.rowHeight(0),
+                 qPrintable(QString::number(table.viewport()->height())));
+    }
+
     void isWhite() {
         m_page->show();
         QCOMPARE(m_page->page().palette().color(QPalette::Window), QColor(Qt::white));
@@ -318,7 +332,7 @@ private Q_SLOTS:
         QCOMPARE(order.join(u' '),
                  u"actionIP actionMask anyHost actionFacility anyFacility actionSeverity "
                  u"anySeverity actionMessage anyMessage actionRun actionRunText actionEmail "
-                 u"actionEmailText actionEvent actionEventText onCancel onSave"_s);
+                 u"actionEmailText actionEvent actionEventText thresholdOn onCancel onSave"_s);
         QTest::keyClick(sheet->focusWidget(), Qt::Key_Return);
         QCOMPARE(m_page->openSheetName(), QString());
         QVERIFY(m_page->isEnabled("saveButton"));

@@ -54,9 +54,16 @@ private Q_SLOTS:
         page.type("recipientEmail", u"a@example.com"_s);
         page.click("addRecipient");
         page.click("onSave");
+        page.click("thresholdOn");
+        page.choose("thresholdHosts", "from one host");
         page.click("onSave");
         page.click("saveButton");
         const Dictionary stored = storedWith("actionsArray");
+        Dictionary action = ActionsPage::action(
+            "New Action",
+            {{"Command", "/bin/true"}, {"Arguments", ""}, {"Environment", "A=ü\nB=c"}},
+            {{"Recipients", Array{"a@example.com"}}});
+        action.set("threshold", Dictionary{{"Matches", 5}, {"Minutes", 10}, {"PerHost", true}});
         const Dictionary expected{
             {"actionsEmailPort", 25},
             {"actionsEmailTimeout", 1},
@@ -67,11 +74,7 @@ private Q_SLOTS:
             {"actionsEmailSecurity", "STARTTLS"},
             {"actionsFormatSubject", ""},
             {"actionsFormatBody", "$host\n\n$message"},
-            {"actionsArray",
-             Array{ActionsPage::action(
-                 "New Action",
-                 {{"Command", "/bin/true"}, {"Arguments", ""}, {"Environment", "A=ü\nB=c"}},
-                 {{"Recipients", Array{"a@example.com"}}})}},
+            {"actionsArray", Array{action}},
         };
         QCOMPARE(asText(stored), asText(expected));
 
@@ -83,6 +86,8 @@ private Q_SLOTS:
         page.click("actionRunText");
         QCOMPARE(page.area("taskEnvironment"), u"A=ü\nB=c"_s);
         page.click("onCancel");
+        QVERIFY(page.isChecked("thresholdOn") &&
+                page.chosen("thresholdHosts") == u"from one host"_s);
         page.click("onCancel");
         page.click("emailServer");
         QCOMPARE(page.text("serverPassword"), u"ü\"' "_s);

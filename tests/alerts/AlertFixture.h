@@ -25,6 +25,7 @@ class EventSheetStandIn : public Sheet, public EventSheetLink {
 public:
     void setDict(const Event &event) override { dict = event; }
     void setHideButtons(bool hide) override { hideButtons = hide; }
+    void setSteps(std::shared_ptr<EventSteps> /*steps*/) override {}
 
     std::optional<Event> dict;
     bool hideButtons = false;

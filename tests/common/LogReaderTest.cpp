@@ -1,10 +1,11 @@
 #include "common/LogReader.h"
+#include "support/SlowLogReader.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <array>
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -12,9 +13,10 @@
 namespace quorbel {
 namespace {
 
+using testing::readSlowly;
 using testing::TemporaryFolder;
 
-using Fields = std::array<std::string, 4>;
+using Fields = testing::LogFieldTexts;
 
 // Not the reader's own constant: files written by others were cut there.
 constexpr std::size_t kPiece = 1023;
@@ -129,44 +131,21 @@ TEST(LogReaderTest, AHandlerCanEndTheReading) {
         file, [](const LogLine &) { return true; }, [](std::size_t) { return false; }));
 }
 
-// The reading rules once more, slowly and to the letter.
-std::vector<Fields> readSlowly(const std::string &bytes) {
-    const auto isOneOf = [](char c, const std::string &set) {
-        return set.find(c) != std::string::npos;
-    };
-    std::vector<Fields> lines;
-    std::size_t at = 0;
-    while (at < bytes.size()) {
-        std::string piece;
-        while (at < bytes.size() && piece.size() < 1023) {
-            piece += bytes[at++];
-            if (piece.back() == '\n') {
-                break;
-            }
-        }
-        Fields fields;
-        std::size_t p = 0;
-        std::size_t found = 0;
-        for (; found < 4; ++found) {
-            const std::string separators = found < 3 ? ",\r\n" : "\r\n";
-            while (p < piece.size() && isOneOf(piece[p], separators)) {
-                ++p;
-            }
-            if (p == piece.size()) {
-                break;
-            }
-            while (p < piece.size() && !isOneOf(piece[p], separators)) {
-                fields[found] += piece[p++];
-            }
-            if (p < piece.size()) {
-                ++p;
-            }
-        }
-        if (found == 4) {
-            lines.push_back(fields);
-        }
-    }
-    return lines;
+TEST(LogReaderTest, SaysHowFarItRead) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("x.log", "1,2,3,4\r\n\n" + std::string(1500, 'x') + "\n5,6,7,8");
+    LogExtent extent;
+    EXPECT_TRUE(LogReader::readFile(
+        file, [](const LogLine &) { return true; }, {}, &extent));
+    EXPECT_EQ(extent.file, file);
+    EXPECT_NE(extent.inode, 0U);
+    EXPECT_EQ(extent.bytes, 1518U);
+    EXPECT_EQ(extent.lines, 1511U);
+    EXPECT_EQ(extent.pieces, 5U);
+    LogReader::readFile(
+        folder.path() / "missing.log", [](const LogLine &) { return true; }, {}, &extent);
+    EXPECT_EQ(extent.inode, 0U);
+    EXPECT_EQ(extent.bytes, 0U);
 }
 
 TEST(LogReaderTest, ReadsRandomBytesAsTheRulesSay) {
@@ -192,6 +171,58 @@ TEST(LogReaderTest, ReadsRandomBytesAsTheRulesSay) {
         return true;
     });
     EXPECT_EQ(fromMemory, lines);
+}
+
+// Where parts are cut must not matter: within line ends, fields and pieces, behind the end.
+TEST(LogReaderTest, PartsThatTouchOneAnotherMakeTheWholeFile) {
+    const TemporaryFolder folder;
+    std::mt19937 random(20261122);
+    const auto below = [&random](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    const std::string alphabet("ab1,,,,\r\n\n\0\xff ", 12);
+    for (int round = 0; round < 300; ++round) {
+        std::string bytes;
+        const std::size_t lineFeedsAreRare = below(3);
+        while (bytes.size() < 20'000 && below(20'000) > 1) {
+            const char letter = alphabet[below(alphabet.size())];
+            bytes += letter == '\n' && below(40) < 20 * lineFeedsAreRare ? ',' : letter;
+            if (below(300) == 0) {
+                bytes.append(below(2500), 'x');
+            }
+        }
+        const LogFile file(folder.write("x.log", bytes));
+        std::vector<Fields> lines;
+        LogExtent whole;
+        std::uint64_t told = 0;
+        for (std::uint64_t begin = 0, end = 0; end != LogSpan::kNoEnd; begin = end) {
+            end = begin + 1 + below(round % 2 == 0 ? 3000 : 30);
+            end = end > bytes.size() ? LogSpan::kNoEnd : end;
+            LogExtent part;
+            ASSERT_TRUE(LogReader::readPart(
+                file, {begin, end},
+                [&lines](const LogLine &line) {
+                    lines.push_back(copy(line));
+                    return true;
+                },
+                [&told](std::size_t count) {
+                    told += count;
+                    return true;
+                },
+                part));
+            whole.bytes = std::max(whole.bytes, part.bytes);
+            whole.lines = std::max(whole.lines, part.lines);
+            whole.pieces += part.pieces;
+        }
+        ASSERT_EQ(lines, readSlowly(bytes)) << round;
+        LogExtent extent;
+        LogReader::readFile(
+            folder.path() / "x.log", [](const LogLine &) { return true; }, {}, &extent);
+        ASSERT_EQ(whole.bytes, bytes.size());
+        ASSERT_EQ(whole.lines, extent.lines);
+        ASSERT_EQ(whole.pieces, extent.pieces);
+        ASSERT_EQ(told, bytes.size());
+    }
 }
 
 }  // namespace

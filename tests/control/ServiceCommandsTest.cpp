@@ -5,7 +5,7 @@
 #include "platform/bus/SdBus.h"
 #include "service/ServiceFixture.h"
 #include "support/PrivateBus.h"
-#include "support/ServiceStandIn.h"
+#include "support/StatusStandIn.h"
 
 #include <gmock/gmock.h>
 
@@ -104,6 +104,37 @@ TEST_F(ServiceCommandsTest, StatusSaysHowTheServiceIs) {
                                 "\"detail\":\"\\\"Chatter\\\"\",\"time\":"));
 }
 
+TEST_F(ServiceCommandsTest, StatusSaysWhatCameOfActionsAndExports) {
+    const Array actions{
+        Dictionary{{"Name", "esc\x1B"},
+                   {"Message", "*now*"},
+                   {"runCommand", Dictionary{{"Command", "/bin/false"}}}},
+        Dictionary{
+            {"Name", "other"}, {"Message", "never"}, {"setEvent", Dictionary{{"Format", "x"}}}}};
+    folder.write("Quorbel.ini", writeKeyedArchive(Dictionary{
+                                    {"actionsArray", actions},
+                                    {"textInterval", 5},
+                                    {"textLocation", (folder.path() / "e.txt").string()}}));
+    startOnBus();
+    sendDatagram("<13>do it now");
+    ASSERT_TRUE(waitUntil([this] {
+        const std::string text = run({"status"}).output;
+        return text.find("with status 1") != std::string::npos &&
+               text.find("\nExports\n           1  text  last 2") != std::string::npos;
+    })) << run({"status"}).output;
+    const std::string text = run({"status"}).output;
+    EXPECT_THAT(text, HasSubstr("\nActions\n           1  esc?  last 2"));
+    EXPECT_THAT(text, HasSubstr("  failed 1, last 2"));
+    EXPECT_THAT(text, HasSubstr(": the command ended with status 1\n           0  other  never\n"));
+    const std::string json = run({"status", "--json"}).output;
+    EXPECT_THAT(json, HasSubstr("\"actions\":[{\"name\":\"esc?\",\"done\":1,\"doneTime\":"));
+    EXPECT_THAT(json, HasSubstr("\"failed\":1,\"problem\":\"the command ended with status 1\","
+                                "\"failedTime\":"));
+    EXPECT_THAT(json, HasSubstr("{\"name\":\"other\",\"done\":0,\"doneTime\":0,\"failed\":0,"
+                                "\"problem\":\"\",\"failedTime\":0}],\"exports\":[{\"name\":"
+                                "\"text\",\"done\":1,"));
+}
+
 TEST_F(ServiceCommandsTest, StatusSaysWhyThereIsNone) {
     const auto missing = run({"status"});
     EXPECT_EQ(missing.status, 3);
@@ -119,11 +150,11 @@ TEST_F(ServiceCommandsTest, StatusSaysWhyThereIsNone) {
         EXPECT_THAT(tooOld.complaint, HasSubstr("too old to tell its status"));
     }
     {
-        // It answers with something else.
-        const testing::ServiceStandIn other;
-        const auto nonsense = run({"status"});
-        EXPECT_EQ(nonsense.status, 3);
-        EXPECT_THAT(nonsense.complaint, HasSubstr("does not answer: "));
+        testing::StatusStandIn unwilling;
+        unwilling.onQuestion(testing::StatusStandIn::OnQuestion::kFail);
+        const auto refused = run({"status"});
+        EXPECT_EQ(refused.status, 3);
+        EXPECT_THAT(refused.complaint, HasSubstr("does not answer: "));
     }
     const auto noBus = testing::runControl({folder.path()}, {"status"});
     EXPECT_EQ(noBus.status, 3);

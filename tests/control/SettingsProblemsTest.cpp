@@ -53,6 +53,10 @@ TEST(SettingsProblemsTest, NamesTheKeyAndWhatIsWrongWithIt) {
         {{{"excludeFiltersArray",
            Array{Dictionary{{"Name", "a"}, {"IP", "nowhere"}, {"Mask", "32"}}}}},
          "The exclude filter \"a\" can never match: \"nowhere\" is not an address"},
+        {{{"actionsArray",
+           Array{Dictionary{{"Name", "a"}, {"threshold", Dictionary{{"Matches", 5}}}}}}},
+         "The threshold of the action \"a\" is ignored: \"Minutes\" is no whole number from 1 to "
+         "1440"},
     };
     for (const Case &c : cases) {
         EXPECT_THAT(settingsProblems(c.settings), ElementsAre(c.problem));

@@ -133,6 +133,10 @@ protected:
         if (pick(5) == 0) {
             filter.leastSeverity = static_cast<std::uint8_t>(pick(8));
         }
+        if (pick(5) == 0) {
+            filter.classes.set(pick(kSeverityClassCount));
+            filter.classes.set(pick(kSeverityClassCount));
+        }
         filter.facility = pick(6) == 0 ? "Local7" : "";
         filter.host = pick(6) == 0 ? "10.0.0.1*" : "";
         if (pick(5) == 0) {
@@ -170,6 +174,7 @@ protected:
         const std::string host(m_list.host(row).value_or(""));
         return (filter.ratings.none() || filter.ratings[ratingOf(row)]) &&
                (!filter.leastSeverity || m_list.classes(row).shown <= *filter.leastSeverity) &&
+               (filter.classes.none() || (m_list.classes(row).counted & filter.classes).any()) &&
                (filter.facility.empty() || priority.starts_with(filter.facility + ".")) &&
                (filter.host.empty() || host.starts_with("10.0.0.1")) && isInSpan(row, filter) &&
                std::ranges::all_of(filter.texts,

@@ -25,6 +25,7 @@ public:
         calls.push_back("insert " + std::string(event.message.value_or("(absent)")));
         return m_list.insertShown(event, m_state);
     }
+    void setFilter(const EventQuery & /*query*/) override {}
     void removeEvent(const EventFields &announced) override {
         calls.push_back("remove " + std::string(announced.message.value_or("(absent)")));
         if (const auto row = m_list.find(announced, m_state.newDateFormat)) {

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ public:
     void removeEvent(const EventFields &announced) override {
         removed.emplace_back(announced.message.value_or(""));
     }
+    void setFilter(const EventQuery & /*query*/) override {}
 
     EventList &list;
     bool onScreen = false;
@@ -118,6 +120,33 @@ TEST_F(EventIntakeTest, CountsEveryNameThatThePriorityContains) {
     }
 }
 
+TEST_F(EventIntakeTest, CountsWhatArrivedInItsHourWhateverLeavesTheList) {
+    const std::int64_t now = std::time(nullptr);
+    const auto count = [this](std::size_t severityClass, std::int64_t seconds) {
+        return state.arrivals.count(severityClass, HourlyArrivals::hourOf(seconds));
+    };
+    const std::string date = std::to_string(now);
+    const std::string earlier = std::to_string(now - 7200);
+    intake.setNotification({date, "Local7.Error", "h", "m", {}});
+    intake.setNotification({earlier, "AlertFeed.Notice", "h", "m", {}});
+    intake.setNotification({"1", "Local7.Error", "h", "too old", {}});
+    intake.setNotification({std::nullopt, "Local7.Error", "h", "no date", {}});
+    hold.setOn(true);
+    intake.setNotification({date, "Local7.Error", "h", "waits", {}});
+    intake.removeNotification({date, "Local7.Error", "h", "m", {}});
+    events.removeRows({{0, events.size()}});
+    EXPECT_EQ(count(3, now), 2U);
+    EXPECT_EQ(count(1, now - 7200), 1U);
+    EXPECT_EQ(count(5, now - 7200), 1U);
+    EXPECT_EQ(state.arrivals.latest(), now);
+
+    folder.write("2026-01-01.log", earlier + ",Local7.Error,h,m\r\n100,Local7.Error,h,m\r\n");
+    intake.initializeLog();
+    EXPECT_EQ(count(3, now), 0U);
+    EXPECT_EQ(count(3, now - 7200), 1U);
+    EXPECT_EQ(state.arrivals.latest(), now - 7200);
+}
+
 TEST_F(EventIntakeTest, ListsRawWhileThePageIsHidden) {
     intake.setNotification({"1700000000", "Local7.Error", "h", "m", {}});
     EXPECT_EQ(page.inserted, 0);
@@ -171,6 +200,28 @@ TEST_F(EventIntakeTest, LoadsLogFilesOldestFirstAndCounts) {
     EXPECT_EQ(counters(), (Counters{1, 1, 0, 2, 0, 1, 0, 1, 0}));
     EXPECT_GT(total, 0U);
     EXPECT_EQ(read, total);
+}
+
+TEST_F(EventIntakeTest, SaysHowFarItReadTheLogFiles) {
+    const auto whole = folder.write("a.log", "1,Local7.Error,h,m\r\n\r\n");
+    const auto torn = folder.write("b.log", "1,Local7.Error,h,m\r\n2,Local7.Er");
+    const auto empty = folder.write("c.log", "");
+    std::filesystem::create_directory(folder.path() / "d.log");
+    const auto extents = intake.initializeLog();
+    ASSERT_EQ(extents.size(), 3U);
+    const auto inode = [](const std::filesystem::path &file) {
+        struct stat status {};
+        return ::stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
+    };
+    EXPECT_EQ(extents[0].file, whole);
+    EXPECT_EQ(extents[0].inode, inode(whole));
+    EXPECT_EQ(extents[0].bytes, 22U);
+    EXPECT_EQ(extents[0].lines, 22U);
+    EXPECT_EQ(extents[1].inode, inode(torn));
+    EXPECT_EQ(extents[1].bytes, 31U);
+    EXPECT_EQ(extents[1].lines, 20U);
+    EXPECT_EQ(extents[2].file, empty);
+    EXPECT_EQ(extents[2].bytes, 0U);
 }
 
 TEST_F(EventIntakeTest, AFieldThatIsNoTextEndsTheRecord) {

@@ -3,6 +3,7 @@
 #include "common/Severity.h"
 #include "core/AppState.h"
 #include "core/EventList.h"
+#include "core/MessagePacking.h"
 #include "platform/DateFormat.h"
 #include "platform/Text.h"
 
@@ -127,6 +128,7 @@ struct ModelCase {
     const char *zone;
     std::vector<std::string> formats;
     bool hasOddDates;
+    bool packs = false;  ///< messages, as the program does beside all this
 };
 
 class EventListModelTest : public ::testing::TestWithParam<ModelCase> {
@@ -240,6 +242,15 @@ protected:
         }
     }
 
+    std::size_t packedChunks() {
+        const EventReader reader(m_list);
+        std::size_t count = 0;
+        for (std::size_t number = 0; number < reader.chunkCount(); ++number) {
+            count += reader.chunk(number).isPacked() ? 1U : 0U;
+        }
+        return count;
+    }
+
     void compareRow(std::size_t row) {
         PlainEvent &event = m_plain.rows[row];
         ASSERT_EQ(m_list.date(row), event["Date"]) << row;
@@ -257,10 +268,12 @@ protected:
 
     std::mt19937 m_random{7};
     EventList m_list;
+    MessagePacking m_packing{m_list};
     PlainList m_plain;
     AppState m_state;
     int m_found = 0;
     std::size_t m_putBack = 0;
+    std::size_t m_mostPacked = 0;
     std::size_t m_step = 0;
 };
 
@@ -291,6 +304,10 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
         } else if (pick(8) == 0) {
             putBack();
         }
+        if (GetParam().packs) {
+            m_packing.step();
+            m_mostPacked = std::max(m_mostPacked, packedChunks());
+        }
         removeAnnounced();
         if (HasFatalFailure()) {
             return;
@@ -307,6 +324,7 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
     EXPECT_GT(m_list.size(), 4096U);
     EXPECT_GT(m_found, 20);
     EXPECT_GT(m_putBack, 4096U);
+    EXPECT_EQ(m_mostPacked > 1, GetParam().packs);
 }
 
 const std::vector<std::string> kFormats = {"",
@@ -325,13 +343,14 @@ std::vector<std::string> oddFormats() {
     return formats;
 }
 
-INSTANTIATE_TEST_SUITE_P(Zones, EventListModelTest,
-                         ::testing::Values(ModelCase{"UTC", "UTC", kFormats, true},
-                                           ModelCase{"Berlin", "Europe/Berlin", kFormats, false},
-                                           ModelCase{"NewYork", "America/New_York", kFormats, true},
-                                           ModelCase{"OddFormats", "Europe/Berlin", oddFormats(),
-                                                     true}),
-                         [](const auto &entry) { return entry.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Zones, EventListModelTest,
+    ::testing::Values(ModelCase{"UTC", "UTC", kFormats, true},
+                      ModelCase{"Berlin", "Europe/Berlin", kFormats, false},
+                      ModelCase{"NewYork", "America/New_York", kFormats, true},
+                      ModelCase{"OddFormats", "Europe/Berlin", oddFormats(), true},
+                      ModelCase{"Packed", "Europe/Berlin", kFormats, true, true}),
+    [](const auto &entry) { return entry.param.name; });
 
 }  // namespace
 }  // namespace quorbel

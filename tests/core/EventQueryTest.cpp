@@ -88,6 +88,7 @@ TEST(EventQueryTest, AsksForBothWhereThatIsPossible) {
     second.facility = "Kern";
     second.ratings.set(3);
     second.leastSeverity = 3;
+    second.classes.set(5);
     second.from = 200;
     second.until = 400;
     second.spans = 0b0101;
@@ -96,6 +97,7 @@ TEST(EventQueryTest, AsksForBothWhereThatIsPossible) {
     both.facility = "Kern";
     both.ratings.set(3);
     both.leastSeverity = 3;
+    both.classes.set(5);
     both.from = 200;
     both.spans = 0b0101;
     EXPECT_EQ(bothOf(first, second), both);
@@ -116,6 +118,45 @@ TEST(HostPatternTest, MeansAListAndExcludesFromIt) {
     EXPECT_FALSE(allBut.matches("FS01"));
     EXPECT_FALSE(allBut.matches("192.168.7.7"));
     EXPECT_TRUE(HostPattern(" ,, ").matches("fs01"));
+}
+
+TEST(HostPatternTest, MeansANameInQuotationMarksToTheLetter) {
+    const HostPattern some(R"( "a*b" ,! "a*b,c" , fs*, !"fs""1")");
+    EXPECT_TRUE(some.matches("a*b"));
+    EXPECT_FALSE(some.matches("axb"));
+    EXPECT_FALSE(some.matches("A*b"));
+    EXPECT_FALSE(some.matches("a*b,c"));
+    EXPECT_TRUE(some.matches("fs01"));
+    EXPECT_FALSE(some.matches("fs\"1"));
+    EXPECT_FALSE(HostPattern("\"10.0.0.1\"").matches("::ffff:10.0.0.1"));
+    EXPECT_FALSE(HostPattern("\"*\"").isAny());
+    EXPECT_EQ(HostPattern::wrongNetworkIn("\"10.0.0.0/99\""), std::nullopt);
+}
+
+// As they always were: who has such a filter must not see other events.
+TEST(HostPatternTest, QuotationMarksElsewhereArePartOfAName) {
+    for (const char *name : {"\"", "\"a", "\"a\"b", "a\"b\"", "\"\"\"", "\"a\"\""}) {
+        EXPECT_TRUE(HostPattern(name).matches(name)) << name;
+        EXPECT_TRUE(HostPattern(std::string(name) + ",b").matches(name)) << name;
+        EXPECT_FALSE(HostPattern(name).matches("a")) << name;
+    }
+    EXPECT_TRUE(HostPattern("\"a*").matches("\"abc"));
+}
+
+TEST(HostPatternTest, SaysWhatMeansAHostAlone) {
+    const std::vector<std::string> names{
+        "fs01", "*",     "?",   "!",           ",",        "\"",  "\"\"",     "a*b",
+        "axb",  "!fs01", "a,b", "10.0.0.0/8",  "10.0.0.1", " a",  "a ",       "\"a*b\"",
+        "a\"",  "x=y",   "\\*", "10.0.0.0/99", "a/b",      "a%1", "\xD7\xA9*"};
+    for (const std::string &name : names) {
+        const HostPattern pattern(HostPattern::meaning(name));
+        const HostPattern allBut("!" + HostPattern::meaning(name));
+        for (const std::string &other : names) {
+            EXPECT_EQ(pattern.matches(other), other == name) << name << " and " << other;
+            EXPECT_EQ(allBut.matches(other), other != name) << name << " and " << other;
+        }
+    }
+    EXPECT_EQ(HostPattern::meaning("fs01.example.org"), "fs01.example.org");
 }
 
 std::size_t neededCount(const std::string &text) {

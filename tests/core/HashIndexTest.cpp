@@ -1,4 +1,5 @@
 #include "core/HashIndex.h"
+#include "core/StringTable.h"
 
 #include <gtest/gtest.h>
 
@@ -76,6 +77,30 @@ TEST(HashIndexTest, ATextsHashDependsOnAllItsBytes) {
         }
     }
     EXPECT_EQ(hashes.size(), texts);
+}
+
+// Of so many texts some have the same place and key in the table.
+TEST(StringTableTest, TellsTextsApartThatShareAKey) {
+    constexpr int kTexts = 300'000;
+    const auto isNumbered = [](const std::string &before, const std::string &after) {
+        StringTable table;
+        std::set<std::uint32_t> keys;
+        for (int i = 0; i < kTexts; ++i) {
+            const std::string text = before + std::to_string(1'000'000 + i) + after;
+            const std::size_t hash = hashBytes(text);
+            keys.insert(static_cast<std::uint32_t>(hash ^ (hash >> 32U)));
+            if (table.acquire(text) != static_cast<StringTable::Id>(i + 1)) {
+                return false;
+            }
+        }
+        EXPECT_LT(keys.size(), std::size_t{kTexts});
+        return true;
+    };
+    EXPECT_TRUE(isNumbered("", ""));                  // shorter than a word
+    EXPECT_TRUE(isNumbered("10.", ""));               // one and a bit
+    EXPECT_TRUE(isNumbered("the same", "!"));         // two, which differ in the second
+    EXPECT_TRUE(isNumbered("", "_the same"));         // in the first
+    EXPECT_TRUE(isNumbered("longer than ", " two"));  // and longer
 }
 
 }  // namespace

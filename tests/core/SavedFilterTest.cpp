@@ -29,7 +29,8 @@ TEST(SavedFilterTest, IsReadFromLines) {
         kHead +
         "# a comment\n\ngroup Disks\nfilter Bad disks\nabout Disks that fail\nmark violet\n"
         "contains sd b\nlacks-case OK\nmatches I/O error\nor sense: \\d+\r\nmatches-not-case x|y\n"
-        "rating Severe\nrating Unrated\nseverity Warning\nfacility Kern\nhost fs*, !fs02\n"
+        "rating Severe\nrating Unrated\nseverity Warning\nclass Alert\nclass Unknown\nfacility "
+        "Kern\nhost fs*, !fs02\n"
         "from 2026-11-21T02:00:00Z\nuntil 1000\ntime yesterday\ntime last 24 hours\n\nfilter "
         "Next\ncontains \"\\\"\\\\ \\n\\x01\"\n");
     ASSERT_TRUE(read.isGood()) << read.line << read.problem;
@@ -41,6 +42,7 @@ TEST(SavedFilterTest, IsReadFromLines) {
                           {{"x|y", true, true}, true}};
     wanted.query.ratings = 0b1001;
     wanted.query.leastSeverity = 4;
+    wanted.query.classes = 0b1'0000'0010;
     wanted.query.facility = "Kern";
     wanted.query.host = "fs*, !fs02";
     wanted.query.from = 1795226400;
@@ -87,6 +89,8 @@ TEST(SavedFilterTest, RefusesValuesThatThereAreNot) {
     EXPECT_EQ(problemOf("filter A\nrating Bad\n"), "3: \"rating\" is no rating that there is");
     EXPECT_EQ(problemOf("filter A\nseverity error\n"),
               "3: \"severity\" is no severity that there is");
+    EXPECT_EQ(problemOf("filter A\nclass Bad\n"), "3: \"class\" is no severity that there is");
+    EXPECT_EQ(problemOf("filter A\nclass Error\nclass Error\n"), "4: \"class\" is given twice");
     EXPECT_EQ(problemOf("filter A\ntime Today\n"), "3: \"time\" is no span of time that there is");
     EXPECT_EQ(problemOf("filter A\ntime today\ntime today\n"), "4: \"time\" is given twice");
     EXPECT_EQ(problemOf("filter A\nmark red\n"), "3: \"mark\" is no colour that there is");
@@ -200,6 +204,7 @@ SavedFilter randomFilter(Random &random, int number) {
     filter.query.ratings = random.below(16);
     filter.query.host = random.text();
     filter.query.spans = random.below(16);
+    filter.query.classes = random.below(512);
     filter.query.facility = random.flip() ? random.text() : "";
     if (random.flip()) {
         filter.query.leastSeverity = static_cast<std::uint8_t>(random.below(9));

@@ -2,6 +2,7 @@
 // its window on a display, seen over the accessibility bus and used with the pointer.
 
 #include "e2e/RealWindow.h"
+#include "load/LoadSender.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
@@ -114,8 +115,15 @@ private:
         const bool hears = testing::waitUntil([this] { return someoneListens(); });
         return hears ? std::move(window) : nullptr;
     }
-    /// Whether the service's notifications are subscribed to, as the bus knows it.
-    bool someoneListens() const {
+    /// Its count of errors, without separators.
+    static QString errors(const FrontEnd &window) {
+        QString text = window.homeText(kErrors);
+        text.removeIf([](QChar c) { return !c.isDigit(); });
+        return text;
+    }
+    bool someoneListens() const { return listeners() > 0; }
+    /// How many have subscribed to the service's notifications, as the bus knows it.
+    int listeners() const {
         const QString name = QStringLiteral("rules");
         QByteArray rules;
         {
@@ -131,7 +139,7 @@ private:
             }
         }
         QDBusConnection::disconnectFromBus(name);
-        return rules.contains("member='Quorbel'");
+        return static_cast<int>(rules.count("member='Quorbel'"));
     }
 
 private Q_SLOTS:
@@ -224,6 +232,33 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT((log(QStringLiteral("again %1").arg(++sent)), window->rows() > 2),
                                  kPatienceMs);
         QTRY_COMPARE_WITH_TIMEOUT(storedLines().size(), sent, kPatienceMs);
+    }
+
+    void aWindowThatIsStoppedThroughAFloodCatchesUpAndHindersNobody() {
+        constexpr std::uint64_t kFlood = 150'000;
+        const auto stopped = openWindow();
+        QVERIFY(stopped);
+        const testing::Desktop another;
+        const FrontEnd window(another, QString::fromStdString(m_library->path().string()));
+        QTRY_COMPARE_WITH_TIMEOUT(listeners(), 2, kPatienceMs);
+        stopped->suspend(true);
+        load::Plan plan{.port = m_service->port(),
+                        .transport = load::Plan::Transport::kTcp,
+                        .count = kFlood,
+                        .priorities = {187U}};
+        QCOMPARE(load::send(plan).count, kFlood);
+        QTRY_COMPARE_WITH_TIMEOUT(errors(window), QString::number(kFlood), kPatienceMs);
+        // Longer than it is waited for, and told of singly.
+        log({QStringLiteral("one"), QStringLiteral("two")}, {QStringLiteral("-d")});
+        QTRY_COMPARE_WITH_TIMEOUT(errors(window), QString::number(kFlood + 2), kPatienceMs);
+        QTest::qWait(3000);
+        stopped->suspend(false);
+        QTRY_COMPARE_WITH_TIMEOUT(errors(*stopped), QString::number(kFlood + 2), kPatienceMs);
+        log(QStringLiteral("three"));
+        for (const FrontEnd *one :
+             std::initializer_list<const FrontEnd *>{stopped.get(), &window}) {
+            QTRY_COMPARE_WITH_TIMEOUT(errors(*one), QString::number(kFlood + 3), kPatienceMs);
+        }
     }
 
     void deletedEventsAreGoneFromTheFilesToo() {

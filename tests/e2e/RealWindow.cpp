@@ -7,6 +7,7 @@
 #include <QDBusMetaType>
 #include <QDBusVariant>
 
+#include <csignal>
 #include <stdexcept>
 
 Q_DECLARE_METATYPE(quorbel::testing::AccessibleAddress)
@@ -21,7 +22,11 @@ constexpr const char *kTable = "org.a11y.atspi.Table";
 constexpr const char *kComponent = "org.a11y.atspi.Component";
 constexpr quint32 kScreenCoordinates = 0;
 constexpr unsigned kStateShowing = 25;
-constexpr const char *kBusName = "accessibility";
+/// Each display has a bus of its own.
+QString newBusName() {
+    static int count = 0;
+    return QStringLiteral("accessibility %1").arg(++count);
+}
 
 QRect rectangle(const QVariant &reply) {
     int x = 0;
@@ -53,7 +58,7 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, AccessibleAddress
 
 RealWindow::RealWindow(const Desktop &desktop, const QString &library)
     : m_desktop(desktop),
-      m_bus(QDBusConnection::connectToBus(desktop.accessibilityBus(), QLatin1String(kBusName))) {
+      m_bus(QDBusConnection::connectToBus(desktop.accessibilityBus(), newBusName())) {
     qDBusRegisterMetaType<AccessibleAddress>();
     qDBusRegisterMetaType<QList<AccessibleAddress>>();
     QProcessEnvironment environment = desktop.environment();
@@ -77,7 +82,11 @@ RealWindow::RealWindow(const Desktop &desktop, const QString &library)
 RealWindow::~RealWindow() {
     m_process.kill();
     m_process.waitForFinished(kPatience.count());
-    QDBusConnection::disconnectFromBus(QLatin1String(kBusName));
+    QDBusConnection::disconnectFromBus(m_bus.name());
+}
+
+void RealWindow::suspend(bool stop) const {
+    ::kill(static_cast<pid_t>(m_process.processId()), stop ? SIGSTOP : SIGCONT);
 }
 
 bool RealWindow::quit() {

@@ -48,6 +48,8 @@ public:
     [[nodiscard]] QString cell(int row, int column) const;
     void clickCell(int row, int column) const;
 
+    /// Stops its execution, as a debugger does, or lets it go on.
+    void suspend(bool stop) const;
     /// Asks it to end as a session does (SIGTERM); whether it ended with 0.
     [[nodiscard]] bool quit();
 

@@ -259,7 +259,7 @@ private Q_SLOTS:
     }
     void aHostOfSpecialCharactersIsMeantAlone() {
         m_page->insertEvent({"1795000000", "Kern.Error", "!fs*,1/2", "odd", {}});
-        m_page->insertEvent({"1795000000", "Kern.Error", "other", "odd", {}});
+        m_page->insertEvent({"1795000000", "Kern.Error", "-fs*-1-2", "odd", {}});
         chooseAt(1, "onlyThisHost");
         QTRY_COMPARE(rows(), 1);
         QCOMPARE(cell(0, 3), name("!fs*,1/2"));

@@ -255,6 +255,36 @@ private Q_SLOTS:
         QCOMPARE(selected(), QList<int>());
     }
 
+    void withStepsOfItsOwnItNeedsNoList() {
+        showRows(3);
+        class Steps : public EventSteps {
+        public:
+            explicit Steps(EventList &list) : m_list(list) {}
+            bool canStep(int direction) override { return m_row + direction == 1; }
+            Event step(int direction) override {
+                m_row += direction;
+                return {m_list, m_list.idAt(static_cast<std::size_t>(m_row))};
+            }
+
+        private:
+            EventList &m_list;
+            int m_row = 2;
+        };
+        auto details = std::make_unique<ScanViewEvent>();
+        details->viewDidLoad();
+        details->setSteps(std::make_shared<Steps>(list()));
+        details->setDict(Event(list(), list().idAt(2)));
+        details.release()->presentOver(m_page.get());
+        QCOMPARE(message(), name("0"));
+        QCOMPARE(enabled(), (QList<bool>{true, false}));
+        press("eventUp");
+        QCOMPARE(message(), name("1"));
+        QCOMPARE(enabled(), (QList<bool>{false, false}));
+        sheet()->onDown();
+        QCOMPARE(message(), name("1"));
+        QCOMPARE(selected(), QList<int>());
+    }
+
     void texts_data() {
         QTest::addColumn<QString>("priority");
         QTest::addColumn<QString>("text");

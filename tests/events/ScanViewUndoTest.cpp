@@ -307,7 +307,7 @@ private Q_SLOTS:
             }
         }
         QVERIFY2(parts >= 1500 / 64 && parts < 1500, qPrintable(QString::number(parts)));
-        const Dictionary command = lines.takeCommand();
+        const Dictionary command = lines.takeCommand().toDictionary();
         QCOMPARE(command.find("Events")->array()->size(), std::size_t{500});
         QCOMPARE(command.find("Listed")->array()->size(), std::size_t{500});
         QCOMPARE(command.find("Events")->array()->back(),

@@ -38,6 +38,28 @@ private:
             "too many days]");
         add("missing ): (a", "[missing ): (a]");
         add("trailing \\: a\\", "[trailing \\: a\\]");
+        add("No mail server is set", "[No mail server is set]");
+        add("The sender \"x\" is not a valid e-mail address",
+            "[The sender \"x\" is not a valid e-mail address]");
+        add("\"x\" is not a valid e-mail address; \"y\" is not a valid e-mail address",
+            "[\"x\" is not a valid e-mail address]; [\"y\" is not a valid e-mail address]");
+        add("The mail server's connection security \"TLS\" is not one of \"None\", \"STARTTLS\" or "
+            "\"SSL/TLS\"",
+            "[The mail server's connection security \"TLS\" is not one of \"None\", \"STARTTLS\" "
+            "or "
+            "\"SSL/TLS\"]");
+        add("No connection security is chosen for the mail server; the password is sent without "
+            "encryption only with \"None\"",
+            "[No connection security is chosen for the mail server]; [the password is sent without "
+            "encryption only with \"None\"]");
+        add("The mail server m.example cannot be reached on port 25",
+            "[The mail server m.example cannot be reached on port 25]");
+        add("The mail server m.example refused all recipients: 550 5.1.1 No such user; sorry",
+            "[The mail server m.example refused all recipients: 550 5.1.1 No such user]; sorry");
+        add("The mail server m.example refused the e-mail",
+            "[The mail server m.example refused the e-mail]");
+        add("The mail server refused a@b.example (550 5.1.1 No), c@b.example (450 Later)",
+            "[The mail server refused a@b.example (550 5.1.1 No), c@b.example (450 Later)]");
         add("Something else: the file is too large", "Something else: the file is too large");
         add("", "");
     }

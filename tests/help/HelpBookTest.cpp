@@ -54,6 +54,7 @@ private Q_SLOTS:
                 QStringLiteral("Getting started"), QStringLiteral("The pages"),
                 QStringLiteral("Finding events"), QStringLiteral("Questions and kept filters"),
                 QStringLiteral("How ratings work"), QStringLiteral("Reports"),
+                QStringLiteral("Hosts and silence"),
                 QStringLiteral("Pointing devices at this machine"),
                 QStringLiteral("What each setting means"), QStringLiteral("Actions and e-mail"),
                 QStringLiteral("Regular export"), QStringLiteral("Looking after the service"),

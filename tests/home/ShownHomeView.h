@@ -35,6 +35,7 @@ public:
     }
 
     AppState &state() { return m_delegate->state; }
+    AppDelegate &delegate() { return *m_delegate; }
     HomeView &page() { return *m_page; }
     const TemporaryFolder &library() { return m_library; }
 

@@ -5,6 +5,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/udp.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -62,12 +63,18 @@ std::uint64_t queuedBytes(std::uint16_t port) {
 /// Where a plan stands: which numbers may be sent by now.
 class Pace {
 public:
-    Pace(const Plan &plan, const std::atomic<bool> *stop) : m_plan(plan), m_stop(stop) {}
+    Pace(const Plan &plan, const std::atomic<bool> *stop) : m_plan(plan), m_stop(stop) {
+        if (plan.perCall == 1) {
+            // One that is to be sent alone must not wait for the next.
+            m_wait = std::chrono::microseconds(10);
+            ::prctl(PR_SET_TIMERSLACK, 1);
+        }
+    }
 
     /// How many messages of the next block are due; waits for the first of them. 0 at the end.
     std::uint64_t due() {
         while (m_taken < m_plan.count && !(m_stop != nullptr && *m_stop)) {
-            const std::uint64_t most = std::min(kBlock, m_plan.count - m_taken);
+            const std::uint64_t most = std::min(m_most, m_plan.count - m_taken);
             if (m_plan.perSecond == 0) {
                 return most;
             }
@@ -77,7 +84,7 @@ public:
             if (allowed > m_taken) {
                 return std::min(most, allowed - m_taken);
             }
-            std::this_thread::sleep_for(std::chrono::microseconds(500));
+            std::this_thread::sleep_for(m_wait);
         }
         return 0;
     }
@@ -91,6 +98,8 @@ public:
 private:
     const Plan &m_plan;
     const std::atomic<bool> *m_stop;
+    const std::uint64_t m_most = std::min<std::uint64_t>(kBlock, m_plan.perCall);
+    std::chrono::microseconds m_wait{500};
     const Clock::time_point m_start = Clock::now();
     std::uint64_t m_taken = 0;
 };
@@ -118,12 +127,13 @@ void renumber(std::string &message, const Plan &plan, std::uint64_t number) {
     }
 }
 
-/// Lets the kernel cut what is sent at once into datagrams, which is far cheaper than sending each:
-/// a flood is to find out what its receiver can do, not its sender. False where that cannot be.
+/// Lets the kernel cut what is sent at once into datagrams: a flood is to find out what its
+/// receiver can do, not its sender. False where that cannot be.
 bool cutsIntoDatagrams(const UniqueFd &socket, const Plan &plan) {
     constexpr std::size_t kLargestSend = 60'000;
     const auto length = static_cast<int>(syslogMessage(plan, plan.first).size());
-    return plan.perSecond == 0 && plan.priorities.size() == 1 &&
+    return plan.cutByKernel && plan.perCall > 1 && plan.perSecond == 0 &&
+           plan.priorities.size() == 1 &&
            kBlock * static_cast<std::size_t>(length) <= kLargestSend &&
            ::setsockopt(socket.get(), SOL_UDP, UDP_SEGMENT, &length, sizeof length) == 0;
 }

@@ -23,6 +23,10 @@ struct Plan {
     std::vector<unsigned> priorities{134U};  ///< message n gets the one at n modulo their count
     std::size_t connections = 1;             ///< TCP: they take turns, block by block
     bool counted = false;                    ///< TCP: octet counting instead of line ends
+    std::size_t perCall = 64;                ///< so many messages are sent at once, at most 64
+    /// UDP: what is sent at once as fast as possible is cut into datagrams by the kernel, where it
+    /// can do that, which is far cheaper than sending each.
+    bool cutByKernel = true;
     /// UDP: wait while more than so many bytes lie in the receiving socket, so that nothing is
     /// dropped; 0: never wait.
     std::uint64_t mostQueued = 0;

@@ -35,7 +35,7 @@ project = pathlib.Path(sys.argv[1])
 documented = re.findall(r"(?ms)^```sh$(.*?)^```$", (project / "docs/operations.md").read_text())
 known = {line for block in documented for line in block.splitlines()}
 commands = {}
-for path in sorted((project / "src/layout/help").glob("*.html")):
+for path in sorted((project / "src/layout/help").rglob("*.html")):
     for command in commands_in(path.read_text()):
         if command not in known:
             commands.setdefault(command)

@@ -36,6 +36,7 @@ ELSEWHERE_TEXTS = {
     "The command cannot be read": "a reply to a command",
     "Too many commands are waiting": "a reply to a command",
     "There are no recipients": "a reply to a command",
+    "Too many e-mails are waiting": "the status over the bus",
     "The mail server refused ": "a reply to a command",
     "RCPT TO:": "for the mail server",
     "QuorbelSrv ": "printed for --version",
@@ -136,9 +137,10 @@ described = re.findall(r"(?m)^\| `([^`]*)` \| [^|]+ \|",
 check("the counters are described, in their order",
       [] if counters and counters == described else
       sorted(set(counters) ^ set(described)) or ["their order, or none found"])
-book = (project / "src/layout/help/service.html").read_text()
-told = {name for cell in re.findall(r"<tr><td>([^<]*)</td><td>", book) for name in cell.split(", ")}
-check("the help book tells of each counter", sorted(set(counters) - told))
+for chapter in sorted((project / "src/layout/help").rglob("service.html")):
+    told = {name for cell in re.findall(r"<tr><td>([^<]*)</td><td>", chapter.read_text())
+            for name in cell.split(", ")}
+    check(f"{chapter.relative_to(project)} tells of each counter", sorted(set(counters) - told))
 
 print(f"{len(said)} texts of the service, {len(lines)} lines and {len(described)} counters described.")
 if failures:

@@ -1,9 +1,11 @@
 #include "options/OptionsFixture.h"
+#include "platform/gui/SoundPlayer.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 
 namespace quorbel {
 
@@ -40,6 +42,37 @@ private:
 private Q_SLOTS:
     void init() { m = std::make_unique<OptionsPage>(); }
     void cleanup() { m.reset(); }
+
+    void theSoundCanBeTried() {
+        const auto note = [this] {
+            const auto &label = m->control<QLabel>("popupSoundNote");
+            return label.isVisible() ? label.text() : QString();
+        };
+        m->show({{"popupSound", "/nowhere/bell.aiff"}});
+        QVERIFY(m->isEnabled("popupSoundTry"));
+        QCOMPARE(note(), QString());
+        m->click("popupSoundTry");
+        QTRY_COMPARE(note(), QStringLiteral("There is no such file: no sound will be heard"));
+        const QString silent = touch("silent.aiff");
+        auto &field = m->control<QLineEdit>("popupSoundFile");
+        field.selectAll();
+        QTest::keyClicks(&field, silent);
+        QCOMPARE(note(), QString());
+        QSignalSpy finished(m->page().findChild<SoundPlayer *>(), &SoundPlayer::finished);
+        m->click("popupSoundTry");
+        QTRY_COMPARE(note(), QStringLiteral("It cannot be played: it is no sound file, or there is "
+                                            "no sound device"));
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished.first().first().toString(), silent);
+        QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&field, Qt::Key_Delete);
+        QVERIFY(!m->isEnabled("popupSoundTry"));
+        QTest::keyClicks(&field, silent);
+        QVERIFY(m->isEnabled("popupSoundTry"));
+        m->click("popupEventsPlay");
+        QVERIFY(!m->isEnabled("popupSoundTry"));
+        QCOMPARE(note(), QString());
+    }
 
     void tickingPopupsStartsWithTenSecondsAndAllSeverities() {
         m->show({});

@@ -76,7 +76,8 @@ private Q_SLOTS:
         for (const char *part : kParts) {
             add(named("popup", part, "Display"));
         }
-        for (const char *name : {"popupEventsPlay", "popupSoundFile", "popupSoundBrowse"}) {
+        for (const char *name :
+             {"popupEventsPlay", "popupSoundFile", "popupSoundBrowse", "popupSoundTry"}) {
             add(name);
         }
         for (const char *part : kParts) {

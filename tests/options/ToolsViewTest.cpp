@@ -36,6 +36,7 @@ private Q_SLOTS:
         QTest::newRow("options") << QStringLiteral("toolsOptions") << Tab::kOptions;
         QTest::newRow("actions") << QStringLiteral("toolsActions") << Tab::kActions;
         QTest::newRow("export") << QStringLiteral("toolsExport") << Tab::kExport;
+        QTest::newRow("hosts") << QStringLiteral("toolsHosts") << Tab::kHosts;
     }
     void linksAreSeenAsLinksAndLeadToTheirPages() {
         QFETCH(QString, name);
@@ -65,10 +66,10 @@ private Q_SLOTS:
     void pageIsWhiteAndSaysWhatTheLinksAreFor() {
         QCOMPARE(m_page->objectName(), QStringLiteral("ToolsView"));
         QCOMPARE(m_page->palette().color(QPalette::Window), QColor(Qt::white));
-        for (const char *text : {"optionsText", "actionsText", "exportText"}) {
+        for (const char *text : {"optionsText", "actionsText", "exportText", "hostsText"}) {
             QVERIFY(m_page->findChild<QLabel *>(QLatin1String(text))->text().endsWith(u'.'));
         }
-        for (const char *icon : {"optionsIcon", "actionsIcon", "exportIcon"}) {
+        for (const char *icon : {"optionsIcon", "actionsIcon", "exportIcon", "hostsIcon"}) {
             QVERIFY(!m_page->findChild<QLabel *>(QLatin1String(icon))->pixmap().isNull());
         }
     }

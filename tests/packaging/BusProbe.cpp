@@ -1,6 +1,9 @@
 // What the user who runs it can do with the service on the system bus:
 //   bus_probe command   sends a command and prints the reply, or the error's name
 //   bus_probe status    asks for the service's counters and prints "counted", or the error's name
+//   bus_probe batches   asks to be told in batches, says that it has taken one, and prints "taken",
+//   or
+//                       the error's name
 //   bus_probe set       sets a property and prints "set", or the error's name
 //   bus_probe own       asks for the service's name and prints "owned", or the error's name
 //   bus_probe listen    prints "listening", "heard" with each notification, and how many there were
@@ -18,6 +21,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -51,6 +55,19 @@ int askForStatus(sd_bus *bus) {
                             "Counters", &error, &reply, "a{st}");
     const bus::MessagePointer owner(reply);
     return printOutcome(result, error, "counted");
+}
+
+int takeBatches(sd_bus *bus) {
+    sd_bus_error error = SD_BUS_ERROR_NULL;
+    int result = 0;
+    for (const auto &[member, types] : {std::pair(bus::kListen, ""), std::pair(bus::kTaken, "t")}) {
+        if (result >= 0) {
+            result = sd_bus_call_method(bus, bus::kServiceName, bus::kServicePath,
+                                        bus::kNotificationInterface, member, &error, nullptr, types,
+                                        std::uint64_t{1});
+        }
+    }
+    return printOutcome(result, error, "taken");
 }
 
 int setProperty(sd_bus *bus) {
@@ -108,12 +125,13 @@ int main(int count, char **values) {
         std::puts("no connection");
         return EXIT_FAILURE;
     }
-    const int result = what == "command"  ? sendCommand(bus)
-                       : what == "status" ? askForStatus(bus)
-                       : what == "set"    ? setProperty(bus)
-                       : what == "own"    ? ownName(bus)
-                       : what == "listen" ? listenForNotifications(bus)
-                                          : 2;
+    const int result = what == "command"   ? sendCommand(bus)
+                       : what == "status"  ? askForStatus(bus)
+                       : what == "batches" ? takeBatches(bus)
+                       : what == "set"     ? setProperty(bus)
+                       : what == "own"     ? ownName(bus)
+                       : what == "listen"  ? listenForNotifications(bus)
+                                           : 2;
     sd_bus_flush_close_unref(bus);
     return result;
 }

@@ -129,6 +129,12 @@ for user in root member reader; do
     declare -n who=$user
     check_equal "$user asks for the status" counted "$("${who[@]}" "$scratch/bus_probe" status || true)"
 done
+for user in root member reader; do
+    declare -n who=$user
+    check_equal "$user takes batches" taken "$("${who[@]}" "$scratch/bus_probe" batches || true)"
+done
+check_equal "others take no batches" "$denied" \
+    "$("${outsider[@]}" "$scratch/bus_probe" batches || true)"
 check_equal "others ask for none" "$denied" "$("${outsider[@]}" "$scratch/bus_probe" status || true)"
 check_equal "readers set no property" "$denied" "$("${reader[@]}" "$scratch/bus_probe" set || true)"
 for user in member reader outsider root; do
@@ -147,6 +153,8 @@ check_equal "others send with an open policy" "$reply" \
     "$("${outsider[@]}" "$scratch/bus_probe" command || true)"
 check_equal "others ask for the status with an open policy" counted \
     "$("${outsider[@]}" "$scratch/bus_probe" status || true)"
+check_equal "others take batches with an open policy" taken \
+    "$("${outsider[@]}" "$scratch/bus_probe" batches || true)"
 check_equal "others hear with an open policy" "outsider 1 reader 1 member 1 root 1 " "$(hear)"
 stop_bus
 

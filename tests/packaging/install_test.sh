@@ -53,8 +53,8 @@ check "the unit starts what was installed" grep -qx "ExecStart=$prefix/sbin/Quor
 check "the bus starts the unit" grep -qx "SystemdService=$(basename "$unit")" "$bus_unit"
 check "the bus starts it for our name" \
     grep -qx "Name=$(basename "$bus_unit" .service)" "$bus_unit"
-check "the policy is about our name only" \
-    test "$(grep -o 'com\.[A-Za-z.]*' "$policy" | sort -u)" = "$(basename "$bus_unit" .service)"
+bus_names=$(sed -nE 's/.*(own|send_destination|receive_sender)="([^"]*)".*/\2/p' "$policy" | sort -u)
+check_equal "the policy is about our name only" "$(basename "$bus_unit" .service)" "$bus_names"
 check "it has no capability" grep -qx CapabilityBoundingSet= "$unit"
 check "and is given none" test "$(grep -c Capabilities= "$unit")" = 0
 

@@ -154,6 +154,48 @@ TEST_F(BusCommandSenderTest, LargeCommandsTravelAsASealedFile) {
     EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("OK", "OK"));
 }
 
+/// The command of as many lines, and of each the second time.
+LineCommand linesOf(int events) {
+    LineCommand command;
+    command.setName("update");
+    command.begin("Events", LineCommand::Kind::kCounted);
+    for (int event = 0; event < events; ++event) {
+        command.again(command.add(std::to_string(1700000000 + event) + ",a,b,some message\n"));
+    }
+    return command;
+}
+
+TEST_F(BusCommandSenderTest, LinesTravelAsTheDictionaryThatTheyStandFor) {
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    const std::vector<int> counts{0, 1000, 60000};
+    std::vector<Dictionary> expected;
+    for (const int count : counts) {
+        expected.push_back(linesOf(count).toDictionary());
+        sender.send(linesOf(count));
+    }
+    EXPECT_TRUE(service.waitForCommands(3) == expected);
+    EXPECT_FALSE(service.received()[0].asFile);
+    EXPECT_FALSE(service.received()[1].asFile);
+    EXPECT_TRUE(service.received()[2].asFile);
+    EXPECT_EQ(service.received()[2].seals,
+              F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL);
+    EXPECT_TRUE(sender.waitUntilIdle(kPatience));
+    EXPECT_THAT(m_log.replies(), ::testing::ElementsAre("OK", "OK", "OK"));
+}
+
+/// About the bytes that a line of text takes in a message decide, as in any command.
+TEST_F(BusCommandSenderTest, LinesOfOneMebibyteInAMessageTravelAsAFile) {
+    ServiceStandIn service;
+    CommandSender sender(m_log.handler());
+    sender.send(linesOf(15000));
+    sender.send(linesOf(30000));
+    ASSERT_LT(linesOf(30000).textSize(), std::size_t{1024 * 1024});
+    ASSERT_EQ(service.waitForCommands(2).size(), 2U);
+    EXPECT_FALSE(service.received()[0].asFile);
+    EXPECT_TRUE(service.received()[1].asFile);
+}
+
 TEST_F(BusCommandSenderTest, TheLimitIsOneMebibyte) {
     ServiceStandIn service;
     CommandSender sender(m_log.handler());

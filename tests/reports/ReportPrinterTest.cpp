@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace quorbel {
 
@@ -98,7 +99,7 @@ private Q_SLOTS:
         QVERIFY2(page.contains(QStringLiteral("user <U+202E>toor")), qPrintable(page));
         QCOMPARE(m_model->index(0, 0).data().toString().toStdString(), "\u200Bh1");
         QCOMPARE(m_model->index(0, 0).data(Qt::AccessibleTextRole).toString(),
-                 QStringLiteral("<U+200B>h1, expanded"));
+                 QStringLiteral("<U+200B>h1, expanded, 1 event, 100 %"));
     }
 
     void printsTheTableAsItStands() {
@@ -231,6 +232,181 @@ private Q_SLOTS:
         QCOMPARE(pages().size(), 3);
         QCOMPARE(lines(pages()[2]), (QStringList{text("Host Date Priority Message"), text("h")}));
         QCOMPARE(pages()[1], pages()[0]);
+    }
+
+    /// Each page's lines, once without page notes and once with them.
+    std::pair<QList<QStringList>, QList<QStringList>> withoutAndWithNotes(
+        QPageSize::PageSizeId size, qreal margin) {
+        std::pair<QList<QStringList>, QList<QStringList>> result;
+        for (const bool hasNotes : {false, true}) {
+            QPdfWriter writer(pdfPath());
+            writer.setPageSize(QPageSize(size));
+            writer.setPageMargins(QMarginsF(margin, margin, margin, margin),
+                                  QPageLayout::Millimeter);
+            ReportPrinter printer(*m_model, {0, 1, 2, 3});
+            printer.setPageNotes(hasNotes);
+            [[maybe_unused]] const bool isComplete = printer.print(writer);
+            for (const QString &page : pages()) {
+                (hasNotes ? result.second : result.first).append(lines(page));
+            }
+        }
+        return result;
+    }
+
+    void pageNotesNameTheGroupThatGoesOnAndThePages_data() {
+        QTest::addColumn<qreal>("margin");
+        QTest::newRow("in the margin") << 15.0;
+        QTest::newRow("without a margin") << 0.0;
+    }
+    // Against the rows in their order: what a page begins with, and that nothing else changes.
+    void pageNotesNameTheGroupThatGoesOnAndThePages() {
+        QFETCH(const qreal, margin);
+        std::string log;
+        for (int i = 0; i < 600; ++i) {
+            log += "1,P,host" + std::to_string(i * i % 97) + ",row" + std::to_string(i) + ".\n";
+        }
+        makeModel(log);
+        m_model->setAllExpanded(true);
+        QStringList expected;
+        QHash<QString, QString> groupOf;
+        for (int row = 0; row < m_model->rowCount(); ++row) {
+            const QString group =
+                m_model->index(m_model->rowOf({m_model->placeOf(row).group, {}}), 0)
+                    .data()
+                    .toString();
+            const QString cell = m_model->index(row, 0).data().toString();
+            expected += cell.isEmpty() ? text("1970-01-01 00:00:01 P ") +
+                                             m_model->index(row, 3).data().toString()
+                                       : cell;
+            groupOf[expected.last()] = cell.isEmpty() ? group : QString();
+        }
+        const auto [plain, noted] = withoutAndWithNotes(QPageSize::A5, margin);
+        QVERIFY2(noted.size() > 5, qPrintable(QString::number(noted.size())));
+        QStringList all;
+        for (const QStringList &page : plain) {
+            all += page.mid(1);
+        }
+        QCOMPARE(all, expected);
+        all.clear();
+        int continued = 0;
+        for (int number = 0; number < noted.size(); ++number) {
+            QStringList page = noted[number];
+            QCOMPARE(page.takeFirst(), text("Host Date Priority Message"));
+            QCOMPARE(page.takeLast(), text("Page %1 of %2").arg(number + 1).arg(noted.size()));
+            if (page.first().endsWith(text(" (continued)"))) {
+                ++continued;
+                const QString name = page.takeFirst();
+                QCOMPARE(name, groupOf[page.first()] + text(" (continued)"));
+            } else {
+                QCOMPARE(groupOf[page.first()], QString());
+            }
+            all += page;
+        }
+        QVERIFY(continued > 3);
+        QCOMPARE(all, expected);
+    }
+
+    void pageNotesStandInTheMarginWhereThereIsOne() {
+        std::string log;
+        for (int i = 0; i < 300; ++i) {
+            log += "1,P,h,row" + std::to_string(i) + ".\n";
+        }
+        makeModel(log);  // one page with one row
+        const auto [plain, noted] = withoutAndWithNotes(QPageSize::A4, 15);
+        QCOMPARE(plain.size(), 1);
+        QCOMPARE(noted.size(), 1);
+        const QString output =
+            QString::fromUtf8(outputOf(QStringLiteral("pdftotext"),
+                                       {QStringLiteral("-bbox"), pdfPath(), QStringLiteral("-")}));
+        static const QRegularExpression word(
+            QStringLiteral("yMin=\"([0-9.]+)\"[^>]*yMax=\"([0-9.]+)\">Page</word>"));
+        const QRegularExpressionMatch match = word.match(output);
+        QVERIFY2(match.hasMatch(), qPrintable(output));
+        const double paper = 297 / 25.4 * 72;
+        const double body = 282 / 25.4 * 72;
+        QVERIFY(match.captured(1).toDouble() > body);
+        QVERIFY(match.captured(2).toDouble() < paper - 7 / 25.4 * 72);
+    }
+
+    // Groups that wrap over more than a page, on pages of a few lines: nothing is lost or repeated.
+    void pageNotesLeaveRoomOnTinyPages() {
+        std::string message;
+        for (int i = 100; i < 300; ++i) {
+            message += std::to_string(i) + " ";
+        }
+        makeModel("1,P,h," + message + "\n1,P,h,abc\n", ReportKind::kMessage);
+        m_model->setAllExpanded(true);
+        const auto [plain, noted] = withoutAndWithNotes(QPageSize::A8, 3);
+        QVERIFY(noted.size() > 2);
+        QString printed;
+        for (QStringList page : noted) {
+            page.removeLast();
+            for (const QString &line : page) {
+                printed += line.endsWith(text("(continued)")) ? QString() : line + QLatin1Char(' ');
+            }
+        }
+        int last = -1;
+        for (int i = 100; i < 300; ++i) {
+            const auto at = printed.indexOf(QString::number(i), last + 1);
+            QVERIFY2(at > last, qPrintable(QString::number(i)));
+            last = static_cast<int>(at);
+        }
+        QVERIFY2(printed.indexOf(text("abc"), last) > last, qPrintable(printed.right(200)));
+    }
+
+    // Whatever just fits a page without the name above it begins below that name.
+    void noPageHasNotesAlone() {
+        std::string log;
+        for (int words = 1; words < 60; ++words) {
+            log += "1,P,h,";
+            for (int i = 0; i < words * 2; ++i) {
+                log += "abcdefgh ";
+            }
+            log += "\n";
+        }
+        makeModel(log);
+        m_model->setAllExpanded(true);
+        const auto [plain, noted] = withoutAndWithNotes(QPageSize::A7, 5);
+        QVERIFY(noted.size() > 30);
+        for (const QStringList &page : noted) {
+            const QString all = page.join(QLatin1Char(' '));
+            QVERIFY2(all.contains(text("abcd")), qPrintable(all));
+        }
+    }
+
+    void pageNotesCountThePagesThatAreNotPrintedToo() {
+        std::string log;
+        for (int i = 0; i < 300; ++i) {
+            log += "1,P,h,row" + std::to_string(i) + ".\n";
+        }
+        makeModel(log);
+        m_model->toggle(0);
+        QPdfWriter writer(pdfPath());
+        writer.setPageRanges(QPageRanges::fromString(QStringLiteral("2-3")));
+        ReportPrinter printer(*m_model, {0, 1, 2, 3});
+        printer.setPageNotes(true);
+        printer.setCopies(2);
+        QList<int> told;
+        int inAll = 0;
+        QVERIFY(printer.print(writer, [&](int done, int all) {
+            told += done;
+            inAll = all;
+            return true;
+        }));
+        QCOMPARE(pages().size(), 4);
+        QCOMPARE(lines(pages()[0])[1], text("h (continued)"));
+        QCOMPARE(lines(pages()[0]).last(), text("Page 2 of %1").arg(printer.pageCount()));
+        QCOMPARE(pages()[2], pages()[0]);
+        QCOMPARE(inAll, 602);
+        QCOMPARE(told.first(), 1);
+        QCOMPARE(told.last(), inAll);
+        // Cancelled while it counts, nothing is begun on the device.
+        QFile::remove(pdfPath());
+        ReportPrinter other(*m_model, {0, 1, 2, 3});
+        other.setPageNotes(true);
+        QPdfWriter unused(pdfPath());
+        QVERIFY(!other.print(unused, [](int done, int) { return done < 10; }));
+        QCOMPARE(other.printedPages(), 0);
     }
 
     void drawsMarkers() {

@@ -61,6 +61,46 @@ void expectSameRows(const ReportRows &rows, const PlainRows &plain) {
             EXPECT_EQ(rows.isExpanded(place.group), plain.rows[row].isExpanded);
         }
     }
+    std::optional<std::size_t> above;
+    for (std::size_t row = 0; row < plain.rows.size(); ++row) {
+        EXPECT_EQ(rows.detailAbove(row), above);
+        above = plain.rows[row].detail ? std::optional(row) : above;
+    }
+    std::optional<std::size_t> below;
+    for (std::size_t row = plain.rows.size(); row-- > 0;) {
+        EXPECT_EQ(rows.detailBelow(row), below);
+        below = plain.rows[row].detail ? std::optional(row) : below;
+    }
+}
+
+TEST(ReportRowsTest, ManyGroupsAreExpandedAtOnceAsOneByOne) {
+    std::mt19937 random(7);
+    for (const std::size_t groups : {0U, 1U, 2U, 3U, 8U, 9U, 64U, 101U}) {
+        std::vector<std::size_t> details;
+        std::vector<bool> isExpanded;
+        for (std::size_t group = 0; group < groups; ++group) {
+            details.push_back(1 + random() % 6);
+            isExpanded.push_back(random() % 3 > 0);
+        }
+        PlainRows plain(details);
+        for (std::size_t row = plain.rows.size(); row-- > 0;) {
+            if (isExpanded[row]) {
+                plain.click(row);
+            }
+        }
+        ReportRows rows;
+        rows.reset(isExpanded, [&details](std::size_t group) { return details[group]; });
+        expectSameRows(rows, plain);
+        for (int click = 0; click < 50 && groups > 0; ++click) {
+            const std::size_t row = random() % rows.count();
+            if (const auto place = rows.at(row); !place.detail) {
+                rows.isExpanded(place.group) ? rows.collapse(place.group, details[place.group])
+                                             : rows.expand(place.group, details[place.group]);
+            }
+            plain.click(row);
+            expectSameRows(rows, plain);
+        }
+    }
 }
 
 TEST(ReportRowsTest, AnyClicksGiveTheRowsOfAPlainList) {

@@ -1,6 +1,7 @@
 #include "platform/gui/FileIcons.h"
 #include "reports/ReportsViewFixture.h"
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
@@ -183,6 +184,56 @@ private Q_SLOTS:
                                   name("2023-11-14 22:13:20 Local7.Error one, with a comma"),
                                   name("2023-11-14 22:13:22 Local7.Error three"), name("h2")}));
         QVERIFY(m_page->findChild<QMessageBox *>() == nullptr);
+    }
+
+    void largestFirstIsNeitherExportedNorPrinted() {
+        std::string lines;
+        for (int i = 0; i < 60; ++i) {
+            lines += "1,P,host" + std::to_string(i % (i % 11 + 1)) + "," + std::to_string(i) + "\n";
+        }
+        log("x.log", lines);
+        display(0);
+        clickRow(2);
+        clickRow(1);
+        const QStringList shown = rows();
+        exportTo(path("before.csv"));
+        printTo(path("before.pdf"));
+        QTRY_VERIFY(!printedLines(path("before.pdf")).isEmpty());
+        QTest::mouseClick(control<QAbstractButton>("largestFirst"), Qt::LeftButton, {},
+                          QPoint(8, control<QAbstractButton>("largestFirst")->height() / 2));
+        QVERIFY(rows() != shown);
+        exportTo(path("after.csv"));
+        QCOMPARE(bytesOf(path("after.csv")), bytesOf(path("before.csv")));
+        printTo(path("after.pdf"));
+        QTRY_COMPARE(printedLines(path("after.pdf")), printedLines(path("before.pdf")));
+        // With all of them open as well.
+        click("expandAll");
+        exportTo(path("all.csv"));
+        QTest::mouseClick(control<QAbstractButton>("largestFirst"), Qt::LeftButton, {},
+                          QPoint(8, control<QAbstractButton>("largestFirst")->height() / 2));
+        exportTo(path("expanded.csv"));
+        QVERIFY(bytesOf(path("all.csv")).count('\n') > 70);
+        QCOMPARE(bytesOf(path("all.csv")), bytesOf(path("expanded.csv")));
+    }
+
+    void pageNotesAreChosenInTheDialogAndStayChosen() {
+        log("x.log", kLog);
+        display(0);
+        const auto notes = [this] {
+            return printPanel()->findChild<QCheckBox *>(name("pageNotes"));
+        };
+        openPrintPanel();
+        QVERIFY(notes() != nullptr && notes()->isVisible() && !notes()->isChecked());
+        QTest::mouseClick(notes(), Qt::LeftButton, {}, QPoint(8, notes()->height() / 2));
+        confirmPrint(path("report.pdf"));
+        const QStringList expected{name("Host Date Priority Message"), name("h1"), name("h2"),
+                                   name("Page 1 of 1")};
+        QTRY_COMPARE(printedLines(path("report.pdf")), expected);
+        openPrintPanel();
+        QVERIFY(notes()->isChecked());
+        QTest::mouseClick(notes(), Qt::LeftButton, {}, QPoint(8, notes()->height() / 2));
+        confirmPrint(path("plain.pdf"));
+        QTRY_COMPARE(printedLines(path("plain.pdf")), expected.mid(0, 3));
     }
 
     void printsAsManyCopiesAsChosen() {

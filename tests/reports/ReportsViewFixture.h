@@ -3,6 +3,7 @@
 #include "core/AppDelegate.h"
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
+#include "platform/gui/Storyboard.h"
 #include "reports/ReportsView.h"
 #include "support/ConfigurationFolder.h"
 #include "support/ScopedVariable.h"
@@ -43,7 +44,7 @@ protected:
         m_page.reset();
         m_delegate = std::make_unique<AppDelegate>();
         m_delegate->state.newDateFormat = "yyyy-MM-dd HH:mm:ss";
-        m_page = std::make_unique<ReportsView>(*m_delegate);
+        m_page = std::make_unique<ReportsView>(*m_delegate, m_storyboard);
         m_page->viewDidLoad();
         m_page->resize(1000, 600);
     }
@@ -165,6 +166,7 @@ protected:
         return result;
     }
 
+    Storyboard m_storyboard;
     std::unique_ptr<TemporaryFolder> m_folder;
     std::unique_ptr<ScopedVariable> m_library;
     std::unique_ptr<ConfigurationFolder> m_configuration;

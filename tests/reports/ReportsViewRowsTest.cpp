@@ -223,9 +223,9 @@ private Q_SLOTS:
         QCOMPARE(markerPixels(1), 0);
         QCOMPARE(markerPixels(3), plus);
         QCOMPARE(table()->model()->index(0, 0).data(Qt::AccessibleTextRole).toString(),
-                 name("h1, expanded"));
+                 name("h1, expanded, 2 events, 67 %"));
         QCOMPARE(table()->model()->index(3, 0).data(Qt::AccessibleTextRole).toString(),
-                 name("h2, collapsed"));
+                 name("h2, collapsed, 1 event, 33 %"));
     }
 
     void anyClicksKeepTheModelConsistent() {

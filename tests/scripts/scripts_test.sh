@@ -88,7 +88,7 @@ odd_programs() {
         folder=${list#"$project/tests/"}
         folder=${folder%%/*}
         sed -nE 's/^ *(quorbel_test\(|add_test\(NAME )([^ )]+).*/\2/p' "$list" |
-            grep -vE "^${folder}(_[a-z0-9_]+|_fit_\\$\{name\})?_test$" | sed "s/^/$folder /"
+            grep -vE "^${folder}(_[a-z0-9_]+|_fit_\\$\{name\}|_mnemonics_\\$\{language\})?_test$" | sed "s/^/$folder /"
     done
 }
 odd_suites() {

@@ -32,9 +32,9 @@ inline UniqueFd connectTo(std::uint16_t port, int type) {
     return fd;
 }
 
-/// The same for a stream that comes from another address of this machine: 127.0.0.`host`.
-inline UniqueFd connectFrom(unsigned host, std::uint16_t port) {
-    UniqueFd fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+/// The same that comes from another address of this machine: 127.0.0.`host`.
+inline UniqueFd connectFrom(unsigned host, std::uint16_t port, int type = SOCK_STREAM) {
+    UniqueFd fd(socket(AF_INET, type | SOCK_CLOEXEC, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK - 1 + host);

@@ -164,6 +164,13 @@ private:
                           {"sendEmail", Dictionary{{"Recipients", Array{value(1), "a@b"}}}},
                           {"setEvent", Dictionary{{"Type", text()}, {"Format", text()}}}};
             }
+            if (chance(3)) {
+                constexpr const char *kThreshold[] = {"Matches", "Minutes", "PerHost"};
+                record.set("threshold", chance(3) ? value(1) : Value(some(kThreshold, 1)));
+            }
+            if (chance(3)) {
+                record.set("threshold", Dictionary{{"Matches", integer(9)}, {"Minutes", 5}});
+            }
             array.push_back(chance(5) ? value(1) : Value(std::move(record)));
         }
         return array;

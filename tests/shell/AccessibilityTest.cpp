@@ -54,7 +54,7 @@ private:
              {"HomeView", "ScanView", "ReportsView", "ToolsView", "ToolsViewOptions",
               "ToolsViewActions", "ToolsViewExport", "aboutView", "eventView", "filterView",
               "actionView", "commandRun", "commandEmail", "commandEvent", "emailServer",
-              "emailFormat", "emailTest"}) {
+              "emailFormat", "emailTest", "HostsView"}) {
             QTest::newRow(view) << QString::fromLatin1(view);
         }
     }

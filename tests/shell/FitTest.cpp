@@ -3,6 +3,7 @@
 #include "platform/gui/RowTableView.h"
 #include "platform/gui/Sheet.h"
 #include "shell/FitChecks.h"
+#include "shell/ShellViews.h"
 #include "support/FrontEnd.h"
 #include "support/TemporaryFolder.h"
 
@@ -37,26 +38,6 @@ namespace quorbel {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-/// A sheet, and where it is opened from.
-struct SheetCase {
-    const char *identifier;
-    const char *presenter;
-};
-constexpr SheetCase kSheets[] = {
-    {"aboutView", "HomeView"},           {"eventView", "ScanView"},
-    {"filterView", "ToolsViewOptions"},  {"actionView", "ToolsViewActions"},
-    {"commandRun", "actionView"},        {"commandEmail", "actionView"},
-    {"commandEvent", "actionView"},      {"emailServer", "ToolsViewActions"},
-    {"emailFormat", "ToolsViewActions"}, {"emailTest", "ToolsViewActions"}};
-
-constexpr const char *kPages[] = {"HomeView",       "ScanView",         "ReportsView",
-                                  "ToolsView",      "ToolsViewOptions", "ToolsViewActions",
-                                  "ToolsViewExport"};
-
-}  // namespace
-
 /// Every page and sheet at one size of the screen and of the font: see CMakeLists.txt.
 class FitTest : public QObject {
     Q_OBJECT
@@ -68,42 +49,9 @@ private:
         controls.removeIf([](const Control *one) { return !one->isVisible() || isPart(*one); });
         return controls;
     }
-    void addViews() const {
-        QTest::addColumn<bool>("isSheet");
-        for (const char *page : kPages) {
-            QTest::newRow(page) << false;
-        }
-        for (const SheetCase &sheet : kSheets) {
-            QTest::newRow(sheet.identifier) << true;
-        }
-    }
-    /// The view of the current row of data, on screen and laid out; null when that fails.
-    QWidget *showView() {
-        QFETCH(bool, isSheet);
-        const char *name = QTest::currentDataTag();
-        QWidget *view = isSheet ? openSheet(name) : showPage(name);
-        if (view == nullptr || !QTest::qWaitForWindowExposed(view->window())) {
-            return nullptr;
-        }
-        QCoreApplication::processEvents();
-        return view;
-    }
-    QWidget *showPage(const char *name) {
-        auto *page = m_frontEnd->window->findChild<QWidget *>(QLatin1String(name));
-        m_frontEnd->control<QStackedWidget>("tabView").setCurrentWidget(page);
-        return page;
-    }
-    QWidget *openSheet(const char *identifier) {
-        const auto *found = std::ranges::find_if(kSheets, [&](const SheetCase &one) {
-            return QLatin1String(one.identifier) == QLatin1String(identifier);
-        });
-        const bool overASheet = QLatin1String(found->presenter) == "actionView"_L1;
-        QWidget *presenter = overASheet ? openSheet(found->presenter) : showPage(found->presenter);
-        auto controller = m_frontEnd->storyboard.instantiate(QLatin1String(identifier));
-        auto *sheet = dynamic_cast<Sheet *>(controller.release());
-        sheet->presentOver(presenter);
-        return sheet;
-    }
+    static void addViews() { testing::addViews(); }
+    [[nodiscard]] QWidget *showView() const { return testing::showView(*m_frontEnd); }
+    QWidget *showPage(const char *name) const { return testing::showPage(*m_frontEnd, name); }
     [[nodiscard]] QWidget &window() const { return *m_frontEnd->window; }
 
     testing::TemporaryFolder m_library;
@@ -240,6 +188,17 @@ private Q_SLOTS:
                 entry->fontMetrics().horizontalAdvance(entry->text()) + entry->iconSize().width();
             QVERIFY2(entry->toolButtonStyle() == Qt::ToolButtonIconOnly || room >= needed + kAround,
                      told(*entry).constData());
+        }
+    }
+
+    void whatIsSaidOfTheServiceIsWhole() {
+        for (const char *page : {"Home", "Tools"}) {
+            QTest::mouseClick(&m_frontEnd->control<QToolButton>(page), Qt::LeftButton);
+            QCoreApplication::processEvents();
+            for (const QLabel *label :
+                 m_frontEnd->control<QWidget>("serviceLine").findChildren<QLabel *>()) {
+                QVERIFY2(!label->isVisible() || isWhole(*label), told(*label).constData());
+            }
         }
     }
 

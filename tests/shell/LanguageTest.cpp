@@ -42,6 +42,8 @@ const QStringList &untranslated() {
         // Facilities and the ways to secure a connection, as they are stored; patterns of dates.
         u"(Kern|User|Mail|Daemon|Auth|Syslog|Lpr|News|Uucp|Cron|Authpriv|Ftp|Ntp|Audit|Console|Clock)"_s,
         u"Local\\d"_s, u"STARTTLS"_s, u"SSL TLS"_s, u"[yMdHhms]+( [yMdHhms]+)+( AM PM)?"_s,
+        // A host of the log, with its share.
+        u"core sw1( \\d+)?"_s,
         // Examples for what is typed.
         u"NAME value"_s, u"name example com"_s,
         // Keys, which Qt translates; numbers, and log files, which are called after their days.
@@ -207,8 +209,9 @@ private Q_SLOTS:
 
     void thePages_data() {
         QTest::addColumn<QString>("page");
-        for (const char *page : {"HomeView", "ScanView", "ReportsView", "ToolsView",
-                                 "ToolsViewOptions", "ToolsViewActions", "ToolsViewExport"}) {
+        for (const char *page :
+             {"HomeView", "ScanView", "ReportsView", "ToolsView", "ToolsViewOptions",
+              "ToolsViewActions", "ToolsViewExport", "HostsView"}) {
             QTest::newRow(page) << QString::fromLatin1(page);
         }
     }

@@ -13,13 +13,13 @@ class MainStoryboardTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void windowHoldsTheSevenPagesInOrder();
+    void windowHoldsTheEightPagesInOrder();
     void everyPageShowsItsTitle_data();
     void everyPageShowsItsTitle();
     void unknownIdentifiersGiveNothing();
 };
 
-void MainStoryboardTest::windowHoldsTheSevenPagesInOrder() {
+void MainStoryboardTest::windowHoldsTheEightPagesInOrder() {
     const LibraryFolder library;
     AppDelegate delegate;
     Storyboard storyboard;
@@ -33,7 +33,7 @@ void MainStoryboardTest::windowHoldsTheSevenPagesInOrder() {
     }
     QCOMPARE(names.join(QLatin1Char(' ')),
              QStringLiteral("HomeView ScanView ReportsView ToolsView ToolsViewOptions "
-                            "ToolsViewActions ToolsViewExport"));
+                            "ToolsViewActions ToolsViewExport HostsView"));
     QCOMPARE(window.objectName(), QStringLiteral("WindowController"));
     QCOMPARE(window.windowTitle(), QStringLiteral("Quorbel"));
 }
@@ -47,6 +47,7 @@ void MainStoryboardTest::everyPageShowsItsTitle_data() {
     QTest::newRow("options") << QByteArray("ToolsViewOptions") << QStringLiteral("Options");
     QTest::newRow("actions") << QByteArray("ToolsViewActions") << QStringLiteral("Actions");
     QTest::newRow("export") << QByteArray("ToolsViewExport") << QStringLiteral("Export");
+    QTest::newRow("hosts") << QByteArray("HostsView") << QStringLiteral("Hosts");
 }
 
 void MainStoryboardTest::everyPageShowsItsTitle() {

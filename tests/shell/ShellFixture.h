@@ -44,10 +44,12 @@ public:
         removed.emplace_back(announced.message.value_or("(none)"));
         removedExtras += announced.others.size();
     }
+    void setFilter(const EventQuery &query) override { asked.push_back(query); }
 
     int insertedOnScreen = 0;
     std::vector<std::string> removed;
     std::size_t removedExtras = 0;
+    std::vector<EventQuery> asked;
 
 private:
     AppDelegate &m_delegate;
@@ -110,7 +112,8 @@ private:
             result.add(QString::fromLatin1(plain),
                        [] { return std::make_unique<ViewController>(); });
         }
-        for (const char *settings : {"ToolsViewOptions", "ToolsViewActions", "ToolsViewExport"}) {
+        for (const char *settings :
+             {"ToolsViewOptions", "ToolsViewActions", "ToolsViewExport", "HostsView"}) {
             result.add(QString::fromLatin1(settings),
                        [] { return std::make_unique<SettingsPageStandIn>(); });
         }

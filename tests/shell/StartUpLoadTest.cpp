@@ -1,4 +1,5 @@
 #include "core/AlertQueueLink.h"
+#include "core/EventReader.h"
 #include "platform/gui/ProgressWindow.h"
 #include "shell/ShellFixture.h"
 #include "shell/WindowController.h"
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void damagedSettingsCountAsNone();
     void startsWithoutAFolder_data();
     void startsWithoutAFolder();
+    void messagesThatNobodyLooksAtArePacked();
     void progressShowsAfterAMoment();
     void progressStaysAwayFromAShortLoad();
 };
@@ -166,6 +168,21 @@ void StartUpLoadTest::startsWithoutAFolder() {
     QVERIFY(shell.window.isVisible());
     QCOMPARE(shell.list().size(), std::size_t{0});
     QCOMPARE(shell.delegate.state.iSeverityAlerting, 2);
+}
+
+void StartUpLoadTest::messagesThatNobodyLooksAtArePacked() {
+    constexpr std::size_t kLines = 4 * EventChunk::kSlots;
+    std::string log;
+    for (std::size_t number = 0; number < kLines; ++number) {
+        log += "1700000000,Local7.Error,10.0.0.5,message " + std::to_string(number) + "\r\n";
+    }
+    Shell shell;
+    shell.library->write("a.log", log);
+    shell.window.windowDidLoad();
+    const EventReader reader(shell.list());
+    QTRY_VERIFY_WITH_TIMEOUT(reader.chunk(0).isPacked() && reader.chunk(1).isPacked(), 60'000);
+    QVERIFY(!reader.chunk(3).isPacked());
+    QCOMPARE(shell.list().message(kLines - 1), "message 0");
 }
 
 void StartUpLoadTest::progressShowsAfterAMoment() {

@@ -78,6 +78,7 @@ private Q_SLOTS:
     void minimisedWindowComesBack();
     void settingsPageRemembersItsOpener_data();
     void settingsPageRemembersItsOpener();
+    void eventsAreAskedForOnTheirPage();
     void helpDropDownOpensBelowThePointer();
     void helpDropDownRunsAbout();
     void helpOpensOneWindow();
@@ -275,6 +276,8 @@ void WindowControllerTest::settingsPageRemembersItsOpener_data() {
     QTest::newRow("options from events") << Tab::kOptions << Tab::kEvents << QByteArray("Scan");
     QTest::newRow("actions from events") << Tab::kActions << Tab::kEvents << QByteArray("Scan");
     QTest::newRow("export from tools") << Tab::kExport << Tab::kTools << QByteArray("Tools");
+    QTest::newRow("hosts from tools") << Tab::kHosts << Tab::kTools << QByteArray("Tools");
+    QTest::newRow("hosts from home") << Tab::kHosts << Tab::kHome << QByteArray("Home");
 }
 
 void WindowControllerTest::settingsPageRemembersItsOpener() {
@@ -290,6 +293,18 @@ void WindowControllerTest::settingsPageRemembersItsOpener() {
     shell.window.selectTab(Tab::kHome);
     shell.window.selectTab(page);
     QVERIFY(shell.button(entry.constData()).isChecked());
+}
+
+void WindowControllerTest::eventsAreAskedForOnTheirPage() {
+    Shell shell;
+    EventQuery query;
+    query.host = "fs01";
+    shell.window.showEvents(query);
+    QCOMPARE(shell.currentTab(), Tab::kEvents);
+    QVERIFY(shell.button("Scan").isChecked());
+    const auto &asked = shell.page<EventsStandIn>(Tab::kEvents).asked;
+    QCOMPARE(asked.size(), std::size_t{1});
+    QVERIFY(asked.front() == query);
 }
 
 void WindowControllerTest::helpDropDownOpensBelowThePointer() {

@@ -24,10 +24,12 @@ public:
         opened.emplace_back(page, parentTab);
         proposed.push_back(record);
     }
+    void showEvents(const EventQuery &query) override { asked.push_back(query); }
 
     std::vector<Tab> selected;
     std::vector<std::pair<Tab, Tab>> opened;
     std::vector<Dictionary> proposed;
+    std::vector<EventQuery> asked;
 };
 
 }  // namespace quorbel::testing

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include <utility>
 
@@ -100,7 +101,8 @@ QSize FindChip::sizeHint() const {
 }
 
 QRect FindChip::crossRect() const {
-    return {width() - sizedToFont(kCross), 0, sizedToFont(kCross), height()};
+    const QRect cross(width() - sizedToFont(kCross), 0, sizedToFont(kCross), height());
+    return QStyle::visualRect(layoutDirection(), rect(), cross);
 }
 
 void FindChip::paintEvent(QPaintEvent * /*event*/) {
@@ -110,14 +112,17 @@ void FindChip::paintEvent(QPaintEvent * /*event*/) {
     painter.setBrush(underMouse() ? kHover : kFill);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
     painter.setPen(palette().color(QPalette::ButtonText));
+    const auto mirrored = [this](const QRect &place) {
+        return QStyle::visualRect(layoutDirection(), rect(), place);
+    };
     QRect place = rect().adjusted(kMargin, 0, 0, 0);
     if (m_condition.isNegated) {
         painter.setFont(notFont());
-        painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, notText());
+        painter.drawText(mirrored(place), Qt::AlignVCenter | Qt::AlignLeft, notText());
         place.setLeft(place.left() + painter.fontMetrics().horizontalAdvance(notText()));
         painter.setFont(font());
     }
-    painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, shownText());
+    painter.drawText(mirrored(place), Qt::AlignVCenter | Qt::AlignLeft, shownText());
     painter.setPen(QPen(kCrossColour, 1.2));
     const QPointF middle = QRectF(crossRect()).center();
     const qreal arm = sizedToFont(3);

@@ -2,6 +2,7 @@
 
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/LookProperty.h"
 #include "platform/gui/PaintedText.h"
 
 #include <QStyle>
@@ -41,9 +42,7 @@ void FindChoice::showValue(const QString &value, const QString &shortened) {
     // As plain text: a host's name may look like markup.
     setToolTip(value.isEmpty() ? m_purpose
                                : QStringLiteral("<p>%1</p>").arg(accessibleName().toHtmlEscaped()));
-    setProperty("inUse", !value.isEmpty());
-    style()->unpolish(this);
-    style()->polish(this);
+    setLookProperty(*this, "inUse", !value.isEmpty());
     updateGeometry();
     Q_EMIT changed();
 }
@@ -63,7 +62,10 @@ void FindChoice::paintEvent(QPaintEvent * /*event*/) {
     painter.drawControl(QStyle::CE_PushButton, option);
     const int size = sizedToFont(kArrow);
     const QIcon arrow = lineIcon(QStringLiteral("down"), isInUse() ? kAccent : QColor());
-    arrow.paint(&painter, QRect(inside.right() + 3, (height() - size) / 2, size, size));
+    // The style mirrors the inside.
+    const int end = QStyle::visualRect(layoutDirection(), rect(), inside).right();
+    const QRect place(end + 3, (height() - size) / 2, size, size);
+    arrow.paint(&painter, QStyle::visualRect(layoutDirection(), rect(), place));
 }
 
 }  // namespace quorbel

@@ -21,6 +21,9 @@ public:
 
     virtual void addTo(EventQuery &query) const = 0;
     virtual void removeFrom(EventQuery &query) const = 0;
+    /// Chooses what the query asks for, as far as it can be said here. Precondition: none is in
+    /// use.
+    virtual void takeFrom(const EventQuery &query) = 0;
     virtual void clear() = 0;
     /// Opens what is chosen from below another control, where this one is not in sight.
     virtual void openBelow(QWidget &anchor) = 0;

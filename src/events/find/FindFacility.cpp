@@ -17,6 +17,10 @@ FindFacility::FindFacility(QWidget *parent)
     addAny(tr("Any facility"));
 }
 
+void FindFacility::takeFrom(const EventQuery &query) {
+    showValue(toQString(query.facility));
+}
+
 void FindFacility::clear() {
     checkAny();
     showValue({});

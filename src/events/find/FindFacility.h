@@ -18,6 +18,7 @@ public:
 
     void addTo(EventQuery &query) const override { query.facility = value().toStdString(); }
     void removeFrom(EventQuery &query) const override { query.facility.clear(); }
+    void takeFrom(const EventQuery &query) override;
     void clear() override;
 
 protected:

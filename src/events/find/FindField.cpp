@@ -3,6 +3,8 @@
 #include "events/find/FindChip.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/LetteredMenu.h"
+#include "platform/gui/LookProperty.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -11,7 +13,6 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -228,12 +229,13 @@ void FindField::arrange() {
 }
 
 void FindField::openMenu() {
-    auto *menu = new QMenu(m_number);
+    auto *menu = new LetteredMenu(m_number);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setAccessibleName(tr("Conditions"));
     for (FindChip *chip : std::as_const(m_chips)) {
         QString title = fontMetrics().elidedText(chip->name(), Qt::ElideRight, sizedToFont(kLeast));
-        QMenu *one = menu->addMenu(title.replace(u'&', QStringLiteral("&&")));
+        auto *one = new LetteredMenu(title.replace(u'&', QStringLiteral("&&")), menu);
+        menu->addMenu(one);
         one->addAction(chip->condition().isNegated ? tr("&Contains") : tr("Does Not &Contain"),
                        chip, &FindChip::turn);
         one->addAction(tr("&Remove"), chip, &FindChip::removed);
@@ -246,11 +248,7 @@ void FindField::showState() {
     const QString state = !m_error.isEmpty()   ? QStringLiteral("wrong")
                           : m_text->hasFocus() ? QStringLiteral("focus")
                                                : QString();
-    if (property("state").toString() != state) {
-        setProperty("state", state);
-        style()->unpolish(this);
-        style()->polish(this);
-    }
+    setLookProperty(*this, "state", state);
 }
 
 int FindField::wantedWidth() const {

@@ -4,6 +4,7 @@
 #include "core/HostPattern.h"
 #include "events/find/FindPanel.h"
 #include "platform/gui/FontSize.h"
+#include "platform/gui/LookProperty.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
@@ -11,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,19 +24,20 @@ constexpr int kMostOffered = 100;
 constexpr int kWidth = 280;
 constexpr int kListHeight = 210;
 
-/// What means a host alone, whatever its name is made of.
 QString patternFor(const QString &host) {
-    QString pattern = host;
-    for (const QChar special : QStringLiteral("*,!/")) {
-        pattern.replace(special, u'?');
-    }
-    return pattern;
+    return toQString(HostPattern::meaning(host.toStdString()));
+}
+
+/// What the hosts that are offered have to match.
+HostPattern offeredFor(const std::string &typed) {
+    const bool isWhole = typed.find_first_of("!\"") == 0 || typed.find('/') != std::string::npos;
+    return HostPattern(isWhole ? typed : "*" + typed + "*");
 }
 
 QLabel *hintLabel(QWidget *parent) {
     auto *hint = new QLabel(
-        FindHost::tr("* is any text, ? one character; 10.0.0.0/8 a network; ! excludes; commas "
-                     "separate several"),
+        FindHost::tr("* is any text, ? one character; 10.0.0.0/8 a network; \"a*\" that name; ! "
+                     "excludes; commas separate several"),
         parent);
     hint->setProperty("role", QStringLiteral("caption"));
     hint->setWordWrap(true);
@@ -91,8 +92,7 @@ void FindHost::openBelow(QWidget &anchor) {
 QStringList FindHost::hosts() const {
     QStringList hosts;
     const std::string typed = m_text->isModified() ? m_text->text().trimmed().toStdString() : "";
-    const HostPattern wanted(
-        typed.starts_with('!') || typed.find('/') != std::string::npos ? typed : "*" + typed + "*");
+    const HostPattern wanted = offeredFor(typed);
     if (m_events != nullptr) {
         EventReader(*m_events).visitHosts([&](std::string_view host) {
             if (!host.empty() && wanted.matches(host)) {
@@ -127,15 +127,17 @@ void FindHost::showError(const QString &error) {
     m_error->setText(error);
     m_error->setVisible(!error.isEmpty());
     m_text->setAccessibleDescription(error);
-    m_text->setProperty("state", error.isEmpty() ? QString() : QStringLiteral("wrong"));
-    m_text->style()->unpolish(m_text);
-    m_text->style()->polish(m_text);
+    setLookProperty(*m_text, "state", error.isEmpty() ? QString() : QStringLiteral("wrong"));
     m_panel->adjustSize();
 }
 
 void FindHost::take(const QString &pattern) {
     m_panel->hide();
     showValue(HostPattern(pattern.toStdString()).isAny() ? QString() : pattern.trimmed());
+}
+
+void FindHost::takeFrom(const EventQuery &query) {
+    take(toQString(query.host));
 }
 
 void FindHost::takeItem(const QListWidgetItem *item) {

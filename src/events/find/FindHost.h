@@ -25,6 +25,7 @@ public:
 
     void addTo(EventQuery &query) const override { query.host = value().toStdString(); }
     void removeFrom(EventQuery &query) const override { query.host.clear(); }
+    void takeFrom(const EventQuery &query) override;
     void clear() override { showValue({}); }
     void openBelow(QWidget &anchor) override;
 

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "common/Severity.h"
 #include "events/find/FindChoice.h"
 
 #include <QList>
+
+#include <array>
+#include <cstdint>
+#include <optional>
 
 class QAction;
 class QActionGroup;
@@ -42,15 +47,16 @@ private:
     QList<QAction *> m_values;
 };
 
-/// Events at least as severe as a class.
+/// Events at least as severe as a class, or counted in just one.
 class FindSeverity : public FindMenuChoice {
     Q_OBJECT
 
 public:
     explicit FindSeverity(QWidget *parent);
 
-    void addTo(EventQuery &query) const override { query.leastSeverity = m_least; }
-    void removeFrom(EventQuery &query) const override { query.leastSeverity.reset(); }
+    void addTo(EventQuery &query) const override;
+    void removeFrom(EventQuery &query) const override;
+    void takeFrom(const EventQuery &query) override;
     void clear() override;
 
 protected:
@@ -58,6 +64,9 @@ protected:
 
 private:
     std::optional<std::uint8_t> m_least;
+    std::optional<std::uint8_t> m_only;  // not both
+    std::array<QAction *, kSeverityClassCount - 1> m_leastActions{};
+    std::array<QAction *, kSeverityClassCount> m_onlyActions{};
 };
 
 }  // namespace quorbel

@@ -4,10 +4,11 @@
 #include "events/find/FindRatings.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/LetteredMenu.h"
+#include "platform/gui/LookProperty.h"
 #include "platform/gui/PaintedText.h"
 
 #include <QMenu>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -53,13 +54,11 @@ void FindMore::standForAll(const QList<FindChoice *> &choices) {
 }
 
 void FindMore::showState(int inUse) {
-    setProperty("inUse", inUse > 0);
-    style()->unpolish(this);
-    style()->polish(this);
+    setLookProperty(*this, "inUse", inUse > 0);
 }
 
 void FindMore::openMenu() {
-    auto *menu = new QMenu(this);
+    auto *menu = new LetteredMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setAccessibleName(tr("Conditions"));
     for (QPushButton *rating : m_ratings.buttons()) {

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -17,7 +18,8 @@ void FindPanel::openBelow(QWidget &anchor, Qt::AlignmentFlag edge) {
     // Within the window where it has the room, in any case on the screen.
     const QRect screen = anchor.screen()->availableGeometry();
     const QRect window = anchor.window()->geometry();
-    const int left = edge == Qt::AlignRight ? anchor.width() - width() : 0;
+    const bool isRight = QStyle::visualAlignment(layoutDirection(), edge).testFlag(Qt::AlignRight);
+    const int left = isRight ? anchor.width() - width() : 0;
     QPoint place = anchor.mapToGlobal(QPoint(left, anchor.height() + 2));
     place.setX(std::max(window.left(), std::min(place.x(), window.right() - width())));
     place.setX(std::max(screen.left(), std::min(place.x(), screen.right() - width())));

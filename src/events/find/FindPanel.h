@@ -14,7 +14,7 @@ class FindPanel : public QFrame {
 public:
     explicit FindPanel(QWidget *parent);
 
-    /// With its left or its right edge below the anchor's.
+    /// With its left or its right edge below the anchor's; the other one in a mirrored window.
     void openBelow(QWidget &anchor, Qt::AlignmentFlag edge = Qt::AlignLeft);
 
 Q_SIGNALS:

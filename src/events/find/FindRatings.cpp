@@ -49,6 +49,12 @@ void FindRatings::addTo(EventQuery &query) const {
     }
 }
 
+void FindRatings::takeFrom(const EventQuery &query) {
+    for (std::size_t place = 0; place < kCount; ++place) {
+        m_buttons[place]->setChecked(query.ratings[ratingAt(place)]);
+    }
+}
+
 void FindRatings::clear() {
     for (QPushButton *button : m_buttons) {
         button->setChecked(false);

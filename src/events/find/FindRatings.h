@@ -21,6 +21,7 @@ public:
     explicit FindRatings(QWidget *parent);
 
     void addTo(EventQuery &query) const;
+    void takeFrom(const EventQuery &query);
     void clear();
     /// By EventRating, as is the next one.
     void showCounts(const std::array<std::size_t, kRatingCount> &counts);

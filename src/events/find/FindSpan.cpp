@@ -86,6 +86,18 @@ void FindSpan::removeFrom(EventQuery &query) const {
     query.spans.reset();
 }
 
+void FindSpan::takeFrom(const EventQuery &query) {
+    for (std::size_t span = 0; span < kMovingSpanCount; ++span) {
+        if (query.spans[span]) {
+            use(EventSpan::of(static_cast<MovingSpan>(span)));
+            return;
+        }
+    }
+    if (query.from && query.until) {
+        use({EventSpan::Kind::kFromTo, moment(*query.from), moment(*query.until)});
+    }
+}
+
 void FindSpan::openBelow(QWidget &anchor) {
     m_anchor = &anchor;
     FindMenuChoice::openBelow(anchor);

@@ -26,6 +26,7 @@ public:
 
     void addTo(EventQuery &query) const override;
     void removeFrom(EventQuery &query) const override;
+    void takeFrom(const EventQuery &query) override;
     void clear() override { use({}); }
     void openBelow(QWidget &anchor) override;
 

@@ -1,5 +1,6 @@
 #include "events/find/QueryText.h"
 
+#include "common/Severity.h"
 #include "core/SavedFilterText.h"
 #include "platform/gui/KnownText.h"
 #include "platform/gui/PaintedText.h"
@@ -59,6 +60,16 @@ QString ratingsOf(const EventQuery &query) {
     return names.join(Texts::tr(" or "));
 }
 
+QString classesOf(const EventQuery &query) {
+    QStringList names;
+    for (std::uint8_t number = 0; number < kSeverityClassCount; ++number) {
+        if (query.classes[number]) {
+            names += knownName(kSeverityClasses.at(number).label);
+        }
+    }
+    return Texts::tr("only %1").arg(names.join(Texts::tr(" or ")));
+}
+
 }  // namespace
 
 QString queryText(const EventQuery &query) {
@@ -71,6 +82,9 @@ QString queryText(const EventQuery &query) {
     }
     if (query.leastSeverity) {
         parts += Texts::tr("%1 and worse").arg(knownName(severityName(*query.leastSeverity)));
+    }
+    if (query.classes.any()) {
+        parts += classesOf(query);
     }
     if (!query.facility.empty()) {
         parts += Texts::tr("facility %1").arg(paintedRow(toQString(query.facility)));

@@ -52,6 +52,11 @@ void FindSaved::addTo(EventQuery &query) const {
     }
 }
 
+void FindSaved::takeFrom(const EventQuery &query) {
+    m_chosen = SavedFilter{.name = {}, .group = {}, .about = {}, .query = query, .mark = {}};
+    showState(tr("Unnamed filter"));
+}
+
 void FindSaved::clear() {
     m_chosen.reset();
     showState({});

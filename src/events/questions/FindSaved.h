@@ -30,6 +30,8 @@ public:
     void addTo(EventQuery &query) const override;
     /// Leaves the query alone, since the rest of the bar may ask for the same.
     void removeFrom(EventQuery & /*query*/) const override {}
+    /// As a filter that is not kept.
+    void takeFrom(const EventQuery &query) override;
     void clear() override;
     void openBelow(QWidget &anchor) override;
 

@@ -74,25 +74,32 @@ void QuestionDelegate::paintName(QPainter &painter, const QStyleOptionViewItem &
     painter.setFont(option.font);
     const QString count = index.data(QuestionModel::kCount).toString();
     painter.drawText(area, Qt::AlignRight | Qt::AlignVCenter, count);
-    paintSign(painter, area, index);
+    paintSign(painter, option, index);
     area.setRight(area.right() - widthOf(option.font, count) - kGap);
     area.setLeft(option.rect.left() + sizedToFont(kIndent));
     const int colour = index.data(QuestionModel::kMark).toInt();
     const int pill = colour < 0 ? 0 : widthOf(option.font, QuestionModel::tr("marks rows")) + kGap;
     const QString name = option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
                                                        std::max(area.width() - pill - kGap, 0));
-    painter.drawText(area, Qt::AlignLeft | Qt::AlignVCenter, name);
+    painter.drawText(QStyle::visualRect(option.direction, option.rect, area),
+                     Qt::AlignLeft | Qt::AlignVCenter, name);
     if (colour >= 0) {
         paintPill(painter, option, area.left() + widthOf(option.font, name) + kGap, colour);
     }
 }
 
-void QuestionDelegate::paintSign(QPainter &painter, const QRect &area, const QModelIndex &index) {
+void QuestionDelegate::paintSign(QPainter &painter, const QStyleOptionViewItem &option,
+                                 const QModelIndex &index) {
     if (!index.data(QuestionModel::kIsKept).toBool()) {
         return;
     }
     const int size = sizedToFont(kSign);
-    const QRect sign(area.left(), area.center().y() - size / 2, size, size);
+    const auto mirrored = [&option](const QRect &place) {
+        return QStyle::visualRect(option.direction, option.rect, place);
+    };
+    const QPoint begin(option.rect.left() + sizedToFont(kMargin),
+                       option.rect.center().y() - size / 2);
+    const QRect sign = mirrored({begin, QSize(size, size)});
     const int colour = index.data(QuestionModel::kMark).toInt();
     if (colour < 0) {
         lineIcon(QStringLiteral("filter")).paint(&painter, sign);
@@ -104,7 +111,7 @@ void QuestionDelegate::paintSign(QPainter &painter, const QRect &area, const QMo
     painter.setBrush(QColor::fromRgb(look.tint));
     painter.drawRect(sign.adjusted(0, 0, -1, -1));
     painter.restore();
-    painter.fillRect(QRect(sign.topLeft(), QSize(size / 4, size)), QColor::fromRgb(look.line));
+    painter.fillRect(mirrored({begin, QSize(size / 4, size)}), QColor::fromRgb(look.line));
 }
 
 void QuestionDelegate::paintPill(QPainter &painter, const QStyleOptionViewItem &option, int left,
@@ -113,8 +120,9 @@ void QuestionDelegate::paintPill(QPainter &painter, const QStyleOptionViewItem &
     QFont small = option.font;
     small.setPointSizeF(small.pointSizeF() * 0.85);
     const int height = QFontMetrics(small).height() + 4;
-    const QRect area(left, option.rect.center().y() - height / 2 + 1, widthOf(small, text) + height,
-                     height);
+    const QRect area = QStyle::visualRect(option.direction, option.rect,
+                                          QRect(left, option.rect.center().y() - height / 2 + 1,
+                                                widthOf(small, text) + height, height));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(small);
     painter.setPen(QColor::fromRgb(lookOf(static_cast<MarkColour>(colour)).line));

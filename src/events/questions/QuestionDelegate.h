@@ -20,7 +20,8 @@ private:
     static void paintName(QPainter &painter, const QStyleOptionViewItem &option,
                           const QModelIndex &index);
     /// What stands before a kept filter's name.
-    static void paintSign(QPainter &painter, const QRect &area, const QModelIndex &index);
+    static void paintSign(QPainter &painter, const QStyleOptionViewItem &option,
+                          const QModelIndex &index);
     static void paintPill(QPainter &painter, const QStyleOptionViewItem &option, int left,
                           int colour);
 };

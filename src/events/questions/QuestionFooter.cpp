@@ -5,6 +5,7 @@
 #include "events/questions/MarkColours.h"
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/LetteredMenu.h"
 #include "platform/gui/PaintedText.h"
 #include "platform/gui/QtText.h"
 
@@ -110,7 +111,7 @@ void QuestionFooter::show(const SavedFilter *filter, const State &state) {
 }
 
 void QuestionFooter::openMarkMenu() {
-    auto *menu = new QMenu(m_mark);
+    auto *menu = new LetteredMenu(m_mark);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("findSavedColours"));
     menu->setLayoutDirection(layoutDirection());  // not the button's
@@ -134,7 +135,7 @@ void QuestionFooter::openMarkMenu() {
 }
 
 void QuestionFooter::openMoreMenu() {
-    auto *menu = new QMenu(m_more);
+    auto *menu = new LetteredMenu(m_more);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setObjectName(QStringLiteral("findSavedMenu"));
     const auto add = [&](const char *name, const QString &text, void (QuestionFooter::*what)(),

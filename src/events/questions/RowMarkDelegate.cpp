@@ -46,8 +46,15 @@ RowMarkDelegate::Pill RowMarkDelegate::pillFor(const RowMarks::Mark &mark,
     const int widest = std::min(kWidestName * metrics.averageCharWidth(), option.rect.width() / 2);
     const QString text = metrics.elidedText(paintedRow(mark.name), Qt::ElideRight, widest - height);
     const int width = metrics.horizontalAdvance(text) + height;
-    return {text, QRect(option.rect.right() - width - kGap,
-                        option.rect.center().y() - height / 2 + 1, width, height)};
+    const QRect area(option.rect.right() - width - kGap, option.rect.center().y() - height / 2 + 1,
+                     width, height);
+    return {text, QStyle::visualRect(option.direction, option.rect, area)};
+}
+
+QRect RowMarkDelegate::besidePill(const Pill &pill, const QStyleOptionViewItem &option) {
+    QRect rest = option.rect;
+    rest.setRight(QStyle::visualRect(option.direction, option.rect, pill.area).left() - kGap);
+    return QStyle::visualRect(option.direction, option.rect, rest);
 }
 
 void RowMarkDelegate::paintPill(QPainter &painter, const QStyleOptionViewItem &option,
@@ -81,11 +88,12 @@ void RowMarkDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
         option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter,
                                               option.widget);
         paintPill(*painter, option, pill, QColor::fromRgb(look.line));
-        item.rect.setRight(pill.area.left() - kGap);
+        item.rect = besidePill(pill, option);
     }
     MatchDelegate::paint(painter, item, index);
     if (isFirst(option, index)) {
-        painter->fillRect(QRect(option.rect.topLeft(), QSize(kBar, option.rect.height())),
+        const QRect bar(option.rect.topLeft(), QSize(kBar, option.rect.height()));
+        painter->fillRect(QStyle::visualRect(option.direction, option.rect, bar),
                           QColor::fromRgb(look.line));
     }
 }
@@ -104,7 +112,7 @@ bool RowMarkDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return true;
     }
     QStyleOptionViewItem item = option;
-    item.rect.setRight(pill.area.left() - kGap);
+    item.rect = besidePill(pill, option);
     return MatchDelegate::helpEvent(event, view, item, index);
 }
 

@@ -25,6 +25,8 @@ private:
     };
     [[nodiscard]] static Pill pillFor(const RowMarks::Mark &mark,
                                       const QStyleOptionViewItem &option);
+    /// What of a cell the pill leaves to its text.
+    [[nodiscard]] static QRect besidePill(const Pill &pill, const QStyleOptionViewItem &option);
     static void paintPill(QPainter &painter, const QStyleOptionViewItem &option, const Pill &pill,
                           const QColor &line);
 

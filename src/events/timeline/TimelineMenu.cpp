@@ -1,6 +1,7 @@
 #include "events/timeline/TimelineMenu.h"
 
 #include "events/timeline/Timeline.h"
+#include "platform/gui/LetteredMenu.h"
 #include "platform/gui/WindowMemory.h"
 
 #include <QAction>
@@ -17,7 +18,7 @@ const QString kKey = QStringLiteral("Timeline/stackedBy");
 }  // namespace
 
 TimelineMenu::TimelineMenu(Timeline &timeline)
-    : QObject(&timeline), m_timeline(timeline), m_menu(new QMenu(&timeline)) {
+    : QObject(&timeline), m_timeline(timeline), m_menu(new LetteredMenu(&timeline)) {
     m_menu->setObjectName(QStringLiteral("timelineMenu"));
     auto *group = new QActionGroup(m_menu);
     add("stackByRating", tr("Stack by &Rating"), EventGrouping::kRating);

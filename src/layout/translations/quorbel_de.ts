@@ -531,6 +531,177 @@
     </message>
 </context>
 <context>
+    <name>HostBoxes</name>
+    <message>
+        <source>Hosts</source>
+        <translation>Hosts</translation>
+    </message>
+    <message>
+        <source>Loudest hosts</source>
+        <translation>Lauteste Hosts</translation>
+    </message>
+    <message>
+        <source>last 24 hours</source>
+        <translation>letzte 24 Stunden</translation>
+    </message>
+    <message>
+        <source>All hosts</source>
+        <translation>Alle Hosts</translation>
+    </message>
+    <message>
+        <source>Open the list of all hosts</source>
+        <translation>Die Liste aller Hosts öffnen</translation>
+    </message>
+    <message>
+        <source>Fallen silent</source>
+        <translation>Verstummt</translation>
+    </message>
+    <message>
+        <source>Loudest hosts of the last 24 hours</source>
+        <translation>Lauteste Hosts der letzten 24 Stunden</translation>
+    </message>
+    <message>
+        <source>Return shows the events of a host</source>
+        <translation>Die Eingabetaste zeigt die Ereignisse eines Hosts</translation>
+    </message>
+    <message>
+        <source>Hosts that have fallen silent</source>
+        <translation>Hosts, die verstummt sind</translation>
+    </message>
+    <message>
+        <source>More hosts that have fallen silent</source>
+        <translation>Weitere Hosts, die verstummt sind</translation>
+    </message>
+    <message>
+        <source>Loudest</source>
+        <translation>Am lautesten</translation>
+    </message>
+    <message>
+        <source>The loudest host</source>
+        <translation>Der lauteste Host</translation>
+    </message>
+    <message>
+        <source>The second loudest host</source>
+        <translation>Der zweitlauteste Host</translation>
+    </message>
+    <message>
+        <source>The host that is silent for the longest</source>
+        <translation>Der Host, der am längsten stumm ist</translation>
+    </message>
+    <message>
+        <source>How silence stands</source>
+        <translation>Wie es um das Schweigen steht</translation>
+    </message>
+</context>
+<context>
+    <name>HostTexts</name>
+    <message>
+        <source>under 1 min</source>
+        <translation>unter 1 min</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 min</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 d %2 h</source>
+        <translation>%1 T %2 h</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>%1 h</source>
+        <translation>%1 h</translation>
+    </message>
+    <message>
+        <source>%1 d</source>
+        <translation>%1 T</translation>
+    </message>
+    <message>
+        <source>since %1</source>
+        <translation>seit %1</translation>
+    </message>
+    <message>
+        <source>d MMM</source>
+        <comment>date pattern</comment>
+        <translation>d. MMM</translation>
+    </message>
+    <message>
+        <source>Not expected any more.</source>
+        <translation>Wird nicht mehr erwartet.</translation>
+    </message>
+    <message>
+        <source>Not known for long enough to say what is usual.</source>
+        <translation>Noch nicht lange genug bekannt, um zu sagen, was üblich ist.</translation>
+    </message>
+    <message>
+        <source>Sends too irregularly for its silence to say anything.</source>
+        <translation>Sendet zu unregelmäßig, als dass sein Schweigen etwas sagte.</translation>
+    </message>
+    <message>
+        <source>Usually every %1, by day and by night. Overdue after %2.</source>
+        <translation>Gewöhnlich alle %1, bei Tag und Nacht. Überfällig nach %2.</translation>
+    </message>
+    <message>
+        <source>Usually every %1, in certain hours. Overdue when it misses %2 of these.</source>
+        <translation>Gewöhnlich alle %1, zu bestimmten Stunden. Überfällig, wenn er %2 davon versäumt.</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>&lt; 1 %</source>
+        <translation>&lt; 1 %</translation>
+    </message>
+    <message>
+        <source>d MMM yyyy</source>
+        <comment>date pattern</comment>
+        <translation>d. MMM yyyy</translation>
+    </message>
+</context>
+<context>
+    <name>HostsView</name>
+    <message>
+        <source>Hosts</source>
+        <translation>Hosts</translation>
+    </message>
+    <message>
+        <source>Return shows the events of a host</source>
+        <translation>Die Eingabetaste zeigt die Ereignisse eines Hosts</translation>
+    </message>
+    <message>
+        <source>Show events</source>
+        <translation>Ereignisse zeigen</translation>
+    </message>
+    <message>
+        <source>Show the events of the host</source>
+        <translation>Die Ereignisse des Hosts zeigen</translation>
+    </message>
+    <message>
+        <source>Open the events page with the events of the selected host alone</source>
+        <translation>Die Ereignisseite nur mit den Ereignissen des ausgewählten Hosts öffnen</translation>
+    </message>
+    <message>
+        <source>Stop expecting</source>
+        <translation>Nicht mehr erwarten</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Go back to where this list was opened</source>
+        <translation>Zurück dorthin, wo diese Liste geöffnet wurde</translation>
+    </message>
+</context>
+<context>
     <name>KnownText</name>
     <message>
         <source>Emergency</source>
@@ -816,6 +987,126 @@
         <source>&quot;%1&quot; names &quot;%2&quot;, which is no network</source>
         <translation>„%1“ nennt „%2“; das ist kein Netz</translation>
     </message>
+    <message>
+        <source>No mail server is set</source>
+        <translation>Kein Mailserver ist eingetragen</translation>
+    </message>
+    <message>
+        <source>There are no recipients</source>
+        <translation>Es gibt keine Empfänger</translation>
+    </message>
+    <message>
+        <source>The sender %1 is not a valid e-mail address</source>
+        <translation>Der Absender %1 ist keine gültige E-Mail-Adresse</translation>
+    </message>
+    <message>
+        <source>%1 is not a valid e-mail address</source>
+        <translation>%1 ist keine gültige E-Mail-Adresse</translation>
+    </message>
+    <message>
+        <source>The mail server&apos;s connection security %1 is not one of &quot;None&quot;, &quot;STARTTLS&quot; or &quot;SSL/TLS&quot;</source>
+        <translation>Für den Mailserver: %1 ist keine Verbindungssicherheit; es gibt „Keine“, „STARTTLS“ und „SSL/TLS“</translation>
+    </message>
+    <message>
+        <source>No connection security is chosen for the mail server</source>
+        <translation>Keine Verbindungssicherheit ist für den Mailserver gewählt</translation>
+    </message>
+    <message>
+        <source>the password is sent without encryption only with &quot;None&quot;</source>
+        <translation>das Passwort wird nur mit „Keine“ unverschlüsselt gesendet</translation>
+    </message>
+    <message>
+        <source>The name of the mail server is not valid: %1</source>
+        <translation>Der Name des Mailservers ist ungültig: %1</translation>
+    </message>
+    <message>
+        <source>The mail server %1 is not known</source>
+        <translation>Der Mailserver %1 ist nicht bekannt</translation>
+    </message>
+    <message>
+        <source>The mail server %1 cannot be reached on port %2</source>
+        <translation>Der Mailserver %1 ist an Port %2 nicht zu erreichen</translation>
+    </message>
+    <message>
+        <source>The mail server %1 did not answer in time</source>
+        <translation>Der Mailserver %1 hat nicht rechtzeitig geantwortet</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused the user name or the password: %2</source>
+        <translation>Der Mailserver %1 hat Benutzername oder Passwort abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused the user name or the password</source>
+        <translation>Der Mailserver %1 hat Benutzername oder Passwort abgelehnt</translation>
+    </message>
+    <message>
+        <source>The mail server %1 does not offer STARTTLS</source>
+        <translation>Der Mailserver %1 bietet STARTTLS nicht an</translation>
+    </message>
+    <message>
+        <source>The certificate of the mail server %1 is not trusted</source>
+        <translation>Dem Zertifikat des Mailservers %1 wird nicht vertraut</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused all recipients: %2</source>
+        <translation>Der Mailserver %1 hat alle Empfänger abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused all recipients</source>
+        <translation>Der Mailserver %1 hat alle Empfänger abgelehnt</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused the e-mail: %2</source>
+        <translation>Der Mailserver %1 hat die E-Mail abgelehnt: %2</translation>
+    </message>
+    <message>
+        <source>The mail server %1 refused the e-mail</source>
+        <translation>Der Mailserver %1 hat die E-Mail abgelehnt</translation>
+    </message>
+    <message>
+        <source>The mail server refused %1</source>
+        <translation>Der Mailserver hat abgelehnt: %1</translation>
+    </message>
+    <message>
+        <source>The e-mail could not be sent: %1</source>
+        <translation>Die E-Mail konnte nicht gesendet werden: %1</translation>
+    </message>
+    <message>
+        <source>The service is stopping</source>
+        <translation>Der Dienst wird gerade angehalten</translation>
+    </message>
+    <message>
+        <source>Too many commands are waiting</source>
+        <translation>Zu viele Befehle warten</translation>
+    </message>
+    <message>
+        <source>Too many e-mails are waiting</source>
+        <translation>Zu viele E-Mails warten</translation>
+    </message>
+    <message>
+        <source>the command ended with status %1</source>
+        <translation>der Befehl endete mit Status %1</translation>
+    </message>
+    <message>
+        <source>the command was killed by signal %1</source>
+        <translation>der Befehl wurde durch Signal %1 beendet</translation>
+    </message>
+    <message>
+        <source>the command took too long and was stopped</source>
+        <translation>der Befehl dauerte zu lange und wurde angehalten</translation>
+    </message>
+    <message>
+        <source>the command could not be stopped</source>
+        <translation>der Befehl ließ sich nicht anhalten</translation>
+    </message>
+    <message>
+        <source>%1 cannot be run: %2</source>
+        <translation>%1 lässt sich nicht ausführen: %2</translation>
+    </message>
+    <message>
+        <source>%1 is not the full path of a file</source>
+        <translation>%1 ist nicht der vollständige Pfad einer Datei</translation>
+    </message>
 </context>
 <context>
     <name>Language</name>
@@ -877,6 +1168,34 @@
     <message>
         <source>Learn more about this event...</source>
         <translation>Mehr über dieses Ereignis...</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>stays open</source>
+        <translation>bleibt offen</translation>
+    </message>
+    <message>
+        <source>Stays open while the pointer is over it</source>
+        <translation>Bleibt offen, solange der Mauszeiger darüber ist</translation>
+    </message>
+    <message>
+        <source>Waiting alerts</source>
+        <translation>Wartende Alarme</translation>
+    </message>
+    <message>
+        <source>Skip all</source>
+        <translation>Alle überspringen</translation>
+    </message>
+    <message>
+        <source>Skip all waiting alerts</source>
+        <translation>Alle wartenden Alarme überspringen</translation>
+    </message>
+    <message>
+        <source>Close this alert, and show none of those that wait (Shift+Esc)</source>
+        <translation>Diesen Alarm schließen und keinen der wartenden zeigen (Umschalt+Esc)</translation>
     </message>
 </context>
 <context>
@@ -1535,6 +1854,46 @@
         <source>Print the table as it is shown</source>
         <translation>Die Tabelle drucken, wie sie angezeigt wird</translation>
     </message>
+    <message>
+        <source>What was read</source>
+        <translation>Was gelesen wurde</translation>
+    </message>
+    <message>
+        <source>Largest first</source>
+        <translation>Größte zuerst</translation>
+    </message>
+    <message>
+        <source>Largest groups first</source>
+        <translation>Größte Gruppen zuerst</translation>
+    </message>
+    <message>
+        <source>Show the groups with the most events first; exports and prints keep the order in which they first appear</source>
+        <translation>Die Gruppen mit den meisten Ereignissen zuerst zeigen; beim Exportieren und Drucken bleibt die Reihenfolge, in der sie zum ersten Mal vorkommen</translation>
+    </message>
+    <message>
+        <source>Expand all</source>
+        <translation>Alle aufklappen</translation>
+    </message>
+    <message>
+        <source>Expand all groups</source>
+        <translation>Alle Gruppen aufklappen</translation>
+    </message>
+    <message>
+        <source>Show the events of all groups (key * in the table)</source>
+        <translation>Die Ereignisse aller Gruppen zeigen (Taste * in der Tabelle)</translation>
+    </message>
+    <message>
+        <source>Collapse all</source>
+        <translation>Alle zuklappen</translation>
+    </message>
+    <message>
+        <source>Collapse all groups</source>
+        <translation>Alle Gruppen zuklappen</translation>
+    </message>
+    <message>
+        <source>Hide the events of all groups (key / in the table)</source>
+        <translation>Die Ereignisse aller Gruppen verbergen (Taste / in der Tabelle)</translation>
+    </message>
 </context>
 <context>
     <name>ScanView</name>
@@ -1651,6 +2010,69 @@
     </message>
 </context>
 <context>
+    <name>ThresholdForm</name>
+    <message>
+        <source>Only after</source>
+        <translation>Erst nach</translation>
+    </message>
+    <message>
+        <source>Only after several matches</source>
+        <translation>Erst nach mehreren Treffern</translation>
+    </message>
+    <message>
+        <source>Let the action act only when several events have matched within some time</source>
+        <translation>Die Aktion erst handeln lassen, wenn in einer bestimmten Zeit mehrere Ereignisse zutrafen</translation>
+    </message>
+    <message>
+        <source>How many matches</source>
+        <translation>Wie viele Treffer</translation>
+    </message>
+    <message>
+        <source>1 to 1000 matches</source>
+        <translation>1 bis 1000 Treffer</translation>
+    </message>
+    <message>
+        <source>How many matches, stepper</source>
+        <translation>Wie viele Treffer, Drehfeld</translation>
+    </message>
+    <message>
+        <source>matches within</source>
+        <translation>Treffern in</translation>
+    </message>
+    <message>
+        <source>Within how many minutes</source>
+        <translation>In wie vielen Minuten</translation>
+    </message>
+    <message>
+        <source>1 to 1440 minutes, which is a day</source>
+        <translation>1 bis 1440 Minuten, das ist ein Tag</translation>
+    </message>
+    <message>
+        <source>Within how many minutes, stepper</source>
+        <translation>In wie vielen Minuten, Drehfeld</translation>
+    </message>
+    <message>
+        <source>minutes</source>
+        <translation>Minuten</translation>
+    </message>
+    <message>
+        <source>Of which hosts</source>
+        <translation>Von welchen Hosts</translation>
+    </message>
+    <message>
+        <source>Count the matches of all hosts together, or those of each host for itself</source>
+        <translation>Die Treffer aller Hosts zusammen zählen oder die jedes Hosts für sich</translation>
+    </message>
+    <message>
+        <source>in all</source>
+        <translation>insgesamt</translation>
+    </message>
+    <message>
+        <source>from one host</source>
+        <translation>von einem Host</translation>
+    </message>
+</context>
+<context>
     <name>ToolsView</name>
     <message>
         <source>Tools</source>
@@ -1691,6 +2113,18 @@
     <message>
         <source>Let the service write the events to a text file or to a database file every few minutes.</source>
         <translation>Den Dienst die Ereignisse alle paar Minuten in eine Textdatei oder eine Datenbankdatei schreiben lassen.</translation>
+    </message>
+    <message>
+        <source>Hosts</source>
+        <translation>Hosts</translation>
+    </message>
+    <message>
+        <source>Open the list of hosts</source>
+        <translation>Die Liste der Hosts öffnen</translation>
+    </message>
+    <message>
+        <source>See who sends how much and how often, since when, and who has fallen silent.</source>
+        <translation>Sehen, wer wie viel und wie oft sendet, seit wann, und wer verstummt ist.</translation>
     </message>
 </context>
 <context>
@@ -1766,6 +2200,14 @@
     <message>
         <source>Save</source>
         <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>What came of the last test e-mail</source>
+        <translation>Was aus der letzten Test-E-Mail wurde</translation>
+    </message>
+    <message>
+        <source>What came of the actions</source>
+        <translation>Was aus den Aktionen wurde</translation>
     </message>
 </context>
 <context>
@@ -2120,6 +2562,18 @@
         <source>Send all options to the service and go back (Ctrl+S)</source>
         <translation>Alle Optionen an den Dienst senden und zurück (Strg+S)</translation>
     </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Play the sound file</source>
+        <translation>Die Tondatei abspielen</translation>
+    </message>
+    <message>
+        <source>Hear the chosen sound now</source>
+        <translation>Den gewählten Ton jetzt hören</translation>
+    </message>
 </context>
 <context>
     <name>WindowController</name>
@@ -2265,6 +2719,56 @@ DIESES PROGRAMM UND DAS ZUGEHÖRIGE SCHRIFTLICHE MATERIAL WERDEN „WIE BESEHEN�
     </message>
 </context>
 <context>
+    <name>quorbel::ActionResults</name>
+    <message>
+        <source>Action</source>
+        <translation>Aktion</translation>
+    </message>
+    <message>
+        <source>Carried Out</source>
+        <translation>Ausgeführt</translation>
+    </message>
+    <message>
+        <source>Last</source>
+        <translation>Zuletzt</translation>
+    </message>
+    <message>
+        <source>Last Problem</source>
+        <translation>Letztes Problem</translation>
+    </message>
+    <message>
+        <source>Since the service started at %1, or since the action was changed last</source>
+        <translation>Seit der Dienst gestartet ist (%1) oder die Aktion zuletzt geändert wurde</translation>
+    </message>
+    <message>
+        <source>has nothing to do</source>
+        <translation>hat nichts zu tun</translation>
+    </message>
+    <message>
+        <source>cannot be told</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>the service does not have it so</source>
+        <translation>der Dienst hat sie nicht so</translation>
+    </message>
+    <message>
+        <source>never</source>
+        <translation>nie</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 times</source>
+        <translation>
+            <numerusform>%1-mal</numerusform>
+            <numerusform>%1-mal</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>once</source>
+        <translation>einmal</translation>
+    </message>
+</context>
+<context>
     <name>quorbel::ActionView</name>
     <message>
         <source>Quorbel Action</source>
@@ -2297,6 +2801,43 @@ DIESES PROGRAMM UND DAS ZUGEHÖRIGE SCHRIFTLICHE MATERIAL WERDEN „WIE BESEHEN�
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ChartLegend</name>
+    <message>
+        <source>No events yet</source>
+        <translation>Noch keine Ereignisse</translation>
+    </message>
+    <message>
+        <source>last 24 h</source>
+        <translation>letzte 24 h</translation>
+    </message>
+    <message>
+        <source>day before</source>
+        <translation>Tag davor</translation>
+    </message>
+    <message>
+        <source>last 24 hours</source>
+        <translation>letzte 24 Stunden</translation>
+    </message>
+    <message>
+        <source>the day before</source>
+        <translation>der Tag davor</translation>
+    </message>
+    <message>
+        <source>midnight</source>
+        <translation>Mitternacht</translation>
+    </message>
+    <message>
+        <source>Charts: %1</source>
+        <translation>Diagramme: %1</translation>
+    </message>
+    <message>
+        <source>Columns: the hours of the last day. Outline: the same hours the day before.
+The height is the square root of the count, on a scale of each card&apos;s own.</source>
+        <translation>Säulen: die Stunden des letzten Tages. Umriss: dieselben Stunden am Tag davor.
+Die Höhe ist die Quadratwurzel der Anzahl, in einem eigenen Maßstab je Karte.</translation>
     </message>
 </context>
 <context>
@@ -2334,6 +2875,37 @@ What is not in the log will not be listed after the next start.</source>
         <translation>%1.
 
 Was nicht im Protokoll steht, fehlt nach dem nächsten Start in der Liste.</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::EmailTestAnswer</name>
+    <message>
+        <source>Test e-mail: waiting for the answer...</source>
+        <translation>Test-E-Mail: wartet auf die Antwort...</translation>
+    </message>
+    <message>
+        <source>Test e-mail: waiting for the answer for %1 s...</source>
+        <translation>Test-E-Mail: wartet seit %1 s auf die Antwort...</translation>
+    </message>
+    <message>
+        <source>No answer yet; the journal of the service tells what comes</source>
+        <translation>Noch keine Antwort; das Journal des Dienstes sagt, was daraus wird</translation>
+    </message>
+    <message>
+        <source>No answer: the service does not run, or you may not send commands to it</source>
+        <translation>Keine Antwort: Der Dienst läuft nicht, oder Sie dürfen ihm keine Befehle senden</translation>
+    </message>
+    <message>
+        <source>The mail server has taken it</source>
+        <translation>Der Mailserver hat sie angenommen</translation>
+    </message>
+    <message>
+        <source>Test e-mail, %1: %2</source>
+        <translation>Test-E-Mail, %1: %2</translation>
+    </message>
+    <message>
+        <source>No test e-mail was sent yet</source>
+        <translation>Es wurde noch keine Test-E-Mail gesendet</translation>
     </message>
 </context>
 <context>
@@ -2490,6 +3062,36 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     </message>
 </context>
 <context>
+    <name>quorbel::ExportResult</name>
+    <message>
+        <source>What came of it cannot be told: %1</source>
+        <translation>Was daraus wurde, ist unbekannt: %1</translation>
+    </message>
+    <message>
+        <source>The service does not write it now</source>
+        <translation>Der Dienst schreibt sie zurzeit nicht</translation>
+    </message>
+    <message>
+        <source>Never written since the service started at %1</source>
+        <translation>Nicht geschrieben, seit der Dienst gestartet ist (%1)</translation>
+    </message>
+    <message numerus="yes">
+        <source>Written last at %1, %2 times since the service started at %3</source>
+        <translation>
+            <numerusform>Zuletzt geschrieben: %1, %2-mal, seit der Dienst gestartet ist (%3)</numerusform>
+            <numerusform>Zuletzt geschrieben: %1, %2-mal, seit der Dienst gestartet ist (%3)</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Last problem, at %1</source>
+        <translation>Letztes Problem: %1</translation>
+    </message>
+    <message>
+        <source>Written at %1, once since the service started at %2</source>
+        <translation>Geschrieben: %1, einmal, seit der Dienst gestartet ist (%2)</translation>
+    </message>
+</context>
+<context>
     <name>quorbel::FileIcons</name>
     <message>
         <source>Folder</source>
@@ -2553,6 +3155,53 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::FilterEffect</name>
+    <message>
+        <source>Counting…</source>
+        <translation>Wird gezählt …</translation>
+    </message>
+    <message>
+        <source>Nothing would arrive any more.</source>
+        <translation>Es käme nichts mehr an.</translation>
+    </message>
+    <message>
+        <source>Today: %1.</source>
+        <translation>Heute: %1.</translation>
+    </message>
+    <message>
+        <source>Perhaps, as only the host&apos;s name is known: %1.</source>
+        <translation>Vielleicht, da nur der Name des Hosts bekannt ist: %1.</translation>
+    </message>
+    <message>
+        <source>No events are listed yet.</source>
+        <translation>Es sind noch keine Ereignisse gelistet.</translation>
+    </message>
+    <message>
+        <source>It would have left out all %1 listed events.</source>
+        <translation>Er hätte alle %1 gelisteten Ereignisse ausgelassen.</translation>
+    </message>
+    <message>
+        <source>It would have accepted all %1 listed events.</source>
+        <translation>Er hätte alle %1 gelisteten Ereignisse durchgelassen.</translation>
+    </message>
+    <message>
+        <source>It would have matched all %1 listed events.</source>
+        <translation>Sie hätte auf alle %1 gelisteten Ereignisse zugetroffen.</translation>
+    </message>
+    <message>
+        <source>It would have left out %1 of %2 listed events.</source>
+        <translation>Er hätte %1 von %2 gelisteten Ereignissen ausgelassen.</translation>
+    </message>
+    <message>
+        <source>It would have accepted %1 of %2 listed events.</source>
+        <translation>Er hätte %1 von %2 gelisteten Ereignissen durchgelassen.</translation>
+    </message>
+    <message>
+        <source>It would have matched %1 of %2 listed events.</source>
+        <translation>Sie hätte auf %1 von %2 gelisteten Ereignissen zugetroffen.</translation>
     </message>
 </context>
 <context>
@@ -2735,8 +3384,8 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
 <context>
     <name>quorbel::FindHost</name>
     <message>
-        <source>* is any text, ? one character; 10.0.0.0/8 a network; ! excludes; commas separate several</source>
-        <translation>* ist beliebiger Text, ? ein Zeichen; 10.0.0.0/8 ein Netz; ! schließt aus; Kommas trennen mehrere</translation>
+        <source>* is any text, ? one character; 10.0.0.0/8 a network; &quot;a*&quot; that name; ! excludes; commas separate several</source>
+        <translation>* ist beliebiger Text, ? ein Zeichen; 10.0.0.0/8 ein Netz; &quot;a*&quot; dieser Name; ! schließt aus; Kommas trennen mehrere</translation>
     </message>
     <message>
         <source>Host</source>
@@ -2838,16 +3487,20 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <translation>Schweregrad</translation>
     </message>
     <message>
-        <source>Show only events at least as severe as you choose</source>
-        <translation>Nur Ereignisse zeigen, die mindestens so schwer sind wie gewählt</translation>
-    </message>
-    <message>
         <source>Any severity</source>
         <translation>Jeder Schweregrad</translation>
     </message>
     <message>
         <source>%1 and worse</source>
         <translation>%1 und schwerer</translation>
+    </message>
+    <message>
+        <source>Show only events at least as severe as you choose, or of one severity</source>
+        <translation>Nur Ereignisse zeigen, die mindestens so schwer sind, wie Sie wählen, oder nur einen Schweregrad</translation>
+    </message>
+    <message>
+        <source>Only %1</source>
+        <translation>Nur %1</translation>
     </message>
 </context>
 <context>
@@ -2994,6 +3647,218 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     </message>
 </context>
 <context>
+    <name>quorbel::HostBoxes</name>
+    <message>
+        <source>Cannot be told</source>
+        <translation>Lässt sich nicht sagen</translation>
+    </message>
+    <message>
+        <source>not connected</source>
+        <translation>nicht verbunden</translation>
+    </message>
+    <message>
+        <source>No events yet</source>
+        <translation>Noch keine Ereignisse</translation>
+    </message>
+    <message>
+        <source>Nothing from any host</source>
+        <translation>Von keinem Host etwas</translation>
+    </message>
+    <message>
+        <source>1 other on time</source>
+        <translation>1 anderer pünktlich</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 others on time</source>
+        <translation>
+            <numerusform>%1 andere pünktlich</numerusform>
+            <numerusform>%1 andere pünktlich</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>No host is overdue</source>
+        <translation>Kein Host ist überfällig</translation>
+    </message>
+    <message>
+        <source>1 sends regularly</source>
+        <translation>1 sendet regelmäßig</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 send regularly</source>
+        <translation>
+            <numerusform>%1 senden regelmäßig</numerusform>
+            <numerusform>%1 senden regelmäßig</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Learning the habits</source>
+        <translation>Lernt die Gewohnheiten</translation>
+    </message>
+    <message>
+        <source>tells from %1 on</source>
+        <translation>sagt es ab %1</translation>
+    </message>
+    <message>
+        <source>d MMM</source>
+        <comment>date pattern</comment>
+        <translation>d. MMM</translation>
+    </message>
+    <message>
+        <source>Nobody is expected</source>
+        <translation>Niemand wird erwartet</translation>
+    </message>
+    <message>
+        <source>no host sends regularly</source>
+        <translation>kein Host sendet regelmäßig</translation>
+    </message>
+    <message>
+        <source>No events in the last 24 hours</source>
+        <translation>Keine Ereignisse in den letzten 24 Stunden</translation>
+    </message>
+    <message>
+        <source>and %1 more</source>
+        <translation>und %1 weitere</translation>
+    </message>
+    <message>
+        <source>Loudest</source>
+        <translation>Am lautesten</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::HostTableModel</name>
+    <message>
+        <source>Host</source>
+        <translation>Host</translation>
+    </message>
+    <message>
+        <source>First seen</source>
+        <translation>Zuerst gesehen</translation>
+    </message>
+    <message>
+        <source>Last seen</source>
+        <translation>Zuletzt gesehen</translation>
+    </message>
+    <message>
+        <source>Today</source>
+        <translation>Heute</translation>
+    </message>
+    <message>
+        <source>Daily mean</source>
+        <translation>Tagesmittel</translation>
+    </message>
+    <message>
+        <source>Severe</source>
+        <translation>Schwer</translation>
+    </message>
+    <message>
+        <source>Usual gap</source>
+        <translation>Üblicher Abstand</translation>
+    </message>
+    <message>
+        <source>Silent for</source>
+        <translation>Stumm seit</translation>
+    </message>
+    <message>
+        <source>As the service reports it</source>
+        <translation>Wie der Dienst ihn meldet</translation>
+    </message>
+    <message>
+        <source>The oldest event that the log held when the window was started</source>
+        <translation>Das älteste Ereignis, das im Protokoll stand, als das Fenster gestartet wurde</translation>
+    </message>
+    <message>
+        <source>The event that came last</source>
+        <translation>Das Ereignis, das zuletzt kam</translation>
+    </message>
+    <message>
+        <source>Events that came since midnight</source>
+        <translation>Ereignisse, die seit Mitternacht kamen</translation>
+    </message>
+    <message>
+        <source>Events a day, without today</source>
+        <translation>Ereignisse pro Tag, ohne heute</translation>
+    </message>
+    <message>
+        <source>Share of events that are rated severe</source>
+        <translation>Anteil der Ereignisse, die als schwer bewertet sind</translation>
+    </message>
+    <message>
+        <source>How often the host usually sends</source>
+        <translation>Wie oft der Host gewöhnlich sendet</translation>
+    </message>
+    <message>
+        <source>For how long nothing has come</source>
+        <translation>Wie lange nichts gekommen ist</translation>
+    </message>
+    <message>
+        <source>not expected</source>
+        <translation>nicht erwartet</translation>
+    </message>
+    <message>
+        <source>learning</source>
+        <translation>lernt noch</translation>
+    </message>
+    <message>
+        <source>irregular</source>
+        <translation>unregelmäßig</translation>
+    </message>
+    <message>
+        <source>%1, overdue</source>
+        <translation>%1, überfällig</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::HostsView</name>
+    <message>
+        <source>No host has sent anything yet.</source>
+        <translation>Noch hat kein Host etwas gesendet.</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Name</source>
+        <translation>&amp;Namen kopieren</translation>
+    </message>
+    <message>
+        <source>Show &amp;Events</source>
+        <translation>&amp;Ereignisse zeigen</translation>
+    </message>
+    <message>
+        <source>1 host</source>
+        <translation>1 Host</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 hosts</source>
+        <translation>
+            <numerusform>%1 Hosts</numerusform>
+            <numerusform>%1 Hosts</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1, %2 overdue</source>
+        <comment>after the number of hosts</comment>
+        <translation>%1, %2 überfällig</translation>
+    </message>
+    <message>
+        <source>%1; there were more than can be told apart</source>
+        <translation>%1; es waren mehr, als sich unterscheiden lassen</translation>
+    </message>
+    <message>
+        <source>Expect again</source>
+        <translation>Wieder erwarten</translation>
+    </message>
+    <message>
+        <source>Stop expecting</source>
+        <translation>Nicht mehr erwarten</translation>
+    </message>
+    <message>
+        <source>Say again when it falls silent</source>
+        <translation>Wieder sagen, wenn er verstummt</translation>
+    </message>
+    <message>
+        <source>Say no more that it has fallen silent</source>
+        <translation>Nicht mehr sagen, dass er verstummt ist</translation>
+    </message>
+</context>
+<context>
     <name>quorbel::LongTextField</name>
     <message>
         <source>&amp;Copy</source>
@@ -3002,6 +3867,13 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>Select All</source>
         <translation>Alles auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::LoudestHosts</name>
+    <message>
+        <source>%1: %2 events in 24 hours, the day before %3</source>
+        <translation>%1: %2 Ereignisse in 24 Stunden, am Tag davor %3</translation>
     </message>
 </context>
 <context>
@@ -3090,6 +3962,45 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <source>Message:</source>
         <translation>Meldung:</translation>
     </message>
+    <message>
+        <source>Date: %1</source>
+        <translation>Datum: %1</translation>
+    </message>
+    <message>
+        <source>dddd d MMM, HH:mm</source>
+        <translation>dddd, d. MMM, HH:mm</translation>
+    </message>
+    <message>
+        <source>d MMM yyyy, HH:mm</source>
+        <translation>d. MMM yyyy, HH:mm</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 more</source>
+        <translation>
+            <numerusform>%1 weiterer</numerusform>
+            <numerusform>%1 weitere</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Waiting alerts: %1</source>
+        <translation>Wartende Alarme: %1</translation>
+    </message>
+    <message>
+        <source>ddd d MMM, HH:mm</source>
+        <translation>ddd d. MMM, HH:mm</translation>
+    </message>
+    <message>
+        <source>d MMM, HH:mm</source>
+        <translation>d. MMM, HH:mm</translation>
+    </message>
+    <message>
+        <source>HH:mm</source>
+        <translation>HH:mm</translation>
+    </message>
+    <message>
+        <source>d MMM yyyy</source>
+        <translation>d. MMM yyyy</translation>
+    </message>
 </context>
 <context>
     <name>quorbel::PopupWindow</name>
@@ -3166,6 +4077,10 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     <message>
         <source>before %1</source>
         <translation>vor %1</translation>
+    </message>
+    <message>
+        <source>only %1</source>
+        <translation>nur %1</translation>
     </message>
 </context>
 <context>
@@ -3361,6 +4276,158 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
     </message>
 </context>
 <context>
+    <name>quorbel::RemovalEffect</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>Saving removes 1 event now, for good.</source>
+        <translation>Speichern entfernt jetzt 1 Ereignis endgültig.</translation>
+    </message>
+    <message numerus="yes">
+        <source>Saving removes %1 events now, for good.</source>
+        <translation>
+            <numerusform>Speichern entfernt jetzt %1 Ereignis endgültig.</numerusform>
+            <numerusform>Speichern entfernt jetzt %1 Ereignisse endgültig.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Counting…</source>
+        <translation>Wird gezählt …</translation>
+    </message>
+    <message>
+        <source>Saving removes none of the listed events now.</source>
+        <translation>Speichern entfernt jetzt keines der gelisteten Ereignisse.</translation>
+    </message>
+    <message>
+        <source>Not counted: the events that wait while the list is held.</source>
+        <translation>Nicht gezählt: die Ereignisse, die warten, während die Liste angehalten ist.</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ReportCounts</name>
+    <message>
+        <source>1 host</source>
+        <translation>1 Host</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 hosts</source>
+        <translation>
+            <numerusform>%1 Host</numerusform>
+            <numerusform>%1 Hosts</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 message</source>
+        <translation>1 Meldung</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 messages</source>
+        <translation>
+            <numerusform>%1 Meldung</numerusform>
+            <numerusform>%1 Meldungen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 priority</source>
+        <translation>1 Priorität</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 priorities</source>
+        <translation>
+            <numerusform>%1 Priorität</numerusform>
+            <numerusform>%1 Prioritäten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 date</source>
+        <translation>1 Datum</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 dates</source>
+        <translation>
+            <numerusform>%1 Datum</numerusform>
+            <numerusform>%1 Daten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 event</source>
+        <translation>1 Ereignis</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 events</source>
+        <translation>
+            <numerusform>%1 Ereignis</numerusform>
+            <numerusform>%1 Ereignisse</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 line read</source>
+        <translation>1 Zeile gelesen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 lines read</source>
+        <translation>
+            <numerusform>%1 Zeile gelesen</numerusform>
+            <numerusform>%1 Zeilen gelesen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 skipped</source>
+        <translation>%1 übersprungen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ReportPrinter</name>
+    <message>
+        <source>Page %1 of %2</source>
+        <translation>Seite %1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 (continued)</source>
+        <translation>%1 (Fortsetzung)</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ReportPrinting</name>
+    <message>
+        <source>Please select a file to print to:</source>
+        <translation>Bitte wählen Sie die Datei, in die gedruckt wird:</translation>
+    </message>
+    <message>
+        <source>Number the pages, and repeat a group&apos;s name where it goes on</source>
+        <translation>Seiten nummerieren und den Namen einer Gruppe wiederholen, wo sie weitergeht</translation>
+    </message>
+    <message>
+        <source>&quot;Page 2 of 7&quot; in the margin, and the group at the top of each page that goes on with its events</source>
+        <translation>„Seite 2 von 7“ am Rand, und die Gruppe am Anfang jeder Seite, auf der ihre Ereignisse weitergehen</translation>
+    </message>
+    <message>
+        <source>Printing the report</source>
+        <translation>Der Bericht wird gedruckt</translation>
+    </message>
+    <message>
+        <source>Rows printed</source>
+        <translation>Gedruckte Zeilen</translation>
+    </message>
+    <message>
+        <source>No page was printed</source>
+        <translation>Es wurde keine Seite gedruckt</translation>
+    </message>
+    <message>
+        <source>The report has only one page.</source>
+        <translation>Der Bericht hat nur eine Seite.</translation>
+    </message>
+    <message numerus="yes">
+        <source>The report has %1 pages.</source>
+        <translation>
+            <numerusform>Der Bericht hat %1 Seite.</numerusform>
+            <numerusform>Der Bericht hat %1 Seiten.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>quorbel::ReportTableModel</name>
     <message>
         <source>Date</source>
@@ -3379,20 +4446,42 @@ Richten Sie die Syslog-Ausgabe Ihrer Geräte auf diesen Computer, dann erscheine
         <translation>Meldung</translation>
     </message>
     <message>
-        <source>%1, expanded</source>
-        <translation>%1, aufgeklappt</translation>
+        <source>&lt; 1 %</source>
+        <translation>&lt; 1 %</translation>
     </message>
     <message>
-        <source>%1, collapsed</source>
-        <translation>%1, zugeklappt</translation>
+        <source>&gt; 99 %</source>
+        <translation>&gt; 99 %</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1, expanded, 1 event, %2</source>
+        <translation>%1, aufgeklappt, 1 Ereignis, %2</translation>
+    </message>
+    <message>
+        <source>%1, collapsed, 1 event, %2</source>
+        <translation>%1, zugeklappt, 1 Ereignis, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, expanded, %2 events, %3</source>
+        <translation>
+            <numerusform>%1, aufgeklappt, %2 Ereignis, %3</numerusform>
+            <numerusform>%1, aufgeklappt, %2 Ereignisse, %3</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%1, collapsed, %2 events, %3</source>
+        <translation>
+            <numerusform>%1, zugeklappt, %2 Ereignis, %3</numerusform>
+            <numerusform>%1, zugeklappt, %2 Ereignisse, %3</numerusform>
+        </translation>
     </message>
 </context>
 <context>
     <name>quorbel::ReportsView</name>
-    <message>
-        <source>Please select a file to print to:</source>
-        <translation>Bitte wählen Sie die Datei, in die gedruckt wird:</translation>
-    </message>
     <message>
         <source>No report yet.
 Choose what to group the events by and which log to read, then press Display.</source>
@@ -3419,28 +4508,28 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
         <source>No events in the chosen log.</source>
         <translation>Keine Ereignisse im gewählten Protokoll.</translation>
     </message>
+</context>
+<context>
+    <name>quorbel::ResultTexts</name>
     <message>
-        <source>Printing the report</source>
-        <translation>Der Bericht wird gedruckt</translation>
+        <source>the service is being asked</source>
+        <translation>der Dienst wird gefragt</translation>
     </message>
     <message>
-        <source>Rows printed</source>
-        <translation>Gedruckte Zeilen</translation>
+        <source>the service that runs is too old to tell it</source>
+        <translation>der laufende Dienst ist zu alt, um es zu sagen</translation>
     </message>
     <message>
-        <source>No page was printed</source>
-        <translation>Es wurde keine Seite gedruckt</translation>
+        <source>you may not ask the service</source>
+        <translation>Sie dürfen den Dienst nicht fragen</translation>
     </message>
     <message>
-        <source>The report has only one page.</source>
-        <translation>Der Bericht hat nur eine Seite.</translation>
+        <source>the service does not run</source>
+        <translation>der Dienst läuft nicht</translation>
     </message>
-    <message numerus="yes">
-        <source>The report has %1 pages.</source>
-        <translation>
-            <numerusform>Der Bericht hat %1 Seite.</numerusform>
-            <numerusform>Der Bericht hat %1 Seiten.</numerusform>
-        </translation>
+    <message>
+        <source>the service does not answer</source>
+        <translation>der Dienst antwortet nicht</translation>
     </message>
 </context>
 <context>
@@ -3532,6 +4621,489 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
     </message>
 </context>
 <context>
+    <name>quorbel::ServiceDetails</name>
+    <message>
+        <source>Sender</source>
+        <translation>Absender</translation>
+    </message>
+    <message>
+        <source>Why</source>
+        <translation>Warum</translation>
+    </message>
+    <message>
+        <source>How often</source>
+        <translation>Wie oft</translation>
+    </message>
+    <message>
+        <source>Last</source>
+        <translation>Zuletzt</translation>
+    </message>
+    <message>
+        <source>Counter</source>
+        <translation>Zähler</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>Anzahl</translation>
+    </message>
+    <message>
+        <source>Meaning</source>
+        <translation>Bedeutung</translation>
+    </message>
+    <message>
+        <source>Service</source>
+        <translation>Dienst</translation>
+    </message>
+    <message>
+        <source>Refused, last senders first</source>
+        <translation>Abgewiesen, letzte Absender zuerst</translation>
+    </message>
+    <message>
+        <source>Of a sender that is not listed here and of which no event came, nothing reached the service: look at its address and port, and at the firewall.</source>
+        <translation>Von einem Absender, der hier nicht steht und von dem kein Ereignis kam, hat den Dienst nichts erreicht: Prüfen Sie, an welche Adresse und welchen Port er sendet, und die Firewall.</translation>
+    </message>
+    <message>
+        <source>Counted since it started</source>
+        <translation>Seit dem Start gezählt</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Asking the service</source>
+        <translation>Der Dienst wird gefragt</translation>
+    </message>
+    <message>
+        <source>QuorbelSrv %1, running since %2, listens on %3.</source>
+        <translation>QuorbelSrv %1, läuft seit %2, empfängt auf %3.</translation>
+    </message>
+    <message>
+        <source>Nothing was refused.</source>
+        <translation>Nichts wurde abgewiesen.</translation>
+    </message>
+    <message>
+        <source>Cannot be told</source>
+        <translation>Lässt sich nicht sagen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ServiceLine</name>
+    <message>
+        <source>Service</source>
+        <translation>Dienst</translation>
+    </message>
+    <message>
+        <source>Problem</source>
+        <translation>Problem</translation>
+    </message>
+    <message>
+        <source>Details</source>
+        <translation>Einzelheiten</translation>
+    </message>
+    <message>
+        <source>Details of the service</source>
+        <translation>Details zum Dienst</translation>
+    </message>
+    <message>
+        <source>What the service counted, and what it refused from whom</source>
+        <translation>Was der Dienst gezählt hat, und was er von wem abgewiesen hat</translation>
+    </message>
+    <message>
+        <source>Service: %1</source>
+        <translation>Dienst: %1</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ServiceRows</name>
+    <message>
+        <source>Messages received</source>
+        <translation>Empfangene Meldungen</translation>
+    </message>
+    <message>
+        <source>Messages that came in</source>
+        <translation>Eingegangene Meldungen</translation>
+    </message>
+    <message>
+        <source>Malformed</source>
+        <translation>Fehlerhaft</translation>
+    </message>
+    <message>
+        <source>Without a usable priority or header, empty, or cut; all but the empty ones are stored</source>
+        <translation>Ohne brauchbare Priorität oder brauchbaren Kopf, leer oder abgeschnitten; alle bis auf die leeren werden gespeichert</translation>
+    </message>
+    <message>
+        <source>Stored</source>
+        <translation>Gespeichert</translation>
+    </message>
+    <message>
+        <source>Events in the log files; a long message is several</source>
+        <translation>Ereignisse in den Protokolldateien; eine lange Meldung ergibt mehrere</translation>
+    </message>
+    <message>
+        <source>Not stored</source>
+        <translation>Nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>Events for which there was no room or no file: make room</source>
+        <translation>Ereignisse, für die kein Platz oder keine Datei da war: Schaffen Sie Platz</translation>
+    </message>
+    <message>
+        <source>Dropped</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>UDP messages that came faster than they could be read: let busy senders use TCP</source>
+        <translation>UDP-Meldungen, die schneller kamen, als sie gelesen werden konnten: Lassen Sie Sender, die viel senden, TCP verwenden</translation>
+    </message>
+    <message>
+        <source>Not told</source>
+        <translation>Nicht mitgeteilt</translation>
+    </message>
+    <message>
+        <source>Changes that an open window was not told of: open it again</source>
+        <translation>Änderungen, die ein offenes Fenster nicht erfahren hat: Öffnen Sie es neu</translation>
+    </message>
+    <message>
+        <source>Connections closed</source>
+        <translation>Geschlossene Verbindungen</translation>
+    </message>
+    <message>
+        <source>Idle connections that made room for new ones</source>
+        <translation>Untätige Verbindungen, die neuen Platz machten</translation>
+    </message>
+    <message>
+        <source>Closed unread</source>
+        <translation>Ungelesen geschlossen</translation>
+    </message>
+    <message>
+        <source>Connections closed before all that had arrived was read</source>
+        <translation>Verbindungen, die geschlossen wurden, bevor alles Eingetroffene gelesen war</translation>
+    </message>
+    <message>
+        <source>Stray texts</source>
+        <translation>Texte dazwischen</translation>
+    </message>
+    <message>
+        <source>Messages between the counted ones of a connection: the sender counts wrong</source>
+        <translation>Meldungen zwischen den gezählten einer Verbindung: Der Sender zählt falsch</translation>
+    </message>
+    <message>
+        <source>Bytes skipped</source>
+        <translation>Ausgelassene Bytes</translation>
+    </message>
+    <message>
+        <source>What messages over TCP had beyond 65,536 bytes</source>
+        <translation>Was Meldungen über TCP jenseits von 65.536 Bytes enthielten</translation>
+    </message>
+    <message>
+        <source>TLS failures</source>
+        <translation>Gescheitertes TLS</translation>
+    </message>
+    <message>
+        <source>TLS connections that failed: most often a certificate</source>
+        <translation>TLS-Verbindungen, die nicht zustande kamen: meist wegen eines Zertifikats</translation>
+    </message>
+    <message>
+        <source>Filtered</source>
+        <translation>Gefiltert</translation>
+    </message>
+    <message>
+        <source>Messages that filters left out</source>
+        <translation>Meldungen, die Filter ausgelassen haben</translation>
+    </message>
+    <message>
+        <source>Removed</source>
+        <translation>Entfernt</translation>
+    </message>
+    <message>
+        <source>Events removed because of their age</source>
+        <translation>Ereignisse, die ihres Alters wegen entfernt wurden</translation>
+    </message>
+    <message>
+        <source>Names looked up</source>
+        <translation>Gesuchte Namen</translation>
+    </message>
+    <message>
+        <source>Senders&apos; names that were asked for</source>
+        <translation>Namen von Sendern, nach denen gefragt wurde</translation>
+    </message>
+    <message>
+        <source>Names found</source>
+        <translation>Gefundene Namen</translation>
+    </message>
+    <message>
+        <source>Those of them that were found</source>
+        <translation>Diejenigen davon, die gefunden wurden</translation>
+    </message>
+    <message>
+        <source>Names not looked up</source>
+        <translation>Nicht gesuchte Namen</translation>
+    </message>
+    <message>
+        <source>Look-ups left out because too many were waiting</source>
+        <translation>Suchen, die ausblieben, weil schon zu viele warteten</translation>
+    </message>
+    <message>
+        <source>Events set</source>
+        <translation>Gesetzte Ereignisse</translation>
+    </message>
+    <message>
+        <source>Events that actions made</source>
+        <translation>Ereignisse, die Aktionen erzeugt haben</translation>
+    </message>
+    <message>
+        <source>Actions held back</source>
+        <translation>Zurückgehaltene Aktionen</translation>
+    </message>
+    <message>
+        <source>What actions did not do because it came too often</source>
+        <translation>Was Aktionen nicht getan haben, weil es zu oft kam</translation>
+    </message>
+    <message>
+        <source>Commands run</source>
+        <translation>Ausgeführte Befehle</translation>
+    </message>
+    <message>
+        <source>Commands of actions that were started</source>
+        <translation>Befehle von Aktionen, die gestartet wurden</translation>
+    </message>
+    <message>
+        <source>Commands not run</source>
+        <translation>Nicht ausgeführte Befehle</translation>
+    </message>
+    <message>
+        <source>Those that could not be started, or for which too many waited</source>
+        <translation>Solche, die sich nicht starten ließen oder für die schon zu viele warteten</translation>
+    </message>
+    <message>
+        <source>E-mails sent</source>
+        <translation>Gesendete E-Mails</translation>
+    </message>
+    <message>
+        <source>E-mails that the mail server took for somebody</source>
+        <translation>E-Mails, die der Mailserver für jemanden angenommen hat</translation>
+    </message>
+    <message>
+        <source>E-mails dropped</source>
+        <translation>Verlorene E-Mails</translation>
+    </message>
+    <message>
+        <source>E-mails that at least one recipient did not get</source>
+        <translation>E-Mails, die mindestens ein Empfänger nicht bekommen hat</translation>
+    </message>
+    <message>
+        <source>Journal lines dropped</source>
+        <translation>Verlorene Journalzeilen</translation>
+    </message>
+    <message>
+        <source>Lines that the journal did not take in time</source>
+        <translation>Zeilen, die das Journal nicht rechtzeitig angenommen hat</translation>
+    </message>
+    <message>
+        <source>Perhaps not on disk</source>
+        <translation>Vielleicht nicht auf dem Datenträger</translation>
+    </message>
+    <message>
+        <source>Stored events that the disk would not confirm: look at it</source>
+        <translation>Gespeicherte Ereignisse, die der Datenträger nicht bestätigt hat: Prüfen Sie ihn</translation>
+    </message>
+    <message>
+        <source>No include filter matches</source>
+        <translation>Kein Einschlussfilter trifft zu</translation>
+    </message>
+    <message>
+        <source>Kept out by the filter %1</source>
+        <translation>Ausgelassen vom Filter %1</translation>
+    </message>
+    <message>
+        <source>Too long, the rest is not stored</source>
+        <translation>Zu lang, der Rest ist nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>Connection closed to make room</source>
+        <translation>Verbindung geschlossen, um Platz zu machen</translation>
+    </message>
+    <message>
+        <source>TLS failed</source>
+        <translation>TLS kam nicht zustande</translation>
+    </message>
+    <message>
+        <source>Wrong port</source>
+        <translation>Falscher Port</translation>
+    </message>
+    <message>
+        <source>Matches below threshold</source>
+        <translation>Treffer unter der Schwelle</translation>
+    </message>
+    <message>
+        <source>Matches at which an action waited for its threshold</source>
+        <translation>Treffer, bei denen eine Aktion auf ihre Schwelle wartete</translation>
+    </message>
+    <message>
+        <source>Threshold hosts forgotten</source>
+        <translation>Vergessene Hosts von Schwellen</translation>
+    </message>
+    <message>
+        <source>Hosts for which a threshold had no room: narrow its filter</source>
+        <translation>Hosts, für die eine Schwelle keinen Platz hatte: ihren Filter enger fassen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ServiceTexts</name>
+    <message>
+        <source>There is no system bus</source>
+        <translation>Es gibt keinen Systembus</translation>
+    </message>
+    <message>
+        <source>The service does not run</source>
+        <translation>Der Dienst läuft nicht</translation>
+    </message>
+    <message>
+        <source>The service does not answer</source>
+        <translation>Der Dienst antwortet nicht</translation>
+    </message>
+    <message>
+        <source>Asking the service</source>
+        <translation>Der Dienst wird gefragt</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Verbunden</translation>
+    </message>
+    <message>
+        <source>Not connected</source>
+        <translation>Nicht verbunden</translation>
+    </message>
+    <message>
+        <source>Since %1</source>
+        <translation>Seit %1</translation>
+    </message>
+    <message>
+        <source>Last event %1 ago</source>
+        <translation>Letztes Ereignis vor %1</translation>
+    </message>
+    <message>
+        <source>No event yet</source>
+        <translation>Noch kein Ereignis</translation>
+    </message>
+    <message>
+        <source>The rest cannot be told</source>
+        <translation>Mehr lässt sich nicht sagen</translation>
+    </message>
+    <message>
+        <source>No access: join the group quorbel</source>
+        <translation>Kein Zugriff: Treten Sie der Gruppe quorbel bei</translation>
+    </message>
+    <message>
+        <source>No settings saved yet: nothing is ever removed</source>
+        <translation>Noch keine Einstellungen gespeichert: Nichts wird je entfernt</translation>
+    </message>
+    <message>
+        <source>The last save was not taken</source>
+        <translation>Das letzte Speichern wurde nicht angenommen</translation>
+    </message>
+    <message>
+        <source>%1 filtered</source>
+        <translation>%1 gefiltert</translation>
+    </message>
+    <message>
+        <source>%1 not stored</source>
+        <translation>%1 nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>%1 dropped</source>
+        <translation>%1 verloren</translation>
+    </message>
+    <message>
+        <source>%1 not told</source>
+        <translation>%1 nicht mitgeteilt</translation>
+    </message>
+    <message>
+        <source>Port %1</source>
+        <translation>Port %1</translation>
+    </message>
+    <message>
+        <source>Another program listens on port %1</source>
+        <translation>Auf Port %1 empfängt ein anderes Programm</translation>
+    </message>
+    <message>
+        <source>Nobody listens on port %1</source>
+        <translation>Auf Port %1 empfängt niemand</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 min</translation>
+    </message>
+    <message>
+        <source>%1 h</source>
+        <translation>%1 h</translation>
+    </message>
+    <message>
+        <source>%1 d</source>
+        <translation>%1 d</translation>
+    </message>
+    <message>
+        <source>Cannot be told: only members of the groups quorbel and quorbel-readers may ask the service.</source>
+        <translation>Lässt sich nicht sagen: Nur Mitglieder der Gruppen quorbel und quorbel-readers dürfen den Dienst fragen.</translation>
+    </message>
+    <message>
+        <source>Cannot be told: the service that runs is an older one.</source>
+        <translation>Lässt sich nicht sagen: Es läuft ein älterer Dienst.</translation>
+    </message>
+    <message>
+        <source>Cannot be told: %1.</source>
+        <translation>Lässt sich nicht sagen: %1.</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::SeverityCard</name>
+    <message>
+        <source>Makes the rating severe</source>
+        <translation>Macht die Bewertung schwer</translation>
+    </message>
+    <message>
+        <source>Hours</source>
+        <translation>Stunden</translation>
+    </message>
+    <message>
+        <source>24 h: %1</source>
+        <translation>24 h: %1</translation>
+    </message>
+    <message>
+        <source>Last 24 hours: %1</source>
+        <translation>Letzte 24 Stunden: %1</translation>
+    </message>
+    <message>
+        <source>%1 to now</source>
+        <translation>%1 bis jetzt</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <translation>%1 bis %2</translation>
+    </message>
+    <message>
+        <source>Click: show the %1 events</source>
+        <translation>Klick: die Ereignisse „%1“ zeigen</translation>
+    </message>
+    <message>
+        <source>%1, last 24 hours: %2</source>
+        <translation>%1, letzte 24 Stunden: %2</translation>
+    </message>
+    <message>
+        <source>%1; the day before: %2</source>
+        <translation>%1; am Tag davor: %2</translation>
+    </message>
+    <message>
+        <source>%1: %2, day before %3</source>
+        <translation>%1: %2, am Tag davor %3</translation>
+    </message>
+</context>
+<context>
     <name>quorbel::SeverityControls</name>
     <message>
         <source>Remove %1 events after some time</source>
@@ -3583,10 +5155,43 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
     </message>
 </context>
 <context>
+    <name>quorbel::ShowingOptions</name>
+    <message>
+        <source>Not a date format: dates would be empty</source>
+        <translation>Kein Datumsformat: Datumsangaben wären leer</translation>
+    </message>
+    <message>
+        <source>Example: %1</source>
+        <translation>Beispiel: %1</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::SilentHosts</name>
+    <message>
+        <source>usually every %1</source>
+        <translation>gewöhnlich alle %1</translation>
+    </message>
+    <message>
+        <source>%1: silent %2, %3</source>
+        <translation>%1: stumm %2, %3</translation>
+    </message>
+</context>
+<context>
     <name>quorbel::SoundOptions</name>
     <message>
         <source>Please select sound file name with &apos;aif&apos; extension:</source>
         <translation>Bitte wählen Sie eine Tondatei mit der Endung „aif“:</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::SoundTrial</name>
+    <message>
+        <source>It cannot be played: it is no sound file, or there is no sound device</source>
+        <translation>Lässt sich nicht abspielen: keine Tondatei, oder es gibt kein Tongerät</translation>
+    </message>
+    <message>
+        <source>There is no such file: no sound will be heard</source>
+        <translation>Es gibt keine solche Datei: Es wird kein Ton zu hören sein</translation>
     </message>
 </context>
 <context>
@@ -3602,6 +5207,40 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
     <message>
         <source>Rows written</source>
         <translation>Geschriebene Zeilen</translation>
+    </message>
+</context>
+<context>
+    <name>quorbel::ThresholdForm</name>
+    <message>
+        <source>1 minute</source>
+        <translation>1 Minute</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 minutes</source>
+        <translation>
+            <numerusform>%1 Minute</numerusform>
+            <numerusform>%1 Minuten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The stored threshold cannot be used: acts at each match</source>
+        <translation>Die gespeicherte Schwelle ist unbrauchbar: handelt bei jedem Treffer</translation>
+    </message>
+    <message>
+        <source>Acts at each match</source>
+        <translation>Handelt bei jedem Treffer</translation>
+    </message>
+    <message>
+        <source>Without both numbers: acts at each match</source>
+        <translation>Ohne beide Zahlen: handelt bei jedem Treffer</translation>
+    </message>
+    <message>
+        <source>Then this host pauses for %1</source>
+        <translation>Danach Pause je Host: %1</translation>
+    </message>
+    <message>
+        <source>Then it pauses for %1</source>
+        <translation>Danach Pause: %1</translation>
     </message>
 </context>
 <context>

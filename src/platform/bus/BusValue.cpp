@@ -185,6 +185,8 @@ std::optional<Value> readBoolean(sd_bus_message *message) {
     return boolean ? std::optional<Value>(*boolean != 0) : std::nullopt;
 }
 
+}  // namespace
+
 std::optional<Value> readBasicValue(sd_bus_message *message, char type) {
     switch (type) {
         case SD_BUS_TYPE_STRING:
@@ -222,6 +224,8 @@ std::optional<Value> readData(sd_bus_message *message) {
     }
     return Data{std::string(static_cast<const char *>(bytes), size)};
 }
+
+namespace {
 
 std::optional<Value> readArray(sd_bus_message *message, int containers) {
     if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "v") <= 0) {

@@ -21,4 +21,11 @@ int appendToMessage(sd_bus_message *message, const Dictionary &dictionary);
 /// Reads an `a{sv}`. Nothing when the message holds another type or a value nests too deep.
 std::optional<Dictionary> readFromMessage(sd_bus_message *message);
 
+/// Reads a number, boolean or text of that type, integers as integers. Nothing when another type
+/// comes next, or when that is none of these.
+std::optional<Value> readBasicValue(sd_bus_message *message, char type);
+
+/// Reads an array of bytes as data. Nothing when another type comes next.
+std::optional<Value> readData(sd_bus_message *message);
+
 }  // namespace quorbel

@@ -19,8 +19,6 @@ namespace quorbel::bus {
 
 namespace {
 
-constexpr std::size_t kMessageLimit = 1024UL * 1024UL;
-
 // About the bytes that a value takes in a message, on the high side.
 std::size_t sizeInMessage(const Value &value) {
     constexpr std::size_t kVariant = 16;  // signature, length and padding
@@ -42,35 +40,48 @@ std::size_t sizeInMessage(const Value &value) {
     return size;
 }
 
-int appendAsFile(sd_bus_message *message, const Value &command) {
+bool fitsInMessage(const CommandDelivery::Command &command) {
+    const auto *value = std::get_if<Value>(&command);
+    return value != nullptr && fitsOnBus(*value) && sizeInMessage(*value) <= kMessageLimit;
+}
+
+bool writeArchive(CommandDelivery::Command command, int fd) {
+    if (auto *lines = std::get_if<LineCommand>(&command)) {
+        return std::move(*lines).writeArchive(fd);
+    }
+    const std::string bytes = writeKeyedArchive(std::get<Value>(command));
+    return writeFully(fd, bytes) == bytes.size();
+}
+
+int appendAsFile(sd_bus_message *message, CommandDelivery::Command command) {
+    errno = 0;
     const UniqueFd file(memfd_create("quorbel-command", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const std::string bytes = writeKeyedArchive(command);
-    if (!file.isOpen() || writeFully(file.get(), bytes) != bytes.size() ||
+    if (!file.isOpen() || !writeArchive(std::move(command), file.get()) ||
         fcntl(file.get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) !=
             0) {
-        return -errno;
+        return errno != 0 ? -errno : -EIO;
     }
     const int descriptor = file.get();
     return sd_bus_message_append_basic(message, SD_BUS_TYPE_UNIX_FD, &descriptor);
 }
 
 // The connection is ready: whether it passes descriptors is known only then.
-MessagePointer newCall(sd_bus *bus, const Value &command) {
-    const bool asMessage = fitsOnBus(command) && sizeInMessage(command) <= kMessageLimit;
+MessagePointer newCall(sd_bus *bus, CommandDelivery::Command command) {
+    const bool asMessage = fitsInMessage(command);
     sd_bus_message *message = nullptr;
     if (sd_bus_message_new_method_call(bus, &message, kServiceName, kServicePath, kCommandInterface,
                                        asMessage ? kSetCommand : kSetCommandFile) < 0) {
         return nullptr;
     }
     MessagePointer call(message);
-    const int result = asMessage ? appendToMessage(message, *command.dictionary())
-                                 : appendAsFile(message, command);
+    const int result = asMessage ? appendToMessage(message, *std::get<Value>(command).dictionary())
+                                 : appendAsFile(message, std::move(command));
     return result < 0 ? nullptr : std::move(call);
 }
 
 }  // namespace
 
-CommandDelivery::CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply,
+CommandDelivery::CommandDelivery(Command command, const CommandSender::ReplyHandler &onReply,
                                  CommandSender::AnswerHandler onAnswer)
     : m_command(std::move(command)),
       m_onReply(onReply),
@@ -174,8 +185,7 @@ bool CommandDelivery::askWhetherRouted() {
 }
 
 bool CommandDelivery::call() {
-    const MessagePointer message = newCall(m_bus.get(), m_command);
-    m_command = Value();
+    const MessagePointer message = newCall(m_bus.get(), std::exchange(m_command, Value()));
     const std::chrono::microseconds limit = kReplyLimit;
     return message != nullptr &&
            sd_bus_call_async(m_bus.get(), nullptr, message.get(), &onMessage, this,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/LineCommand.h"
 #include "platform/Value.h"
 #include "platform/bus/CommandSender.h"
 #include "platform/bus/SdBus.h"
@@ -7,10 +8,15 @@
 #include <poll.h>
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <variant>
 
 namespace quorbel::bus {
+
+/// A command with more bytes than this travels as a file.
+inline constexpr std::size_t kMessageLimit = 1024UL * 1024UL;
 
 /// One command on its way to the service, over a connection of its own. It never waits: its owner
 /// polls input() until nextTime() and then calls process(). For use on one thread.
@@ -22,9 +28,12 @@ public:
     static constexpr std::chrono::seconds kOrderLimit{5};
     static constexpr std::chrono::minutes kReplyLimit{5};
 
+    /// A dictionary, or lines that are too many for a message.
+    using Command = std::variant<Value, LineCommand>;
+
     /// Begins to connect. `onReply` outlives the delivery and is called from within process();
     /// `onAnswer`, which may be empty, with the reply there or with nothing when the delivery ends.
-    CommandDelivery(Dictionary command, const CommandSender::ReplyHandler &onReply,
+    CommandDelivery(Command command, const CommandSender::ReplyHandler &onReply,
                     CommandSender::AnswerHandler onAnswer = {});
     CommandDelivery(const CommandDelivery &) = delete;
     CommandDelivery &operator=(const CommandDelivery &) = delete;
@@ -55,7 +64,7 @@ private:
     void enter(State state, std::chrono::seconds limit);
     void finish();
 
-    Value m_command;
+    Command m_command;
     const CommandSender::ReplyHandler &m_onReply;
     CommandSender::AnswerHandler m_onAnswer;  // empty once it was called
     State m_state = State::kConnecting;

@@ -35,7 +35,7 @@ constexpr std::size_t kConnectionLimit = 64;
 
 struct CommandSender::Impl {
     struct Waiting {
-        Dictionary command;
+        CommandDelivery::Command command;
         AnswerHandler onAnswer;
     };
 
@@ -183,7 +183,15 @@ CommandSender::CommandSender(ReplyHandler onReply)
 CommandSender::~CommandSender() = default;
 
 void CommandSender::send(Dictionary command, AnswerHandler onAnswer) {
-    m_impl->send({std::move(command), std::move(onAnswer)});
+    m_impl->send({Value(std::move(command)), std::move(onAnswer)});
+}
+
+void CommandSender::send(LineCommand command, AnswerHandler onAnswer) {
+    if (command.textSize() <= bus::kMessageLimit) {
+        send(command.toDictionary(), std::move(onAnswer));
+    } else {
+        m_impl->send({std::move(command), std::move(onAnswer)});
+    }
 }
 
 bool CommandSender::waitUntilIdle(std::chrono::milliseconds limit) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/LineCommand.h"
 #include "platform/Value.h"
 
 #include <chrono>
@@ -33,6 +34,8 @@ public:
     /// Returns at once, whatever the state of the bus and the service. Commands reach the service
     /// in the order in which they were handed over. Call from one thread.
     void send(Dictionary command, AnswerHandler onAnswer = {});
+    /// The same for the dictionary that these lines stand for: where it is large, none is made.
+    void send(LineCommand command, AnswerHandler onAnswer = {});
 
     /// Waits until every command handed over was answered or given up; false when `limit` passed
     /// first.

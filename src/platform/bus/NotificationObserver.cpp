@@ -1,12 +1,12 @@
 #include "platform/bus/NotificationObserver.h"
 
 #include "platform/bus/BusNames.h"
+#include "platform/bus/NotificationInfo.h"
 #include "platform/bus/SdBus.h"
 
 #include <poll.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -22,10 +22,6 @@ constexpr std::chrono::seconds kConnectLimit{10};
 
 constexpr const char *kBusName = "org.freedesktop.DBus";
 constexpr const char *kBusPath = "/org/freedesktop/DBus";
-
-// sd-bus refuses texts that the bus passes on: those with a code point that Unicode keeps from
-// being a character. Nothing leads past such a text.
-constexpr std::string_view kUnreadable = "\xEF\xBF\xBD";
 
 std::string notificationRule() {
     return std::string("type='signal',sender='") + bus::kServiceName + "',path='" +
@@ -44,68 +40,29 @@ bool isFrom(sd_bus_message *message, std::string_view sender) {
     return actual != nullptr && actual == sender;
 }
 
-enum class Read { kText, kOther, kRefused };
-
-Read readText(sd_bus_message *message, std::string_view &text) {
-    const char *start = nullptr;
-    if (sd_bus_message_read_basic(message, SD_BUS_TYPE_STRING, &start) <= 0) {
-        return Read::kRefused;
-    }
-    text = start;
-    return Read::kText;
-}
-
-// A variant of another type is skipped.
-Read readVariantText(sd_bus_message *message, std::string_view &text) {
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, "s") <= 0) {
-        return sd_bus_message_skip(message, "v") < 0 ? Read::kRefused : Read::kOther;
-    }
-    const Read read = readText(message, text);
-    return sd_bus_message_exit_container(message) < 0 ? Read::kRefused : read;
-}
-
-// Reads entries up to the end; false at one that sd-bus refuses to read or to pass over, with
-// kUnreadable for its value.
-bool readEntries(sd_bus_message *message, bool variants, NotificationObserver::UserInfo &userInfo) {
-    const char *members = variants ? "sv" : "ss";
-    while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, members) > 0) {
-        std::string_view key;
-        std::string_view value;
-        if (readText(message, key) == Read::kRefused) {
-            return false;
-        }
-        const Read read = variants ? readVariantText(message, value) : readText(message, value);
-        if (read != Read::kOther) {
-            userInfo.emplace_back(key, read == Read::kText ? value : kUnreadable);
-        }
-        if (read == Read::kRefused || sd_bus_message_exit_container(message) < 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// Fills `userInfo` from an a{ss}, or from the texts of an a{sv}, as far as sd-bus reads them; false
-// when the message holds neither.
-bool readUserInfo(sd_bus_message *message, NotificationObserver::UserInfo &userInfo) {
-    userInfo.clear();
-    char type = '\0';
-    const char *contents = nullptr;
-    if (sd_bus_message_peek_type(message, &type, &contents) <= 0 || type != SD_BUS_TYPE_ARRAY) {
+bool readRuns(sd_bus_message *message, std::vector<NotificationBatch::Extent> &runs) {
+    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "(st)") <= 0) {
         return false;
     }
-    const bool variants = std::strcmp(contents, "{sv}") == 0;
-    if ((!variants && std::strcmp(contents, "{ss}") != 0) ||
-        sd_bus_message_enter_container(message, type, variants ? "{sv}" : "{ss}") <= 0) {
-        return false;
+    const char *type = nullptr;
+    std::uint64_t bytes = 0;
+    while (sd_bus_message_read(message, "(st)", &type, &bytes) > 0) {
+        runs.push_back({type, bytes});
     }
-    return !readEntries(message, variants, userInfo) || sd_bus_message_exit_container(message) >= 0;
+    return sd_bus_message_exit_container(message) >= 0;
+}
+
+// Whether nobody has answered in time.
+bool isTooLate(sd_bus_message *reply) {
+    return sd_bus_message_is_method_error(reply, SD_BUS_ERROR_TIMEOUT) > 0 ||
+           sd_bus_message_is_method_error(reply, SD_BUS_ERROR_NO_REPLY) > 0;
 }
 
 }  // namespace
 
 struct NotificationObserver::Impl {
     Handler handler;
+    NotificationFollower *follower = nullptr;
     BusPointer connection;
     bool subscribed = false;
     bool failed = false;
@@ -115,8 +72,14 @@ struct NotificationObserver::Impl {
     // The bus lets anyone address a signal to this connection; only the owner's count.
     std::string serviceOwner;
     UserInfo userInfo;
+    bus::SlotPointer listening;  // the answer that is waited for
 
     explicit Impl(Handler notificationHandler) : handler(std::move(notificationHandler)) {
+        connect();
+    }
+    explicit Impl(NotificationFollower &notificationFollower)
+        : handler([this](const UserInfo &info) { follower->notified(info); }),
+          follower(&notificationFollower) {
         connect();
     }
 
@@ -137,14 +100,45 @@ struct NotificationObserver::Impl {
                                         "GetNameOwner", &Impl::onOwner, this, "s",
                                         bus::kServiceName) >= 0 &&
                sd_bus_add_match_async(connection.get(), nullptr, notificationRule().c_str(),
-                                      &Impl::onNotification, &Impl::onAllSubscribed, this) >= 0;
+                                      &Impl::onNotification, &Impl::onAllSubscribed, this) >= 0 &&
+               // What is addressed to this connection needs no rule of the bus.
+               (follower == nullptr ||
+                sd_bus_add_filter(connection.get(), nullptr, &Impl::onAddressed, this) >= 0);
     }
 
     void disconnect() {
+        listening.reset();
         connection.reset();
         subscribed = false;
         serviceOwner.clear();
         retry = Clock::now() + kRetryInterval;
+        if (follower != nullptr) {
+            follower->serviceWent();
+        }
+    }
+
+    void setOwner(const char *owner) {
+        serviceOwner = owner;
+        listening.reset();
+        if (follower == nullptr) {
+            return;
+        }
+        if (serviceOwner.empty()) {
+            follower->serviceWent();
+        } else {
+            listen();
+        }
+    }
+
+    void listen() {
+        follower->askedToListen();
+        sd_bus_slot *slot = nullptr;
+        if (sd_bus_call_method_async(connection.get(), &slot, serviceOwner.c_str(),
+                                     bus::kServicePath, bus::kNotificationInterface, bus::kListen,
+                                     &Impl::onListening, this, nullptr) < 0) {
+            follower->hearsSinglesOnly();
+        }
+        listening.reset(slot);
     }
 
     static int onSubscribed(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
@@ -164,7 +158,7 @@ struct NotificationObserver::Impl {
         const char *owner = nullptr;
         if (sd_bus_message_is_method_error(reply, nullptr) == 0 &&
             sd_bus_message_read_basic(reply, SD_BUS_TYPE_STRING, &owner) > 0) {
-            static_cast<Impl *>(self)->serviceOwner = owner;
+            static_cast<Impl *>(self)->setOwner(owner);
         }
         return 1;
     }
@@ -175,17 +169,101 @@ struct NotificationObserver::Impl {
         const char *after = nullptr;
         if (isFrom(message, kBusName) &&
             sd_bus_message_read(message, "sss", &name, &before, &after) > 0) {
-            static_cast<Impl *>(self)->serviceOwner = after;
+            static_cast<Impl *>(self)->setOwner(after);
+        }
+        return 1;
+    }
+
+    static int onListening(sd_bus_message *reply, void *self, sd_bus_error * /*error*/) {
+        auto *impl = static_cast<Impl *>(self);
+        const bus::SlotPointer answered = std::move(impl->listening);
+        Checkpoint now;
+        std::uint64_t waiting = 0;
+        if (isTooLate(reply)) {
+            // It was stopped, or the machine slept.
+            impl->listen();
+        } else if (sd_bus_message_is_method_error(reply, nullptr) == 0 &&
+                   bus::readCheckpoint(reply, now) > 0 &&
+                   sd_bus_message_read(reply, "t", &waiting) > 0 && waiting <= now.sets) {
+            impl->follower->listens(now, waiting);
+        } else {
+            impl->follower->hearsSinglesOnly();
         }
         return 1;
     }
 
     static int onNotification(sd_bus_message *message, void *self, sd_bus_error * /*error*/) {
         auto *impl = static_cast<Impl *>(self);
-        if (isFrom(message, impl->serviceOwner) && readUserInfo(message, impl->userInfo)) {
+        if (isFrom(message, impl->serviceOwner) &&
+            bus::readNotificationInfo(message, impl->userInfo)) {
             impl->handler(impl->userInfo);
         }
         return 1;
+    }
+
+    static int onAddressed(sd_bus_message *message, void *self, sd_bus_error * /*error*/) {
+        auto *impl = static_cast<Impl *>(self);
+        const auto isSignal = [message](const char *member) {
+            return sd_bus_message_is_signal(message, bus::kNotificationInterface, member) > 0;
+        };
+        if (isSignal(bus::kBatch) && isFrom(message, impl->serviceOwner)) {
+            impl->takeBatch(message);
+        } else if (isSignal(bus::kCheckpoint) && isFrom(message, impl->serviceOwner)) {
+            std::uint64_t number = 0;
+            Checkpoint checkpoint;
+            if (sd_bus_message_read(message, "t", &number) > 0 &&
+                bus::readCheckpoint(message, checkpoint) > 0) {
+                impl->follower->checkpointCame(number, checkpoint);
+            }
+        }
+        return 0;
+    }
+
+    void takeBatch(sd_bus_message *message) const {
+        std::uint64_t number = 0;
+        int file = -1;
+        std::vector<NotificationBatch::Extent> runs;
+        Checkpoint before;
+        Checkpoint behind;
+        if (sd_bus_message_read(message, "th", &number, &file) > 0 && readRuns(message, runs) &&
+            bus::readCheckpoint(message, before) > 0 && bus::readCheckpoint(message, behind) > 0) {
+            follower->batchCame(number, NotificationBatch::read(file, runs), before, behind);
+        }
+    }
+
+    /// Whether there may be more to do at once; negative when the connection is lost.
+    int step(Clock::time_point end) {
+        if (follower == nullptr) {
+            return sd_bus_process(connection.get(), nullptr);
+        }
+        int result = 1;
+        if (follower->isBusy()) {
+            follower->work(end);
+        } else {
+            result = sd_bus_process(connection.get(), nullptr);
+        }
+        carryOut(follower->takeRequests());
+        return result < 0 ? result : static_cast<int>(result > 0 || follower->isBusy());
+    }
+
+    void carryOut(const NotificationFollower::Requests &requests) {
+        if (serviceOwner.empty()) {
+            return;
+        }
+        if (requests.taken) {
+            sd_bus_message *made = nullptr;
+            sd_bus_message_new_method_call(connection.get(), &made, serviceOwner.c_str(),
+                                           bus::kServicePath, bus::kNotificationInterface,
+                                           bus::kTaken);
+            const bus::MessagePointer call(made);
+            if (call && sd_bus_message_append(call.get(), "t", *requests.taken) >= 0 &&
+                sd_bus_message_set_expect_reply(call.get(), 0) >= 0) {
+                sd_bus_send(connection.get(), call.get(), nullptr);
+            }
+        }
+        if (requests.listen) {
+            listen();
+        }
     }
 
     bool dispatch(std::chrono::milliseconds slice) {
@@ -198,7 +276,7 @@ struct NotificationObserver::Impl {
         const auto end = Clock::now() + slice;
         int result = 0;
         do {
-            result = sd_bus_process(connection.get(), nullptr);
+            result = step(end);
         } while (result > 0 && Clock::now() < end);
         if (result < 0 || failed || (!subscribed && Clock::now() >= connectLimit)) {
             disconnect();
@@ -209,6 +287,9 @@ struct NotificationObserver::Impl {
 
 NotificationObserver::NotificationObserver(Handler handler)
     : m_impl(std::make_unique<Impl>(std::move(handler))) {}
+
+NotificationObserver::NotificationObserver(NotificationFollower &follower)
+    : m_impl(std::make_unique<Impl>(follower)) {}
 
 NotificationObserver::~NotificationObserver() = default;
 

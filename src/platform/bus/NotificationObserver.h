@@ -1,12 +1,11 @@
 #pragma once
 
+#include "platform/bus/NotificationFollower.h"
+
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 namespace quorbel {
 
@@ -18,13 +17,13 @@ namespace quorbel {
 /// fd() changes when that happens.
 class NotificationObserver {
 public:
-    /// Keys and values of one notification's user information, in the order sent. Entries that are
-    /// no strings are left out. A text with a noncharacter, such as U+FFFE, is handed over as
-    /// U+FFFD, and the entries behind it are missing. The views live as long as the call.
-    using UserInfo = std::vector<std::pair<std::string_view, std::string_view>>;
+    using UserInfo = NotificationInfo;
     using Handler = std::function<void(const UserInfo &userInfo)>;
 
+    /// Hears single notifications only.
     explicit NotificationObserver(Handler handler);
+    /// Listens to all that the service tells. The follower outlives the observer.
+    explicit NotificationObserver(NotificationFollower &follower);
     ~NotificationObserver();
     NotificationObserver(const NotificationObserver &) = delete;
     NotificationObserver &operator=(const NotificationObserver &) = delete;
@@ -41,7 +40,8 @@ public:
     [[nodiscard]] std::optional<std::chrono::milliseconds> timeout() const;
 
     /// Handles what has arrived, for at most about `slice`, and connects again when it is time to.
-    /// Returns whether more is waiting already. Does nothing when called from within the handler.
+    /// Returns whether more is waiting already, or the follower is busy. Does nothing when called
+    /// from within the handler.
     bool dispatch(std::chrono::milliseconds slice);
 
 private:

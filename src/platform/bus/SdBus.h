@@ -19,6 +19,12 @@ struct UnrefMessage {
 };
 using MessagePointer = std::unique_ptr<sd_bus_message, UnrefMessage>;
 
+struct UnrefSlot {
+    void operator()(sd_bus_slot *slot) const { sd_bus_slot_unref(slot); }
+};
+/// Once this is gone, what was called or watched for is not heard of any more.
+using SlotPointer = std::unique_ptr<sd_bus_slot, UnrefSlot>;
+
 using Clock = std::chrono::steady_clock;
 
 /// Connections that have begun to open; null when the bus refuses at once. Neither waits: whether

@@ -2,13 +2,14 @@
 
 #include "platform/gui/FontSize.h"
 #include "platform/gui/Icons.h"
+#include "platform/gui/MnemonicStyle.h"
+#include "platform/gui/Mnemonics.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QFont>
 #include <QPalette>
 #include <QRegularExpression>
-#include <QStyleFactory>
 
 #include <algorithm>
 #include <array>
@@ -84,7 +85,8 @@ QString styleSheet(double pointSize) {
 }  // namespace
 
 void applyAppearance(QApplication &application) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    const auto *mnemonics = new Mnemonics(application);
+    QApplication::setStyle(new MnemonicStyle(QStringLiteral("Fusion"), *mnemonics));
     QApplication::setPalette(lightPalette());
     const QFont font = baseFont(QApplication::font());
     QApplication::setFont(font);

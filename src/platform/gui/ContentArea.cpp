@@ -20,7 +20,11 @@ void moveRow(QVBoxLayout &from, QVBoxLayout &to) {
     const int stretch = from.stretch(0);
     std::unique_ptr<QLayoutItem> row(from.takeAt(0));
     if (QWidget *widget = row->widget()) {
-        to.addWidget(widget, stretch, row->alignment());
+        const Qt::Alignment alignment = row->alignment();
+        // Before there is another one: only the first that a widget has hears that it needs other
+        // room, and a second one would remember for ever how high it is at a width.
+        row.reset();
+        to.addWidget(widget, stretch, alignment);
     } else if (row->layout() != nullptr) {
         to.addLayout(static_cast<QLayout *>(row.release()), stretch);
     } else {

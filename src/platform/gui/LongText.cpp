@@ -1,5 +1,6 @@
 #include "platform/gui/LongText.h"
 
+#include "platform/gui/LetteredMenu.h"
 #include "platform/gui/QtText.h"
 
 #include <QAction>
@@ -145,7 +146,7 @@ void LongTextField::mouseReleaseEvent(QMouseEvent *event) {
 }
 
 void LongTextField::contextMenuEvent(QContextMenuEvent *event) {
-    auto *menu = new QMenu(this);
+    auto *menu = new LetteredMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addAction(titled(tr("&Copy"), QKeySequence::Copy), this,
                     [this] { copySelection(QClipboard::Clipboard); })

@@ -26,6 +26,11 @@ inline QString countText(qint64 count) {
     return QLocale().toString(count);
 }
 
+/// The same of a counter that may be larger.
+inline QString counterText(quint64 count) {
+    return QLocale().toString(count);
+}
+
 /// The same where there is little room: from a million on in tenths of a million, "1.2M". Never
 /// more than there are.
 inline QString shortCountText(qint64 count) {

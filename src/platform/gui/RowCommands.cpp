@@ -1,6 +1,7 @@
 #include "platform/gui/RowCommands.h"
 
 #include "platform/gui/AlertBox.h"
+#include "platform/gui/LetteredMenu.h"
 #include "platform/gui/RowTableView.h"
 
 #include <QAction>
@@ -83,7 +84,7 @@ void RowCommands::copyMessages() {
 }
 
 void RowCommands::openMenu(const QPoint &place) {
-    auto *menu = new QMenu(&m_table);
+    auto *menu = new LetteredMenu(&m_table);
     menu->setObjectName(QStringLiteral("rowMenu"));
     menu->setAccessibleName(tr("Commands"));
     menu->setAttribute(Qt::WA_DeleteOnClose);

@@ -4,6 +4,7 @@
 #include "common/Facility.h"
 #include "common/SettingsDocument.h"
 #include "common/Severity.h"
+#include "service/actions/MatchThreshold.h"
 #include "service/base/Journal.h"
 
 #include <algorithm>
@@ -84,12 +85,17 @@ std::optional<EventFormat> readEventFormat(const Dictionary &reaction) {
 
 /// One action of the settings.
 struct Actions::Action {
-    explicit Action(const Dictionary &record)
-        : filter(record),
+    explicit Action(Dictionary fields)
+        : record(std::move(fields)),
+          filter(record),
           name(settingText(record, "Name").value_or("")),
           command(readCommand(name, dictionaryAt(record, "runCommand"))),
           recipients(settingTexts(dictionaryAt(record, "sendEmail"), "Recipients")),
-          event(readEventFormat(dictionaryAt(record, "setEvent"))) {}
+          event(readEventFormat(dictionaryAt(record, "setEvent"))) {
+        if (const auto read = readThreshold(record).threshold) {
+            threshold.emplace(*read);
+        }
+    }
 
     [[nodiscard]] bool isOn() const {
         return command.has_value() || !recipients.empty() || event.has_value();
@@ -98,12 +104,16 @@ struct Actions::Action {
         return {&commandGuard, &mailGuard, &eventGuard};
     }
 
+    Dictionary record;
     EventFilter filter;
     std::string name;
     std::optional<CommandRunner::Command> command;
     std::vector<std::string> recipients;
     std::optional<EventFormat> event;
 
+    std::optional<MatchThreshold> threshold;
+    /// What is under way outlives the action.
+    std::shared_ptr<LastResult> result = std::make_shared<LastResult>();
     StormGuard commandGuard{kCommandsPerMinute};
     StormGuard mailGuard{kMailsPerMinute};
     StormGuard eventGuard{kEventsPerMinute};
@@ -166,18 +176,34 @@ void Actions::configure(const Dictionary &settings) {
     if (records == m_records) {
         return;
     }
-    report(Clock::time_point::max());
-    m_actions.clear();
+    auto former = std::exchange(m_actions, {});
     for (const Value &record : records) {
         if (record.dictionary() == nullptr) {
             continue;
         }
-        auto action = std::make_unique<Action>(*record.dictionary());
+        auto action = actionOf(*record.dictionary(), former);
         if (action->isOn()) {
             m_actions.push_back(std::move(action));
         }
     }
     m_records = std::move(records);
+    for (const auto &action : former) {
+        report(*action, Clock::time_point::max());
+    }
+    noteReportTimes();
+}
+
+/// One of the former actions, which leaves them, or a new one.
+std::unique_ptr<Actions::Action> Actions::actionOf(const Dictionary &record,
+                                                   std::vector<std::unique_ptr<Action>> &former) {
+    const auto same = std::ranges::find_if(
+        former, [&record](const auto &action) { return action->record == record; });
+    if (same == former.end()) {
+        return std::make_unique<Action>(record);
+    }
+    auto action = std::move(*same);
+    former.erase(same);
+    return action;
 }
 
 std::span<const EventToSet> Actions::onEvent(const FilterSubject &event, std::int64_t seconds,
@@ -189,21 +215,41 @@ std::span<const EventToSet> Actions::onEvent(const FilterSubject &event, std::in
     }
     Trigger trigger(event, seconds, host, *m_dateFormat, now);
     for (const auto &action : m_actions) {
-        if (action->filter.matches(event)) {
-            runCommand(*action, trigger);
-            sendMail(*action, trigger);
-            setEvent(*action, trigger);
+        if (action->filter.matches(event) && reachesThreshold(*action, event, now)) {
+            const bool isRun = runCommand(*action, trigger);
+            const bool isSent = sendMail(*action, trigger);
+            const bool isSet = setEvent(*action, trigger);
+            if (isRun || isSent || isSet) {
+                action->result->noteDone();
+            }
         }
     }
     return m_toSet;
 }
 
-void Actions::runCommand(Action &action, Trigger &trigger) {
+bool Actions::reachesThreshold(Action &action, const FilterSubject &event, Clock::time_point now) {
+    if (!action.threshold) {
+        return true;
+    }
+    const std::uint64_t forgotten = action.threshold->forgotten();
+    const bool isReached = action.threshold->isReachedBy(event.address(), now);
+    m_counters.belowThreshold += isReached ? 0 : 1;
+    m_counters.hostsForgotten += action.threshold->forgotten() - forgotten;
+    if (forgotten == 0 && action.threshold->forgotten() > 0) {
+        sayOf(action.name,
+              "too many hosts or matches within the time of its threshold; the hosts that were "
+              "silent longest are forgotten");
+    }
+    return isReached;
+}
+
+bool Actions::runCommand(Action &action, Trigger &trigger) {
     if (!action.command || !allows(action.commandGuard, trigger.now())) {
-        return;
+        return false;
     }
     const Fields &fields = trigger.fields();
     CommandRunner::Command command = *action.command;
+    command.result = action.result;
     // A variable beyond the system's limit would keep the command from running at all.
     constexpr std::size_t kLongestMessage = std::size_t{64} * 1024;
     setVariable(command.environment, "QUORBEL_DATE", fields.seconds);
@@ -211,20 +257,37 @@ void Actions::runCommand(Action &action, Trigger &trigger) {
     setVariable(command.environment, "QUORBEL_HOST", fields.host);
     setVariable(command.environment, "QUORBEL_MESSAGE", fields.message.substr(0, kLongestMessage));
     m_runCommand(std::move(command));
+    return true;
 }
 
-void Actions::sendMail(Action &action, Trigger &trigger) {
-    if (!action.recipients.empty() && allows(action.mailGuard, trigger.now())) {
-        const Fields &fields = trigger.fields();
-        m_sendMail({action.recipients, fields.fill(m_subject), fields.fill(m_body)});
+bool Actions::sendMail(Action &action, Trigger &trigger) {
+    if (action.recipients.empty() || !allows(action.mailGuard, trigger.now())) {
+        return false;
     }
+    const Fields &fields = trigger.fields();
+    m_sendMail({.recipients = action.recipients,
+                .subject = fields.fill(m_subject),
+                .body = fields.fill(m_body),
+                .result = action.result});
+    return true;
 }
 
-void Actions::setEvent(Action &action, Trigger &trigger) {
-    if (action.event && allows(action.eventGuard, trigger.now())) {
-        m_toSet.push_back({action.event->priority, trigger.fields().fill(action.event->format)});
-        ++m_counters.eventsSet;
+bool Actions::setEvent(Action &action, Trigger &trigger) {
+    if (!action.event || !allows(action.eventGuard, trigger.now())) {
+        return false;
     }
+    m_toSet.push_back({action.event->priority, trigger.fields().fill(action.event->format)});
+    ++m_counters.eventsSet;
+    return true;
+}
+
+std::vector<NamedResult> Actions::results() const {
+    std::vector<NamedResult> results;
+    results.reserve(m_actions.size());
+    for (const auto &action : m_actions) {
+        results.push_back({action->name, action->result->summary()});
+    }
+    return results;
 }
 
 bool Actions::allows(StormGuard &guard, Clock::time_point now) {
@@ -240,38 +303,50 @@ void Actions::noteReportTime(const StormGuard &guard) {
     }
 }
 
+void Actions::noteReportTimes() {
+    m_reportTime.reset();
+    for (const auto &action : m_actions) {
+        for (const StormGuard *guard : action->guards()) {
+            noteReportTime(*guard);
+        }
+    }
+}
+
 void Actions::report(Clock::time_point now) {
+    for (const auto &action : m_actions) {
+        report(*action, now);
+    }
+    noteReportTimes();
+}
+
+void Actions::report(Action &action, Clock::time_point now) {
     const auto takeDue = [this, now](StormGuard &guard) {
         const auto time = guard.reportTime();
         const std::uint64_t heldBack = time && *time <= now ? guard.takeHeldBack() : 0;
         m_counters.heldBack += heldBack;
         return heldBack;
     };
-    m_reportTime.reset();
-    for (const auto &action : m_actions) {
-        const std::uint64_t commands = takeDue(action->commandGuard);
-        const std::uint64_t mails = takeDue(action->mailGuard);
-        const std::uint64_t events = takeDue(action->eventGuard);
-        if (commands + mails + events > 0) {
-            sayOf(action->name, "too many matches; held back in the last minute: commands " +
-                                    std::to_string(commands) + ", e-mails " +
-                                    std::to_string(mails) + ", events " + std::to_string(events));
-        }
-        for (const StormGuard *guard : action->guards()) {
-            noteReportTime(*guard);
-        }
-        if (mails > 0) {
-            sendSummary(*action, mails);
-        }
+    const std::uint64_t commands = takeDue(action.commandGuard);
+    const std::uint64_t mails = takeDue(action.mailGuard);
+    const std::uint64_t events = takeDue(action.eventGuard);
+    if (commands + mails + events > 0) {
+        sayOf(action.name, "too many matches; held back in the last minute: commands " +
+                               std::to_string(commands) + ", e-mails " + std::to_string(mails) +
+                               ", events " + std::to_string(events));
+    }
+    if (mails > 0) {
+        sendSummary(action, mails);
     }
 }
 
 void Actions::sendSummary(const Action &action, std::uint64_t heldBack) {
     const std::string many =
         std::to_string(heldBack) + (heldBack == 1 ? " more event" : " more events");
-    m_sendMail({action.recipients, many + " in the last minute",
-                "The action \"" + action.name + "\" matched " + many +
-                    " in the last minute, for which no e-mails were sent.\r\n"});
+    m_sendMail({.recipients = action.recipients,
+                .subject = many + " in the last minute",
+                .body = "The action \"" + action.name + "\" matched " + many +
+                        " in the last minute, for which no e-mails were sent.\r\n",
+                .result = action.result});
 }
 
 }  // namespace quorbel

@@ -5,6 +5,7 @@
 #include "service/actions/CommandRunner.h"
 #include "service/actions/StormGuard.h"
 #include "service/base/Counters.h"
+#include "service/base/LastResult.h"
 #include "service/mail/MailMessage.h"
 #include "service/message/EventFilter.h"
 #include "service/message/Priority.h"
@@ -32,8 +33,11 @@ struct EventToSet {
 /// is held back when it happens too often; what was held back is told once its minute has ended,
 /// for e-mail by a last one. Loop thread only; nothing here waits.
 ///
+/// An action with a threshold does so only at matches that reach it; see MatchThreshold.
+///
 /// What a record lacks, or holds in another form, counts as empty. A command without a program, an
-/// e-mail without recipients and an event without a text are switched off.
+/// e-mail without recipients and an event without a text are switched off. A threshold that means
+/// nothing is none.
 class Actions {
 public:
     using Clock = StormGuard::Clock;
@@ -50,7 +54,7 @@ public:
     Actions(const Actions &) = delete;
     Actions &operator=(const Actions &) = delete;
 
-    /// Unchanged actions keep what they counted.
+    /// Actions whose records stay as they were keep what they counted; the others begin anew.
     void configure(const Dictionary &settings);
 
     /// Whether there is nothing to be done for any event.
@@ -66,17 +70,27 @@ public:
     /// Tells what was held back in the minutes that have ended.
     void report(Clock::time_point now);
 
+    /// What came of each action that has something to do, since it is as it is: done is each time
+    /// that it was carried out, failed each command and each try of an e-mail that was not.
+    [[nodiscard]] std::vector<NamedResult> results() const;
+
 private:
     struct Action;
     struct Fields;
     class Trigger;
 
-    void runCommand(Action &action, Trigger &trigger);
-    void sendMail(Action &action, Trigger &trigger);
-    void setEvent(Action &action, Trigger &trigger);
+    static std::unique_ptr<Action> actionOf(const Dictionary &record,
+                                            std::vector<std::unique_ptr<Action>> &former);
+    bool reachesThreshold(Action &action, const FilterSubject &event, Clock::time_point now);
+    // Whether it was not held back.
+    bool runCommand(Action &action, Trigger &trigger);
+    bool sendMail(Action &action, Trigger &trigger);
+    bool setEvent(Action &action, Trigger &trigger);
     void sendSummary(const Action &action, std::uint64_t heldBack);
     bool allows(StormGuard &guard, Clock::time_point now);
     void noteReportTime(const StormGuard &guard);
+    void noteReportTimes();
+    void report(Action &action, Clock::time_point now);
 
     const RunCommand m_runCommand;
     const SendMail m_sendMail;

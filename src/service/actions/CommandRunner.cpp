@@ -25,6 +25,18 @@ void sayOf(const CommandRunner::Command &command, JournalLevel level, std::strin
     say(level, "Action \"" + command.action + "\": " + std::string(text));
 }
 
+void noteFailed(const CommandRunner::Command &command, std::string_view text) {
+    if (command.result) {
+        command.result->noteFailed(text);
+    }
+}
+
+/// In the journal as well.
+void failed(const CommandRunner::Command &command, JournalLevel level, std::string_view text) {
+    sayOf(command, level, text);
+    noteFailed(command, text);
+}
+
 int millisecondsUntil(Clock::time_point time) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now()).count();
     return static_cast<int>(std::clamp<std::int64_t>(left, 0, 3'600'000));
@@ -53,7 +65,7 @@ public:
         readOutput();
         sayOutput();
         if (m_gaveUp) {
-            sayOf(m_command, JournalLevel::kError, "the command could not be stopped");
+            failed(m_command, JournalLevel::kError, "the command could not be stopped");
             return false;
         }
         if (m_stage != Stage::kRuns) {
@@ -131,15 +143,15 @@ private:
 
     void sayStatus(int status) {
         if (m_stage != Stage::kRuns) {
-            sayOf(m_command, JournalLevel::kWarning,
-                  m_endedForStop ? "the command was stopped because the service is stopping"
-                                 : "the command took too long and was stopped");
+            failed(m_command, JournalLevel::kWarning,
+                   m_endedForStop ? "the command was stopped because the service is stopping"
+                                  : "the command took too long and was stopped");
         } else if (WIFSIGNALED(status)) {
-            sayOf(m_command, JournalLevel::kWarning,
-                  "the command was killed by signal " + std::to_string(WTERMSIG(status)));
+            failed(m_command, JournalLevel::kWarning,
+                   "the command was killed by signal " + std::to_string(WTERMSIG(status)));
         } else if (WEXITSTATUS(status) != 0) {
-            sayOf(m_command, JournalLevel::kWarning,
-                  "the command ended with status " + std::to_string(WEXITSTATUS(status)));
+            failed(m_command, JournalLevel::kWarning,
+                   "the command ended with status " + std::to_string(WEXITSTATUS(status)));
         }
     }
 
@@ -187,6 +199,7 @@ bool CommandRunner::submit(Command command) {
     startThreads();
     if (m_stop || m_waiting.size() >= kMostWaiting || m_threads.empty()) {
         ++m_notStarted;
+        noteFailed(command, "Too many commands are waiting");
         return false;
     }
     m_waiting.push_back(std::move(command));
@@ -225,8 +238,8 @@ void CommandRunner::run(const Command &command) {
     auto child = ChildProcess::start(command.program, command.arguments, command.environment);
     if (!child) {
         ++m_notStarted;
-        sayOf(command, JournalLevel::kWarning,
-              command.program + " cannot be run: " + std::generic_category().message(errno));
+        failed(command, JournalLevel::kWarning,
+               command.program + " cannot be run: " + std::generic_category().message(errno));
         return;
     }
     ++m_started;

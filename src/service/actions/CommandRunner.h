@@ -4,12 +4,14 @@
 #include "platform/UniqueFd.h"
 #include "service/actions/ChildProcess.h"
 #include "service/actions/CommandLine.h"
+#include "service/base/LastResult.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -26,6 +28,7 @@ public:
         std::string program;
         std::vector<std::string> arguments;
         Environment environment;
+        std::shared_ptr<LastResult> result{};  ///< told of what goes wrong; may be null
     };
 
     struct Limits {

@@ -24,6 +24,8 @@ std::vector<std::pair<std::string_view, std::uint64_t>> named(const Counters &co
         {"names not looked up", counters.namesNotLookedUp},
         {"events set", counters.eventsSet},
         {"actions held back", counters.heldBack},
+        {"matches below threshold", counters.belowThreshold},
+        {"threshold hosts forgotten", counters.hostsForgotten},
         {"commands run", counters.commandsRun},
         {"commands not run", counters.commandsNotRun},
         {"e-mails sent", counters.mailsSent},

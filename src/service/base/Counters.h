@@ -28,12 +28,14 @@ struct Counters {
     std::uint64_t namesNotLookedUp = 0;  ///< how often too many look-ups waited for one more
     std::uint64_t eventsSet = 0;         ///< events that actions set
     std::uint64_t heldBack = 0;          ///< what actions did not do because it came too often
-    std::uint64_t commandsRun = 0;       ///< commands of actions that were started
-    std::uint64_t commandsNotRun = 0;    ///< those that were not
-    std::uint64_t mailsSent = 0;         ///< e-mails that reached the server for somebody
-    std::uint64_t mailsDropped = 0;      ///< e-mails that did not reach it for somebody
-    std::uint64_t journalDropped = 0;    ///< lines of the journal that nobody read
-    std::uint64_t unsynced = 0;          ///< stored events that may be lost when the machine stops
+    std::uint64_t belowThreshold = 0;  ///< matches at which an action did not act for its threshold
+    std::uint64_t hostsForgotten = 0;  ///< hosts that a threshold had no room to go on counting
+    std::uint64_t commandsRun = 0;     ///< commands of actions that were started
+    std::uint64_t commandsNotRun = 0;  ///< those that were not
+    std::uint64_t mailsSent = 0;       ///< e-mails that reached the server for somebody
+    std::uint64_t mailsDropped = 0;    ///< e-mails that did not reach it for somebody
+    std::uint64_t journalDropped = 0;  ///< lines of the journal that nobody read
+    std::uint64_t unsynced = 0;        ///< stored events that may be lost when the machine stops
 
     bool operator==(const Counters &) const = default;
 };

@@ -16,7 +16,7 @@ constexpr std::size_t kMostKept = 128;
 
 std::string_view refusalReasonName(RefusalReason reason) {
     constexpr std::array<std::string_view, kRefusalReasonCount> kNames{
-        "malformed", "filtered", "too long", "connection closed", "TLS refused"};
+        "malformed", "filtered", "too long", "connection closed", "TLS refused", "wrong port"};
     return kNames.at(static_cast<std::size_t>(reason));
 }
 
@@ -25,6 +25,16 @@ void Refusals::note(const IpAddress &sender, RefusalReason reason, std::string_v
     known.detail.assign(detail.substr(0, kMostKept));
     known.seconds = std::time(nullptr);
     ++known.count;
+}
+
+void Refusals::noteTlsFailure(const IpAddress &sender, std::string_view reason) {
+    constexpr std::array<std::string_view, 4> kNoTls{
+        "wrong version number", "http request", "https proxy request", "packet length too long"};
+    if (std::ranges::find(kNoTls, reason) != kNoTls.end()) {
+        note(sender, RefusalReason::kWrongPort, "no TLS");
+    } else {
+        note(sender, RefusalReason::kTlsRefused, reason);
+    }
 }
 
 /// Moves it to the front.

@@ -19,8 +19,9 @@ enum class RefusalReason : std::uint8_t {
     kTooLong,     ///< the end of a message was not stored
     kClosed,      ///< a connection was closed in favour of a new one
     kTlsRefused,  ///< a TLS connection was never established
+    kWrongPort,   ///< TLS where none is expected, or none where it is
 };
-inline constexpr std::size_t kRefusalReasonCount = 5;
+inline constexpr std::size_t kRefusalReasonCount = 6;
 
 /// As it is called where people read it: "filtered".
 std::string_view refusalReasonName(RefusalReason reason);
@@ -42,6 +43,9 @@ public:
 
     /// `detail` is what the sender, or the settings, say about it, or a sample of it: any bytes.
     void note(const IpAddress &sender, RefusalReason reason, std::string_view detail);
+    /// A TLS connection that was never established, for a reason as OpenSSL calls it: the sender
+    /// may not speak TLS at all.
+    void noteTlsFailure(const IpAddress &sender, std::string_view reason);
     /// One for each sender and reason; of the sender that was refused last first.
     [[nodiscard]] std::vector<Refusal> latest() const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/base/Counters.h"
+#include "service/base/LastResult.h"
 #include "service/base/Refusals.h"
 
 #include <cstdint>
@@ -28,6 +29,10 @@ public:
     [[nodiscard]] virtual const Counters &currentCounters() = 0;
     [[nodiscard]] virtual std::vector<Listener> listeners() const = 0;
     [[nodiscard]] virtual const Refusals &refusals() const = 0;
+    /// Of the actions that have something to do, in the order of the settings, by their names.
+    [[nodiscard]] virtual std::vector<NamedResult> actionResults() const = 0;
+    /// Of the exports that are on: "text", "database".
+    [[nodiscard]] virtual std::vector<NamedResult> exportResults() const = 0;
 };
 
 }  // namespace quorbel

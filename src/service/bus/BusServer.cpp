@@ -1,6 +1,5 @@
 #include "service/bus/BusServer.h"
 
-#include "common/LogReader.h"
 #include "platform/Text.h"
 #include "platform/bus/BusNames.h"
 #include "platform/bus/BusValue.h"
@@ -24,56 +23,6 @@ constexpr std::uint64_t kRetryMicroseconds = 1'000'000;
 // Enough to keep the bus busy; what waits beyond that is better off in our own queue.
 constexpr std::uint64_t kMostQueuedInConnection = 64;
 
-int appendEntry(sd_bus_message *message, const char *key, std::string_view value) {
-    char *space = nullptr;
-    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_DICT_ENTRY, "ss");
-    if (result >= 0) {
-        result = sd_bus_message_append_basic(message, SD_BUS_TYPE_STRING, key);
-    }
-    if (result >= 0) {
-        // Spares a copy that ends in NUL. The log files hold nothing that a bus refuses.
-        result = sd_bus_message_append_string_space(message, value.size(), &space);
-    }
-    if (result < 0) {
-        return result;
-    }
-    value.copy(space, value.size());
-    return sd_bus_message_close_container(message);
-}
-
-int appendUserInfo(sd_bus_message *message, NotificationType type, const LogLine &line) {
-    const std::pair<const char *, std::string_view> entries[] = {
-        {"Type", type == NotificationType::kSet ? "Set" : "Remove"},
-        {"Date", line.date},
-        {"Priority", line.priority},
-        {"Host", line.host},
-        {"Message", line.message},
-    };
-    int result = sd_bus_message_open_container(message, SD_BUS_TYPE_ARRAY, "{ss}");
-    for (const auto &[key, value] : entries) {
-        if (result < 0) {
-            return result;
-        }
-        result = appendEntry(message, key, value);
-    }
-    return result < 0 ? result : sd_bus_message_close_container(message);
-}
-
-int sendNotification(sd_bus *bus, const Notification &notification) {
-    const auto line = splitLogLine(notification.line);
-    if (!line) {
-        return -EINVAL;
-    }
-    sd_bus_message *message = nullptr;
-    int result = sd_bus_message_new_signal(bus, &message, bus::kServicePath,
-                                           bus::kNotificationInterface, bus::kNotification);
-    const bus::MessagePointer owner(message);
-    if (result >= 0) {
-        result = appendUserInfo(message, notification.type, *line);
-    }
-    return result < 0 ? result : sd_bus_send(bus, message, nullptr);
-}
-
 std::uint64_t queuedInConnection(sd_bus *bus) {
     std::uint64_t count = 0;
     return sd_bus_get_n_queued_write(bus, &count) < 0 ? 0 : count;
@@ -92,8 +41,12 @@ const sd_bus_vtable BusServer::kVtable[] = {
 };
 
 BusServer::BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker,
+                     LogStore &store, NotificationSender::RemovalsNow removals,
                      StatusSource *status)
-    : m_loop(loop), m_notifications(notifications), m_worker(worker) {
+    : m_loop(loop),
+      m_notifications(notifications),
+      m_worker(worker),
+      m_sender(loop, notifications, store, std::move(removals)) {
     if (status != nullptr) {
         m_status.emplace(*status);
     }
@@ -103,6 +56,7 @@ BusServer::BusServer(sd_event *loop, NotificationQueue &notifications, CommandWo
 }
 
 BusServer::~BusServer() {
+    m_sender.leave();
     if (m_bus) {
         sd_bus_detach_event(m_bus.get());
     }
@@ -116,6 +70,7 @@ int BusServer::onRetryTime(sd_event_source * /*source*/, std::uint64_t /*time*/,
 }
 
 void BusServer::connect() {
+    m_sender.leave();
     if (m_bus) {
         sd_bus_detach_event(m_bus.get());
     }
@@ -126,6 +81,9 @@ void BusServer::connect() {
     }
     int result = sd_bus_add_object_vtable(m_bus.get(), nullptr, bus::kServicePath,
                                           bus::kCommandInterface, kVtable, this);
+    if (result >= 0) {
+        result = m_sender.addTo(m_bus.get());
+    }
     if (result >= 0 && m_status) {
         result = m_status->addTo(m_bus.get());
     }
@@ -142,6 +100,7 @@ void BusServer::connect() {
                                            this);
     }
     if (result < 0) {
+        m_sender.leave();
         m_bus.reset();
         connectionLost("The system bus cannot be used", -result);
     }
@@ -187,9 +146,9 @@ int BusServer::onDisconnected(sd_bus_message * /*signal*/, void *self, sd_bus_er
     return 0;
 }
 
-bool BusServer::canNotify() const {
-    return m_ownsName && !m_notifications.empty() && sd_bus_is_ready(m_bus.get()) > 0 &&
-           queuedInConnection(m_bus.get()) < kMostQueuedInConnection;
+bool BusServer::canNotify() {
+    return m_ownsName && sd_bus_is_ready(m_bus.get()) > 0 &&
+           queuedInConnection(m_bus.get()) < kMostQueuedInConnection && m_sender.canSend();
 }
 
 bool BusServer::hasUnsent() const {
@@ -199,6 +158,7 @@ bool BusServer::hasUnsent() const {
 void BusServer::giveUp() {
     noteTaken();
     m_ownsName = false;
+    m_sender.leave();
     if (m_bus) {
         sd_bus_detach_event(m_bus.get());
         m_bus.reset();
@@ -224,12 +184,9 @@ void BusServer::sendNotifications() {
     const auto deadline = std::chrono::steady_clock::now() + kSlice;
     noteTaken();
     while (canNotify() && std::chrono::steady_clock::now() < deadline) {
-        if (sendNotification(m_bus.get(), m_notifications.front()) >= 0) {
-            m_notifications.pop();
+        if (m_sender.send() == NotificationSender::Sent::kSingle) {
             ++m_unsent;
             noteTaken();
-        } else if (sd_bus_is_ready(m_bus.get()) > 0) {
-            m_notifications.drop();
         }
     }
 }

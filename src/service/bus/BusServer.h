@@ -4,6 +4,7 @@
 #include "service/base/SdEvent.h"
 #include "service/bus/CommandWorker.h"
 #include "service/bus/NotificationQueue.h"
+#include "service/bus/NotificationSender.h"
 #include "service/bus/RemovalTeller.h"
 #include "service/bus/StatusProperties.h"
 
@@ -22,6 +23,7 @@ class BusServer {
 public:
     /// All must outlive the object. Without a `status` there is none to ask for.
     BusServer(sd_event *loop, NotificationQueue &notifications, CommandWorker &worker,
+              LogStore &store, NotificationSender::RemovalsNow removals,
               StatusSource *status = nullptr);
     ~BusServer();
     BusServer(const BusServer &) = delete;
@@ -35,7 +37,7 @@ public:
                              : RemovalTeller::Bus::kUnknown;
     }
     /// Whether sendNotifications() would send something now.
-    [[nodiscard]] bool canNotify() const;
+    [[nodiscard]] bool canNotify();
     /// Sends some of the queue, for at most about a millisecond and only while the connection takes
     /// it: the loop calls this once per turn, so that receiving and telling share its time.
     void sendNotifications();
@@ -63,6 +65,7 @@ private:
     NotificationQueue &m_notifications;
     CommandWorker &m_worker;
     std::optional<StatusProperties> m_status;
+    NotificationSender m_sender;
     bus::BusPointer m_bus;
     bool m_ownsName = false;
     bool m_problemSaid = false;

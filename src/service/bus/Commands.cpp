@@ -1,12 +1,14 @@
 #include "service/bus/Commands.h"
 
 #include "common/SettingsDocument.h"
+#include "platform/ArchivedCounts.h"
 #include "service/bus/CommandFile.h"
 #include "service/message/FilterProblems.h"
 #include "service/store/EventRemoval.h"
 #include "service/store/EventRestoration.h"
 
 #include <optional>
+#include <utility>
 #include <variant>
 
 namespace quorbel {
@@ -28,12 +30,36 @@ std::string Commands::finish(const Outcome &outcome) {
 }
 
 Commands::Outcome Commands::begin(const UniqueFd &commandFile) {
-    const auto command = readCommandFile(commandFile);
+    const auto asValue = [&]() -> std::variant<Value, ArchiveError> {
+        auto file = CommandFile::open(commandFile);
+        if (auto *error = std::get_if<ArchiveError>(&file)) {
+            return std::move(*error);
+        }
+        return readKeyedArchive(std::get<CommandFile>(file).bytes());
+    };
+    if (auto reply = updateInPlace(commandFile)) {
+        return std::move(*reply);
+    }
+    const auto command = asValue();
     if (const auto *error = std::get_if<ArchiveError>(&command)) {
         return "The command cannot be read: " + error->reason;
     }
     const Dictionary *dictionary = std::get<Value>(command).dictionary();
     return dictionary == nullptr ? "The command is not a dictionary" : begin(*dictionary);
+}
+
+/// Carries out an "update" without building a million values. Nothing, and nothing done, for any
+/// other command and where the events are not named as the front-end does.
+std::optional<std::string> Commands::updateInPlace(const UniqueFd &commandFile) {
+    const auto file = CommandFile::open(commandFile);
+    const auto *bytes = std::get_if<CommandFile>(&file);
+    auto events =
+        bytes != nullptr ? ArchivedCounts::open(bytes->bytes(), "update", "Events") : std::nullopt;
+    EventRemoval removal(m_settings.dateFormats());
+    if (!events || !removal.want(*events)) {
+        return std::nullopt;
+    }
+    return removal.run(m_store, m_stop).value_or(kDone);
 }
 
 Commands::Outcome Commands::begin(const Dictionary &command) {

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -46,6 +47,7 @@ private:
     static std::string finish(const Outcome &outcome);
     std::string save(const Dictionary &command);
     std::string update(const Dictionary &command);
+    std::optional<std::string> updateInPlace(const UniqueFd &commandFile);
     std::string restore(const Dictionary &command);
     Rest email(const Dictionary &command);
 

@@ -1,8 +1,11 @@
 #include "service/bus/StatusProperties.h"
 
+#include "common/LegibleText.h"
 #include "platform/bus/BusNames.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace quorbel {
 
@@ -17,6 +20,15 @@ int appendArray(sd_bus_message *reply, const char *contents, const Elements &ele
         result = result < 0 ? result : append(element);
     }
     return result < 0 ? result : sd_bus_message_close_container(reply);
+}
+
+int appendResults(sd_bus_message *reply, const std::vector<NamedResult> &results) {
+    return appendArray(reply, "(stxtsx)", results, [reply](const NamedResult &one) {
+        const std::string name = legible(one.name, kMostToldBytes);
+        const LastResult::Summary &last = one.summary;
+        return sd_bus_message_append(reply, "(stxtsx)", name.c_str(), last.done, last.doneSeconds,
+                                     last.failed, last.problem.c_str(), last.failedSeconds);
+    });
 }
 
 }  // namespace
@@ -37,6 +49,8 @@ const sd_bus_vtable StatusProperties::kVtable[] = {
     SD_BUS_PROPERTY("Counters", "a{st}", get<&StatusProperties::appendCounters>, 0, 0),
     SD_BUS_PROPERTY("Listeners", "a(sq)", get<&StatusProperties::appendListeners>, 0, 0),
     SD_BUS_PROPERTY("Refusals", "a(sssxt)", get<&StatusProperties::appendRefusals>, 0, 0),
+    SD_BUS_PROPERTY("Actions", "a(stxtsx)", get<&StatusProperties::appendActions>, 0, 0),
+    SD_BUS_PROPERTY("Exports", "a(stxtsx)", get<&StatusProperties::appendExports>, 0, 0),
     SD_BUS_VTABLE_END,
 };
 
@@ -75,6 +89,14 @@ int StatusProperties::appendRefusals(sd_bus_message *reply) {
                                      one.detail.c_str(), one.seconds, one.count);
     };
     return appendArray(reply, "(sssxt)", m_source.refusals().latest(), append);
+}
+
+int StatusProperties::appendActions(sd_bus_message *reply) {
+    return appendResults(reply, m_source.actionResults());
+}
+
+int StatusProperties::appendExports(sd_bus_message *reply) {
+    return appendResults(reply, m_source.exportResults());
 }
 
 }  // namespace quorbel

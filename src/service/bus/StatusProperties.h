@@ -26,6 +26,8 @@ private:
     int appendCounters(sd_bus_message *reply);
     int appendListeners(sd_bus_message *reply);
     int appendRefusals(sd_bus_message *reply);
+    int appendActions(sd_bus_message *reply);
+    int appendExports(sd_bus_message *reply);
     template <Append kAppend>
     static int get(sd_bus *bus, const char *path, const char *interface, const char *property,
                    sd_bus_message *reply, void *self, sd_bus_error *error);

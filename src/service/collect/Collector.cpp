@@ -4,6 +4,24 @@
 
 namespace quorbel {
 
+namespace {
+
+/// What a TLS client says first (RFC 8446, 5.1): a handshake record of version 3.
+bool isTlsGreeting(std::string_view message) {
+    return message.starts_with("\x16\x03");
+}
+
+/// How many bytes the first `count` lines have.
+std::size_t sizeOfLines(std::string_view lines, std::size_t count) {
+    std::size_t size = 0;
+    for (; count > 0; --count) {
+        size = lines.find('\n', size) + 1;
+    }
+    return size;
+}
+
+}  // namespace
+
 void Collector::configure(const Dictionary &settings) {
     m_filters = FilterSet(settings);
     m_sender = {};
@@ -23,7 +41,11 @@ void Collector::receive(std::string_view message, const IpAddress &sender, bool 
     const auto parsed = m_parser.parse(message);
     if (!parsed || !parsed->wellFormed || cut) {
         ++m_counters.malformed;
-        m_refusals.note(sender, RefusalReason::kMalformed, message);
+        if (isTlsGreeting(message)) {
+            m_refusals.note(sender, RefusalReason::kWrongPort, "TLS");
+        } else {
+            m_refusals.note(sender, RefusalReason::kMalformed, message);
+        }
     }
     if (!parsed) {
         return;
@@ -87,13 +109,12 @@ void Collector::storeAndTell() {
     const LogStore::Result result = m_store.append(m_lines, m_seconds, m_urgent);
     m_counters.stored += result.stored;
     m_counters.notStored += result.notStored;
+    const std::string_view lines = m_lines;
+    const std::size_t stored =
+        result.notStored == 0 ? lines.size() : sizeOfLines(lines, result.stored);
+    m_notifications.push(NotificationType::kSet, lines.substr(0, stored), result.behind);
     // Also what could not be stored: then the front-end is the only one left to show it.
-    std::string_view rest = m_lines;
-    while (!rest.empty()) {
-        const std::size_t length = rest.find('\n') + 1;
-        m_notifications.push(NotificationType::kSet, rest.substr(0, length));
-        rest.remove_prefix(length);
-    }
+    m_notifications.push(NotificationType::kSet, lines.substr(stored));
     m_lines.clear();
     m_urgent = false;
 }

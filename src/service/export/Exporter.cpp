@@ -62,6 +62,10 @@ void Exporter::plan(Export &export_, Plan next) {
         export_.plan.interval.count() == 0 || export_.plan.target.file != next.target.file;
     const auto now = Clock::now();
     export_.due = isNew ? now : std::min(export_.due, now + next.interval);
+    if (isNew) {
+        // One that is running goes on with the former one.
+        export_.result = std::make_shared<LastResult>();
+    }
     export_.plan = std::move(next);
 }
 
@@ -91,13 +95,14 @@ void Exporter::work() {
         }
         next->due = now + next->plan.interval;
         ExportTarget target = next->plan.target;
+        const std::shared_ptr<LastResult> result = next->result;
         lock.unlock();
-        runOne(*next, std::move(target));
+        runOne(*next, std::move(target), *result);
         lock.lock();
     }
 }
 
-void Exporter::runOne(Export &export_, ExportTarget target) {
+void Exporter::runOne(Export &export_, ExportTarget target, LastResult &result) {
     const std::string named = target.file.string();
     const LogSources sources(m_store);
     std::optional<std::string> problem = checkExportTarget(target.file, m_store.path(""));
@@ -110,6 +115,19 @@ void Exporter::runOne(Export &export_, ExportTarget target) {
         say(JournalLevel::kNotice, "Export: " + named + " is up to date again");
     }
     export_.lastProblem = problem.value_or("");
+    problem ? result.noteFailed(*problem) : result.noteDone();
+}
+
+std::vector<NamedResult> Exporter::results() const {
+    constexpr std::array<const char *, 2> kNames{"text", "database"};
+    std::vector<NamedResult> results;
+    const MutexLock lock(m_mutex);
+    for (std::size_t i = 0; i < m_exports.size(); ++i) {
+        if (m_exports.at(i).plan.interval.count() != 0) {
+            results.push_back({kNames.at(i), m_exports.at(i).result->summary()});
+        }
+    }
+    return results;
 }
 
 }  // namespace quorbel

@@ -2,6 +2,7 @@
 
 #include "platform/Mutex.h"
 #include "platform/Value.h"
+#include "service/base/LastResult.h"
 #include "service/export/DatabaseExport.h"
 #include "service/export/TextExport.h"
 #include "service/store/LogStore.h"
@@ -10,9 +11,11 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace quorbel {
 
@@ -34,6 +37,9 @@ public:
     void stop();
     void configure(const Dictionary &settings);
 
+    /// What came of each export that is on, since it has its file: "text", "database".
+    [[nodiscard]] std::vector<NamedResult> results() const;
+
 private:
     using Clock = std::chrono::steady_clock;
 
@@ -48,20 +54,21 @@ private:
         Plan plan;                ///< under m_mutex
         Clock::time_point due;    ///< under m_mutex
         std::string lastProblem;  ///< of the export thread
+        std::shared_ptr<LastResult> result = std::make_shared<LastResult>();  ///< under m_mutex
         std::function<std::optional<std::string>(const ExportTarget &, const LogSources &)> run;
     };
 
     static void plan(Export &export_, Plan next);
     void work();
     Export *nextDue() REQUIRES(m_mutex);
-    void runOne(Export &export_, ExportTarget target);
+    void runOne(Export &export_, ExportTarget target, LastResult &result);
 
     LogStore &m_store;
     const std::chrono::milliseconds m_minute;
     std::atomic<bool> m_stop = false;
     TextExport m_textExport;
 
-    Mutex m_mutex;
+    mutable Mutex m_mutex;
     Condition m_wake;
     std::array<Export, 2> m_exports GUARDED_BY(m_mutex);
 

@@ -87,7 +87,7 @@ std::unique_ptr<StreamChannel> TlsInput::makeChannel(UniqueFd socket, const std:
 void TlsInput::noteRefusal(const std::string &host, const std::string &reason) {
     ++m_counters.tlsRefused;
     if (const auto sender = IpAddress::parse(host)) {
-        m_collector.refusals().note(*sender, RefusalReason::kTlsRefused, reason);
+        m_collector.refusals().noteTlsFailure(*sender, reason);
     }
     const Clock::time_point now = Clock::now();
     if (now - m_refusalSaid >= kRefusalPause) {

@@ -4,77 +4,56 @@
 
 #include <linux/filter.h>
 #include <linux/sock_diag.h>
-#include <sys/uio.h>
+
+#include <algorithm>
+#include <array>
 
 namespace quorbel {
 
 namespace {
 
-constexpr std::size_t kBatch = 64;
-constexpr int kBatchesPerTurn = 16;
-constexpr std::size_t kLargestDatagram = 65536;
+/// After so many, others have their turn.
+constexpr std::size_t kMostInTurn = 1024;
 
 }  // namespace
-
-struct UdpInput::Buffers {
-    std::array<std::array<char, kLargestDatagram>, kBatch> bytes;
-    std::array<iovec, kBatch> parts{};
-    std::array<sockaddr_storage, kBatch> addresses{};
-    std::array<mmsghdr, kBatch> headers{};
-
-    Buffers() {
-        for (std::size_t i = 0; i < kBatch; ++i) {
-            parts[i] = {bytes[i].data(), bytes[i].size()};
-            headers[i].msg_hdr.msg_iov = &parts[i];
-            headers[i].msg_hdr.msg_iovlen = 1;
-            headers[i].msg_hdr.msg_name = &addresses[i];
-        }
-    }
-};
 
 UdpInput::UdpInput(sd_event *loop, UniqueFd socket, Collector &collector)
     : m_socket(std::move(socket)),
       m_collector(collector),
-      m_buffers(std::make_unique_for_overwrite<Buffers>()),
-      m_source(required(watchInput(loop, m_socket.get(), onReadable, this))) {}
-
-UdpInput::~UdpInput() = default;
-
-int UdpInput::onReadable(sd_event_source * /*source*/, int /*fd*/, std::uint32_t /*events*/,
-                         void *self) {
-    static_cast<UdpInput *>(self)->readTurn();
-    return 0;
+      m_source(std::make_unique<PacedSource>(loop, m_socket.get(),
+                                             [this] { return readTurn().count; })) {
+    DatagramBatch::prepare(m_socket.get());
 }
 
-/// Returns whether more may be waiting.
-bool UdpInput::readTurn() {
+UdpInput::Turn UdpInput::readTurn() {
+    Turn turn;
     m_collector.beginTurn();
-    bool more = true;
-    for (int i = 0; i < kBatchesPerTurn && more; ++i) {
-        more = readBatch();
+    while (turn.count < kMostInTurn && turn.more) {
+        const std::size_t runs = m_batch.fetch(m_socket.get());
+        for (std::size_t i = 0; i < runs; ++i) {
+            turn.count += receive(m_batch.run(i));
+        }
+        turn.more = runs == DatagramBatch::kMostRuns;
     }
     m_collector.endTurn();
-    return more;
+    return turn;
 }
 
-bool UdpInput::readBatch() {
-    const std::size_t count = fetchBatch();
-    for (std::size_t i = 0; i < count; ++i) {
-        m_collector.receive({m_buffers->bytes[i].data(), m_buffers->headers[i].msg_len},
-                            IpAddress::of(m_buffers->addresses[i]));
-    }
-    return count == kBatch;
+/// Returns how many datagrams it held.
+std::size_t UdpInput::receive(const DatagramRun &run) {
+    run.forEach(
+        [&](std::string_view message, bool cut) { m_collector.receive(message, run.sender, cut); });
+    return count(run);
 }
 
-/// Returns how many datagrams are in the buffers now.
-std::size_t UdpInput::fetchBatch() {
-    for (mmsghdr &header : m_buffers->headers) {
-        header.msg_hdr.msg_namelen = sizeof(sockaddr_storage);
+/// Returns how many datagrams it holds, and counts those that the kernel dropped in front of it.
+std::size_t UdpInput::count(const DatagramRun &run) {
+    const std::size_t count = run.count();
+    if (run.drops) {
+        countDrops(*run.drops, std::max(m_lastRun, count));
     }
-    // Errors that an earlier reply of somebody caused are reported here; the next call goes on.
-    const int count =
-        ::recvmmsg(m_socket.get(), m_buffers->headers.data(), kBatch, MSG_DONTWAIT, nullptr);
-    return count < 0 ? 0 : static_cast<std::size_t>(count);
+    m_lastRun = count;
+    return count;
 }
 
 void UdpInput::drain(std::chrono::steady_clock::time_point deadline) {
@@ -83,10 +62,12 @@ void UdpInput::drain(std::chrono::steady_clock::time_point deadline) {
     sock_filter dropAll{BPF_RET | BPF_K, 0, 0, 0};
     const sock_fprog program{1, &dropAll};
     ::setsockopt(m_socket.get(), SOL_SOCKET, SO_ATTACH_FILTER, &program, sizeof program);
-    while (std::chrono::steady_clock::now() < deadline && readTurn()) {
+    while (std::chrono::steady_clock::now() < deadline && readTurn().more) {
     }
-    while (const std::size_t left = fetchBatch()) {
-        m_dropped += left;
+    while (const std::size_t left = m_batch.fetch(m_socket.get())) {
+        for (std::size_t i = 0; i < left; ++i) {
+            m_dropped += count(m_batch.run(i));
+        }
     }
 }
 
@@ -115,9 +96,18 @@ void UdpInput::noteDrops() {
     std::array<std::uint32_t, SK_MEMINFO_VARS> information{};
     socklen_t length = sizeof information;
     if (::getsockopt(m_socket.get(), SOL_SOCKET, SO_MEMINFO, information.data(), &length) == 0) {
-        // The kernel's counter has 32 bits; the difference is right even when it wraps around.
-        const std::uint32_t count = information[SK_MEMINFO_DROPS];
-        m_dropped += count - m_lastDropCount;
+        countDrops(information[SK_MEMINFO_DROPS], m_lastRun);
+    }
+}
+
+/// The kernel has dropped `count` runs so far. How many datagrams each of those since the last call
+/// held, it does not say: as many as those beside them, `each`.
+void UdpInput::countDrops(std::uint32_t count, std::size_t each) {
+    // The counter has 32 bits; the difference is right even when it wraps around. What a run says
+    // may be older than what is known.
+    const std::uint32_t more = count - m_lastDropCount;
+    if (more <= INT32_MAX) {
+        m_dropped += more * each;
         m_lastDropCount = count;
     }
 }

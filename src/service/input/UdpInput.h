@@ -3,10 +3,11 @@
 #include "platform/UniqueFd.h"
 #include "service/base/SdEvent.h"
 #include "service/collect/Collector.h"
+#include "service/input/DatagramBatch.h"
+#include "service/input/PacedSource.h"
 
 #include <sys/socket.h>
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -19,7 +20,6 @@ class UdpInput {
 public:
     /// `collector` must outlive the object.
     UdpInput(sd_event *loop, UniqueFd socket, Collector &collector);
-    ~UdpInput();
     UdpInput(const UdpInput &) = delete;
     UdpInput &operator=(const UdpInput &) = delete;
 
@@ -33,24 +33,29 @@ public:
     /// `drops` on. Without it, nobody knows since when, and only what comes counts.
     void resume(std::optional<std::uint32_t> drops);
     /// How many datagrams were dropped so far: because the kernel's buffer was full, or by drain().
+    /// Of datagrams that the kernel had joined it says only how many such runs it dropped; each
+    /// counts as many as the ones that were read beside it held.
     [[nodiscard]] std::uint64_t dropped();
     [[nodiscard]] std::uint16_t port() const;
 
 private:
-    struct Buffers;
-
-    bool readTurn();
-    bool readBatch();
-    std::size_t fetchBatch();
+    struct Turn {
+        std::size_t count = 0;  ///< of datagrams
+        bool more = true;       ///< may be waiting
+    };
+    Turn readTurn();
+    std::size_t receive(const DatagramRun &run);
+    std::size_t count(const DatagramRun &run);
     void noteDrops();
-    static int onReadable(sd_event_source *source, int fd, std::uint32_t events, void *self);
+    void countDrops(std::uint32_t count, std::size_t each);
 
     UniqueFd m_socket;
     Collector &m_collector;
-    std::unique_ptr<Buffers> m_buffers;
+    DatagramBatch m_batch;
+    std::size_t m_lastRun = 1;  ///< how many datagrams the last one held
     std::uint32_t m_lastDropCount = 0;
     std::uint64_t m_dropped = 0;
-    EventSourcePointer m_source;
+    std::unique_ptr<PacedSource> m_source;  ///< none when nothing is read any more
 };
 
 }  // namespace quorbel

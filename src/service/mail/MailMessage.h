@@ -1,6 +1,9 @@
 #pragma once
 
+#include "service/base/LastResult.h"
+
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +17,8 @@ struct MailMessage {
     std::string subject;
     std::string body;   ///< lines end in CR LF, LF or CR
     bool html = false;  ///< whether the body is HTML
+    /// Told of what goes wrong with it on its way from a queue; may be null.
+    std::shared_ptr<LastResult> result{};
 };
 
 struct MailAddress {

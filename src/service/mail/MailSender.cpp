@@ -1,6 +1,7 @@
 #include "service/mail/MailSender.h"
 
 #include "service/base/Journal.h"
+#include "service/base/LastResult.h"
 #include "service/base/QuotedText.h"
 
 #include <algorithm>
@@ -142,6 +143,12 @@ void sayPostponed(const std::map<std::string, std::string> &addressesByReason) {
     }
 }
 
+void noteFailed(const MailMessage &message, std::string_view problem) {
+    if (message.result) {
+        message.result->noteFailed(problem);
+    }
+}
+
 struct SmtpOutcome {
     std::string reason;  ///< empty when the recipient got the mail
     bool forGood = false;
@@ -200,7 +207,11 @@ bool MailSender::submit(MailMessage message) {
     }
     {
         const MutexLock lock(m_mutex);
-        if (addresses.empty() || m_shuttingDown || m_queue.size() >= kMostQueued) {
+        const bool isFull = m_queue.size() >= kMostQueued;
+        if (isFull || !others.empty()) {
+            noteFailed(message, isFull ? "Too many e-mails are waiting" : noAddresses(others));
+        }
+        if (addresses.empty() || m_shuttingDown || isFull) {
             ++m_dropped;
             return false;
         }
@@ -283,6 +294,9 @@ std::optional<std::chrono::milliseconds> MailSender::attempt(Job &job, const Mai
         return std::nullopt;
     }
     job.reached = job.reached || result.isSent();
+    if (const std::string problem = problemOf(result, job.pending); !problem.empty()) {
+        noteFailed(job.message, problem);
+    }
     const bool isLastTry = job.tries == kPauses.size();
     std::vector<MailAddress> pending;
     std::map<std::string, std::string> postponed;  // for whom, by the reason

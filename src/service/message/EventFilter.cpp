@@ -1,33 +1,12 @@
 #include "service/message/EventFilter.h"
 
 #include "common/SettingsDocument.h"
-#include "common/Severity.h"
 
 #include <algorithm>
 
 namespace quorbel {
 
 namespace {
-
-constexpr std::string_view kAny = "Any";
-
-/// One bit for each of `count` names that is the wanted one, by `isName(index, text)`.
-template <typename IsName>
-std::uint32_t bitsFor(const Dictionary &record, std::string_view key, unsigned count,
-                      const IsName &isName) {
-    const std::string text = settingText(record, key).value_or("");
-    std::uint32_t bits = 0;
-    for (unsigned i = 0; i < count; ++i) {
-        if (text.empty() || text == kAny || isName(i, text)) {
-            bits |= 1U << i;
-        }
-    }
-    return bits;
-}
-
-bool has(std::uint32_t bits, unsigned index) {
-    return (bits >> index & 1U) != 0;
-}
 
 std::vector<EventFilter> readFilters(const Dictionary &settings, std::string_view key) {
     std::vector<EventFilter> filters;
@@ -69,30 +48,13 @@ const std::string &FilterSubject::foldedMessage() const {
 }
 
 EventFilter::EventFilter(const Dictionary &record)
-    : m_name(settingText(record, "Name").value_or("")), m_senders(record) {
-    m_facilities = bitsFor(record, "Facility", kFacilityCount,
-                           [](unsigned i, auto &text) { return kFacilityNames[i] == text; });
-    m_severities = bitsFor(record, "Severity", kSeverityCount, [](unsigned i, auto &text) {
-        return kSeverityClasses[i].name == text || kSeverityClasses[i].label == text;
-    });
-    const std::string pattern = settingText(record, "Message").value_or("");
-    if (!pattern.empty()) {
-        m_message.emplace(pattern);
-        if (m_message->matchesEverything()) {
-            m_message.reset();
-        }
-    }
-}
+    : m_name(settingText(record, "Name").value_or("")), m_conditions(record) {}
 
 bool EventFilter::matches(const FilterSubject &subject) const {
-    if (!has(m_facilities, subject.priority().facility) ||
-        !has(m_severities, subject.priority().severity)) {
-        return false;
-    }
-    if (!m_senders.contains(subject.address())) {
-        return false;
-    }
-    return !m_message || m_message->matches(subject.foldedMessage());
+    const Priority priority = subject.priority();
+    return m_conditions.meansPriority(priority.facility, priority.severity) &&
+           m_conditions.senders().contains(subject.address()) &&
+           (m_conditions.meansAnyMessage() || m_conditions.meansMessage(subject.foldedMessage()));
 }
 
 FilterSet::FilterSet(const Dictionary &settings)

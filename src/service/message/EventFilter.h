@@ -1,13 +1,11 @@
 #pragma once
 
+#include "common/FilterConditions.h"
 #include "common/IpAddress.h"
-#include "common/SenderRange.h"
 #include "platform/Value.h"
 #include "service/message/Priority.h"
-#include "service/message/WildcardPattern.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,14 +39,7 @@ private:
     mutable std::string m_folded;
 };
 
-/// One filter record of the settings, made ready for matching. All four conditions must hold:
-///
-/// - "IP" with "Mask": a SenderRange.
-/// - "Facility", "Severity": "Any" or an empty text stands for all. A name that does not exist
-///   holds for none.
-/// - "Message": a wildcard pattern for the whole text. An empty one stands for any.
-///
-/// What a record lacks, or holds in another form, counts as empty.
+/// One filter record of the settings, made ready for matching.
 class EventFilter {
 public:
     explicit EventFilter(const Dictionary &record);
@@ -57,17 +48,11 @@ public:
 
     /// As the record holds it.
     [[nodiscard]] const std::string &name() const { return m_name; }
-    [[nodiscard]] const SenderRange &senders() const { return m_senders; }
-    /// Whether the record names a facility, or a severity, that exists; without, nothing matches.
-    [[nodiscard]] bool hasFacility() const { return m_facilities != 0; }
-    [[nodiscard]] bool hasSeverity() const { return m_severities != 0; }
+    [[nodiscard]] const FilterConditions &conditions() const { return m_conditions; }
 
 private:
     std::string m_name;
-    SenderRange m_senders;
-    std::uint32_t m_facilities = 0;  ///< one bit for each that matches
-    std::uint32_t m_severities = 0;
-    std::optional<WildcardPattern> m_message;  ///< nothing: any message
+    FilterConditions m_conditions;
 };
 
 /// The include and exclude filters of the settings.

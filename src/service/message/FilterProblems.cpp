@@ -1,14 +1,19 @@
 #include "service/message/FilterProblems.h"
 
+#include "common/ActionThreshold.h"
 #include "common/SettingsDocument.h"
 #include "service/base/QuotedText.h"
 #include "service/message/EventFilter.h"
 
+#include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace quorbel {
 
 namespace {
+
+constexpr std::string_view kActionsKey = "actionsArray";
 
 std::string quotedField(const Dictionary &record, std::string_view key) {
     return quoted(settingText(record, key).value_or(""));
@@ -17,14 +22,14 @@ std::string quotedField(const Dictionary &record, std::string_view key) {
 /// How a filter's name goes on in the line that says what is wrong with it; empty when nothing is.
 std::string problemOf(const Dictionary &record) {
     const EventFilter filter(record);
-    const SenderRange &senders = filter.senders();
+    const SenderRange &senders = filter.conditions().senders();
     if (senders.isNobody()) {
         return "can never match: " + quotedField(record, "IP") + " is not an address";
     }
-    if (!filter.hasFacility()) {
+    if (!filter.conditions().hasFacility()) {
         return "can never match: there is no facility " + quotedField(record, "Facility");
     }
-    if (!filter.hasSeverity()) {
+    if (!filter.conditions().hasSeverity()) {
         return "can never match: there is no severity " + quotedField(record, "Severity");
     }
     if (senders.isMaskTooLong()) {
@@ -38,6 +43,28 @@ std::string problemOf(const Dictionary &record) {
     return "";
 }
 
+/// The first kMostFilterProblems problems, and how many others there are.
+class Problems {
+public:
+    void add(std::string problem) {
+        if (m_lines.size() == kMostFilterProblems) {
+            ++m_others;
+        } else {
+            m_lines.push_back(std::move(problem));
+        }
+    }
+    std::vector<std::string> take() {
+        if (m_others > 0) {
+            m_lines.push_back("Other filters with problems: " + std::to_string(m_others));
+        }
+        return std::move(m_lines);
+    }
+
+private:
+    std::vector<std::string> m_lines;
+    std::size_t m_others = 0;
+};
+
 }  // namespace
 
 std::vector<std::string> filterProblems(const Dictionary &settings) {
@@ -47,28 +74,26 @@ std::vector<std::string> filterProblems(const Dictionary &settings) {
     };
     constexpr List kLists[] = {{"includeFiltersArray", "The include filter "},
                                {"excludeFiltersArray", "The exclude filter "},
-                               {"actionsArray", "The filter of the action "}};
-    std::vector<std::string> problems;
-    std::size_t others = 0;
+                               {kActionsKey, "The filter of the action "}};
+    Problems problems;
     for (const List &list : kLists) {
         for (const Value &value : settingArray(settings, list.key)) {
             const Dictionary *record = value.dictionary();
             const std::string problem = record != nullptr ? problemOf(*record) : "";
-            if (problem.empty()) {
-                continue;
-            }
-            if (problems.size() == kMostFilterProblems) {
-                ++others;
-            } else {
-                problems.push_back(std::string(list.what) + quotedField(*record, "Name") + ' ' +
-                                   problem);
+            if (!problem.empty()) {
+                problems.add(std::string(list.what) + quotedField(*record, "Name") + ' ' + problem);
             }
         }
     }
-    if (others > 0) {
-        problems.push_back("Other filters with problems: " + std::to_string(others));
+    for (const Value &value : settingArray(settings, kActionsKey)) {
+        const Dictionary *record = value.dictionary();
+        const std::string problem = record != nullptr ? readThreshold(*record).problem : "";
+        if (!problem.empty()) {
+            problems.add("The threshold of the action " + quotedField(*record, "Name") +
+                         " is ignored: " + problem);
+        }
     }
-    return problems;
+    return problems.take();
 }
 
 }  // namespace quorbel

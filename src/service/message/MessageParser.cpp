@@ -23,23 +23,26 @@ bool removePrefix(std::string_view &text, std::string_view prefix) {
 }
 
 std::string_view withoutLineEnd(std::string_view message) {
-    constexpr std::string_view kEnds("\r\n\0", 3);
-    const std::size_t last = message.find_last_not_of(kEnds);
-    return message.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    const auto isEnd = [](char c) { return c == '\r' || c == '\n' || c == '\0'; };
+    while (!message.empty() && isEnd(message.back())) {
+        message.remove_suffix(1);
+    }
+    return message;
 }
 
 /// Takes "<191>" off the front; leaves the text alone when there is no usable priority.
 std::optional<Priority> takePriority(std::string_view &text) {
-    const std::size_t end = text.substr(0, 5).find('>');
-    if (!text.starts_with('<') || end == std::string_view::npos || end < 2) {
+    constexpr std::size_t kMostDigits = 3;
+    std::size_t end = 1;
+    unsigned value = 0;
+    for (; end < text.size() && end <= kMostDigits && isDigit(text[end]); ++end) {
+        value = value * 10 + static_cast<unsigned>(text[end] - '0');
+    }
+    const bool isNumber = text.starts_with('<') && end > 1 && (end == 2 || text[1] != '0');
+    if (!isNumber || end >= text.size() || text[end] != '>') {
         return std::nullopt;
     }
-    const std::string_view digits = text.substr(1, end - 1);
-    const auto value = readNumber<unsigned>(digits);
-    if (!value || (digits.size() > 1 && digits[0] == '0')) {
-        return std::nullopt;
-    }
-    const auto priority = Priority::fromValue(*value);
+    const auto priority = Priority::fromValue(value);
     if (priority) {
         text.remove_prefix(end + 1);
     }
@@ -76,8 +79,9 @@ bool looksLikeHostName(std::string_view word) {
 bool hasNoHostName(std::string_view rest) {
     constexpr std::string_view kBeginnings[] = {"Message forwarded from ", "Forwarded from ",
                                                 "last message repeated ", "message repeated "};
-    return std::ranges::any_of(kBeginnings,
-                               [rest](std::string_view words) { return rest.starts_with(words); });
+    return std::ranges::any_of(kBeginnings, [rest](std::string_view words) {
+        return rest.starts_with(words.front()) && rest.starts_with(words);
+    });
 }
 
 std::string_view legacyText(std::string_view rest) {

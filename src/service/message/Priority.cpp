@@ -23,14 +23,6 @@ Texts makeTexts() {
 
 }  // namespace
 
-std::optional<Priority> Priority::fromValue(unsigned value) {
-    if (value >= kFacilityCount * kSeverityCount) {
-        return std::nullopt;
-    }
-    return Priority{static_cast<std::uint8_t>(value / kSeverityCount),
-                    static_cast<std::uint8_t>(value % kSeverityCount)};
-}
-
 std::string_view Priority::text() const {
     static const Texts texts = makeTexts();
     return texts[std::size_t{facility} * kSeverityCount + severity];

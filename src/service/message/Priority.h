@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Facility.h"
+#include "common/Severity.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,16 +9,19 @@
 
 namespace quorbel {
 
-inline constexpr unsigned kFacilityCount = kFacilityNames.size();
-inline constexpr unsigned kSeverityCount = 8;
-
 /// Facility and severity of a message, by the numbers of RFC 5424, 6.2.1.
 struct Priority {
     std::uint8_t facility = 0;
     std::uint8_t severity = 0;
 
     /// Nothing when the value is above 191.
-    static std::optional<Priority> fromValue(unsigned value);
+    static std::optional<Priority> fromValue(unsigned value) {
+        if (value >= kFacilityCount * kSeverityCount) {
+            return std::nullopt;
+        }
+        return Priority{static_cast<std::uint8_t>(value / kSeverityCount),
+                        static_cast<std::uint8_t>(value % kSeverityCount)};
+    }
 
     /// "Local7.Debug". The text lives as long as the program.
     [[nodiscard]] std::string_view text() const;

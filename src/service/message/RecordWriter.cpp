@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 
 namespace quorbel {
 
@@ -18,6 +20,32 @@ constexpr std::size_t kLongestHost = 255;
 
 bool isPlain(char c) {
     return c >= ' ' && c <= '~';
+}
+
+/// How many bytes at the start of a text are plain, or fewer by some: looks at eight at a time.
+std::size_t plainBlocks(std::string_view text) {
+    constexpr std::size_t kBlock = sizeof(std::uint64_t);
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kTops = kOnes * 0x80;
+    std::size_t at = 0;
+    for (; at + kBlock <= text.size(); at += kBlock) {
+        std::uint64_t block = 0;
+        std::memcpy(&block, text.data() + at, kBlock);
+        // Of the first byte that is not plain, one of these has the top bit: above 0x7F, of 0x7F
+        // one more, of what is below a blank the difference.
+        if (((block | (block + kOnes) | (block - kOnes * ' ')) & kTops) != 0) {
+            break;
+        }
+    }
+    return at;
+}
+
+std::size_t plainLength(std::string_view text) {
+    std::size_t length = plainBlocks(text);
+    while (length < text.size() && isPlain(text[length])) {
+        ++length;
+    }
+    return length;
 }
 
 bool isControl(char32_t code) {
@@ -68,8 +96,7 @@ WrittenCharacter writtenCharacter(std::string_view text) {
 void appendPart(std::string &lines, std::string_view &message, std::size_t room) {
     while (!message.empty()) {
         const std::string_view fitting = message.substr(0, room);
-        const auto plain =
-            static_cast<std::size_t>(std::ranges::find_if_not(fitting, isPlain) - fitting.begin());
+        const std::size_t plain = plainLength(fitting);
         lines += fitting.substr(0, plain);
         message.remove_prefix(plain);
         room -= plain;
@@ -102,7 +129,15 @@ RecordWriter::Written RecordWriter::append(const ReceivedEvent &event, std::stri
     return {count, m_prefix.size()};
 }
 
+/// Many events have the same one: they come in turns of one second, and senders come in bursts.
 void RecordWriter::makePrefix(const ReceivedEvent &event) {
+    if (!m_prefix.empty() && event.seconds == m_seconds && event.priority == m_priority &&
+        event.host == m_host) {
+        return;
+    }
+    m_seconds = event.seconds;
+    m_priority = event.priority;
+    m_host = event.host;
     m_prefix = std::to_string(event.seconds);
     m_prefix += ',';
     m_prefix += event.priority.text();

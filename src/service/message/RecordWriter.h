@@ -41,7 +41,10 @@ public:
 private:
     void makePrefix(const ReceivedEvent &event);
 
-    std::string m_prefix;
+    std::string m_prefix;  ///< of the event with these three; empty before there was one
+    std::int64_t m_seconds = 0;
+    Priority m_priority;
+    std::string m_host;
 };
 
 }  // namespace quorbel

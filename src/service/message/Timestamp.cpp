@@ -42,9 +42,11 @@ public:
     }
     void expectWordOf(std::string_view words, std::size_t length) {
         const std::string_view word = m_text.substr(std::min(m_position, m_text.size()), length);
-        const std::size_t at = words.find(word);
-        m_failed =
-            m_failed || word.size() != length || at == std::string_view::npos || at % length != 0;
+        while (!m_failed && !words.empty() &&
+               !(words.starts_with(word.substr(0, 1)) && words.starts_with(word))) {
+            words.remove_prefix(length);
+        }
+        m_failed = m_failed || word.size() != length || words.empty();
         m_position += length;
     }
     /// Goes back to an earlier position when `optional` does not lead anywhere.

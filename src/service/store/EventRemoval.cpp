@@ -29,19 +29,28 @@ EventRemoval::EventRemoval(const std::vector<std::string> &dateFormats) {
 
 bool EventRemoval::want(const Dictionary &events) {
     m_wanted.reserve(events.size());
-    for (const auto &[key, value] : events) {
-        const auto count =
-            value.string() != nullptr ? readNumber<std::uint64_t>(*value.string()) : std::nullopt;
-        if (!count) {
-            return false;
-        }
-        std::string_view line = key;
-        if (line.ends_with('\n')) {
-            line.remove_suffix(1);
-        }
-        m_wanted[line].count += *count;
+    return std::ranges::all_of(events, [this](const Dictionary::Entry &entry) {
+        const std::string *count = entry.second.string();
+        return count != nullptr && want(entry.first, *count);
+    });
+}
+
+bool EventRemoval::want(ArchivedCounts &events) {
+    m_wanted.reserve(events.count());
+    return events.forEach([this](std::string_view line, std::string_view count) {
+        return want(line, count);
+    }) && m_wanted.size() == events.count();
+}
+
+bool EventRemoval::want(std::string_view line, std::string_view count) {
+    const auto number = readNumber<std::uint64_t>(count);
+    if (line.ends_with('\n')) {
+        line.remove_suffix(1);
     }
-    return true;
+    if (number) {
+        m_wanted[line].count += *number;
+    }
+    return number.has_value();
 }
 
 std::optional<std::string> EventRemoval::run(LogStore &store, const std::atomic<bool> &stop) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ArchivedCounts.h"
 #include "platform/DateFormat.h"
 #include "platform/UniqueFd.h"
 #include "platform/Value.h"
@@ -32,6 +33,9 @@ public:
     /// Takes the wanted events from a command. They are views of `events`, which must outlive the
     /// object. False when a count is no number; nothing is to be removed then.
     bool want(const Dictionary &events);
+    /// The same from the archive of one. False, too, when two of its lines are equal: of those a
+    /// dictionary has only the first.
+    bool want(ArchivedCounts &events);
 
     /// Reads each log file once, and rewrites those that hold some of the events. Returns what
     /// went wrong, as one line; the other files are done nevertheless. Gives up soon after `stop`
@@ -60,6 +64,7 @@ private:
         std::string time;
     };
 
+    bool want(std::string_view line, std::string_view count);
     bool search(LogStore &store, const std::string &name, const std::atomic<bool> &stop);
     void matchPiece(std::uint64_t offset, std::string_view piece, bool atLineBegin);
     void takeInexactMatches();

@@ -196,11 +196,23 @@ bool copyPartWith(int from, ByteRange part, const std::vector<Insertion> &insert
     return copyPart(from, part, {}, to);
 }
 
+std::optional<FileIdentity> identityOf(const UniqueFd &file) {
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0
+               ? std::optional(FileIdentity{status.st_dev, status.st_ino})
+               : std::nullopt;
+}
+
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0
+               ? std::optional(FileIdentity{status.st_dev, status.st_ino})
+               : std::nullopt;
+}
+
 bool isSameFile(const UniqueFd &file, const std::filesystem::path &path) {
-    struct stat open {};
-    struct stat named {};
-    return file.isOpen() && ::fstat(file.get(), &open) == 0 && ::stat(path.c_str(), &named) == 0 &&
-           open.st_dev == named.st_dev && open.st_ino == named.st_ino;
+    const auto open = identityOf(file);
+    return open && open == identityOf(path);
 }
 
 std::string replacementName(const std::filesystem::path &file) {

@@ -2,9 +2,12 @@
 
 #include "platform/UniqueFd.h"
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,6 +68,16 @@ bool copyPart(int from, ByteRange part, const std::vector<ByteRange> &without, i
 bool copyPartWith(int from, ByteRange part, const std::vector<Insertion> &insertions,
                   std::size_t &next, int to);
 
+/// What tells a file from every other one, while it is open at least.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    bool operator==(const FileIdentity &) const = default;
+};
+/// Nothing, with errno, when it is not open, or not there.
+std::optional<FileIdentity> identityOf(const UniqueFd &file);
+std::optional<FileIdentity> identityOf(const std::filesystem::path &path);
 /// Whether `path` still names the open file.
 bool isSameFile(const UniqueFd &file, const std::filesystem::path &path);
 /// Under which name a file is made that is to replace `file`: not that of a log file, so that

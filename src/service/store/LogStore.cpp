@@ -1,5 +1,6 @@
 #include "service/store/LogStore.h"
 
+#include "common/LogNames.h"
 #include "platform/DescriptorIo.h"
 #include "platform/Files.h"
 #include "service/base/Journal.h"
@@ -24,15 +25,19 @@ std::string errorText(int error) {
     return std::generic_category().message(error);
 }
 
-bool isDailyName(std::string_view name) {
-    constexpr std::string_view kShape = "0000-00-00.log";
-    return std::ranges::equal(name, kShape, [](char c, char shape) {
-        return shape == '0' ? c >= '0' && c <= '9' : c == shape;
-    });
-}
-
 std::size_t countLines(std::string_view lines) {
-    return static_cast<std::size_t>(std::ranges::count(lines, '\n'));
+    // A number that is no longer than a byte lets the compiler count many bytes at once.
+    constexpr std::size_t kBlock = 255;
+    std::size_t count = 0;
+    while (!lines.empty()) {
+        std::uint8_t inBlock = 0;
+        for (const char c : lines.substr(0, kBlock)) {
+            inBlock = static_cast<std::uint8_t>(inBlock + (c == '\n' ? 1 : 0));
+        }
+        count += inBlock;
+        lines.remove_prefix(std::min(kBlock, lines.size()));
+    }
+    return count;
 }
 
 }  // namespace
@@ -60,7 +65,7 @@ void LogStore::prepare() {
     for (const std::string &name : listFolder(m_folder)) {
         if (name.ends_with(replacementName(".log"))) {
             ::unlink(path(name).c_str());
-        } else if (isDailyName(name) && !repairFile(name)) {
+        } else if (isDailyLogName(name) && !repairFile(name)) {
             say(JournalLevel::kError,
                 "The end of " + name + " cannot be repaired: " + errorText(errno));
         }
@@ -112,13 +117,13 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
 
 /// Sees to it that m_file is the file of that name in the folder, and ends in a whole line.
 bool LogStore::openFor(const std::string &name) {
-    const std::filesystem::path file = path(name);
     // Somebody may have moved or removed the file, or the folder; what is written into a file
     // without a name is lost.
-    if (m_fileName == name && isSameFile(m_file, file)) {
+    if (m_fileName == name && m_fileIdentity && m_fileIdentity == identityOf(m_filePath)) {
         return true;
     }
     retireFile();
+    const std::filesystem::path file = path(name);
     m_sparesForFile.refill();
     const auto open = [&file] { return openForAppending(file, O_CREAT); };
     m_file = m_sparesForFile.useFor(open);
@@ -135,6 +140,9 @@ bool LogStore::openFor(const std::string &name) {
         return false;
     }
     m_fileName = name;
+    m_filePath = file;
+    m_fileIdentity = identityOf(m_file);
+    m_fileMark = markOf(m_file.get()).value_or(FileMark{});
     m_folderChanged = true;
     return true;
 }
@@ -142,11 +150,12 @@ bool LogStore::openFor(const std::string &name) {
 LogStore::Result LogStore::write(std::string_view lines) {
     const std::size_t written = writeFully(m_file.get(), lines);
     if (written == lines.size()) {
-        return {countLines(lines), 0};
+        return {countLines(lines), 0, placeBefore(0)};
     }
     const int error = errno;
     // The lines that are whole stay; the piece of the next one goes.
     const std::string_view whole = lines.substr(0, lines.substr(0, written).rfind('\n') + 1);
+    const FilePlace behind = placeBefore(written - whole.size());
     struct stat status {};
     if (whole.size() < written &&
         (::fstat(m_file.get(), &status) != 0 ||
@@ -156,7 +165,28 @@ LogStore::Result LogStore::write(std::string_view lines) {
         retireFile();
     }
     errno = error;
-    return {countLines(whole), countLines(lines) - countLines(whole)};
+    return {countLines(whole), countLines(lines) - countLines(whole), behind};
+}
+
+/// In the open file, so many bytes before where it was written to last.
+FilePlace LogStore::placeBefore(std::size_t unwritten) const {
+    const off_t end = ::lseek(m_file.get(), 0, SEEK_CUR);
+    return {m_fileName, m_fileMark, static_cast<std::uint64_t>(end) - unwritten};
+}
+
+FilePlace LogStore::end() {
+    const MutexLock lock(m_mutex);
+    std::string name = m_fileName;
+    if (name.empty()) {
+        const std::vector<std::string> names = listFolder(m_folder);
+        const auto newest = std::find_if(names.rbegin(), names.rend(), isDailyLogName);
+        name = newest == names.rend() ? "" : *newest;
+    }
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path(name), error);
+    const auto identity = markOf(path(name));
+    return name.empty() || error || !identity ? FilePlace{name, {}, 0}
+                                              : FilePlace{name, *identity, size};
 }
 
 void LogStore::retireFile() {

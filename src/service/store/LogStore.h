@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FilePlace.h"
 #include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
@@ -38,6 +39,7 @@ public:
     struct Result {
         std::size_t stored = 0;
         std::size_t notStored = 0;
+        FilePlace behind{};  ///< where the log goes on behind what was stored, if anything was
     };
     /// Appends whole lines to the file of the day that `seconds` since 1970 falls into. Of lines
     /// for which there is no room none is left behind in part.
@@ -54,6 +56,11 @@ public:
     [[nodiscard]] std::filesystem::path path(const std::string &name) const;
     /// A file's size between two calls of append(): it ends in a whole line.
     std::uint64_t settledSize(const UniqueFd &file);
+
+    /// Where the log goes on behind everything that was stored; for the thread of append().
+    [[nodiscard]] FilePlace end();
+    /// How often a file was replaced or removed since the store was made.
+    [[nodiscard]] std::uint64_t edits() const { return m_edits; }
 
     /// Whoever takes events out or puts them in holds this from the search for their places on:
     /// their places in a file are its own only as long as nobody else replaces it.
@@ -78,6 +85,7 @@ private:
 
     bool openFor(const std::string &name) REQUIRES(m_mutex);
     Result write(std::string_view lines) REQUIRES(m_mutex);
+    [[nodiscard]] FilePlace placeBefore(std::size_t unwritten) const REQUIRES(m_mutex);
     void retireFile() REQUIRES(m_mutex);
     void noteState(std::int64_t seconds, std::size_t lost, int error);
     [[nodiscard]] bool repairFile(const std::string &name) const;
@@ -127,13 +135,17 @@ private:
     UniqueFd m_syncedFolder;          ///< stays open: later, there may be no descriptor for it
 
     std::atomic<std::uint64_t> m_unsynced = 0;
+    std::atomic<std::uint64_t> m_edits = 0;
 
     Mutex m_editMutex LOCKED_BEFORE(m_mutex);
 
     Mutex m_mutex;
     Condition m_wakeSync;
-    UniqueFd m_file GUARDED_BY(m_mutex);  ///< open for appending
-    std::string m_fileName GUARDED_BY(m_mutex);
+    UniqueFd m_file GUARDED_BY(m_mutex);         ///< open for appending
+    std::string m_fileName GUARDED_BY(m_mutex);  ///< empty when there is none
+    std::filesystem::path m_filePath GUARDED_BY(m_mutex);
+    std::optional<FileIdentity> m_fileIdentity GUARDED_BY(m_mutex);
+    FileMark m_fileMark GUARDED_BY(m_mutex);
     // Connections can take all others. While a file is begun, the one before waits for its sync.
     SpareDescriptors m_sparesForFile GUARDED_BY(m_mutex){2};
     SpareDescriptors m_spareForSync GUARDED_BY(m_mutex){1};

@@ -60,9 +60,11 @@ bool LogStore::putIn(const std::string &name, const UniqueFd &file,
 bool LogStore::removeWhole(const std::string &name, const UniqueFd &file, std::uint64_t size) {
     const MutexLock lock(m_mutex);
     struct stat status {};
-    return ::fstat(file.get(), &status) == 0 &&
-           static_cast<std::uint64_t>(status.st_size) == size && isSameFile(file, path(name)) &&
-           ::unlink(path(name).c_str()) == 0;
+    const bool removed = ::fstat(file.get(), &status) == 0 &&
+                         static_cast<std::uint64_t>(status.st_size) == size &&
+                         isSameFile(file, path(name)) && ::unlink(path(name).c_str()) == 0;
+    m_edits += static_cast<std::uint64_t>(removed);
+    return removed;
 }
 
 bool LogStore::replace(const std::string &name, const UniqueFd &file, const Edit &edit,
@@ -124,9 +126,11 @@ bool LogStore::swap(const std::string &name, const UniqueFd &file, const Edit &e
     const auto size = static_cast<std::uint64_t>(status.st_size);
     // What was synced in the old file must be on disk in the new one before it takes its place.
     // append() notices by itself that the name stands for another file now.
-    return edit.copy({copied, size}, replacement.get()) &&
-           (size == copied || ::fdatasync(replacement.get()) == 0) &&
-           ::rename(replacementName(target).c_str(), target.c_str()) == 0;
+    const bool replaced = edit.copy({copied, size}, replacement.get()) &&
+                          (size == copied || ::fdatasync(replacement.get()) == 0) &&
+                          ::rename(replacementName(target).c_str(), target.c_str()) == 0;
+    m_edits += static_cast<std::uint64_t>(replaced);
+    return replaced;
 }
 
 }  // namespace quorbel

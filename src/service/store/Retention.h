@@ -1,12 +1,12 @@
 #pragma once
 
+#include "common/RetentionRules.h"
 #include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "platform/Value.h"
 #include "service/store/ClockTrust.h"
 #include "service/store/LogStore.h"
 #include "service/store/RemovalFeed.h"
-#include "service/store/RetentionRules.h"
 
 #include <sys/types.h>
 

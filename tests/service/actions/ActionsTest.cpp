@@ -1,4 +1,5 @@
 #include "service/actions/Actions.h"
+#include "service/actions/MatchThreshold.h"
 #include "service/actions/StormGuard.h"
 #include "service/message/RecordWriter.h"
 
@@ -48,8 +49,8 @@ struct ActionsTest : ::testing::Test {
         actions.configure(settings);
     }
     std::vector<EventToSet> receive(std::string_view text = "disk full, retrying",
-                                    Priority priority = {23, 3}) {
-        const IpAddress address = IpAddress::parse("10.1.2.3").value();
+                                    Priority priority = {23, 3}, const char *from = "10.1.2.3") {
+        const IpAddress address = IpAddress::parse(from).value();
         std::string lines;
         const auto written = RecordWriter().append({kTime, priority, "router", text}, lines);
         subject.set(address, priority, lines, written.prefix);
@@ -291,6 +292,119 @@ TEST_F(ActionsTest, KeepTheirCountsWhenOtherSettingsChange) {
     EXPECT_THAT(journal, HasSubstr("too many matches; held back in the last minute: commands 1,"));
     receive();
     EXPECT_EQ(commands.back().program, "false");
+}
+
+TEST_F(ActionsTest, WithAThresholdActAtTheMatchThatReachesIt) {
+    Dictionary limited = action("runCommand", {{"Command", "true"}});
+    limited.set("threshold", Dictionary{{"Matches", 3}, {"Minutes", 10}, {"PerHost", true}});
+    configure({limited, action("setEvent", {{"Format", "each"}}, {{"Message", "disk*"}})});
+    const auto matchFrom = [this](const char *address) {
+        commands.clear();
+        // One without a threshold goes on beside it.
+        EXPECT_EQ(receive("disk full", {23, 3}, address).size(), 1U);
+        now += seconds(10);
+        return commands.size();
+    };
+    for (const char *address : {"10.0.0.1", "10.0.0.2", "10.0.0.1", "10.0.0.2"}) {
+        EXPECT_EQ(matchFrom(address), 0U);
+    }
+    EXPECT_EQ(matchFrom("10.0.0.1"), 1U);
+    EXPECT_EQ(matchFrom("10.0.0.1"), 0U);
+    EXPECT_EQ(matchFrom("10.0.0.2"), 1U);
+    EXPECT_EQ(counters.belowThreshold, 5U);
+    // What its filter does not match does not count.
+    limited.set("Message", "link*");
+    configure({limited});
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_TRUE(receive("disk full").empty());
+    }
+    EXPECT_EQ(commands.size(), 1U);
+    EXPECT_EQ(counters.belowThreshold, 5U);
+}
+
+TEST_F(ActionsTest, WithAThresholdThatMeansNothingActAtEachMatch) {
+    for (const Value &threshold :
+         {Value("x"), Value(Dictionary{{"Matches", 0}, {"Minutes", 1}}),
+          Value(Dictionary{{"Matches", 2}, {"Minutes", 1 << 30}}), Value(Dictionary{})}) {
+        commands.clear();
+        Dictionary record = action("runCommand", {{"Command", "true"}});
+        record.set("threshold", threshold);
+        configure({record});
+        receive();
+        receive();
+        EXPECT_EQ(commands.size(), 2U);
+    }
+    EXPECT_EQ(counters.belowThreshold, 0U);
+}
+
+TEST_F(ActionsTest, HoldBackBehindTheThreshold) {
+    Dictionary limited = action("runCommand", {{"Command", "true"}});
+    limited.set("threshold", Dictionary{{"Matches", 2}, {"Minutes", 10}, {"PerHost", true}});
+    configure({limited});
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 25; ++i) {
+            receive("x", {23, 3}, ("10.0.0." + std::to_string(i)).c_str());
+        }
+    }
+    EXPECT_EQ(commands.size(), Actions::kCommandsPerMinute);
+    EXPECT_EQ(counters.belowThreshold, 25U);
+    journalOf([this] { actions.report(now + seconds(60)); });
+    EXPECT_EQ(counters.heldBack, 15U);
+}
+
+TEST_F(ActionsTest, KeepTheirCountsWhileTheirRecordsStay) {
+    Dictionary limited = action("runCommand", {{"Command", "true"}});
+    limited.set("threshold", Dictionary{{"Matches", 3}, {"Minutes", 10}});
+    const Dictionary other = action("setEvent", {{"Format", "x"}}, {{"Message", "other"}});
+    configure({limited});
+    receive();
+    configure({other, limited, limited});
+    receive();
+    EXPECT_EQ(commands.size(), 0U);
+    configure({limited});
+    receive();
+    EXPECT_EQ(commands.size(), 1U) << "the former one of the two is the one that stays";
+    // One that was edited begins anew.
+    limited.set("Message", "*");
+    configure({limited});
+    now += seconds(600);
+    receive();
+    receive();
+    EXPECT_EQ(commands.size(), 1U);
+    receive();
+    EXPECT_EQ(commands.size(), 2U);
+}
+
+TEST_F(ActionsTest, KeepWhatTheyHeldBackWhileTheirRecordsStay) {
+    const Dictionary stays = action("runCommand", {{"Command", "true"}});
+    const Dictionary goes = action("setEvent", {{"Format", "x"}});
+    configure({stays, goes});
+    for (int i = 0; i < 12; ++i) {
+        receive();
+    }
+    EXPECT_EQ(journalOf([&] { configure({stays}); }),
+              "<4>Action \"test\": too many matches; held back in the last minute: commands 0, "
+              "e-mails 0, events 2\n");
+    ASSERT_EQ(actions.reportTime(), now + seconds(60));
+    EXPECT_EQ(journalOf([this] { actions.report(now + seconds(60)); }),
+              "<4>Action \"test\": too many matches; held back in the last minute: commands 2, "
+              "e-mails 0, events 0\n");
+}
+
+TEST_F(ActionsTest, SayOnceThatAThresholdHasTooManyHosts) {
+    Dictionary limited = action("runCommand", {{"Command", "true"}});
+    limited.set("threshold", Dictionary{{"Matches", 2}, {"Minutes", 10}, {"PerHost", true}});
+    configure({limited});
+    const std::string journal = journalOf([this] {
+        for (std::size_t i = 0; i < MatchThreshold::kMostHosts + 5; ++i) {
+            receive("x", {23, 3},
+                    ("10.0." + std::to_string(i / 256) + '.' + std::to_string(i % 256)).c_str());
+        }
+    });
+    EXPECT_EQ(journal,
+              "<4>Action \"test\": too many hosts or matches within the time of its threshold; the "
+              "hosts that were silent longest are forgotten\n");
+    EXPECT_EQ(counters.hostsForgotten, 5U);
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ struct CommandRunnerTest : ::testing::Test {
     bool run(std::string program, std::vector<std::string> arguments,
              Environment environment = {"PATH=/usr/bin:/bin"}) {
         return runner->submit(
-            {"name", std::move(program), std::move(arguments), std::move(environment)});
+            {"name", std::move(program), std::move(arguments), std::move(environment), {}});
     }
     bool shell(const std::string &script) { return run("/bin/sh", {"-c", script}); }
     [[nodiscard]] std::string path(const std::string &name) const {
@@ -209,7 +209,10 @@ TEST_F(CommandRunnerTest, RunsAFewAtATimeAndDropsWhatIsTooMuch) {
     for (std::size_t i = 0; i < CommandRunner::kMostWaiting; ++i) {
         ASSERT_TRUE(shell("sleep 1000"));
     }
-    EXPECT_FALSE(shell("sleep 1000"));
+    const auto told = std::make_shared<LastResult>();
+    EXPECT_FALSE(runner->submit({"name", "/bin/true", {}, {}, told}));
+    EXPECT_EQ(told->summary().failed, 1U);
+    EXPECT_EQ(told->summary().problem, "Too many commands are waiting");
     EXPECT_EQ(runner->started(), CommandRunner::kMostAtOnce);
     EXPECT_EQ(runner->notStarted(), 1U);
     const auto begin = std::chrono::steady_clock::now();

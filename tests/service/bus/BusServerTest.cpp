@@ -51,7 +51,10 @@ struct BusServerTest : ::testing::Test {
         worker = std::make_unique<CommandWorker>(loop.get(), commands);
     }
 
-    void startServer() { server = std::make_unique<BusServer>(loop.get(), queue, *worker); }
+    void startServer() {
+        server = std::make_unique<BusServer>(loop.get(), queue, *worker, store,
+                                             [this] { return removals; });
+    }
 
     /// Runs the loop until the condition holds; false when it does not in time.
     bool runUntil(const std::function<bool()> &condition) {
@@ -104,6 +107,7 @@ struct BusServerTest : ::testing::Test {
     MailSender mail;
     Commands commands{store, settings, mail};
     NotificationQueue queue;
+    NotificationSender::Removals removals;
     EventLoopPointer loop;
     std::unique_ptr<CommandWorker> worker;
     PrivateBus privateBus;

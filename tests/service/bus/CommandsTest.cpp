@@ -374,6 +374,46 @@ UniqueFd memoryFile(std::string_view bytes, int seals) {
     return file;
 }
 
+TEST_F(CommandsTest, AnUpdateInAFileDoesWhatItsDictionaryDoes) {
+    const std::string log =
+        "1700000000,User.Notice,h,a\r\n1700000000,User.Notice,h,a\r\n"
+        "1700000001,User.Notice,h,Gr\xC3\xBC\xC3\x9F\r\n1700000002,User.Notice,h,c\r\n";
+    const Dictionary cases[] = {
+        {},
+        {{"1700000000,User.Notice,h,a\n", "1"}},
+        {{"1700000000,User.Notice,h,a\n", "2"}, {"1700000002,User.Notice,h,c\n", "1"}},
+        {{"1700000001,User.Notice,h,Gr\xC3\xBC\xC3\x9F\n", "1"}, {"absent\n", "7"}},
+        {{"1700000000,User.Notice,h,a\n", "1"}, {"1700000000,User.Notice,h,a", "1"}},
+        {{"1700000000,User.Notice,h,a\n", "1"}, {"1700000002,User.Notice,h,c\n", "no number"}},
+        {{"1700000000,User.Notice,h,a\n", 1}},
+        {{"1700000000,User.Notice,h,a\n", "0"}},
+        {{"$null", "1"}, {"1700000002,User.Notice,h,c\n", "1"}},
+    };
+    for (const Dictionary &events : cases) {
+        folder.write("2023-11-14.log", log);
+        const std::string reply = update(events);
+        const std::string left = content("2023-11-14.log");
+        folder.write("2023-11-14.log", log);
+        const std::string archive =
+            writeKeyedArchive(Dictionary{{"command", "update"}, {"Events", events}});
+        EXPECT_EQ(commands.carryOut(memoryFile(archive, F_SEAL_WRITE | F_SEAL_SHRINK)), reply);
+        EXPECT_EQ(content("2023-11-14.log"), left);
+    }
+}
+
+/// As in any dictionary that is read, the first of them counts.
+TEST_F(CommandsTest, OfEqualLinesInAFileTheFirstCounts) {
+    const std::string line = "1700000000,User.Notice,h,a\r\n";
+    folder.write("2023-11-14.log", line + line + line);
+    std::string archive = writeKeyedArchive(
+        Dictionary{{"command", "update"},
+                   {"Events", Dictionary{{"1700000000,User.Notice,h,a\n", "1"},
+                                         {"1700000000,User.Notice,h,b\n", "2"}}}});
+    archive[archive.find("h,b\n") + 2] = 'a';
+    EXPECT_EQ(commands.carryOut(memoryFile(archive, F_SEAL_WRITE | F_SEAL_SHRINK)), "OK");
+    EXPECT_EQ(content("2023-11-14.log"), line + line);
+}
+
 TEST_F(CommandsTest, CommandFilesMustBeSealedArchives) {
     constexpr int kSealed = F_SEAL_WRITE | F_SEAL_SHRINK;
     const std::string archive =

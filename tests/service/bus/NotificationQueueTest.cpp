@@ -77,5 +77,82 @@ TEST(NotificationQueueTest, DropsTheOldestWhenTheyTakeTooMuchRoom) {
     EXPECT_EQ(queue.size() + queue.dropped(), many);
 }
 
+FilePlace at(std::uint64_t offset, const char *name = "2026-11-21.log", std::uint64_t inode = 7) {
+    return {name, {inode, 1}, offset};
+}
+
+std::string joined(const std::vector<NotificationRun> &runs) {
+    std::string all;
+    for (const NotificationRun &run : runs) {
+        all += nameOf(run.type);
+        all += ':';
+        all += run.lines;
+    }
+    return all;
+}
+
+TEST(NotificationQueueTest, GivesRunsOfOneTypeInTheirOrder) {
+    NotificationQueue queue;
+    queue.push(NotificationType::kSet, line(1) + line(2), at(100));
+    queue.push(NotificationType::kSet, line(3), at(100 + line(3).size()));
+    queue.push(NotificationType::kRemove, line(1));
+    queue.push(NotificationType::kRemove, line(2));
+    queue.push(NotificationType::kSet, line(4), at(500));
+    EXPECT_EQ(queue.size(), 6U);
+    const auto runs = queue.frontRuns(10'000);
+    EXPECT_EQ(joined(runs), "Set:" + line(1) + line(2) + line(3) + "Remove:" + line(1) + line(2) +
+                                "Set:" + line(4));
+    queue.popRuns(runs);
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(queue.told(NotificationType::kSet), 4U);
+    EXPECT_EQ(queue.told(NotificationType::kRemove), 2U);
+    EXPECT_EQ(queue.dropped(), 0U);
+}
+
+TEST(NotificationQueueTest, GivesNoMoreBytesThanAskedForButSomething) {
+    NotificationQueue queue;
+    queue.push(NotificationType::kSet, line(1));
+    queue.push(NotificationType::kRemove, line(2));
+    queue.push(NotificationType::kSet, line(3));
+    EXPECT_EQ(joined(queue.frontRuns(1)), "Set:" + line(1));
+    EXPECT_EQ(queue.frontRuns(2 * line(1).size()).size(), 2U);
+    queue.dropRuns(queue.frontRuns(1));
+    EXPECT_EQ(queue.dropped(), 1U);
+    EXPECT_EQ(queue.front().line, line(2));
+    EXPECT_EQ(queue.told(NotificationType::kSet), 1U);
+    EXPECT_EQ(queue.waiting(NotificationType::kSet), 1U);
+}
+
+TEST(NotificationQueueTest, KnowsThePlaceBehindWhatWasTold) {
+    NotificationQueue queue;
+    const std::uint64_t size = line(1).size();
+    EXPECT_FALSE(queue.toldPlace());
+    queue.push(NotificationType::kSet, line(1) + line(2), at(1000));
+    EXPECT_EQ(queue.toldPlace(), at(1000 - 2 * size));
+    queue.pop();
+    EXPECT_EQ(queue.toldPlace(), at(1000 - size));
+    // One that could not be stored, and the next day.
+    queue.push(NotificationType::kSet, line(3));
+    queue.push(NotificationType::kSet, line(4), at(size, "2026-11-22.log", 8));
+    queue.pop();
+    EXPECT_EQ(queue.toldPlace(), at(0, "2026-11-22.log", 8));
+    queue.pop();
+    EXPECT_EQ(queue.front().line, line(4));
+    EXPECT_EQ(queue.toldPlace(), at(0, "2026-11-22.log", 8));
+    queue.pop();
+    EXPECT_FALSE(queue.toldPlace());
+}
+
+TEST(NotificationQueueTest, APlaceIsThatOfItsFile) {
+    NotificationQueue queue;
+    const std::uint64_t size = line(1).size();
+    queue.push(NotificationType::kSet, line(1), at(1000));
+    // Replaced by a shorter one, in which the next line could stand right behind by chance.
+    queue.push(NotificationType::kSet, line(2), at(1000 + size, "2026-11-21.log", 9));
+    EXPECT_EQ(queue.toldPlace(), at(1000 - size));
+    queue.pop();
+    EXPECT_EQ(queue.toldPlace(), at(1000, "2026-11-21.log", 9));
+}
+
 }  // namespace
 }  // namespace quorbel

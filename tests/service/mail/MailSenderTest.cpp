@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <future>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -345,10 +346,14 @@ TEST_F(MailSenderTest, GivesUpAfterFourTries) {
     {
         MailSender quick(20ms);
         quick.configure(settingsFor(server));
-        EXPECT_TRUE(quick.submit({{"a@b", "c@d"}, "s", "", false}));
+        const auto told = std::make_shared<LastResult>();
+        EXPECT_TRUE(quick.submit({{"a@b", "c@d"}, "s", "", false, told}));
         EXPECT_TRUE(waitUntil([&] { return quick.dropped() == 1; }));
         EXPECT_EQ(server.connections(), 4U);
         EXPECT_EQ(quick.sent(), 0U);
+        EXPECT_EQ(told->summary().failed, 4U);
+        EXPECT_EQ(told->summary().problem,
+                  "The mail server localhost refused the e-mail: 451 Not now");
     }
     EXPECT_EQ(
         ::testing::internal::GetCapturedStderr(),
@@ -424,6 +429,9 @@ TEST_F(MailSenderTest, TheQueueIsBounded) {
     }
     EXPECT_EQ(taken, MailSender::kMostQueued);
     EXPECT_EQ(patient.dropped(), 10U);
+    const auto told = std::make_shared<LastResult>();
+    EXPECT_FALSE(patient.submit({{"a@b"}, "s", "", false, told}));
+    EXPECT_EQ(told->summary().problem, "Too many e-mails are waiting");
     EXPECT_TRUE(waitUntil([&] { return server.connections() == 1; }));
     // The end does not wait for the server.
 }
@@ -434,11 +442,14 @@ TEST_F(MailSenderTest, QueuedMailGoesToThoseWhoHaveAnAddress) {
     sender.configure(settingsFor(server));
     EXPECT_FALSE(sender.submit({{}, "s", "", false}));
     EXPECT_FALSE(sender.submit({{"x"}, "s", "", false}));
-    EXPECT_TRUE(sender.submit({{"a@b", "y z@b"}, "s", "", false}));
+    const auto told = std::make_shared<LastResult>();
+    EXPECT_TRUE(sender.submit({{"a@b", "y z@b"}, "s", "", false, told}));
     const auto mails = server.waitForMails(1);
     ASSERT_THAT(mails, SizeIs(1));
     EXPECT_THAT(mails[0].recipients, ElementsAre("a@b"));
     EXPECT_TRUE(waitUntil([&] { return sender.dropped() == 3; }));
+    EXPECT_EQ(told->summary().failed, 1U);
+    EXPECT_EQ(told->summary().problem, "\"y z@b\" is not a valid e-mail address");
     EXPECT_EQ(sender.sent(), 1U);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "<4>An e-mail was not sent: \"x\" is not a valid e-mail address\n"

@@ -94,5 +94,26 @@ TEST(FilterProblemsTest, AreOneLineEachHoweverTheFieldsAre) {
     EXPECT_EQ(nameOf(std::string(79, 'x') + "\u4E2D"), std::string(79, 'x') + "...");
 }
 
+TEST(FilterProblemsTest, AreSaidOfThresholdsThatMeanNothing) {
+    const auto withThreshold = [](const char *name, Value threshold) {
+        Dictionary action = filter(name, "0.0.0.0", "0");
+        action.set("threshold", std::move(threshold));
+        return action;
+    };
+    const Array actions{
+        withThreshold("good", Dictionary{{"Matches", 5}, {"Minutes", 10}, {"PerHost", true}}),
+        withThreshold("none", Dictionary{}),
+        withThreshold("zero", Dictionary{{"Matches", 0}, {"Minutes", 10}}),
+        withThreshold("text", "5 in 10"),
+        "no record",
+    };
+    EXPECT_THAT(filterProblems({{"actionsArray", actions}}),
+                ElementsAre(R"(The threshold of the action "zero" is ignored: )"
+                            R"("Matches" is no whole number from 1 to 1000)",
+                            R"(The threshold of the action "text" is ignored: it is no record)"));
+    // A filter has none, so there is nothing to be wrong.
+    EXPECT_THAT(filterProblems({{"excludeFiltersArray", actions}}), IsEmpty());
+}
+
 }  // namespace
 }  // namespace quorbel

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -203,6 +204,52 @@ TEST(MessageParserTest, TakesEveryBeginningOfAMessage) {
                 EXPECT_EQ(parsed->priority.text(), c.priority) << sent;
             }
         }
+    }
+}
+
+/// The priority that a message begins with, found by writing each of them.
+std::optional<Priority> priorityByTrial(std::string_view message) {
+    for (unsigned value = 0; value < 192; ++value) {
+        if (message.starts_with('<' + std::to_string(value) + '>')) {
+            return Priority::fromValue(value);
+        }
+    }
+    return std::nullopt;
+}
+
+TEST(MessageParserTest, TellsPrioritiesFromWhatLooksLikeThem) {
+    constexpr std::string_view kCharacters = "<>0129 ";
+    constexpr std::size_t kLength = 5;
+    MessageParser parser;
+    std::size_t wellFormed = 0;
+    std::size_t all = 1;
+    for (std::size_t i = 0; i < kLength; ++i) {
+        all *= kCharacters.size();
+    }
+    for (std::size_t number = 0; number < all; ++number) {
+        std::string sent;
+        for (std::size_t rest = number; sent.size() < kLength; rest /= kCharacters.size()) {
+            sent += kCharacters[rest % kCharacters.size()];
+        }
+        for (const std::string &message : {sent, sent + 'x'}) {
+            const auto parsed = parser.parse(message);
+            const auto expected = priorityByTrial(message);
+            ASSERT_TRUE(parsed);
+            ASSERT_EQ(parsed->wellFormed, expected.has_value()) << message;
+            ASSERT_EQ(parsed->priority, expected.value_or(kAssumedPriority)) << message;
+            wellFormed += parsed->wellFormed ? 1U : 0U;
+        }
+    }
+    EXPECT_GT(wellFormed, 400U);
+}
+
+TEST(MessageParserTest, KnowsTheMonths) {
+    constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    MessageParser parser;
+    for (std::size_t at = 0; at + 3 <= kMonths.size(); ++at) {
+        const std::string stamped =
+            std::string(kMonths.substr(at, 3)) + " 21 02:54:07 web1 tag: text";
+        EXPECT_EQ(parser.parse("<13>" + stamped)->text, at % 3 == 0 ? "tag: text" : stamped);
     }
 }
 

@@ -108,6 +108,38 @@ TEST(RecordWriterTest, WritesHostsWithoutSeparators) {
     }
 }
 
+// Plain text is looked at in blocks: no byte hides in one, wherever it stands.
+TEST(RecordWriterTest, FindsEveryByteAtEveryPlace) {
+    constexpr std::size_t kLength = 40;
+    for (std::size_t place = 0; place < kLength; ++place) {
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string message(kLength, place % 2 == 0 ? ' ' : '~');
+            message[place] = static_cast<char>(byte);
+            ASSERT_EQ(messageOf(message), testing::writtenText(message)) << place << ' ' << byte;
+        }
+    }
+}
+
+TEST(RecordWriterTest, WritesOfEachEventItsOwnTimePriorityAndHost) {
+    const Record usual{"1", "Local7.Error", "a", "m"};
+    RecordWriter writer;
+    std::string lines;
+    const auto write = [&](std::int64_t seconds, Priority priority, std::string_view host) {
+        writer.append({seconds, priority, host, "m"}, lines);
+    };
+    write(1, kLocal7Error, "a");
+    write(2, kLocal7Error, "a");
+    write(1, kLocal7Error, "a");
+    write(1, {23, 7}, "a");
+    write(1, kLocal7Error, "a");
+    write(1, kLocal7Error, "b");
+    write(1, kLocal7Error, "a");
+    const std::vector<Record> expected{
+        usual, {"2", "Local7.Error", "a", "m"}, usual, {"1", "Local7.Debug", "a", "m"},
+        usual, {"1", "Local7.Error", "b", "m"}, usual};
+    EXPECT_EQ(readBack(lines), expected);
+}
+
 TEST(RecordWriterTest, FillsLinesToTheLastByte) {
     const std::size_t prefix = std::string_view("1700000000,Local7.Error,10.0.0.5,").size();
     const std::size_t room = 1023 - 2 - prefix;

@@ -1,0 +1,186 @@
+// The window under a flood, from the network to its list: bench_flood RSYSLOG SECONDS, the folder
+// that the packages of a widely used syslog server were unpacked into, and how long to send. Its
+// rate, which tells nobody, is what storing is measured against; sender, messages and machine are
+// the same.
+
+#include "Measure.h"
+#include "Yardstick.h"
+#include "core/EventList.h"
+#include "load/LoadCheck.h"
+#include "load/LoadSender.h"
+#include "support/FrontEnd.h"
+#include "support/PrivateBus.h"
+#include "support/ServiceProcess.h"
+#include "support/TemporaryFolder.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <string>
+#include <thread>
+
+namespace quorbel::bench {
+namespace {
+
+using load::Plan;
+using Transport = Plan::Transport;
+
+/// More than any flood has.
+constexpr std::uint64_t kEndless = std::uint64_t{1} << 40U;
+
+/// Sends for that long, on a thread of its own; how many were sent.
+std::future<std::uint64_t> flood(std::uint16_t port, Transport transport,
+                                 std::chrono::seconds span) {
+    return std::async(std::launch::async, [=] {
+        Plan plan;
+        plan.port = port;
+        plan.transport = transport;
+        plan.count = kEndless;
+        plan.mostQueued = std::uint64_t{16} << 20U;
+        std::atomic<bool> stop = false;
+        std::thread clock([&] {
+            std::this_thread::sleep_for(span);
+            stop = true;
+        });
+        const std::uint64_t sent = load::send(plan, &stop).count;
+        clock.join();
+        return sent;
+    });
+}
+
+bool isOver(const std::future<std::uint64_t> &sending) {
+    return sending.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+/// Messages a second from the first that was sent to the last that is stored. Exits when not all
+/// are. `meanwhile` is called all the time.
+double storedPerSecond(std::uint16_t port, Transport transport, std::chrono::seconds span,
+                       const std::filesystem::path &output,
+                       const std::function<void()> &meanwhile) {
+    load::LineCounter lines(output);
+    const Stopwatch watch;
+    std::future<std::uint64_t> sending = flood(port, transport, span);
+    while (!isOver(sending)) {
+        meanwhile();
+    }
+    const std::uint64_t sent = sending.get();
+    // Looking costs both as much.
+    while (lines.count() < sent) {
+        if (watch.seconds() > 10.0 * static_cast<double>(span.count())) {
+            std::fprintf(stderr, "Only %lu of %lu messages were stored\n", lines.count(), sent);
+            std::exit(2);
+        }
+        meanwhile();
+    }
+    return static_cast<double>(sent) / watch.seconds();
+}
+
+double yardstickRate(Transport transport, std::chrono::seconds span,
+                     const std::filesystem::path &packages) {
+    const Yardstick yardstick(packages);
+    return storedPerSecond(yardstick.port(), transport, span, yardstick.output(),
+                           [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); });
+}
+
+std::int64_t counted(const AppState &state) {
+    return state.iEmergency + state.iAlert + state.iCritical + state.iError + state.iWarning +
+           state.iNotice + state.iInformation + state.iDebug + state.iUnknown;
+}
+
+struct Outcome {
+    double stored = 0;     ///< a second
+    double taken = 0;      ///< in by the window, a second, while it is flooded
+    double stall = 0;      ///< the longest time between two turns of its loop
+    double perSecond = 0;  ///< taken in a second of the main thread's processor time
+    double after = 0;      ///< seconds until it has everything
+    std::uint64_t dropped = 0;
+    bool isExact = false;
+};
+
+Outcome floodWindow(Transport transport, std::chrono::seconds span, Tab page) {
+    const testing::PrivateBus bus;
+    const testing::TemporaryFolder library;
+    setenv("QUORBEL_LIBRARY", library.path().c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+    testing::ServiceProcess service({library.path(), bus.address(), {"--port", "0"}});
+    service.waitForJournal("Connected to the system bus");
+    const testing::FrontEnd frontEnd;
+    frontEnd.window->selectTab(page);
+    if (!frontEnd.waitUntilItHears()) {
+        std::exit(2);
+    }
+    Outcome outcome;
+    Stopwatch sinceLast;
+    const auto turn = [&] {
+        QApplication::processEvents(QEventLoop::AllEvents);
+        outcome.stall = std::max(outcome.stall, sinceLast.seconds());
+        sinceLast = Stopwatch();
+    };
+    QTimer tick;
+    tick.start(1);
+    const Stopwatch watch;
+    const ProcessorWatch used;
+    outcome.stored = storedPerSecond(service.port(), transport, span, library.path(), turn);
+    outcome.taken = static_cast<double>(frontEnd.delegate.events.size()) / watch.seconds();
+    load::LineCounter lines(library.path());
+    const std::uint64_t stored = lines.count();
+    sinceLast = Stopwatch();
+    const Stopwatch end;
+    while (frontEnd.delegate.events.size() < stored && end.seconds() < 120) {
+        turn();
+    }
+    outcome.after = end.seconds();
+    outcome.perSecond = static_cast<double>(stored) / used.seconds();
+    service.terminate();
+    outcome.dropped = load::counter(service.journal(), "notifications dropped");
+    outcome.isExact = load::counter(service.journal(), "stored") == stored &&
+                      counted(frontEnd.delegate.state) == static_cast<std::int64_t>(stored);
+    return outcome;
+}
+
+bool bench(const char *name, Transport transport, std::chrono::seconds span,
+           const std::filesystem::path &packages, Tab page) {
+    const double theirs = yardstickRate(transport, span, packages);
+    const Outcome ours = floodWindow(transport, span, page);
+    const std::string what = std::string(" over ") + name +
+                             (page == Tab::kEvents ? ", events on screen" : ", home on screen");
+    std::printf(
+        "  %s: %.0f/s stored, yardstick %.0f/s; %.0f/s taken in, %.0f in a second of the "
+        "processor; %lu not told in time\n",
+        what.c_str(), ours.stored, theirs, ours.taken, ours.perSecond, ours.dropped);
+    bool reached = report("stored with a window" + what + ", times rsyslog's rate",
+                          ours.stored / theirs, "", false, 0.9);
+    reached &= report("taken in by it, a second, by 500,000 or what came" + what,
+                      ours.taken / std::min(500'000.0, ours.stored), "", false, 1.0);
+    reached &= report("longest stall" + what, ours.stall, "s", true, 0.1);
+    reached &= report("until everything is there" + what, ours.after, "s", true, 1.0);
+    reached &= report("counters are the service's" + what, ours.isExact ? 1 : 0, "", false, 1.0);
+    return reached;
+}
+
+}  // namespace
+}  // namespace quorbel::bench
+
+int main(int argc, char **argv) {
+    using namespace quorbel;
+    const QApplication application(argc, argv);
+    if (argc != 3) {
+        std::fputs("Usage: bench_flood RSYSLOG-FOLDER SECONDS\n", stderr);
+        return 2;
+    }
+    const std::chrono::seconds span(std::atoi(argv[2]));
+    bool reached = true;
+    for (const Tab page : {Tab::kHome, Tab::kEvents}) {
+        reached &= bench::bench("UDP", load::Plan::Transport::kUdp, span, argv[1], page);
+        reached &= bench::bench("TCP", load::Plan::Transport::kTcp, span, argv[1], page);
+    }
+    return reached ? EXIT_SUCCESS : EXIT_FAILURE;
+}

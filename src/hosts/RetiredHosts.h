@@ -1,0 +1,12 @@
+#pragma once
+
+#include "core/HostWatch.h"
+
+namespace quorbel {
+
+/// The hosts that the user does not expect any more, as the window remembers them across starts
+/// (see windowMemory()).
+HostWatch::Names rememberedRetiredHosts();
+void rememberRetiredHosts(const HostWatch::Names &names);
+
+}  // namespace quorbel
