@@ -47,11 +47,19 @@ Item ArchivedCounts::textAt(const Item &references, std::size_t index) const {
     return text.isText() ? text : Item();
 }
 
+/// Whether a class is that of dictionaries as the front-end writes it. What says another thing of
+/// itself in each of its names is for those who look at all of them.
+bool ArchivedCounts::isDictionary(const Item &type) const {
+    const Item names = m_list.value(type, archive::kClasses);
+    return names.kind == Kind::kArray && names.count == 2 &&
+           m_list.element(names, 0).isText(archive::kDictionaryClass) &&
+           m_list.element(names, 1).isText(archive::kObjectClass);
+}
+
 std::optional<ArchivedCounts::Entries> ArchivedCounts::dictionary(const Item &object) const {
-    const Item type = this->object(m_list.value(object, archive::kClass));
     const Item keys = m_list.value(object, archive::kCollectionKeys);
     const Item values = m_list.value(object, archive::kCollectionObjects);
-    if (!m_list.value(type, archive::kClassName).isText(archive::kDictionaryClass) ||
+    if (!isDictionary(this->object(m_list.value(object, archive::kClass))) ||
         keys.kind != Kind::kArray || values.kind != Kind::kArray || keys.count != values.count) {
         return std::nullopt;
     }

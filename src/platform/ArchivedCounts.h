@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/BinaryPropertyListReader.h"
+#include "platform/Text.h"
 
 #include <cstddef>
 #include <deque>
@@ -32,7 +33,7 @@ public:
             const auto line = lasting(textAt(m_entries.keys, index));
             const PropertyListItem number = textAt(m_entries.values, index);
             if (!line || number.kind != PropertyListItem::Kind::kNarrowText ||
-                !handle(*line, number.bytes)) {
+                !isUtf8(number.bytes) || !handle(*line, number.bytes)) {
                 return false;
             }
         }
@@ -50,6 +51,7 @@ private:
     [[nodiscard]] PropertyListItem object(const PropertyListItem &reference) const;
     [[nodiscard]] PropertyListItem textAt(const PropertyListItem &references,
                                           std::size_t index) const;
+    [[nodiscard]] bool isDictionary(const PropertyListItem &type) const;
     [[nodiscard]] std::optional<Entries> dictionary(const PropertyListItem &object) const;
     std::optional<std::string_view> lasting(const PropertyListItem &text);
 

@@ -96,7 +96,10 @@ TEST(ArchivedCountsTest, DamagedArchivesAreReadAsByOthersOrNotAtAll) {
         const auto inPlace = readInPlace(damaged);
         const auto value = readKeyedArchive(damaged);
         const auto *known = std::get_if<Value>(&value);
-        if (inPlace && known != nullptr && known->dictionary() != nullptr) {
+        if (inPlace) {
+            ASSERT_TRUE(known != nullptr && known->dictionary() != nullptr)
+                << "round " << round << ": "
+                << (known == nullptr ? std::get<ArchiveError>(value).reason : "");
             const Value *events = known->dictionary()->find("Events");
             const bool hasEqualLines =
                 events != nullptr && events->dictionary()->size() < inPlace->size();
