@@ -1,3 +1,4 @@
+#include "Fuzz.h"
 #include "platform/Files.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +11,6 @@
 #include <random>
 #include <string>
 #include <vector>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size);
 
 namespace quorbel {
 namespace {
@@ -117,8 +116,8 @@ TEST(KeyedArchiveFuzzTest, SurvivesMutations) {
         std::string bytes = originals[mutator.below(originals.size())];
         mutator.mutate(bytes);
         // A block of exactly this size, so that a sanitizer sees a read past its end.
-        const std::vector<std::uint8_t> block(bytes.begin(), bytes.end());
-        LLVMFuzzerTestOneInput(block.data(), block.size());
+        const std::vector<char> block(bytes.begin(), bytes.end());
+        tryInput({block.data(), block.size()});
         ++count;
     }
     EXPECT_GE(count, kFewest);
