@@ -51,15 +51,21 @@ private:
         bool isExcluded;
     };
 
+    static constexpr std::uint32_t kAllFacilities = (std::uint32_t{1} << kFacilityCount) - 1;
+    static constexpr std::uint8_t kLeastSeverity = kSeverityCount - 1;
+
+    [[nodiscard]] bool meansAnyPriority() const {
+        return m_facilities == kAllFacilities && m_severity == kLeastSeverity;
+    }
     [[nodiscard]] bool meansHost(std::string_view host) const;
     [[nodiscard]] bool meansPriority(std::string_view priority) const;
 
     std::array<std::string, 4> m_texts;
     std::vector<HostPart> m_hosts;
-    bool m_namesHosts = false;                       ///< one of them is not excluded
-    std::uint32_t m_facilities = ~std::uint32_t{0};  ///< one bit for each that is meant
-    std::uint8_t m_leastSeverity = kSeverityCount;   ///< that number, or a smaller one
-    std::optional<WildcardPattern> m_message;        ///< nothing: any message
+    bool m_namesHosts = false;                    ///< one of them is not excluded
+    std::uint32_t m_facilities = kAllFacilities;  ///< one bit for each that is meant
+    std::uint8_t m_severity = kLeastSeverity;     ///< this one, and those of a smaller number
+    std::optional<WildcardPattern> m_message;     ///< nothing: any message
 };
 
 }  // namespace quorbel

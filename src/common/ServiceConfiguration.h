@@ -21,7 +21,7 @@ struct ForwardSettings {
     std::string name;    ///< unique over all outputs, case aside: 1 to 32 letters, digits, '-', '_'
     std::string server;  ///< a name or an address
     std::uint16_t port = 514;
-    Protocol protocol = Protocol::kUdp;
+    Protocol protocol = Protocol::kTcp;
     std::string serverName;       ///< what a TLS server's certificate must bear; never empty
     std::string authorityFile;    ///< PEM, of who vouches for the server; empty: the system's
     std::string certificateFile;  ///< PEM, our own; empty: none. With keyFile or neither.
