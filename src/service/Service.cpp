@@ -35,11 +35,12 @@ EventLoopPointer makeLoop() {
 
 }  // namespace
 
-Service::Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
-                 std::uint16_t tlsPort)
+Service::Service(const std::filesystem::path &folder, const std::filesystem::path &configuration,
+                 PassedSockets sockets, bool isHeld, std::uint16_t tlsPort)
     : m_loop(makeLoop()),
       m_started(std::time(nullptr)),
       m_leavesSockets(isHeld),
+      m_configuration(configuration),
       m_store(folder),
       m_settingsSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_settings(folder / kSettingsFileName, [this] { eventfd_write(m_settingsSignal.get(), 1); }),
@@ -60,6 +61,7 @@ Service::Service(const std::filesystem::path &folder, PassedSockets sockets, boo
       m_tls(m_loop.get(), folder / "tls", tlsPort, m_collector, m_counters, m_shares) {
     m_store.prepare();
     m_settings.load();
+    readConfiguration();
     resume(std::move(sockets));
     configure();
     m_terminate = watchSignal(SIGTERM, onStopSignal);
@@ -108,6 +110,12 @@ void Service::configure() {
     m_exporter.configure(*settings);
     m_tls.configure();
     sayFilterProblems(*settings);
+}
+
+void Service::readConfiguration() {
+    if (m_configuration.load()) {
+        m_collector.trust(m_configuration.current().relays);
+    }
 }
 
 /// Once, and again when they are others.
@@ -236,6 +244,12 @@ void Service::updateCounters() {
     m_counters.commandsNotRun = m_commandRunner.notStarted();
     m_counters.mailsSent = m_mail.sent();
     m_counters.mailsDropped = m_mail.dropped();
+    m_counters.sentOn = 0;
+    m_counters.removedUnsent = 0;
+    for (const OutputState &output : outputStates()) {
+        m_counters.sentOn += output.sent;
+        m_counters.removedUnsent += output.removedUnsent;
+    }
     m_counters.journalDropped = journalLinesDropped();
     m_counters.unsynced = m_store.unsynced();
 }
@@ -264,6 +278,7 @@ int Service::onReloadSignal(sd_event_source * /*source*/, const struct signalfd_
     auto *service = static_cast<Service *>(self);
     // Not here: a command that stores settings may be waiting for the disk.
     service->m_worker.submit(Commands::Reload(), [](const std::string & /*reply*/) {});
+    service->readConfiguration();
     // A renewed certificate is no setting.
     service->m_tls.configure();
     return 0;

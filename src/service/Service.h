@@ -2,6 +2,7 @@
 
 #include "service/actions/Actions.h"
 #include "service/actions/CommandRunner.h"
+#include "service/base/ConfigurationFile.h"
 #include "service/base/Counters.h"
 #include "service/base/SdEvent.h"
 #include "service/base/StatusSource.h"
@@ -35,22 +36,24 @@ class Service : private StatusSource {
 public:
     /// `folder` holds the settings, the log files and, in "tls", what TLS needs.
     /// `sockets.plain` must be there. When it `isHeld` by somebody else, it is left to the next
-    /// process, with all that is connected.
-    Service(const std::filesystem::path &folder, PassedSockets sockets, bool isHeld,
-            std::uint16_t tlsPort);
+    /// process, with all that is connected. `configuration` is the file of what an administrator
+    /// wants.
+    Service(const std::filesystem::path &folder, const std::filesystem::path &configuration,
+            PassedSockets sockets, bool isHeld, std::uint16_t tlsPort);
     ~Service() override;
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
 
     /// Runs until SIGTERM or SIGINT; then takes in what the kernel holds already and ends in order.
-    /// Reads the settings anew on SIGHUP. The caller has blocked the three for all threads. False
-    /// when it ended because its loop failed.
+    /// Reads settings and configuration anew on SIGHUP. The caller has blocked the three for all
+    /// threads. False when it ended because its loop failed.
     bool run();
 
 private:
     EventSourcePointer watchSignal(int number, sd_event_signal_handler_t handler);
     void resume(PassedSockets sockets);
     void configure();
+    void readConfiguration();
     void sayFilterProblems(const Dictionary &settings);
     [[nodiscard]] std::uint64_t idleMicroseconds() const;
     [[nodiscard]] bool hasToTell();
@@ -71,6 +74,7 @@ private:
     [[nodiscard]] std::vector<NamedResult> exportResults() const override {
         return m_exporter.results();
     }
+    [[nodiscard]] std::vector<OutputState> outputStates() const override { return {}; }
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
@@ -86,6 +90,8 @@ private:
     Counters m_counters;
     Counters m_reported;                        ///< as they were said last
     std::vector<std::string> m_filterProblems;  ///< the same
+
+    ConfigurationFile m_configuration;
 
     // In the order of an event's way back from the front-end to the network.
     LogStore m_store;

@@ -1,3 +1,4 @@
+#include "common/ServiceConfiguration.h"
 #include "platform/Files.h"
 #include "platform/Number.h"
 #include "service/Service.h"
@@ -13,6 +14,7 @@
 #include <cstdlib>
 #include <exception>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +23,8 @@ namespace {
 
 using namespace quorbel;
 
-constexpr const char *kUsage = "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER]";
+constexpr const char *kUsage =
+    "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER] [--config PATH]";
 constexpr const char *kVersion = "QuorbelSrv " QUORBEL_VERSION;
 
 /// What to print when the arguments ask for nothing else.
@@ -30,27 +33,40 @@ const char *answerTo(const std::vector<std::string_view> &arguments) {
     return only == "--help" ? kUsage : only == "--version" ? kVersion : nullptr;
 }
 
-struct Ports {
-    std::uint16_t plain = 514;
-    std::uint16_t tls = TlsInput::kDefaultPort;
+struct Options {
+    std::uint16_t port = 514;
+    std::uint16_t tlsPort = TlsInput::kDefaultPort;
+    std::string configuration = kServiceConfigurationFile;
 };
 
-/// The ports that the arguments ask for, each at most once; nothing when they are wrong.
-std::optional<Ports> readPorts(const std::vector<std::string_view> &arguments) {
-    Ports ports;
-    std::vector<std::uint16_t *> open{&ports.plain, &ports.tls};
+bool takeNumber(std::string_view text, std::uint16_t &number) {
+    const auto read = readNumber<std::uint16_t>(text);
+    number = read.value_or(number);
+    return read.has_value();
+}
+
+/// False when there is no such option, or it does not take this value.
+bool takeOption(std::string_view name, std::string_view value, Options &options) {
+    if (name == "--config") {
+        options.configuration = value;
+        return !value.empty();
+    }
+    return name == "--port"       ? takeNumber(value, options.port)
+           : name == "--tls-port" ? takeNumber(value, options.tlsPort)
+                                  : false;
+}
+
+/// What the arguments ask for, each at most once; nothing when they are wrong.
+std::optional<Options> readOptions(const std::vector<std::string_view> &arguments) {
+    Options options;
+    std::set<std::string_view> names;
     for (std::size_t i = 0; i < arguments.size(); i += 2) {
-        std::uint16_t *wanted = arguments[i] == "--port"       ? &ports.plain
-                                : arguments[i] == "--tls-port" ? &ports.tls
-                                                               : nullptr;
-        const auto number =
-            i + 1 < arguments.size() ? readNumber<std::uint16_t>(arguments[i + 1]) : std::nullopt;
-        if (!number || std::erase(open, wanted) == 0) {
+        if (!names.insert(arguments[i]).second || i + 1 == arguments.size() ||
+            !takeOption(arguments[i], arguments[i + 1], options)) {
             return std::nullopt;
         }
-        *wanted = *number;
     }
-    return ports;
+    return options;
 }
 
 void prepareProcess() {
@@ -76,12 +92,12 @@ void prepareProcess() {
     }
 }
 
-int serve(Ports ports) {
+int serve(const Options &options) {
     const FolderLock lock(libraryFolder());
     PassedSockets sockets = PassedSockets::take();
     const bool isHeld = sockets.plain.has_value();
     if (!isHeld) {
-        auto opened = openListenSockets(ports.plain);
+        auto opened = openListenSockets(options.port);
         if (const auto *problem = std::get_if<std::string>(&opened)) {
             say(JournalLevel::kError, *problem);
             return EXIT_FAILURE;
@@ -89,7 +105,8 @@ int serve(Ports ports) {
         sockets.plain = std::move(std::get<ListenSockets>(opened));
     }
     const std::uint16_t bound = sockets.plain->port;
-    Service service(libraryFolder(), std::move(sockets), isHeld, ports.tls);
+    Service service(libraryFolder(), options.configuration, std::move(sockets), isHeld,
+                    options.tlsPort);
     say(JournalLevel::kInformation, "Listening on port " + std::to_string(bound));
     return service.run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -101,14 +118,14 @@ int main(int count, char **values) {
     if (const char *answer = answerTo(arguments)) {
         return std::puts(answer) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     }
-    const auto ports = readPorts(arguments);
-    if (!ports) {
+    const auto options = readOptions(arguments);
+    if (!options) {
         say(JournalLevel::kError, kUsage);
         return EXIT_FAILURE;
     }
     prepareProcess();
     try {
-        return serve(*ports);
+        return serve(*options);
     } catch (const std::exception &problem) {
         say(JournalLevel::kError, problem.what());
         return EXIT_FAILURE;

@@ -62,6 +62,8 @@ constexpr std::array kCounters{
                                   "TLS connections that failed: most often a certificate")},
     CounterText{"filtered", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Filtered"),
                 QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Messages that filters left out")},
+    CounterText{"relayed", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Relayed"),
+                QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Messages whose host a relay has named")},
     CounterText{"removed", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Removed"),
                 QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Events removed because of their age")},
     CounterText{"names looked up", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Names looked up"),
@@ -96,6 +98,14 @@ constexpr std::array kCounters{
     CounterText{"e-mails dropped", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "E-mails dropped"),
                 QT_TRANSLATE_NOOP("quorbel::ServiceRows",
                                   "E-mails that at least one recipient did not get")},
+    CounterText{
+        "events sent on", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Events sent on"),
+        QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Events that reached the receivers of outputs")},
+    CounterText{
+        "events removed unsent", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Events removed unsent"),
+        QT_TRANSLATE_NOOP("quorbel::ServiceRows",
+                          "Events that were removed before an output could send them: is the "
+                          "receiver there?")},
     CounterText{
         "journal lines dropped", QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Journal lines dropped"),
         QT_TRANSLATE_NOOP("quorbel::ServiceRows", "Lines that the journal did not take in time")},

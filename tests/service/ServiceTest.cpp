@@ -318,6 +318,9 @@ TEST_F(ServiceTest, EndsWithOneLineWhenItCannotStart) {
         {{"--port", "0", "--tls-port"}, "Usage: "},
         {{"--tls-port", "x"}, "Usage: "},
         {{"--verbose", "0"}, "Usage: "},
+        {{"--config"}, "Usage: "},
+        {{"--config", ""}, "Usage: "},
+        {{"--port", "0", "--config", "/a", "--config", "/a"}, "Usage: "},
     };
     for (const Case &c : cases) {
         ServiceProcess other({otherFolder.path(), "", c.arguments});

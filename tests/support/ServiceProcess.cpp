@@ -84,6 +84,10 @@ void ServiceProcess::start(const Setup &setup) {
         arguments.insert(arguments.begin(),
                          {"/bin/sh", "-c", "export LISTEN_PID=$$; exec \"$0\" \"$@\""});
     }
+    if (std::ranges::find(setup.arguments, "--config") == setup.arguments.end()) {
+        // Never that of this machine.
+        arguments.insert(arguments.end(), {"--config", setup.library / "quorbelsrv.conf"});
+    }
     arguments.insert(arguments.end(), setup.arguments.begin(), setup.arguments.end());
     std::vector<std::string> environment = environmentFor(setup);
     const std::vector<char *> argumentPointers = pointersTo(arguments);

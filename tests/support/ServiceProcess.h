@@ -24,6 +24,7 @@ public:
     struct Setup {
         std::filesystem::path library;  ///< its folder of settings and log files
         std::string busAddress;         ///< its system bus; empty: one that does not exist
+        /// Without "--config", the configuration is "quorbelsrv.conf" in `library`.
         std::vector<std::string> arguments{"--port", "0"};
         std::uint64_t largestFile = 0;  ///< no file may grow beyond that many bytes; 0: any size
         std::uint64_t descriptors = 0;  ///< that it may open; 0: as many as the test

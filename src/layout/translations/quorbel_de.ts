@@ -4948,6 +4948,30 @@ Wählen Sie, wonach die Ereignisse gruppiert werden und welches Protokoll gelese
         <source>Hosts for which a threshold had no room: narrow its filter</source>
         <translation>Hosts, für die eine Schwelle keinen Platz hatte: ihren Filter enger fassen</translation>
     </message>
+    <message>
+        <source>Relayed</source>
+        <translation>Weitergeleitet</translation>
+    </message>
+    <message>
+        <source>Messages whose host a relay has named</source>
+        <translation>Meldungen, deren Host ein Relais genannt hat</translation>
+    </message>
+    <message>
+        <source>Events sent on</source>
+        <translation>Ereignisse weitergesendet</translation>
+    </message>
+    <message>
+        <source>Events that reached the receivers of outputs</source>
+        <translation>Ereignisse, die bei den Empfängern der Ausgaben angekommen sind</translation>
+    </message>
+    <message>
+        <source>Events removed unsent</source>
+        <translation>Ungesendet entfernt</translation>
+    </message>
+    <message>
+        <source>Events that were removed before an output could send them: is the receiver there?</source>
+        <translation>Ereignisse, die entfernt wurden, bevor eine Ausgabe sie senden konnte: ist der Empfänger da?</translation>
+    </message>
 </context>
 <context>
     <name>quorbel::ServiceTexts</name>

@@ -232,7 +232,7 @@ bool Actions::reachesThreshold(Action &action, const FilterSubject &event, Clock
         return true;
     }
     const std::uint64_t forgotten = action.threshold->forgotten();
-    const bool isReached = action.threshold->isReachedBy(event.address(), now);
+    const bool isReached = action.threshold->isReachedBy(event.address(), now, event.relayedHost());
     m_counters.belowThreshold += isReached ? 0 : 1;
     m_counters.hostsForgotten += action.threshold->forgotten() - forgotten;
     if (forgotten == 0 && action.threshold->forgotten() > 0) {

@@ -1,5 +1,7 @@
 #include "service/actions/MatchThreshold.h"
 
+#include <functional>
+
 namespace quorbel {
 
 MatchThreshold::MatchThreshold(const ActionThreshold &threshold)
@@ -7,9 +9,10 @@ MatchThreshold::MatchThreshold(const ActionThreshold &threshold)
       m_span(threshold.minutes),
       m_perHost(threshold.perHost) {}
 
-bool MatchThreshold::isReachedBy(const IpAddress &sender, Clock::time_point now) {
+bool MatchThreshold::isReachedBy(const IpAddress &sender, Clock::time_point now,
+                                 std::string_view relayedHost) {
     forgetSilent(now);
-    Host &host = hostOf(m_perHost ? sender : IpAddress());
+    Host &host = hostOf(keyOf(sender, relayedHost));
     note(host, now);
     makeRoom();
     const bool areEnough = host.latest.size() == m_matches;
@@ -23,14 +26,22 @@ bool MatchThreshold::isReachedBy(const IpAddress &sender, Clock::time_point now)
     return true;
 }
 
+MatchThreshold::Key MatchThreshold::keyOf(const IpAddress &sender,
+                                          std::string_view relayedHost) const {
+    if (!m_perHost) {
+        return {};
+    }
+    return relayedHost.empty() ? Key{sender} : Key{{}, std::hash<std::string_view>()(relayedHost)};
+}
+
 /// Moves it to the front.
-MatchThreshold::Host &MatchThreshold::hostOf(const IpAddress &address) {
-    const auto found = m_places.find(address);
+MatchThreshold::Host &MatchThreshold::hostOf(const Key &key) {
+    const auto found = m_places.find(key);
     if (found != m_places.end()) {
         m_hosts.splice(m_hosts.begin(), m_hosts, found->second);
     } else {
-        m_hosts.emplace_front().address = address;
-        m_places.emplace(address, m_hosts.begin());
+        m_hosts.emplace_front().key = key;
+        m_places.emplace(key, m_hosts.begin());
     }
     return m_hosts.front();
 }
@@ -67,7 +78,7 @@ void MatchThreshold::makeRoom() {
 
 void MatchThreshold::forgetLast() {
     m_times -= m_hosts.back().latest.size();
-    m_places.erase(m_hosts.back().address);
+    m_places.erase(m_hosts.back().key);
     m_hosts.pop_back();
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <list>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -33,7 +34,9 @@ public:
     explicit MatchThreshold(const ActionThreshold &threshold);
 
     /// Counts a match of this sender, and says whether the action acts now. `now` never goes back.
-    bool isReachedBy(const IpAddress &sender, Clock::time_point now);
+    /// A host that a relay has named is the same whichever relay did, and is no sender.
+    bool isReachedBy(const IpAddress &sender, Clock::time_point now,
+                     std::string_view relayedHost = {});
 
     /// How many hosts were forgotten although they counted.
     [[nodiscard]] std::uint64_t forgotten() const { return m_forgotten; }
@@ -42,15 +45,26 @@ public:
     [[nodiscard]] std::size_t times() const { return m_times; }
 
 private:
+    struct Key {
+        IpAddress address;     ///< none of a host that a relay has named
+        std::size_t name = 0;  ///< the hash of that name; 0 of others
+        bool operator==(const Key &) const = default;
+        struct Hash {
+            std::size_t operator()(const Key &key) const {
+                return key.name ^ IpAddress::Hash()(key.address);
+            }
+        };
+    };
     struct Host {
-        IpAddress address;
+        Key key;
         std::vector<Clock::time_point> latest;  ///< a ring once there are as many as it takes
         std::size_t oldest = 0;                 ///< where the ring begins then
         std::optional<Clock::time_point> acted;
     };
     using Hosts = std::list<Host>;
 
-    Host &hostOf(const IpAddress &address);
+    [[nodiscard]] Key keyOf(const IpAddress &sender, std::string_view relayedHost) const;
+    Host &hostOf(const Key &key);
     void forgetLast();
     void forgetSilent(Clock::time_point now);
     void makeRoom();
@@ -61,7 +75,7 @@ private:
     const bool m_perHost;
 
     Hosts m_hosts;  ///< the last one that matched in front
-    std::unordered_map<IpAddress, Hosts::iterator, IpAddress::Hash> m_places;
+    std::unordered_map<Key, Hosts::iterator, Key::Hash> m_places;
     std::size_t m_times = 0;  ///< of all hosts
     std::uint64_t m_forgotten = 0;
 };

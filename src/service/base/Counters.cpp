@@ -18,6 +18,7 @@ std::vector<std::pair<std::string_view, std::uint64_t>> named(const Counters &co
         {"bytes skipped", counters.bytesSkipped},
         {"TLS refused", counters.tlsRefused},
         {"filtered", counters.filtered},
+        {"relayed", counters.relayed},
         {"removed", counters.removed},
         {"names looked up", counters.namesLookedUp},
         {"names found", counters.namesFound},
@@ -30,6 +31,8 @@ std::vector<std::pair<std::string_view, std::uint64_t>> named(const Counters &co
         {"commands not run", counters.commandsNotRun},
         {"e-mails sent", counters.mailsSent},
         {"e-mails dropped", counters.mailsDropped},
+        {"events sent on", counters.sentOn},
+        {"events removed unsent", counters.removedUnsent},
         {"journal lines dropped", counters.journalDropped},
         {"perhaps not on disk", counters.unsynced},
     };

@@ -22,6 +22,7 @@ struct Counters {
     std::uint64_t bytesSkipped = 0;  ///< of messages that were too long, the rest
     std::uint64_t tlsRefused = 0;    ///< TLS connections that were never established
     std::uint64_t filtered = 0;      ///< messages that the filters of the settings kept out
+    std::uint64_t relayed = 0;       ///< messages whose host a relay has named
     std::uint64_t removed = 0;       ///< events that were kept for as long as the settings want
     std::uint64_t namesLookedUp = 0;
     std::uint64_t namesFound = 0;
@@ -34,6 +35,8 @@ struct Counters {
     std::uint64_t commandsNotRun = 0;  ///< those that were not
     std::uint64_t mailsSent = 0;       ///< e-mails that reached the server for somebody
     std::uint64_t mailsDropped = 0;    ///< e-mails that did not reach it for somebody
+    std::uint64_t sentOn = 0;          ///< events that reached the receivers of outputs
+    std::uint64_t removedUnsent = 0;   ///< events that went out of the log files before that
     std::uint64_t journalDropped = 0;  ///< lines of the journal that nobody read
     std::uint64_t unsynced = 0;        ///< stored events that may be lost when the machine stops
 

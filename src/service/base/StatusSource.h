@@ -2,6 +2,7 @@
 
 #include "service/base/Counters.h"
 #include "service/base/LastResult.h"
+#include "service/base/OutputState.h"
 #include "service/base/Refusals.h"
 
 #include <cstdint>
@@ -33,6 +34,8 @@ public:
     [[nodiscard]] virtual std::vector<NamedResult> actionResults() const = 0;
     /// Of the exports that are on: "text", "database".
     [[nodiscard]] virtual std::vector<NamedResult> exportResults() const = 0;
+    /// Of the outputs that are configured, in the order of their names.
+    [[nodiscard]] virtual std::vector<OutputState> outputStates() const = 0;
 };
 
 }  // namespace quorbel

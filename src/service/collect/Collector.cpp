@@ -1,6 +1,8 @@
 #include "service/collect/Collector.h"
 
+#include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace quorbel {
 
@@ -24,6 +26,11 @@ std::size_t sizeOfLines(std::string_view lines, std::size_t count) {
 
 void Collector::configure(const Dictionary &settings) {
     m_filters = FilterSet(settings);
+    m_sender = {};
+}
+
+void Collector::trust(std::vector<AddressNetwork> relays) {
+    m_relays = std::move(relays);
     m_sender = {};
 }
 
@@ -52,16 +59,18 @@ void Collector::receive(std::string_view message, const IpAddress &sender, bool 
     }
     const std::size_t begin = m_lines.size();
     const Sender &from = senderOf(sender);
+    const std::string_view relayed = from.isRelay ? relayedHost(parsed->hostName) : "";
+    const std::string_view host = relayed.empty() ? from.shown : relayed;
     const auto written =
-        m_writer.append({m_seconds, parsed->priority, from.shown, parsed->text}, m_lines);
+        m_writer.append({m_seconds, parsed->priority, host, parsed->text}, m_lines);
     m_subject.set(from.address, parsed->priority, std::string_view(m_lines).substr(begin),
-                  written.prefix);
+                  written.prefix, relayed);
     if (isFilteredOut(sender)) {
         m_lines.resize(begin);
         return;
     }
     m_urgent = m_urgent || parsed->priority.isUrgent();
-    setEventsOfActions(from);
+    setEventsOfActions(host);
     // A turn can bring more than should be held at once.
     constexpr std::size_t kMostHeld = std::size_t{1} << 20U;
     if (m_lines.size() >= kMostHeld) {
@@ -74,8 +83,21 @@ const Collector::Sender &Collector::senderOf(const IpAddress &address) {
         return m_sender;
     }
     const std::string_view name = m_names.isWanted() ? m_names.nameOf(address) : "";
-    m_sender = {address, name.empty() ? address.text() : std::string(name)};
+    const bool isRelay = std::ranges::any_of(
+        m_relays, [&address](const AddressNetwork &network) { return network.contains(address); });
+    m_sender = {address, name.empty() ? address.text() : std::string(name), isRelay};
     return m_sender;
+}
+
+/// The host that a relay names, fit for everything that is made of it; empty when it names none.
+std::string_view Collector::relayedHost(std::string_view hostName) {
+    if (hostName.empty() || hostName.size() > kLongestHost) {
+        return {};
+    }
+    m_relayed.clear();
+    appendHost(hostName, m_relayed);
+    ++m_counters.relayed;
+    return m_relayed;
 }
 
 bool Collector::isFilteredOut(const IpAddress &sender) {
@@ -88,13 +110,13 @@ bool Collector::isFilteredOut(const IpAddress &sender) {
 }
 
 /// Adds the events that the actions set for the message at hand.
-void Collector::setEventsOfActions(const Sender &sender) {
+void Collector::setEventsOfActions(std::string_view host) {
     if (m_actions.isEmpty()) {
         return;
     }
     for (const EventToSet &event :
-         m_actions.onEvent(m_subject, m_seconds, sender.shown, Actions::Clock::now())) {
-        m_writer.append({m_seconds, event.priority, sender.shown, event.message}, m_lines);
+         m_actions.onEvent(m_subject, m_seconds, host, Actions::Clock::now())) {
+        m_writer.append({m_seconds, event.priority, host, event.message}, m_lines);
         m_urgent = m_urgent || event.priority.isUrgent();
     }
 }

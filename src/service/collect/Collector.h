@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/AddressNetwork.h"
 #include "common/IpAddress.h"
 #include "platform/Value.h"
 #include "service/actions/Actions.h"
@@ -15,6 +16,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quorbel {
 
@@ -37,6 +39,9 @@ public:
 
     /// Takes the filters. Names and actions are configured by their owner.
     void configure(const Dictionary &settings);
+    /// Takes the networks of relays: what a message from there names as its host is the event's, as
+    /// long as it names one of at most kLongestHost bytes.
+    void trust(std::vector<AddressNetwork> relays);
 
     void beginTurn();
     /// Takes one message. `cut` says that the input could not keep all of it.
@@ -51,12 +56,14 @@ private:
     struct Sender {
         IpAddress address;
         std::string shown;  ///< address or name; empty when it is to be looked up
+        bool isRelay = false;
     };
 
     void storeAndTell();
     const Sender &senderOf(const IpAddress &address);
+    std::string_view relayedHost(std::string_view hostName);
     [[nodiscard]] bool isFilteredOut(const IpAddress &sender);
-    void setEventsOfActions(const Sender &sender);
+    void setEventsOfActions(std::string_view host);
 
     LogStore &m_store;
     NotificationQueue &m_notifications;
@@ -68,11 +75,13 @@ private:
     FilterSet m_filters;
     FilterSubject m_subject;
     Refusals m_refusals;
+    std::vector<AddressNetwork> m_relays;
 
     std::int64_t m_seconds = 0;
     std::string m_lines;
     bool m_urgent = false;
-    Sender m_sender;  ///< the last one: senders come in bursts
+    std::string m_relayed;  ///< what a relay called the host of the message at hand
+    Sender m_sender;        ///< the last one: senders come in bursts
 };
 
 }  // namespace quorbel

@@ -21,8 +21,9 @@ std::vector<EventFilter> readFilters(const Dictionary &settings, std::string_vie
 }  // namespace
 
 void FilterSubject::set(const IpAddress &address, Priority priority, std::string_view lines,
-                        std::size_t prefix) {
+                        std::size_t prefix, std::string_view relayedHost) {
     m_address = &address;
+    m_relayedHost = relayedHost;
     m_priority = priority;
     m_lines = lines;
     m_prefix = prefix;

@@ -18,12 +18,14 @@ namespace quorbel {
 /// are used again: keep one object for many messages.
 class FilterSubject {
 public:
-    /// `address` is where the message came from. `lines` are its lines as the RecordWriter wrote
-    /// them, each with `prefix` bytes in front of the message; both must last until the next call.
+    /// `address` is where the message came from, `relayedHost` the host that a relay there has
+    /// named; empty without. `lines` are its lines as the RecordWriter wrote them, each with
+    /// `prefix` bytes in front of the message; both must last until the next call.
     void set(const IpAddress &address, Priority priority, std::string_view lines,
-             std::size_t prefix);
+             std::size_t prefix, std::string_view relayedHost = {});
 
     [[nodiscard]] const IpAddress &address() const { return *m_address; }
+    [[nodiscard]] std::string_view relayedHost() const { return m_relayedHost; }
     [[nodiscard]] Priority priority() const { return m_priority; }
     /// Valid until the next set().
     [[nodiscard]] const std::string &message() const;
@@ -33,6 +35,7 @@ public:
 private:
     const IpAddress *m_address = nullptr;
     Priority m_priority;
+    std::string_view m_relayedHost;
     std::string_view m_lines;
     std::size_t m_prefix = 0;
     mutable std::string m_message;

@@ -84,10 +84,17 @@ bool hasNoHostName(std::string_view rest) {
     });
 }
 
-std::string_view legacyText(std::string_view rest) {
+/// What a word calls the host; nothing for nil.
+std::string_view named(std::string_view word) {
+    return word == kNil ? std::string_view() : word;
+}
+
+/// Of RFC 3164.
+ParsedMessage parse3164(Priority priority, std::string_view rest) {
+    std::string_view hostName;
     const std::size_t timestamp = timestampWord(rest);
     if (timestamp == 0) {
-        return rest;
+        return {priority, rest};
     }
     rest.remove_prefix(timestamp);
     // Some senders pad here; an indented text without a host name cannot be told from that.
@@ -95,10 +102,11 @@ std::string_view legacyText(std::string_view rest) {
     const std::size_t space = rest.find(' ');
     if (space != std::string_view::npos && space + 1 < rest.size() &&
         looksLikeHostName(rest.substr(0, space)) && !hasNoHostName(rest)) {
+        hostName = named(rest.substr(0, space));
         rest.remove_prefix(space + 1);
     }
     removePrefix(rest, kByteOrderMark);
-    return rest;
+    return {priority, rest, true, hostName};
 }
 
 /// The length of one element of structured data, RFC 5424, 6.3; 0 when it has no end.
@@ -151,7 +159,7 @@ std::optional<std::string_view> takeWord(std::string_view &text) {
     }
     const std::string_view word = text.substr(0, end);
     text.remove_prefix(end + 1);
-    return word == kNil ? std::string_view() : word;
+    return named(word);
 }
 
 /// "application[process]:", either of which may be empty.
@@ -196,7 +204,7 @@ std::optional<ParsedMessage> MessageParser::parse(std::string_view message) {
     if (takeVersionAndTimestamp(message)) {
         return parse5424(*priority, message);
     }
-    return ParsedMessage{*priority, legacyText(message), true};
+    return parse3164(*priority, message);
 }
 
 ParsedMessage MessageParser::parse5424(Priority priority, std::string_view rest) {
@@ -220,10 +228,10 @@ ParsedMessage MessageParser::parse5424(Priority priority, std::string_view rest)
         add(tagOf(*application, *process));
     }
     if (m_text.empty()) {
-        return {priority, rest, data.has_value()};
+        return {priority, rest, data.has_value(), *hostName};
     }
     add(rest);
-    return {priority, m_text, data.has_value()};
+    return {priority, m_text, data.has_value(), *hostName};
 }
 
 }  // namespace quorbel

@@ -15,13 +15,16 @@ struct ParsedMessage {
     std::string_view text;
     /// False when the message had no usable priority, or an RFC 5424 header that breaks off.
     bool wellFormed = true;
+    /// What the message calls the host that made it, any bytes; empty when it does not say. Anybody
+    /// can write anything there.
+    std::string_view hostName{};
 };
 
 /// Reads syslog messages, each of which is one datagram or one frame of a stream.
 ///
-/// Time stamp and host name of the sender are recognised and left out: an event carries the time
-/// of its receipt and the address that it came from. The text is in one form for both protocols,
-/// "tag: text" or "tag[pid]: text".
+/// Time stamp and host name of the sender are recognised and left out of the text: an event carries
+/// the time of its receipt, and the address that it came from unless that is a relay's. The text is
+/// in one form for both protocols, "tag: text" or "tag[pid]: text".
 ///
 /// RFC 5424: MSGID STRUCTURED-DATA APP-NAME[PROCID]: MSG. Nil values and the byte order mark in
 /// front of MSG are left out; structured data stands as it was sent, but for timeQuality, which is
@@ -44,7 +47,7 @@ struct ParsedMessage {
 class MessageParser {
 public:
     /// Nothing when the message is empty. The text is a view of `message` or of the parser, until
-    /// the next call.
+    /// the next call; the host name is one of `message`.
     std::optional<ParsedMessage> parse(std::string_view message);
 
 private:

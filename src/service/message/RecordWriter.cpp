@@ -15,8 +15,6 @@ namespace {
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kEmptyField = "-";
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-// A host name has at most 255 bytes (RFC 1035, 2.3.4); this leaves messages most of a line.
-constexpr std::size_t kLongestHost = 255;
 
 bool isPlain(char c) {
     return c >= ' ' && c <= '~';
@@ -115,6 +113,12 @@ void appendPart(std::string &lines, std::string_view &message, std::size_t room)
 
 }  // namespace
 
+void appendHost(std::string_view host, std::string &field) {
+    for (const char c : (host.empty() ? kEmptyField : host).substr(0, kLongestHost)) {
+        field += isPlain(c) && c != ' ' && c != ',' ? c : '_';
+    }
+}
+
 RecordWriter::Written RecordWriter::append(const ReceivedEvent &event, std::string &lines) {
     makePrefix(event);
     const std::size_t room = kLogPieceSize - kLineEnd.size() - m_prefix.size();
@@ -142,10 +146,7 @@ void RecordWriter::makePrefix(const ReceivedEvent &event) {
     m_prefix += ',';
     m_prefix += event.priority.text();
     m_prefix += ',';
-    const std::string_view host = event.host.empty() ? kEmptyField : event.host;
-    for (const char c : host.substr(0, kLongestHost)) {
-        m_prefix += isPlain(c) && c != ' ' && c != ',' ? c : '_';
-    }
+    appendHost(event.host, m_prefix);
     m_prefix += ',';
 }
 

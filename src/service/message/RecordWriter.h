@@ -17,6 +17,13 @@ struct ReceivedEvent {
     std::string_view message;
 };
 
+/// The most bytes of a host that are kept: so long is a name at most (RFC 1035, 2.3.4), and
+/// messages have most of a line.
+inline constexpr std::size_t kLongestHost = 255;
+
+/// Appends a host as lines of the log files hold it; "-" for none.
+void appendHost(std::string_view host, std::string &field);
+
 /// Writes events as lines of the log files, "date,priority,host,message\r\n", so that a reader gets
 /// exactly these events back, whatever the sender put into them.
 ///

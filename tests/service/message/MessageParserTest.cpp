@@ -243,6 +243,44 @@ TEST(MessageParserTest, TellsPrioritiesFromWhatLooksLikeThem) {
     EXPECT_GT(wellFormed, 400U);
 }
 
+TEST(MessageParserTest, TellsTheHostThatIsNamed) {
+    struct HostCase {
+        std::string_view sent;
+        std::string_view hostName;
+        std::string_view text;
+    };
+    const std::string longName(300, 'n');
+    const std::string longMessage = "<13>1 - " + longName + " a - - - text";
+    const HostCase cases[] = {
+        {"<13>Nov 21 02:54:07 web1 tag: text", "web1", "tag: text"},
+        {"<13>Nov 21 02:54:07 web-1.example.org tag: text", "web-1.example.org", "tag: text"},
+        {"<13>Nov 21 02:54:07 10.1.2.3 tag: text", "10.1.2.3", "tag: text"},
+        {"<13>Nov 21 02:54:07 2001:db8::1 tag: text", "2001:db8::1", "tag: text"},
+        {"<13>2026-11-21T02:54:07Z web1 tag: text", "web1", "tag: text"},
+        {"<13>Nov 21 02:54:07 - tag: text", "", "tag: text"},
+        {"<13>Nov 21 02:54:07 tag: text", "", "tag: text"},
+        {"<13>Nov 21 02:54:07 last message repeated 2 times", "", "last message repeated 2 times"},
+        {"<13>Nov 21 02:54:07 web1", "", "web1"},
+        {"<13>web1 tag: text", "", "web1 tag: text"},
+        {"Nov 21 02:54:07 web1 tag: text", "", "Nov 21 02:54:07 web1 tag: text"},
+        {"<13>1 2026-11-21T02:54:07Z web1 tag - - - text", "web1", "tag: text"},
+        {"<13>1 - web1 - - - - text", "web1", "text"},
+        {"<13>1 - - tag - - - text", "", "tag: text"},
+        {"<13>1 - we,b\x01 tag - - - text", "we,b\x01", "tag: text"},
+        {longMessage, longName, "a: text"},
+        {"<13>1 - web1 tag", "", "web1 tag"},
+        {"<13>1 - web1 tag - - [broken text", "web1", "tag: [broken text"},
+        {"<13>1 -  tag - - - text", "", " tag - - - text"},
+    };
+    MessageParser parser;
+    for (const HostCase &c : cases) {
+        const auto parsed = parser.parse(c.sent);
+        ASSERT_TRUE(parsed);
+        EXPECT_EQ(parsed->hostName, c.hostName) << c.sent;
+        EXPECT_EQ(parsed->text, c.text) << c.sent;
+    }
+}
+
 TEST(MessageParserTest, KnowsTheMonths) {
     constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
     MessageParser parser;
