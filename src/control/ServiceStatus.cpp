@@ -92,6 +92,24 @@ int readResults(sd_bus_message *reply, std::optional<std::vector<ServiceStatus::
     });
 }
 
+int readOutputs(sd_bus_message *reply, ServiceStatus &status) {
+    status.outputs.emplace();
+    return readArray(reply, "(sstttxdsx)", [&] {
+        std::array<const char *, 3> texts{};
+        ServiceStatus::OutputState one;
+        const int result = sd_bus_message_read(
+            reply, "(sstttxdsx)", &texts[0], &texts[1], &one.sent, &one.removedUnsent,
+            &one.lagEvents, &one.lagSeconds, &one.rate, &texts[2], &one.problemSeconds);
+        if (result > 0) {
+            one.name = texts[0];
+            one.kind = texts[1];
+            one.problem = texts[2];
+            status.outputs->push_back(std::move(one));
+        }
+        return result;
+    });
+}
+
 using ReadProperty = int (*)(sd_bus_message *reply, ServiceStatus &status);
 
 struct Property {
@@ -118,6 +136,7 @@ constexpr Property kProperties[] = {
      [](sd_bus_message *reply, ServiceStatus &status) {
          return readResults(reply, status.exports);
      }},
+    {"Outputs", "a(sstttxdsx)", readOutputs},
 };
 
 /// The value behind a property's name. What is not known here is passed over.
@@ -217,6 +236,66 @@ void appendResults(std::string &out, const char *title, const Results &results) 
     }
 }
 
+using Outputs = std::optional<std::vector<ServiceStatus::OutputState>>;
+
+/// With one digit behind the point. Of what no rate is, nothing.
+std::string rounded(double number) {
+    constexpr double kMost = 1e15;
+    std::array<char, 64> text{};
+    number = number >= 0 && number <= kMost ? number : 0;
+    std::snprintf(text.data(), text.size(), "%.1f", number);
+    return text.data();
+}
+
+void appendOutput(std::string &out, const ServiceStatus::OutputState &one) {
+    appendCount(out, one.sent);
+    appendVisible(out, one.name + " (" + one.kind + ")");
+    out += "  " + rounded(one.rate) + " a second  ";
+    out += one.lagEvents == 0 ? "nothing waits"
+                              : std::to_string(one.lagEvents) + " wait, the oldest for " +
+                                    std::to_string(one.lagSeconds) + " s";
+    if (one.removedUnsent > 0) {
+        out += "  removed unsent " + std::to_string(one.removedUnsent);
+    }
+    if (!one.problem.empty()) {
+        out += "  last problem " + DateFormat("").render(static_cast<double>(one.problemSeconds)) +
+               ": ";
+        appendVisible(out, one.problem);
+    }
+    out += '\n';
+}
+
+void appendOutputs(std::string &out, const Outputs &outputs) {
+    if (!outputs || outputs->empty()) {
+        return;
+    }
+    out += "\nOutputs\n";
+    for (const ServiceStatus::OutputState &one : *outputs) {
+        appendOutput(out, one);
+    }
+}
+
+void appendJsonOutputs(std::string &out, const Outputs &outputs) {
+    if (!outputs) {
+        return;
+    }
+    out += ",\"outputs\":[";
+    for (const ServiceStatus::OutputState &one : *outputs) {
+        out += out.ends_with('[') ? "{\"name\":" : ",{\"name\":";
+        appendJson(out, one.name);
+        out += ",\"kind\":";
+        appendJson(out, one.kind);
+        out += ",\"sent\":" + std::to_string(one.sent) +
+               ",\"removedUnsent\":" + std::to_string(one.removedUnsent) +
+               ",\"lagEvents\":" + std::to_string(one.lagEvents) +
+               ",\"lagSeconds\":" + std::to_string(one.lagSeconds) +
+               ",\"rate\":" + rounded(one.rate) + ",\"problem\":";
+        appendJson(out, one.problem);
+        out += ",\"problemTime\":" + std::to_string(one.problemSeconds) + '}';
+    }
+    out += ']';
+}
+
 void appendJsonResults(std::string &out, const char *name, const Results &results) {
     if (!results) {
         return;
@@ -270,6 +349,7 @@ std::string ServiceStatus::text() const {
     }
     appendResults(out, "Actions", actions);
     appendResults(out, "Exports", exports);
+    appendOutputs(out, outputs);
     return out;
 }
 
@@ -302,6 +382,7 @@ std::string ServiceStatus::json() const {
     out += ']';
     appendJsonResults(out, "actions", actions);
     appendJsonResults(out, "exports", exports);
+    appendJsonOutputs(out, outputs);
     return out + "}\n";
 }
 

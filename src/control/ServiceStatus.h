@@ -32,6 +32,19 @@ struct ServiceStatus {
         std::int64_t failedSeconds = 0;
     };
 
+    /// Of an output.
+    struct OutputState {
+        std::string name;
+        std::string kind;
+        std::uint64_t sent = 0;
+        std::uint64_t removedUnsent = 0;
+        std::uint64_t lagEvents = 0;
+        std::int64_t lagSeconds = 0;
+        double rate = 0;
+        std::string problem;  ///< the last one
+        std::int64_t problemSeconds = 0;
+    };
+
     std::string version;
     std::int64_t since = 0;
     std::vector<std::pair<std::string, std::uint64_t>> counters;
@@ -40,6 +53,7 @@ struct ServiceStatus {
     // Nothing when the service is too old to tell them.
     std::optional<std::vector<Result>> actions;
     std::optional<std::vector<Result>> exports;
+    std::optional<std::vector<OutputState>> outputs;
 
     /// What people read, or an object of JSON; ended by a line feed.
     [[nodiscard]] std::string text() const;

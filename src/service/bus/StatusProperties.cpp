@@ -51,6 +51,7 @@ const sd_bus_vtable StatusProperties::kVtable[] = {
     SD_BUS_PROPERTY("Refusals", "a(sssxt)", get<&StatusProperties::appendRefusals>, 0, 0),
     SD_BUS_PROPERTY("Actions", "a(stxtsx)", get<&StatusProperties::appendActions>, 0, 0),
     SD_BUS_PROPERTY("Exports", "a(stxtsx)", get<&StatusProperties::appendExports>, 0, 0),
+    SD_BUS_PROPERTY("Outputs", "a(sstttxdsx)", get<&StatusProperties::appendOutputs>, 0, 0),
     SD_BUS_VTABLE_END,
 };
 
@@ -97,6 +98,17 @@ int StatusProperties::appendActions(sd_bus_message *reply) {
 
 int StatusProperties::appendExports(sd_bus_message *reply) {
     return appendResults(reply, m_source.exportResults());
+}
+
+int StatusProperties::appendOutputs(sd_bus_message *reply) {
+    const auto append = [reply](const OutputState &one) {
+        const std::string problem = legible(one.problem, kMostToldBytes);
+        return sd_bus_message_append(reply, "(sstttxdsx)", one.name.c_str(),
+                                     std::string(one.kind).c_str(), one.sent, one.removedUnsent,
+                                     one.lagEvents, one.lagSeconds, one.rate, problem.c_str(),
+                                     one.problemSeconds);
+    };
+    return appendArray(reply, "(sstttxdsx)", m_source.outputStates(), append);
 }
 
 }  // namespace quorbel

@@ -28,6 +28,7 @@ private:
     int appendRefusals(sd_bus_message *reply);
     int appendActions(sd_bus_message *reply);
     int appendExports(sd_bus_message *reply);
+    int appendOutputs(sd_bus_message *reply);
     template <Append kAppend>
     static int get(sd_bus *bus, const char *path, const char *interface, const char *property,
                    sd_bus_message *reply, void *self, sd_bus_error *error);
