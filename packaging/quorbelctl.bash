@@ -30,6 +30,7 @@ _quorbelctl_values() { # _quorbelctl_values OPTION WORD: false when the option t
         --protocol | -P) _quorbelctl_offer "$2" udp tcp ;;
         --contains* | --lacks* | --matches* | --host | --from | --until | --lines | --port | \
             -[cvenHp]) ;;
+        --config) compopt -o default ;;
         *) return 1 ;;
     esac
 }
@@ -58,7 +59,10 @@ _quorbelctl() {
         tail) [[ $word != -* ]] || _quorbelctl_offer "$word" --follow --lines "${filter[@]}" ;;
         find | stats) [[ $word != -* ]] || _quorbelctl_offer "$word" "${filter[@]}" ;;
         test-message) _quorbelctl_offer "$word" --host --port --protocol ;;
-        check-settings) compopt -o default ;;
+        check-settings)
+            compopt -o default
+            [[ $word != -* ]] || _quorbelctl_offer "$word" --config
+            ;;
     esac
 }
 

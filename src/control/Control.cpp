@@ -22,7 +22,8 @@ Commands:
   stats [FILTER...] [TEXT...]    how many there are, by rating, severity, host and day
   test-message [-H HOST] [-p PORT] [-P udp|tcp]
                                  sends "Quorbel - Test message" (127.0.0.1, 514, udp)
-  check-settings [FILE]          what is wrong in the settings
+  check-settings [FILE] [--config FILE]
+                                 what is wrong in the settings, and in the configuration
   --help, --version
 
 Filters, all of which have to hold, as on the events page:

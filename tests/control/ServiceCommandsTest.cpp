@@ -236,5 +236,36 @@ TEST_F(ServiceCommandsTest, CheckSettingsReadsWhatTheServiceStored) {
     EXPECT_EQ(run({"check-settings", folder.path().string()}).status, 1);
 }
 
+TEST_F(ServiceCommandsTest, CheckSettingsReadsTheConfigurationToo) {
+    const auto good = folder.write("good.conf", "[Relays]\nNetworks=10.0.0.0/8\n");
+    const auto bad = folder.write("bad.conf", "[Relays]\n\nNetworks=10.0.0.0/80\nNet\xC3\xB6=1\n");
+    const auto right = run({"check-settings", "--config", good.string()});
+    EXPECT_EQ(right.status, 0) << right.output << right.complaint;
+    EXPECT_EQ(right.output, "");
+    const auto wrong = run({"check-settings", "--config=" + bad.string()});
+    EXPECT_EQ(wrong.status, 1);
+    const std::string line = bad.string() +
+                             ":3: Networks: \"10.0.0.0/80\" is neither a network, as 10.1.0.0/16, "
+                             "nor an address\n";
+    EXPECT_EQ(wrong.output,
+              line + bad.string() + ":4: there is no key \"Net\xC3\xB6\" in [Relays]\n");
+    const auto missing = run({"check-settings", "--config", "/nonexistent"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.complaint, HasSubstr("/nonexistent cannot be read: No such file"));
+    EXPECT_EQ(run({"check-settings", "--config", folder.path().string()}).output,
+              folder.path().string() + ": it is no file\n");
+    // Both, where both are named.
+    const auto settings = folder.write("Quorbel.ini", "nothing");
+    EXPECT_EQ(run({"check-settings", "--config", bad.string()}).output, wrong.output);
+    const auto both = run({"check-settings", settings.string(), "--config", bad.string()});
+    EXPECT_EQ(both.status, 1);
+    EXPECT_THAT(both.output, StartsWith(settings.string() + ": this is no settings document"));
+    EXPECT_THAT(both.output, ::testing::EndsWith(wrong.output));
+    const auto one = run({"check-settings", settings.string(), "--config", good.string()});
+    EXPECT_EQ(one.status, 1);
+    EXPECT_EQ(run({"check-settings", "--config", ""}).status, 2);
+    EXPECT_EQ(run({"check-settings", "--config"}).status, 2);
+}
+
 }  // namespace
 }  // namespace quorbel

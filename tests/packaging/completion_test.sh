@@ -39,6 +39,8 @@ check_equal "options" "--lacks --lacks-case --lines" "$(offered tail --l | tr ' 
 check_equal "no options where a text may stand" "" "$(offered find '')"
 check_equal "nothing for a text of an option" "" "$(offered find --contains x)"
 check_equal "the settings' file" "files: -o default" "$(offered check-settings x)"
+check_equal "a configuration's file" "files: -o default" "$(offered check-settings --config x)"
+check_equal "its option" "files: -o default --config" "$(offered check-settings --)"
 check_equal "nothing for what there is not" "" "$(offered nonsense x)"
 
 # What is offered is what the program takes, and what its page tells of.
@@ -75,8 +77,9 @@ for option in --severity --rating --facility --time; do
 done
 check_equal "what the program does not take is noticed" 1 "$(takes find --nonsense || echo 1)"
 told=$(sed -e 's/\\-/-/g' "$page" | grep -o -e '--[a-z-]*' | sed 's/-$//' | sort -u)
-known=$(for command in status tail find stats test-message; do offered "$command" --; done |
-    tr ' ' '\n' | sort -u)
+check "check-settings takes --config" takes check-settings --config "$scratch/none"
+known=$(for command in status tail find stats test-message check-settings; do offered "$command" --; done |
+    tr ' ' '\n' | grep -e '^--' | sort -u)
 check_equal "the page tells of these options and no others" \
     "$(printf '%s\n' "$known" --help --version | sort -u)" "$told"
 helped=$("$program" --help | grep -o -e '--[a-z]*-*[a-z]*' | sort -u)
