@@ -27,7 +27,9 @@ $prefix/share/bash-completion/completions/quorbelctl 644
 $prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service 644
 $prefix/share/man/man1/Quorbel.1 644
 $prefix/share/man/man1/quorbelctl.1 644
+$prefix/share/doc/quorbel-service/examples/quorbelsrv.conf 644
 $prefix/share/man/man5/quorbel-files.5 644
+$prefix/share/man/man5/quorbelsrv.conf.5 644
 $prefix/share/man/man8/QuorbelSrv.8 644
 $prefix/share/metainfo/com.halvern.Quorbel.metainfo.xml 644"
 icons=$prefix/share/icons/hicolor
@@ -45,6 +47,15 @@ for program in bin/Quorbel bin/quorbelctl sbin/QuorbelSrv; do
     check "$program has no search path of its own" test -z \
         "$(readelf -d "$root$prefix/$program" | grep -E 'RUNPATH|RPATH')"
 done
+
+example=$root$prefix/share/doc/quorbel-service/examples/quorbelsrv.conf
+control=$root$prefix/bin/quorbelctl
+check "nothing is on in the example" test -z "$(grep -v '^[#;]' "$example" | tr -d '\n')"
+check "the example is right" quietly "$control" check-settings --config "$example"
+sed 's/^;//' "$example" >"$root/everything.conf"
+check "and with everything on" quietly "$control" check-settings --config "$root/everything.conf"
+told=$(sed -n 's/^\.BR\{0,1\} *//p' "$root$prefix/share/man/man5/quorbelsrv.conf.5" | grep -o '[A-Z][A-Za-z]*=' | sort -u)
+check_equal "the page tells of each key" "$(grep -o '^[A-Z][A-Za-z]*=' "$root/everything.conf" | sort -u)" "$told"
 
 unit=$root$prefix/lib/systemd/system/quorbelsrv.service
 bus_unit=$root$prefix/share/dbus-1/system-services/com.Halvern.QuorbelSrv.service
