@@ -111,6 +111,9 @@ LogStore::Result LogStore::append(std::string_view lines, std::int64_t seconds, 
     if (wake) {
         m_wakeSync.notifyOne();
     }
+    if (result.stored > 0) {
+        tellReaders();
+    }
     noteState(seconds, result.notStored, error);
     return result;
 }
@@ -144,6 +147,7 @@ bool LogStore::openFor(const std::string &name) {
     m_fileIdentity = identityOf(m_file);
     m_fileMark = markOf(m_file.get()).value_or(FileMark{});
     m_folderChanged = true;
+    ++m_fileChanges;
     return true;
 }
 

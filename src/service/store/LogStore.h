@@ -4,6 +4,7 @@
 #include "platform/Mutex.h"
 #include "platform/UniqueFd.h"
 #include "service/store/LogFiles.h"
+#include "service/store/LogFollower.h"
 #include "service/store/SpareDescriptors.h"
 
 #include <atomic>
@@ -17,6 +18,8 @@
 #include <vector>
 
 namespace quorbel {
+
+class AppendWaker;
 
 /// The folder of daily log files: appends events, gets them to disk, takes events out and puts
 /// them back.
@@ -62,6 +65,16 @@ public:
     /// How often a file was replaced or removed since the store was made.
     [[nodiscard]] std::uint64_t edits() const { return m_edits; }
 
+    /// The name of the file that append() used last; empty when there was none.
+    [[nodiscard]] std::string appendedFile();
+    /// How often append() has gone over to another file.
+    [[nodiscard]] std::uint64_t fileChanges() const { return m_fileChanges; }
+
+    /// From then on `follower` is asked before a log file is replaced. Both may wait until one that
+    /// is being replaced is done.
+    void addFollower(LogFollower &follower);
+    void removeFollower(LogFollower &follower);
+
     /// Whoever takes events out or puts them in holds this from the search for their places on:
     /// their places in a file are its own only as long as nobody else replaces it.
     [[nodiscard]] Mutex &editLock() RETURNS_LOCK(m_editMutex) { return m_editMutex; }
@@ -81,6 +94,7 @@ public:
         REQUIRES(m_editMutex);
 
 private:
+    friend class AppendWaker;
     static inline const std::atomic<bool> kNeverStop = false;
 
     bool openFor(const std::string &name) REQUIRES(m_mutex);
@@ -92,6 +106,7 @@ private:
 
     /// What becomes of a file.
     struct Edit {
+        const LogChange &change;
         std::uint64_t size;  ///< of what it is replaced by, as far as is known
         /// Appends a part of it, as it is to be, to another file; parts follow one another.
         std::function<bool(ByteRange part, int to)> copy;
@@ -103,6 +118,12 @@ private:
     bool swap(const std::string &name, const UniqueFd &file, const Edit &edit,
               const UniqueFd &replacement, std::uint64_t copied);
     bool removeWhole(const std::string &name, const UniqueFd &file, std::uint64_t size);
+    /// Does `step` when all followers let it be done.
+    bool commit(const LogEdit &edit, const std::function<bool()> &step);
+    bool commitFrom(std::vector<LogFollower *>::const_iterator next, const LogEdit &edit,
+                    const std::function<bool()> &step) REQUIRES(m_followersMutex);
+    void tellReaders();
+    void disarm(AppendWaker &waker) REQUIRES(m_readersMutex);
     [[nodiscard]] UniqueFd openFolder() const;
     void syncFolder() const;
 
@@ -136,8 +157,16 @@ private:
 
     std::atomic<std::uint64_t> m_unsynced = 0;
     std::atomic<std::uint64_t> m_edits = 0;
+    std::atomic<std::uint64_t> m_fileChanges = 0;
+    std::atomic<std::uint64_t> m_appends = 0;
+    std::atomic<std::size_t> m_armedWakers = 0;  ///< changes under m_readersMutex
 
-    Mutex m_editMutex LOCKED_BEFORE(m_mutex);
+    Mutex m_readersMutex;
+    std::vector<AppendWaker *> m_wakers GUARDED_BY(m_readersMutex);
+
+    Mutex m_editMutex LOCKED_BEFORE(m_followersMutex);
+    Mutex m_followersMutex LOCKED_BEFORE(m_mutex);
+    std::vector<LogFollower *> m_followers GUARDED_BY(m_followersMutex);
 
     Mutex m_mutex;
     Condition m_wakeSync;

@@ -36,7 +36,8 @@ bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
         return true;
     }
     const std::uint64_t size = settledSize(file);
-    const Edit edit{size - std::min(size, totalOf(ranges)),
+    const LogChange change{ranges, {}};
+    const Edit edit{change, size - std::min(size, totalOf(ranges)),
                     [&](ByteRange part, int to) { return copyPart(file.get(), part, ranges, to); }};
     return replace(name, file, edit, stop);
 }
@@ -44,7 +45,8 @@ bool LogStore::cutOut(const std::string &name, const UniqueFd &file,
 bool LogStore::putIn(const std::string &name, const UniqueFd &file,
                      const std::vector<Insertion> &insertions, const std::atomic<bool> &stop) {
     std::size_t next = 0;
-    const Edit edit{settledSize(file) + totalOf(insertions), [&](ByteRange part, int to) {
+    const LogChange change{{}, insertions};
+    const Edit edit{change, settledSize(file) + totalOf(insertions), [&](ByteRange part, int to) {
                         return copyPartWith(file.get(), part, insertions, next, to);
                     }};
     if (replace(name, file, edit, stop)) {
@@ -58,13 +60,19 @@ bool LogStore::putIn(const std::string &name, const UniqueFd &file,
 
 /// Removes a file that has so many bytes, all of which are to go: that works on a full disk, too.
 bool LogStore::removeWhole(const std::string &name, const UniqueFd &file, std::uint64_t size) {
-    const MutexLock lock(m_mutex);
-    struct stat status {};
-    const bool removed = ::fstat(file.get(), &status) == 0 &&
-                         static_cast<std::uint64_t>(status.st_size) == size &&
-                         isSameFile(file, path(name)) && ::unlink(path(name).c_str()) == 0;
-    m_edits += static_cast<std::uint64_t>(removed);
-    return removed;
+    const ByteRange whole{0, size};
+    const LogChange change{{&whole, 1}, {}};
+    // Asked for first, so that followers have nothing to do where it cannot be.
+    return settledSize(file) == size && commit({name, file, nullptr, change}, [&] {
+               const MutexLock lock(m_mutex);
+               struct stat status {};
+               const bool removed = ::fstat(file.get(), &status) == 0 &&
+                                    static_cast<std::uint64_t>(status.st_size) == size &&
+                                    isSameFile(file, path(name)) &&
+                                    ::unlink(path(name).c_str()) == 0;
+               m_edits += static_cast<std::uint64_t>(removed);
+               return removed;
+           });
 }
 
 bool LogStore::replace(const std::string &name, const UniqueFd &file, const Edit &edit,
@@ -76,7 +84,8 @@ bool LogStore::replace(const std::string &name, const UniqueFd &file, const Edit
     // A copy that fills the disk would cost new events their place, over and over.
     if (!replacement.isOpen() || !hasRoomFor(replacement.get(), edit.size) ||
         !copySettled(file, edit, replacement.get(), copied, stop) ||
-        !swap(name, file, edit, replacement, copied)) {
+        !commit({name, file, &replacement, edit.change},
+                [&] { return swap(name, file, edit, replacement, copied); })) {
         const int error = errno;
         ::unlink(temporary.c_str());
         errno = error;
