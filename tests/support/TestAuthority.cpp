@@ -13,6 +13,9 @@ namespace quorbel::testing {
 
 namespace {
 
+constexpr long kHour = 60L * 60;
+constexpr long kDay = 24 * kHour;
+
 using Free = OpenSslFree;
 using Key = std::unique_ptr<EVP_PKEY, Free>;
 using Certificate = std::unique_ptr<X509, Free>;
@@ -39,7 +42,6 @@ void addExtension(X509 *certificate, X509 *issuer, int kind, const char *value) 
 
 /// Unsigned.
 Certificate newCertificate(const std::string &name, EVP_PKEY *key) {
-    constexpr long kDay = 24L * 60 * 60;
     Certificate certificate(X509_new());
     require(certificate != nullptr);
     X509_set_version(certificate.get(), X509_VERSION_3);
@@ -86,8 +88,17 @@ std::string TestAuthority::certificate() const {
 }
 
 TestAuthority::Issued TestAuthority::issue(const std::string &names) const {
+    return issueUntil(names, kDay);
+}
+
+TestAuthority::Issued TestAuthority::issueExpired(const std::string &names) const {
+    return issueUntil(names, -kHour);
+}
+
+TestAuthority::Issued TestAuthority::issueUntil(const std::string &names, long seconds) const {
     const Key key = newKey();
     const Certificate certificate = newCertificate("Test", key.get());
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), seconds);
     X509 *issuer = m_impl->certificate.get();
     X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuer));
     addExtension(certificate.get(), issuer, NID_subject_alt_name, names.c_str());

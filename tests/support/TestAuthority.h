@@ -22,8 +22,13 @@ public:
     };
     /// A certificate for servers of these names and for clients.
     [[nodiscard]] Issued issue(const std::string &names = "DNS:localhost,IP:127.0.0.1") const;
+    /// The same, that was good until an hour ago.
+    [[nodiscard]] Issued issueExpired(
+        const std::string &names = "DNS:localhost,IP:127.0.0.1") const;
 
 private:
+    [[nodiscard]] Issued issueUntil(const std::string &names, long seconds) const;
+
     struct Impl;
     std::unique_ptr<Impl> m_impl;
 };

@@ -38,10 +38,6 @@ std::uint64_t headHash(const UniqueFd &file) {
     return feedHash(firstLine(bytesOf(file, 0, kLogPieceSize)));
 }
 
-bool endsLine(const UniqueFd &file, std::uint64_t offset) {
-    return offset == 0 || bytesOf(file, offset - 1, 1) == "\n";
-}
-
 /// Of the text put in just at a place, how much belongs in front of it.
 std::size_t lengthInFront(const FeedPlace &place, std::string_view text) {
     if (place.cutLine == 0) {
@@ -129,7 +125,7 @@ PlaceState findAgain(FeedPlace &place, const UniqueFd &file) {
         return PlaceState::kFits;
     }
     const bool isSame = place.file == mark;
-    if (size >= place.offset && endsLine(file, place.offset) &&
+    if (size >= place.offset &&
         (place.tail == 0 ? isSame : place.tail == tailHash(file, place.offset))) {
         place.file = mark;
         return PlaceState::kFits;

@@ -9,7 +9,8 @@
 
 namespace quorbel {
 
-/// How far a feed is in a log file: behind its first `offset` bytes, at the begin of a line.
+/// How far a feed is in a log file: behind its first `offset` bytes, at the begin of a line unless
+/// that is longer than any of ours.
 ///
 /// Where there is a place, even at 0, all in front of it is done with; where there is none for a
 /// file, nothing of it is.
