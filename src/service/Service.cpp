@@ -42,6 +42,7 @@ Service::Service(const std::filesystem::path &folder, const std::filesystem::pat
       m_leavesSockets(isHeld),
       m_configuration(configuration),
       m_store(folder),
+      m_outputs(m_store, folder / "outputs"),
       m_settingsSignal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_settings(folder / kSettingsFileName, [this] { eventfd_write(m_settingsSignal.get(), 1); }),
       m_exporter(m_store),
@@ -115,6 +116,7 @@ void Service::configure() {
 void Service::readConfiguration() {
     if (m_configuration.load()) {
         m_collector.trust(m_configuration.current().relays);
+        m_outputs.configure(m_configuration.current());
     }
 }
 
@@ -187,6 +189,7 @@ void Service::stop() {
     // A mail server may take long, and a command waits for it.
     m_mail.cancelSends();
     m_leavesSockets ? leaveInputs() : drainInputs();
+    m_outputs.stop();
     finishTelling();
     m_bus.giveUp();
     m_commands.stop();

@@ -21,6 +21,7 @@
 #include "service/input/TlsInput.h"
 #include "service/input/UdpInput.h"
 #include "service/mail/MailSender.h"
+#include "service/output/Outputs.h"
 #include "service/store/LogStore.h"
 #include "service/store/RemovalFeed.h"
 #include "service/store/Retention.h"
@@ -74,7 +75,7 @@ private:
     [[nodiscard]] std::vector<NamedResult> exportResults() const override {
         return m_exporter.results();
     }
-    [[nodiscard]] std::vector<OutputState> outputStates() const override { return {}; }
+    [[nodiscard]] std::vector<OutputState> outputStates() const override { return m_outputs.states(); }
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
@@ -95,6 +96,7 @@ private:
 
     // In the order of an event's way back from the front-end to the network.
     LogStore m_store;
+    Outputs m_outputs;
     UniqueFd m_settingsSignal;  ///< an eventfd: other settings are in force
     SettingsFile m_settings;
     MailSender m_mail;

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] virtual std::vector<NamedResult> actionResults() const = 0;
     /// Of the exports that are on: "text", "database".
     [[nodiscard]] virtual std::vector<NamedResult> exportResults() const = 0;
-    /// Of the outputs that are configured, in the order of their names.
+    /// Of the outputs that are configured, in the order of the configuration.
     [[nodiscard]] virtual std::vector<OutputState> outputStates() const = 0;
 };
 
