@@ -155,14 +155,18 @@ private:
             return POLLOUT;
         }
         const long verified = SSL_get_verify_result(m_ssl.get());
+        const bool hasEnded = error == SSL_ERROR_SSL && ERR_GET_REASON(ERR_peek_last_error()) ==
+                                                            SSL_R_UNEXPECTED_EOF_WHILE_READING;
         // Many servers end without a word of TLS once we did.
-        m_isClosed = error == SSL_ERROR_ZERO_RETURN ||
-                     (m_isFinished && error == SSL_ERROR_SSL &&
-                      ERR_GET_REASON(ERR_peek_last_error()) == SSL_R_UNEXPECTED_EOF_WHILE_READING);
-        breaks(m_isClosed              ? "it closed the connection"
-               : verified != X509_V_OK ? std::string("its certificate is refused: ") +
-                                             X509_verify_cert_error_string(verified)
-                                       : "TLS failed: " + lastReason());
+        m_isClosed = error == SSL_ERROR_ZERO_RETURN || (m_isFinished && hasEnded);
+        if (m_isClosed || hasEnded) {
+            breaks("it closed the connection");
+        } else if (verified != X509_V_OK) {
+            breaks(std::string("its certificate is refused: ") +
+                   X509_verify_cert_error_string(verified));
+        } else {
+            breaks("TLS failed: " + lastReason());
+        }
         return 0;
     }
 

@@ -1,0 +1,237 @@
+// Forwarding to real programs: rsyslog, and a service of our own.
+
+#include "common/LogReader.h"
+#include "platform/Files.h"
+#include "service/output/ForwardOutput.h"
+#include "support/ExecArguments.h"
+#include "support/ServiceProcess.h"
+#include "support/TemporaryFolder.h"
+#include "support/TestAuthority.h"
+#include "support/WaitUntil.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::ServiceProcess;
+using testing::TemporaryFolder;
+using testing::TestAuthority;
+using testing::waitUntil;
+using Protocol = ForwardSettings::Protocol;
+
+constexpr std::chrono::seconds kLong{90};
+
+/// A port that nobody listens on.
+std::uint16_t freePort() {
+    const UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto *generic = reinterpret_cast<sockaddr *>(&address);
+    EXPECT_EQ(::bind(socket.get(), generic, size), 0);
+    EXPECT_EQ(::getsockname(socket.get(), generic, &size), 0);
+    return ntohs(address.sin_port);
+}
+
+/// rsyslog, unpacked in a folder, writing what it receives to a file.
+class Rsyslog {
+public:
+    Rsyslog(std::string tools, const TemporaryFolder &folder, std::uint16_t port, bool tls)
+        : m_tools(std::move(tools)), m_folder(folder.path()) {
+        const std::string driver = tls ? " StreamDriver.Name=\"ossl\" StreamDriver.Mode=\"1\" "
+                                         "StreamDriver.AuthMode=\"anon\""
+                                       : "";
+        folder.write(
+            "rsyslog.conf",
+            "global(workDirectory=\"" + m_folder + "\" maxMessageSize=\"8k\"" +
+                (tls ? " defaultNetstreamDriverCAFile=\"" + m_folder +
+                           "/authority.pem\" defaultNetstreamDriverCertFile=\"" + m_folder +
+                           "/cert.pem\" defaultNetstreamDriverKeyFile=\"" + m_folder + "/key.pem\""
+                     : "") +
+                ")\nmodule(load=\"imtcp\"" + driver +
+                ")\ninput(type=\"imtcp\" address=\"127.0.0.1\" port=\"" + std::to_string(port) +
+                "\")\ntemplate(name=\"plain\" type=\"string\" "
+                "string=\"%pri% %timereported:::date-rfc3339% %hostname% %app-name% "
+                "%procid% %msg%\\n\")\naction(type=\"omfile\" file=\"" +
+                m_folder + "/received\" template=\"plain\")\n");
+        start();
+    }
+    ~Rsyslog() { kill(); }
+    Rsyslog(const Rsyslog &) = delete;
+    Rsyslog &operator=(const Rsyslog &) = delete;
+
+    void start() {
+        const std::string libraries = m_tools + "/usr/lib/x86_64-linux-gnu";
+        std::vector<std::string> arguments{m_tools + "/usr/sbin/rsyslogd",
+                                           "-n",
+                                           "-f",
+                                           m_folder + "/rsyslog.conf",
+                                           "-i",
+                                           m_folder + "/pid",
+                                           "-M",
+                                           libraries + "/rsyslog"};
+        std::vector<char *> pointers = testing::pointersTo(arguments);
+        m_pid = ::fork();
+        if (m_pid == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+            ::setenv("LD_LIBRARY_PATH", libraries.c_str(), 1);
+            ::unlink((m_folder + "/pid").c_str());
+            ::execv(pointers[0], pointers.data());
+            ::_exit(127);
+        }
+    }
+    void kill() {
+        ::kill(m_pid, SIGKILL);
+        ::waitpid(m_pid, nullptr, 0);
+    }
+    /// How often each of its lines is there, without what it says of itself.
+    [[nodiscard]] std::map<std::string, int> received() const {
+        std::map<std::string, int> lines;
+        const std::string text = readFile(m_folder + "/received").value_or("");
+        for (std::size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos;
+             at = end + 1) {
+            const std::string line = text.substr(at, end - at);
+            lines[line] += line.find(" device ") != std::string::npos ? 1 : 0;
+        }
+        std::erase_if(lines, [](const auto &line) { return line.second == 0; });
+        return lines;
+    }
+
+private:
+    const std::string m_tools;
+    const std::string m_folder;
+    pid_t m_pid = -1;
+};
+
+struct ForwardReceiversTest : ::testing::TestWithParam<Protocol> {
+    TemporaryFolder folder;
+    TemporaryFolder other;
+    TestAuthority authority;
+    LogStore store{folder.path()};
+    std::unique_ptr<ForwardOutput> output;
+
+    ForwardReceiversTest() {
+        store.prepare();
+        const auto issued = authority.issue();
+        other.write("authority.pem", authority.certificate());
+        for (const std::string place : {"", "tls/"}) {
+            other.write(place + "cert.pem", issued.certificate);
+            other.write(place + "key.pem", issued.key);
+        }
+    }
+    ~ForwardReceiversTest() override {
+        if (output) {
+            output->stop();
+        }
+    }
+    void forwardTo(std::uint16_t port) {
+        ForwardSettings settings;
+        settings.name = "receiver";
+        settings.server = "127.0.0.1";
+        settings.serverName = "localhost";
+        settings.port = port;
+        settings.protocol = GetParam();
+        settings.history = true;
+        settings.authorityFile = other.path() / "authority.pem";
+        output = std::make_unique<ForwardOutput>(store, folder.path() / "outputs", settings);
+        output->start();
+    }
+    /// Numbered events, from `begin` on.
+    void put(int begin, int end) {
+        std::string lines;
+        for (int i = begin; i < end; ++i) {
+            lines += "1700000000,Local7.Debug,device,test[7]: number " + std::to_string(i) + "\r\n";
+        }
+        store.append(lines, 1700000000, false);
+    }
+    [[nodiscard]] bool isAllSent(std::uint64_t count) const {
+        return waitUntil(
+            [&] {
+                const OutputState state = output->state();
+                return state.lagEvents == 0 && state.sent >= count;
+            },
+            kLong);
+    }
+};
+
+std::string nameOf(const ::testing::TestParamInfo<Protocol> &tested) {
+    return tested.param == Protocol::kTcp ? "tcp" : "tls";
+}
+INSTANTIATE_TEST_SUITE_P(Each, ForwardReceiversTest,
+                         ::testing::Values(Protocol::kTcp, Protocol::kTls), nameOf);
+
+/// It is killed twice meanwhile, with all that it had not written.
+TEST_P(ForwardReceiversTest, rsyslogHasAllInTheEnd) {
+    const char *tools = std::getenv("QUORBEL_RSYSLOG");
+    if (tools == nullptr) {
+        GTEST_SKIP() << "no rsyslog";
+    }
+    constexpr int kCount = 5000;
+    const std::uint16_t port = freePort();
+    Rsyslog rsyslog(tools, other, port, GetParam() == Protocol::kTls);
+    forwardTo(port);
+    for (int part = 0; part < 2; ++part) {
+        put(part * kCount, (part + 1) * kCount);
+        const auto most = static_cast<std::size_t>(part * kCount);
+        EXPECT_TRUE(waitUntil([&] { return rsyslog.received().size() > most; }, kLong));
+        rsyslog.kill();
+        rsyslog.start();
+    }
+    put(2 * kCount, 3 * kCount);
+    EXPECT_TRUE(isAllSent(3 * kCount)) << output->state().problem;
+    const auto received = [&] { return rsyslog.received(); };
+    EXPECT_TRUE(waitUntil([&] { return received().size() == 3 * kCount; }, kLong));
+    EXPECT_TRUE(received().contains("191 2023-11-14T22:13:20+00:00 device test 7 number 14999") ||
+                received().contains("191 2023-11-14T22:13:20Z device test 7 number 14999"));
+}
+
+TEST_P(ForwardReceiversTest, aServiceOfOursStoresTheSameTexts) {
+    constexpr int kCount = 20000;
+    ServiceProcess::Setup setup;
+    setup.library = other.path();
+    setup.arguments = {"--port", "0", "--tls-port", "0"};
+    std::uint16_t port = 0;
+    if (GetParam() == Protocol::kTls) {
+        port = freePort();
+        setup.arguments.back() = std::to_string(port);
+    }
+    const ServiceProcess service(setup);
+    ASSERT_TRUE(service.isListening());
+    forwardTo(port == 0 ? service.port() : port);
+    put(0, kCount);
+    EXPECT_TRUE(isAllSent(kCount)) << output->state().problem;
+    std::map<std::string, int> stored;
+    const auto count = [&] {
+        stored.clear();
+        for (const std::string &name : listFolder(other.path())) {
+            LogReader::readFile(
+                hasExtension(name, "log") ? other.path() / name : "", [&](const LogLine &line) {
+                    ++stored[std::string(line.priority) + " " + std::string(line.message)];
+                    return true;
+                });
+        }
+        return stored.size();
+    };
+    EXPECT_TRUE(waitUntil([&] { return count() == kCount; }));
+    EXPECT_EQ(stored["Local7.Debug test[7]: number 0"], 1);
+    EXPECT_EQ(stored["Local7.Debug test[7]: number 19999"], 1);
+}
+
+}  // namespace
+}  // namespace quorbel
