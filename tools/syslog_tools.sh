@@ -21,3 +21,13 @@ unpack_packages() {
 unpack_rsyslog() { unpack_packages "$1" rsyslog rsyslog-openssl libestr0 libfastjson4 liblognorm5; }
 
 unpack_loggen() { unpack_packages "$1" syslog-ng-core libivykis0; }
+
+# The column store that events can be sent to, with the libraries that nothing else here needs.
+unpack_clickhouse() {
+    unpack_packages "$1" clickhouse-server clickhouse-client clickhouse-common \
+        libboost-filesystem1.74.0 libboost-program-options1.74.0 libcapnp-0.9.2 libcctz2 \
+        libcpuinfo0 libdouble-conversion3 libfarmhash0 libjemalloc2 libltdl7 libmariadb3 \
+        libmetrohash1 libodbc2 libpococrypto80 libpocodata80 libpocodataodbc80 \
+        libpocofoundation80 libpocojson80 libpocomongodb80 libpoconet80 libpoconetssl80 \
+        libpocoutil80 libpocoxml80 librdkafka1 libre2-9 libreadline8 libzstd1
+}
