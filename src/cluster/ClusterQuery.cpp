@@ -1,0 +1,188 @@
+#include "cluster/ClusterQuery.h"
+
+#include "common/LegibleText.h"
+#include "platform/Number.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <limits>
+
+namespace quorbel {
+
+namespace {
+
+/// Many times what the longest row has.
+constexpr std::size_t kMostRowBytes = std::size_t{1} << 20U;
+constexpr std::int64_t kPastAll = std::int64_t{std::numeric_limits<std::uint32_t>::max()} + 1;
+
+/// The text as an expression (RE2) that has a match where it is. Old servers look for what stands
+/// outside of groups to the letter, whatever flags are in force there.
+std::string expressionFor(const ClusterFilter::Text &text) {
+    std::string expression = text.isCaseSensitive ? "(?:" : "(?i:";
+    for (const char character : text.text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code < 0x80U && std::isalnum(code) == 0) {
+            expression += '\\';
+        }
+        expression += character;
+    }
+    return expression + ')';
+}
+
+std::string conditionFor(const ClusterFilter::Text &text) {
+    const std::string expression = sqlText(expressionFor(text));
+    return std::string(text.isNegated ? "NOT " : "") + "(match(message, " + expression +
+           ") OR match(host, " + expression + ") OR match(priority, " + expression + "))";
+}
+
+std::string conditionFor(const std::bitset<kSeverityClassCount> &classes) {
+    std::string names;
+    for (std::size_t i = 0; i < kSeverityClassCount; ++i) {
+        if (classes[i]) {
+            names += names.empty() ? "" : " OR ";
+            names += i == kUnknownClass
+                         ? "severity = " + std::to_string(kUnknownClass)
+                         : "position(priority, " + sqlText(kSeverityClasses.at(i).name) + ") > 0";
+        }
+    }
+    return '(' + names + ')';
+}
+
+std::string moment(std::int64_t seconds) {
+    return std::to_string(std::clamp(seconds, std::int64_t{0}, kPastAll));
+}
+
+std::vector<std::string> conditionsOf(const ClusterFilter &filter) {
+    std::vector<std::string> conditions;
+    if (filter.from) {
+        conditions.push_back(*filter.from < kPastAll ? "time >= " + moment(*filter.from) : "0");
+    }
+    if (filter.until && *filter.until < kPastAll) {
+        conditions.push_back("time < " + moment(*filter.until));
+    }
+    if (filter.leastSeverity) {
+        conditions.push_back("severity <= " + std::to_string(*filter.leastSeverity));
+    }
+    if (filter.classes.any()) {
+        conditions.push_back(conditionFor(filter.classes));
+    }
+    if (!filter.facility.empty()) {
+        conditions.push_back("facility = " + sqlText(filter.facility));
+    }
+    for (const ClusterFilter::Text &text : filter.texts) {
+        conditions.push_back(conditionFor(text));
+    }
+    return conditions;
+}
+
+/// Not of the view: old servers would put all rows together first and look at conditions then.
+std::string sourceOf(const ClusterPlace &place, const ClusterFilter &filter) {
+    std::string source = " FROM " + place.database + '.' + place.table + " FINAL";
+    std::string_view joint = " WHERE ";
+    for (const std::string &condition : conditionsOf(filter)) {
+        source += joint;
+        source += condition;
+        joint = " AND ";
+    }
+    return source;
+}
+
+/// What the format TabSeparated puts behind a backslash.
+char unescaped(char character) {
+    constexpr std::string_view kEscaped = "btnfr0";
+    constexpr std::string_view kMeant("\b\t\n\f\r\0", 6);
+    const std::size_t at = kEscaped.find(character);
+    return at == std::string_view::npos ? character : kMeant[at];
+}
+
+void appendUnescaped(std::string &out, std::string_view field) {
+    for (std::size_t at = 0; at < field.size(); ++at) {
+        const bool isEscape = field[at] == '\\' && at + 1 < field.size();
+        out += isEscape ? unescaped(field[++at]) : field[at];
+    }
+}
+
+/// Of a row: a date and three texts. Nothing when the line is none, as the text of an error.
+std::optional<std::array<std::string_view, 4>> fieldsOf(std::string_view line) {
+    std::array<std::string_view, 4> fields;
+    for (std::string_view &field : fields) {
+        const std::size_t tab = line.find('\t');
+        if ((tab == std::string_view::npos) != (&field == &fields.back())) {
+            return std::nullopt;
+        }
+        field = line.substr(0, tab);
+        line.remove_prefix(std::min(field.size() + 1, line.size()));
+    }
+    return readNumber<std::int64_t>(fields[0]) ? std::optional(fields) : std::nullopt;
+}
+
+}  // namespace
+
+std::string sqlText(std::string_view text) {
+    std::string sql = "'";
+    for (const char character : text) {
+        if (character == '\'' || character == '\\') {
+            sql += '\\';
+        }
+        sql += character == '\0' ? std::string("\\0") : std::string(1, character);
+    }
+    return sql + '\'';
+}
+
+std::string selectEvents(const ClusterPlace &place, const ClusterFilter &filter) {
+    return "SELECT toUnixTimestamp(time), priority, host, message" + sourceOf(place, filter) +
+           " ORDER BY time, collector, number"
+           " SETTINGS max_bytes_before_external_sort = 500000000 FORMAT TabSeparated";
+}
+
+std::string selectCounts(const ClusterPlace &place, const ClusterFilter &filter) {
+    return "SELECT intDiv(toUnixTimestamp(time), 900) * 900 AS quarter, priority, host, count()" +
+           sourceOf(place, filter) + " GROUP BY quarter, priority, host FORMAT TabSeparated";
+}
+
+bool ClusterAnswer::add(std::string_view bytes) {
+    for (std::size_t end = bytes.find('\n'); end != std::string_view::npos;
+         end = bytes.find('\n')) {
+        m_begun += bytes.substr(0, end);
+        const bool goesOn = addLine(m_begun);
+        m_begun.clear();
+        bytes.remove_prefix(end + 1);
+        if (!goesOn) {
+            return false;
+        }
+    }
+    m_begun += bytes;
+    if (m_begun.size() > kMostRowBytes) {
+        m_problem = "a row without an end";
+        return false;
+    }
+    return true;
+}
+
+bool ClusterAnswer::addLine(std::string_view line) {
+    const auto fields = fieldsOf(line);
+    if (!fields) {
+        m_problem = line.empty() ? "an empty row" : legible(line, kMostToldBytes);
+        return false;
+    }
+    std::array<std::size_t, 4> ends{};
+    m_row.clear();
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        appendUnescaped(m_row, fields->at(i));
+        ends.at(i) = m_row.size();
+    }
+    const std::string_view row = m_row;
+    LogLine event;
+    event.date = row.substr(0, ends[0]);
+    event.priority = row.substr(ends[0], ends[1] - ends[0]);
+    event.host = row.substr(ends[1], ends[2] - ends[1]);
+    event.message = row.substr(ends[2]);
+    return m_onEvent(event);
+}
+
+std::string ClusterAnswer::problem() const {
+    return !m_problem.empty() ? m_problem : m_begun.empty() ? "" : "the answer has no end";
+}
+
+}  // namespace quorbel
