@@ -41,7 +41,11 @@ Filters, all of which have to hold, as on the events page:
       --time SPAN        "last hour", today, yesterday, "last 24 hours"
   -j, --json             an object of JSON for each event
 
-Ends with 0, 1 (nothing found, or wrong), 2 (usage), 3 (the service is not there),
+"find" and "stats" in place of the log files:
+      --cluster          the cluster of the service's configuration
+      --cluster-name N   that one of several; --config FILE: another configuration
+
+Ends with 0, 1 (nothing found, or wrong), 2 (usage), 3 (the service, or the cluster, is not there),
 4 (not allowed). See quorbelctl(1).
 )";
 

@@ -55,19 +55,19 @@ void appendObject(std::string &out, std::string_view name, const Counts &counts)
 
 }  // namespace
 
-void EventStatistics::add(const LogLine &event, EventRating rating) {
-    ++m_events;
-    ++m_ratings.at(rating);
-    ++m_severities.at(classifyPriority(event.priority).shown);
-    ++countOfDay(event.date);
+void EventStatistics::add(const LogLine &event, EventRating rating, std::uint64_t count) {
+    m_events += count;
+    m_ratings.at(rating) += count;
+    m_severities.at(classifyPriority(event.priority).shown) += count;
+    countOfDay(event.date) += count;
     const std::string host(event.host);
     const auto known = m_hosts.find(host);
     if (known != m_hosts.end()) {
-        ++known->second;
+        known->second += count;
     } else if (m_hosts.size() < kMostHosts) {
-        m_hosts.emplace(host, 1);
+        m_hosts.emplace(host, count);
     } else {
-        ++m_otherHosts;
+        m_otherHosts += count;
     }
 }
 

@@ -21,7 +21,8 @@ public:
     /// Of so many hosts each has a number of its own; later ones are counted together.
     static constexpr std::size_t kMostHosts = 100'000;
 
-    void add(const LogLine &event, EventRating rating);
+    /// `count` events like this one.
+    void add(const LogLine &event, EventRating rating, std::uint64_t count = 1);
 
     [[nodiscard]] std::uint64_t events() const { return m_events; }
     /// What people read, or an object of JSON; ended by a line feed.

@@ -1,19 +1,20 @@
 #include "control/Commands.h"
 #include "control/EventArguments.h"
+#include "control/EventSource.h"
 #include "control/EventStatistics.h"
-#include "control/FileSearch.h"
 #include "control/Output.h"
 
 namespace quorbel {
 
 ExitCode runFind(int count, char **values) {
-    const auto arguments = readEventArguments(count, values);
+    EventSource source;
+    const auto arguments = readEventArguments(count, values, source.options());
     if (!arguments) {
         return ExitCode::kUsage;
     }
     Output output;
     const ExitCode code =
-        searchFiles(arguments->query, [&](const LogLine &event, EventRating rating) {
+        source.search(arguments->query, [&](const LogLine &event, EventRating rating) {
             appendEvent(output.text(), event, rating, arguments->form);
             return output.endPiece();
         });
@@ -21,15 +22,15 @@ ExitCode runFind(int count, char **values) {
 }
 
 ExitCode runStats(int count, char **values) {
-    const auto arguments = readEventArguments(count, values);
+    EventSource source;
+    const auto arguments = readEventArguments(count, values, source.options());
     if (!arguments) {
         return ExitCode::kUsage;
     }
     EventStatistics statistics;
-    const ExitCode code =
-        searchFiles(arguments->query, [&](const LogLine &event, EventRating rating) {
-            statistics.add(event, rating);
-            return true;
+    const ExitCode code = source.count(
+        arguments->query, [&](const LogLine &event, EventRating rating, std::uint64_t number) {
+            statistics.add(event, rating, number);
         });
     if (code == ExitCode::kNotThere || code == ExitCode::kNotAllowed) {
         return code;

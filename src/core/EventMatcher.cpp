@@ -20,15 +20,6 @@ bool isPlainDateFormat(std::string_view setting) {
     });
 }
 
-/// Whether a text may be part of a date that is rendered in a format.
-bool mayBeInDates(const TextPattern &pattern, std::string_view setting) {
-    if (!isPlainDateFormat(setting)) {
-        return true;
-    }
-    return pattern.mayBeInTextOf(
-        std::string(setting.empty() ? DateFormat::kDefaultPattern : setting) + "0123456789-AMP");
-}
-
 /// Leaves the positions for which `isMeant(position)`.
 template <typename IsMeant>
 void keep(EventMatcher::Positions &positions, IsMeant isMeant) {
@@ -85,6 +76,14 @@ private:
 };
 
 }  // namespace
+
+bool mayBeInDates(const TextPattern &pattern, std::string_view setting) {
+    if (!isPlainDateFormat(setting)) {
+        return true;
+    }
+    return pattern.mayBeInTextOf(
+        std::string(setting.empty() ? DateFormat::kDefaultPattern : setting) + "0123456789-AMP");
+}
 
 EventMatcher::EventMatcher(EventList &list, EventQuery filter)
     : m_events(list), m_filter(std::move(filter)), m_host(m_filter.host) {

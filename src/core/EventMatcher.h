@@ -25,6 +25,9 @@ private:
     std::uint64_t m_bits;
 };
 
+/// Whether a text may be part of a date that is rendered in a format of the settings.
+bool mayBeInDates(const TextPattern &pattern, std::string_view setting);
+
 /// Tells which events of a list meet all conditions of a filter but the one on their rating, which
 /// is left to who counts them by it.
 ///

@@ -1,3 +1,4 @@
+#include "cluster/PrintedSchema.h"
 #include "common/ServiceConfiguration.h"
 #include "platform/Files.h"
 #include "platform/Number.h"
@@ -24,7 +25,8 @@ namespace {
 using namespace quorbel;
 
 constexpr const char *kUsage =
-    "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER] [--config PATH]";
+    "Usage: QuorbelSrv [--port NUMBER] [--tls-port NUMBER] [--config PATH], or "
+    "QuorbelSrv --cluster-schema [CLUSTER] [--config PATH]";
 constexpr const char *kVersion = "QuorbelSrv " QUORBEL_VERSION;
 
 /// What to print when the arguments ask for nothing else.
@@ -117,6 +119,9 @@ int main(int count, char **values) {
     const std::vector<std::string_view> arguments(values + 1, values + count);
     if (const char *answer = answerTo(arguments)) {
         return std::puts(answer) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+    }
+    if (const auto status = printClusterSchema(arguments)) {
+        return *status;
     }
     const auto options = readOptions(arguments);
     if (!options) {

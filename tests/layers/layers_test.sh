@@ -29,7 +29,7 @@ service_actions="service/actions $service_message service/mail"
 service_bus="service/bus $service_message service/mail service/store $bus"
 service_collect="service/collect service/hosts service/actions $service_bus"
 service_input="service/input $service_collect"
-control="control $core $service_message"
+control="control cluster $core $service_message"
 allowed=(
     "quorbel_platform $platform"
     "quorbel_bus $bus"
@@ -63,7 +63,7 @@ allowed=(
     "quorbel_service_bus $service_bus"
     "quorbel_service_collect $service_collect"
     "quorbel_service_input $service_input"
-    "quorbel_service service service/export $service_input"
+    "quorbel_service service service/export cluster $service_input"
 )
 
 # found LIBRARY HEADER: whether the compiler finds the header in the library's place.
