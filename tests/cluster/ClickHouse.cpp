@@ -120,6 +120,10 @@ void ClickHouse::kill() {
     }
 }
 
+void ClickHouse::signal(int number) const {
+    ::kill(m_pid, number);
+}
+
 std::string askCluster(const ClusterConnection &connection, const std::string &sql) {
     static const std::atomic<bool> stop = false;
     std::string answer;

@@ -32,6 +32,8 @@ public:
     bool start();
     /// Ends it on the spot (SIGKILL), as a crash would.
     void kill();
+    /// SIGSTOP: it says nothing any more until SIGCONT.
+    void signal(int number) const;
 
     [[nodiscard]] std::uint16_t httpPort() const { return m_httpPort; }
     [[nodiscard]] std::uint16_t shardPort() const { return m_tcpPort; }

@@ -41,13 +41,14 @@ void CuttingRelay::serve() {
 
 /// Until one of them ends it, or it is cut.
 void CuttingRelay::pass(int client, int server) {
-    std::int64_t left = m_left.exchange(-1);
-    const bool isToBeCut = left >= 0;
+    std::int64_t left = -1;
     std::array<char, 16384> bytes{};
     std::array<pollfd, 3> wanted{
         {{client, POLLIN, 0}, {server, POLLIN, 0}, {m_stop.get(), POLLIN, 0}}};
     while (poll(wanted.data(), wanted.size(), -1) > 0 && wanted[2].revents == 0) {
         const bool isAnswer = wanted[1].revents != 0;
+        left = left < 0 ? m_left.exchange(-1) : left;
+        const bool isToBeCut = left >= 0;
         if (isToBeCut && (isAnswer || left == 0)) {
             ++m_cuts;
             return;

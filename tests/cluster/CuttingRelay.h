@@ -18,8 +18,8 @@ public:
     CuttingRelay &operator=(const CuttingRelay &) = delete;
 
     [[nodiscard]] std::uint16_t port() const { return m_port; }
-    /// The next connection that is made is cut when so many bytes went to the server, or as soon as
-    /// the server answers to them.
+    /// The connection that there is, or the next one, is cut when so many more bytes went to the
+    /// server, or as soon as it answers.
     void cutAfter(std::int64_t bytes) { m_left = bytes; }
     /// How many connections were cut.
     [[nodiscard]] int cuts() const { return m_cuts; }
