@@ -82,9 +82,9 @@ struct ClusterClient::Transfer {
 
 /// A request, and what its callbacks share.
 struct ClusterClient::Exchange {
-    std::string path;                  ///< and what follows it in the address
-    std::string_view body;             ///< outlives the exchange
-    bool isInsert = false;             ///< packed then
+    std::string path{};                ///< and what follows it in the address
+    std::string_view body{};           ///< outlives the exchange
+    GzipReader *packed = nullptr;      ///< of an insert, in place of the body
     const Handler *onBytes = nullptr;  ///< nothing: nobody wants the answer
     const std::atomic<bool> &stop;
 
@@ -114,6 +114,14 @@ struct ClusterClient::Exchange {
     }
     [[nodiscard]] std::string problem(CURLcode code) const;
 
+    static std::size_t giveBytes(char *bytes, std::size_t size, std::size_t count, void *self) {
+        return static_cast<Exchange *>(self)->packed->read(bytes, size * count);
+    }
+    /// Called when a connection that was kept turns out to be gone.
+    static int beginAnew(void *self, curl_off_t offset, int /*origin*/) {
+        static_cast<Exchange *>(self)->packed->rewind();
+        return offset == 0 ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+    }
     static std::size_t takeBytes(char *bytes, std::size_t size, std::size_t count, void *self) {
         const bool goesOn = static_cast<Exchange *>(self)->take({bytes, size * count});
         return goesOn ? size * count : 0;
@@ -149,16 +157,12 @@ ClusterClient::~ClusterClient() = default;
 
 std::string ClusterClient::insert(const std::string &statement, std::string_view rows,
                                   const std::atomic<bool> &stop) {
-    const auto packed = gzipped(rows);
     const std::unique_ptr<char, CurlCleanup> escaped(curl_easy_escape(
         m_transfer->handle.get(), statement.data(), static_cast<int>(statement.size())));
-    if (!packed || !escaped) {
-        return "There is no memory for the rows";
-    }
+    GzipReader packed(rows);
     // Who is told that rows are stored may rely on it that they are on their shards.
     Exchange exchange{.path = "/?insert_distributed_sync=1&query=" + std::string(escaped.get()),
-                      .body = *packed,
-                      .isInsert = true,
+                      .packed = &packed,
                       .stop = stop};
     return tryServers(exchange);
 }
@@ -205,22 +209,35 @@ std::string ClusterClient::prepare(const std::string &server, Exchange &exchange
     return logIn();
 }
 
-void ClusterClient::setBody(const Exchange &exchange) {
+void ClusterClient::setBody(Exchange &exchange) {
     m_transfer->headers.reset();
     append(m_transfer->headers, "Expect:");  // it would cost a second way there and back
     append(m_transfer->headers, "Content-Type: application/octet-stream");
-    if (exchange.isInsert) {
-        append(m_transfer->headers, "Content-Encoding: gzip");
+    m_transfer->set(CURLOPT_POST, 1L);
+    if (exchange.packed != nullptr) {
+        setPackedBody(exchange);
+    } else {
+        m_transfer->set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(exchange.body.size()));
+        m_transfer->set(CURLOPT_POSTFIELDS, exchange.body.data());
     }
     m_transfer->set(CURLOPT_HTTPHEADER, m_transfer->headers.get());
-    m_transfer->set(CURLOPT_POST, 1L);
-    m_transfer->set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(exchange.body.size()));
-    m_transfer->set(CURLOPT_POSTFIELDS, exchange.body.data());
+}
+
+/// The server unpacks and reads while the rest is being packed.
+void ClusterClient::setPackedBody(Exchange &exchange) {
+    exchange.packed->rewind();
+    append(m_transfer->headers, "Content-Encoding: gzip");
+    append(m_transfer->headers, "Transfer-Encoding: chunked");
+    m_transfer->set(CURLOPT_UPLOAD_BUFFERSIZE, 1L << 18U);
+    m_transfer->set(CURLOPT_READFUNCTION, &Exchange::giveBytes);
+    m_transfer->set(CURLOPT_READDATA, static_cast<void *>(&exchange));
+    m_transfer->set(CURLOPT_SEEKFUNCTION, &Exchange::beginAnew);
+    m_transfer->set(CURLOPT_SEEKDATA, static_cast<void *>(&exchange));
 }
 
 void ClusterClient::setLimits(const Exchange &exchange) {
     m_transfer->set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(m_connection.toConnect));
-    if (exchange.isInsert) {
+    if (exchange.packed != nullptr) {
         m_transfer->set(CURLOPT_TIMEOUT_MS, milliseconds(m_connection.toInsert));
     } else {
         m_transfer->set(CURLOPT_LOW_SPEED_LIMIT, 1L);

@@ -56,7 +56,8 @@ private:
     std::string tryServers(Exchange &exchange);
     std::string tryServer(const std::string &server, Exchange &exchange);
     std::string prepare(const std::string &server, Exchange &exchange);
-    void setBody(const Exchange &exchange);
+    void setBody(Exchange &exchange);
+    void setPackedBody(Exchange &exchange);
     void setLimits(const Exchange &exchange);
     void setTrust();
     void watch(Exchange &exchange);

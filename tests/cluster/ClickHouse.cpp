@@ -124,6 +124,19 @@ void ClickHouse::signal(int number) const {
     ::kill(m_pid, number);
 }
 
+double ClickHouse::processorSeconds() const {
+    std::ifstream stat("/proc/" + std::to_string(m_pid) + "/stat");
+    std::string field;
+    constexpr int kUserTime = 14;  // proc(5)
+    for (int i = 1; i < kUserTime; ++i) {
+        stat >> field;
+    }
+    double user = 0;
+    double system = 0;
+    stat >> user >> system;
+    return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
 std::string askCluster(const ClusterConnection &connection, const std::string &sql) {
     static const std::atomic<bool> stop = false;
     std::string answer;

@@ -35,6 +35,9 @@ public:
     /// SIGSTOP: it says nothing any more until SIGCONT.
     void signal(int number) const;
 
+    /// What it has used of the processors since start().
+    [[nodiscard]] double processorSeconds() const;
+
     [[nodiscard]] std::uint16_t httpPort() const { return m_httpPort; }
     [[nodiscard]] std::uint16_t shardPort() const { return m_tcpPort; }
     [[nodiscard]] std::string address() const;

@@ -113,6 +113,15 @@ TEST(ClusterClientTest, AnotherServerTakesOver) {
     EXPECT_EQ(good.requests().size(), 2U);
 }
 
+TEST(ClusterClientTest, TheOtherServerGetsAllOfIt) {
+    HttpStandIn broken(always("500 Error", "broken"));
+    HttpStandIn good(always("200 OK"));
+    const std::string rows(1'000'000, 'x');
+    ClusterClient client({.servers = {broken.address(), good.address()}});
+    EXPECT_EQ(client.insert("x", rows, kGoOn), "");
+    EXPECT_EQ(good.requests().at(0).body, broken.requests().at(0).body);
+}
+
 TEST(ClusterClientTest, NobodyIsThere) {
     const std::string last = nowhere();
     EXPECT_THAT(insertInto({.servers = {nowhere(), last}}), StartsWith(last + ": "));

@@ -42,6 +42,25 @@ std::size_t lengthIn(const std::string &head) {
     return at == std::string::npos ? 0 : std::strtoul(head.c_str() + at + name.size(), nullptr, 10);
 }
 
+/// Whether all of a request's body is there; its head ends at `end`.
+bool isWhole(const std::string &text, std::size_t end) {
+    const std::string head = text.substr(0, end);
+    return head.find("Transfer-Encoding: chunked") == std::string::npos
+               ? text.size() >= end + 4 + lengthIn(head)
+               : text.ends_with("\r\n0\r\n\r\n");
+}
+
+/// The bytes of a body that came in chunks (RFC 9112, 7.1).
+std::string joined(std::string_view chunks) {
+    std::string bytes;
+    while (const auto size = std::strtoul(std::string(chunks.substr(0, 16)).c_str(), nullptr, 16)) {
+        chunks.remove_prefix(chunks.find("\r\n") + 2);
+        bytes += chunks.substr(0, size);
+        chunks.remove_prefix(size + 2);
+    }
+    return bytes;
+}
+
 }  // namespace
 
 class HttpStandIn::Connection {
@@ -134,13 +153,16 @@ void HttpStandIn::serve() {
 void HttpStandIn::serveOne(Connection &connection) {
     std::string text;
     std::size_t end = std::string::npos;
-    while (end == std::string::npos || text.size() < end + 4 + lengthIn(text.substr(0, end))) {
+    while (end == std::string::npos || !isWhole(text, end)) {
         if (!connection.read(text)) {
             return;
         }
         end = end == std::string::npos ? text.find("\r\n\r\n") : end;
     }
-    const Request request{text.substr(0, end), text.substr(end + 4)};
+    Request request{text.substr(0, end), text.substr(end + 4)};
+    if (request.head.find("chunked") != std::string::npos) {
+        request.body = joined(request.body);
+    }
     {
         const std::lock_guard lock(m_mutex);
         m_requests.push_back(request);
