@@ -60,6 +60,7 @@ allowed=(
     "quorbel_service_mail $service_mail"
     "quorbel_service_actions $service_actions"
     "quorbel_service_export service/export $service_store"
+    "quorbel_service_output service/output cluster service/message $service_store"
     "quorbel_service_bus $service_bus"
     "quorbel_service_collect $service_collect"
     "quorbel_service_input $service_input"

@@ -1,6 +1,7 @@
 #include "service/output/Outputs.h"
 
 #include "service/base/Journal.h"
+#include "service/output/ClusterOutput.h"
 #include "service/output/ForwardOutput.h"
 
 #include <algorithm>
@@ -28,10 +29,17 @@ std::vector<Outputs::Entry> Outputs::wantedBy(const ServiceConfiguration &config
     for (const ForwardSettings &settings : configuration.forwards) {
         wanted.push_back({settings.name, settings, nullptr});
     }
+    for (const ClusterSettings &settings : configuration.clusters) {
+        wanted.push_back({settings.name, Cluster{settings, configuration.collector}, nullptr});
+    }
     return wanted;
 }
 
 std::unique_ptr<Output> Outputs::make(const Settings &settings) {
+    if (const auto *cluster = std::get_if<Cluster>(&settings)) {
+        return std::make_unique<ClusterOutput>(m_store, m_folder, cluster->settings,
+                                               cluster->collector);
+    }
     return std::make_unique<ForwardOutput>(m_store, m_folder, std::get<ForwardSettings>(settings));
 }
 

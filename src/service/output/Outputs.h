@@ -36,7 +36,13 @@ public:
     [[nodiscard]] std::vector<OutputState> states() const;
 
 private:
-    using Settings = std::variant<ForwardSettings>;
+    /// With what the service is called there.
+    struct Cluster {
+        ClusterSettings settings;
+        std::string collector;
+        bool operator==(const Cluster &) const = default;
+    };
+    using Settings = std::variant<ForwardSettings, Cluster>;
     /// One name.
     struct Entry {
         std::string name;
