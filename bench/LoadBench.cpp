@@ -32,6 +32,8 @@ class NoEventsPage : public EventListPageLink {
 public:
     [[nodiscard]] bool isOnScreen() const override { return false; }
     EventId insertEvent(const EventFields & /*event*/) override { return 0; }
+    [[nodiscard]] bool canInsertMany() const override { return true; }
+    void insertEvents(LoadedEvents /*events*/) override {}
     void removeEvent(const EventFields & /*announced*/) override {}
     void setFilter(const EventQuery & /*query*/) override {}
 };

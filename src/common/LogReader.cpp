@@ -244,8 +244,10 @@ std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
     return total;
 }
 
-LogFile::LogFile(std::filesystem::path file)
-    : m_source(openRegular(file, O_RDONLY)), m_unread{.file = std::move(file)} {
+LogFile::LogFile(std::filesystem::path file) : LogFile(file, openRegular(file, O_RDONLY)) {}
+
+LogFile::LogFile(std::filesystem::path file, UniqueFd source)
+    : m_source(std::move(source)), m_unread{.file = std::move(file)} {
     struct stat status {};
     if (m_source.isOpen() && ::fstat(m_source.get(), &status) == 0) {
         m_size = static_cast<std::uint64_t>(status.st_size);

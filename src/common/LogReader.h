@@ -61,6 +61,8 @@ struct LogExtent {
 class LogFile {
 public:
     explicit LogFile(std::filesystem::path file);
+    /// One that was opened already.
+    LogFile(std::filesystem::path file, UniqueFd source);
 
     [[nodiscard]] bool isOpen() const { return m_source.isOpen(); }
     /// How many bytes it had when it was opened.

@@ -207,34 +207,52 @@ void ArrangedEvents::count() {
     }
 }
 
-void ArrangedEvents::rowWillBeInsertedAtTop() {
+void ArrangedEvents::rowsWillBeInsertedAtTop(std::size_t count) {
     if (!isFiltered()) {
-        tell(&EventListObserver::rowWillBeInsertedAtTop);
+        tell(&EventListObserver::rowsWillBeInsertedAtTop, count);
     }
 }
 
-void ArrangedEvents::rowWasInserted() {
+void ArrangedEvents::rowsWereInserted(std::size_t count) {
     if (!isFiltered()) {
-        tell(&EventListObserver::rowWasInserted);
+        tell(&EventListObserver::rowsWereInserted, count);
         return;
     }
-    EventChunk &chunk = m_reader.chunk(m_reader.chunkCount() - 1);
-    const auto position = static_cast<std::uint32_t>(chunk.size() - 1);
-    if (!m_inForce->matches(chunk, position)) {
-        return;
+    judgeNewest(count);
+    const auto isMeant = [this](EventMatch match) {
+        return filterInForce().meansRating(match.rating());
+    };
+    for (const EventMatch match : m_newest) {
+        ++m_counts[match.rating()];
     }
-    const EventMatch match(chunk.endOfIds() - 1, chunk.record(position).image);
-    ++m_counts[match.rating()];
-    const bool isShown = filterInForce().meansRating(match.rating());
-    if (isShown) {
-        tell(&EventListObserver::rowWillBeInsertedAtTop);
+    const auto shown = static_cast<std::size_t>(std::ranges::count_if(m_newest, isMeant));
+    if (shown > 0) {
+        tell(&EventListObserver::rowsWillBeInsertedAtTop, shown);
     }
-    m_matches.push_back(match);
-    if (choosesRatings() && isShown) {
-        m_chosen.push_back(match);
+    m_matches.insert(m_matches.end(), m_newest.begin(), m_newest.end());
+    if (choosesRatings()) {
+        std::ranges::copy_if(m_newest, std::back_inserter(m_chosen), isMeant);
     }
-    if (isShown) {
-        tell(&EventListObserver::rowWasInserted);
+    if (shown > 0) {
+        tell(&EventListObserver::rowsWereInserted, shown);
+    }
+}
+
+/// Which of the newest events match.
+void ArrangedEvents::judgeNewest(std::size_t count) {
+    m_newest.clear();
+    std::size_t number = m_reader.chunkFrom(m_list.idAt(count - 1));
+    for (std::size_t left = count; left > 0; ++number) {
+        EventChunk &chunk = m_reader.chunk(number);
+        const std::size_t first =
+            left == count ? chunk.countBefore(m_list.idAt(count - 1)) : std::size_t{0};
+        left -= chunk.size() - first;
+        if (count > 1) {
+            m_inForce->matchAll(chunk, first, chunk.size(), m_positions, m_newest);
+        } else if (m_inForce->matches(chunk, static_cast<std::uint32_t>(first))) {
+            const EventRating rating = chunk.record(first).image;
+            m_newest.emplace_back(chunk.idAt(first), rating);
+        }
     }
 }
 

@@ -80,8 +80,8 @@ private:
         SearchProgress progress = {};
     };
 
-    void rowWillBeInsertedAtTop() override;
-    void rowWasInserted() override;
+    void rowsWillBeInsertedAtTop(std::size_t count) override;
+    void rowsWereInserted(std::size_t count) override;
     void rowsWillBeRemoved(std::size_t first, std::size_t count) override;
     void rowsWereRemoved() override;
     void listWillChangeAtLarge() override;
@@ -94,6 +94,7 @@ private:
         }
     }
 
+    void judgeNewest(std::size_t count);
     [[nodiscard]] bool choosesRatings() const;
     /// Oldest first.
     [[nodiscard]] const Matches &rows() const { return choosesRatings() ? m_chosen : m_matches; }
@@ -112,6 +113,7 @@ private:
     std::unique_ptr<EventMatcher> m_inForce;
     std::unique_ptr<Search> m_search;
     Matches m_matches;                    // of all conditions but that on ratings
+    Matches m_newest;                     // of those that just came; kept for their memory
     EventMatcher::Positions m_positions;  // of a run; kept for their memory
     Matches m_chosen;                     // those of the ratings chosen, if any are
     std::array<std::size_t, kRatingCount> m_counts{};

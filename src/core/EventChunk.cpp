@@ -108,6 +108,7 @@ std::string_view EventChunk::messagesBetween(std::size_t first, std::size_t last
 }
 
 EventRecord &EventChunk::append(const std::optional<std::string_view> &message) {
+    m_isClosed = false;
     EventRecord &record = m_records.emplace_back();
     if (message) {
         record.message = static_cast<std::uint32_t>(m_bytes->size());

@@ -51,8 +51,8 @@ private:
         SearchProgress progress{};
     };
 
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override {}
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t) override {}
     void rowsWillBeRemoved(std::size_t, std::size_t) override {}
     void rowsWereRemoved() override { invalidate(); }
     void listWillChangeAtLarge() override {}

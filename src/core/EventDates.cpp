@@ -46,9 +46,8 @@ void EventDates::settle(EventRecord &record, std::uint8_t severityClass,
     }
 }
 
-void EventDates::showAtOnce(EventRecord &record, std::uint8_t severityClass, const AppState &state,
-                            bool hasDate) {
-    const Showing showing = showingFor(state);
+void EventDates::showAtOnce(EventRecord &record, std::uint8_t severityClass, const Showing &showing,
+                            bool hasDate) const {
     if (hasDate) {
         record.format = showing.newFormat;
     }

@@ -39,10 +39,19 @@ public:
     /// kept as one; it is taken away when the date becomes a rendered one.
     void settle(EventRecord &record, std::uint8_t severityClass, std::optional<std::string> &text);
 
-    /// Renders a date, if there is one, as fresh from the service, in the format now in force, and
-    /// picks the image.
-    void showAtOnce(EventRecord &record, std::uint8_t severityClass, const AppState &state,
-                    bool hasDate);
+    /// What a showing does.
+    struct Showing {
+        FormatId oldFormat;
+        FormatId newFormat;
+        std::array<std::int8_t, kSeverityClassCount> levels;  ///< -1 for one without an image
+        bool operator==(const Showing &) const = default;
+    };
+    /// With the formats and levels now in force.
+    Showing showingFor(const AppState &state);
+    /// Renders a date, if there is one, as fresh from the service, in the format of a showing that
+    /// is in force now, and picks the image.
+    void showAtOnce(EventRecord &record, std::uint8_t severityClass, const Showing &showing,
+                    bool hasDate) const;
 
     /// Puts a date into a new record of a chunk as it came. True, and noted in the record, when its
     /// text has to be kept beside it.
@@ -78,12 +87,6 @@ public:
     void startOver(const FormatsInUse &inUse);
 
 private:
-    struct Showing {
-        FormatId oldFormat;
-        FormatId newFormat;
-        std::array<std::int8_t, kSeverityClassCount> levels;  // -1 for one without an image
-        bool operator==(const Showing &) const = default;
-    };
     struct Run {  // equal showings one after the other
         Showing showing;
         std::size_t end;  // showings up to and with the last of them
@@ -94,7 +97,6 @@ private:
         [[nodiscard]] bool isFree() const { return !format; }
     };
 
-    Showing showingFor(const AppState &state);
     void apply(const Showing &showing, EventRecord &record, std::optional<std::string> &text) const;
     [[nodiscard]] std::optional<std::int64_t> momentRead(
         const Showing &showing, const EventRecord &record,

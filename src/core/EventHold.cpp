@@ -1,6 +1,9 @@
 #include "core/EventHold.h"
 
+#include "core/LoadedEvents.h"
 #include "core/PageLinks.h"
+
+#include <utility>
 
 namespace quorbel {
 
@@ -18,6 +21,15 @@ void EventHold::changed() {
 EventPlace EventHold::take(const EventFields &event, EventListPageLink &page) {
     return delays() ? EventPlace{m_waiting, addArrival(event)}
                     : EventPlace{m_list, list(event, page)};
+}
+
+bool EventHold::canListMany(const EventListPageLink &page) const {
+    return !delays() && page.canInsertMany();
+}
+
+void EventHold::listMany(LoadedEvents events, EventListPageLink &page) {
+    page.isOnScreen() ? page.insertEvents(std::move(events))
+                      : m_list.insertAllRaw(std::move(events));
 }
 
 EventId EventHold::list(const EventFields &event, EventListPageLink &page) {

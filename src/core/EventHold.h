@@ -10,6 +10,7 @@
 namespace quorbel {
 
 class EventListPageLink;
+class LoadedEvents;
 
 /// Hears of each change of what waits, and of whether it has to.
 class EventHoldObserver {
@@ -46,6 +47,10 @@ public:
     /// Lists an event, as any that arrives: through the page while that is on screen, else into the
     /// list as it is. While it has to wait it is among waiting(). Says where it is.
     EventPlace take(const EventFields &event, EventListPageLink &page);
+    /// Whether many events can be listed with one step: none has to wait, and the page is quick.
+    [[nodiscard]] bool canListMany(const EventListPageLink &page) const;
+    /// Lists many events as take() would each while nothing has to wait, whether it has to or not.
+    void listMany(LoadedEvents events, EventListPageLink &page);
     /// An event that has to wait. The id is one of waiting().
     EventId addArrival(const EventFields &event);
     void addRemoval(const EventFields &announced);

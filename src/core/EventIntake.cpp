@@ -44,12 +44,12 @@ void EventIntake::count(const PriorityClasses &classes, std::optional<std::strin
     }
 }
 
-void EventIntake::count(const LogLoad::Batch &batch) {
-    const auto counts = batch.events.countByClass();
+void EventIntake::count(const LoadedArrivals &arrivals) {
+    const auto counts = arrivals.events.countByClass();
     for (std::size_t i = 0; i < counts.size(); ++i) {
         m_state.*kSeverityCounters.at(i) += static_cast<std::int64_t>(counts.at(i));
     }
-    m_state.arrivals.add(batch.arrivals);
+    m_state.arrivals.add(arrivals.byHour);
 }
 
 EventPlace EventIntake::setNotification(const EventFields &event) {
@@ -59,12 +59,42 @@ EventPlace EventIntake::setNotification(const EventFields &event) {
     for (ArrivalObserver *observer : m_observers) {
         observer->eventArrived(event, classes.shown);
     }
+    noteForHomePage();
+    return place;
+}
+
+bool EventIntake::canTakeMany() const {
+    return m_hold.canListMany(m_eventPage);
+}
+
+EventPlace EventIntake::takeMany(LoadedArrivals arrivals) {
+    if (!canTakeMany()) {
+        return takeEach(arrivals.events);
+    }
+    const EventPlace place{m_events, m_events.nextId()};
+    count(arrivals);
+    for (ArrivalObserver *observer : m_observers) {
+        observer->eventsArrived(arrivals.events);
+    }
+    m_hold.listMany(std::move(arrivals.events), m_eventPage);
+    noteForHomePage();
+    return place;
+}
+
+/// The list is held since they were loaded, or the page has become slow.
+EventPlace EventIntake::takeEach(const LoadedEvents &events) {
+    EventList &list = m_hold.delays() ? m_hold.waiting() : m_events;
+    const EventPlace place{list, list.nextId()};
+    events.visitFields([this](const EventFields &fields) { setNotification(fields); });
+    return place;
+}
+
+void EventIntake::noteForHomePage() {
     if (m_isAmongMany) {
         m_isHomeDue = true;
     } else {
         tellHomePage();
     }
-    return place;
 }
 
 void EventIntake::removeNotification(const EventFields &announced) {
@@ -101,6 +131,15 @@ void EventIntake::takeLogged(const EventFields &event) {
     count(m_events.classes(0), event.date);
 }
 
+void EventIntake::takeLogged(LoadedArrivals logged) {
+    if (m_eventPage.canInsertMany()) {
+        count(logged);
+        m_hold.listMany(std::move(logged.events), m_eventPage);
+    } else {
+        logged.events.visitFields([this](const EventFields &fields) { takeLogged(fields); });
+    }
+}
+
 void EventIntake::endAnew() {
     for (ArrivalObserver *observer : m_observers) {
         observer->logWasLoaded();
@@ -134,8 +173,8 @@ std::vector<LogExtent> EventIntake::initializeLog(const Progress &onProgress,
             onProgress(read, load.total());
         }
     })) {
-        count(*batch);
-        m_events.append(std::move(batch->events));
+        count(batch->loaded);
+        m_events.insertAllRaw(std::move(batch->loaded.events));
         for (LogExtent &extent : batch->extents) {
             addExtent(extents, std::move(extent));
         }

@@ -37,6 +37,12 @@ public:
     /// Takes one new event in and says where it is: in the list, or with the hold while that delays
     /// it. It is counted either way.
     EventPlace setNotification(const EventFields &event);
+    /// Whether takeMany() takes many events in with one step, instead of setNotification() and
+    /// takeLogged() each.
+    [[nodiscard]] bool canTakeMany() const;
+    /// The same as setNotification() for each, the first one first; says where that is. The others
+    /// have the ids that follow.
+    EventPlace takeMany(LoadedArrivals arrivals);
     /// Hands an announced removal on, to wait where events do; counters stay as they are.
     void removeNotification(const EventFields &announced);
     /// The start-up load, before anything is shown or held: counters to zero, the settings into the
@@ -48,6 +54,8 @@ public:
     /// then each event of the log by takeLogged(), oldest first, and endAnew().
     void beginAnew();
     void takeLogged(const EventFields &event);
+    /// The same for many, the first one first.
+    void takeLogged(LoadedArrivals logged);
     void endAnew();
 
     /// Between these two nothing is painted, and the home page is told once for all events.
@@ -57,7 +65,9 @@ public:
 private:
     void resetCounters();
     void count(const PriorityClasses &classes, std::optional<std::string_view> date);
-    void count(const LogLoad::Batch &batch);
+    void count(const LoadedArrivals &arrivals);
+    EventPlace takeEach(const LoadedEvents &events);
+    void noteForHomePage();
     void tellHomePage();
 
     AppState &m_state;

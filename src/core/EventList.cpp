@@ -71,8 +71,35 @@ void EventList::startChunk(EventChunk chunk) {
     m_countUpTo.push_back(m_size);
 }
 
-void EventList::append(LoadedEvents events) {
-    assert(m_inBulk);
+void EventList::insertAllRaw(LoadedEvents events) {
+    insertAll(std::move(events), nullptr);
+}
+
+void EventList::insertAllShown(LoadedEvents events, const AppState &state) {
+    makeRoomForShowing();
+    insertAll(std::move(events), &state);
+}
+
+/// Shows them at once where it is said with which settings.
+void EventList::insertAll(LoadedEvents events, const AppState *shownWith) {
+    const std::size_t count = events.size();
+    if (count == 0) {
+        return;
+    }
+    std::optional<EventDates::Showing> showing;
+    if (shownWith != nullptr) {
+        showing = m_dates.showingFor(*shownWith);
+    }
+    if (!m_inBulk) {
+        tell(&EventListObserver::rowsWillBeInsertedAtTop, count);
+    }
+    takeOver(std::move(events), showing ? &*showing : nullptr);
+    if (!m_inBulk) {
+        tell(&EventListObserver::rowsWereInserted, count);
+    }
+}
+
+void EventList::takeOver(LoadedEvents events, const EventDates::Showing *showing) {
     const std::vector<StringTable::Id> priorities = acquirePriorities(events);
     const std::vector<StringTable::Id> hosts = m_hosts.acquireAll(events.m_hosts);
     const auto showings = static_cast<std::uint16_t>(m_dates.showings());
@@ -89,6 +116,11 @@ void EventList::append(LoadedEvents events) {
             record.priority = priorities[record.priority];
             record.host = hosts[record.host];
             record.showings = showings;
+            if (showing != nullptr) {
+                const bool hasDate =
+                    record.format != EventRecord::kTextDate || record.hasExtras != 0;
+                show({&chunk, position}, *showing, hasDate);
+            }
         }
         startChunk(std::move(chunk));
         m_nextId = m_chunks.back().endOfIds();
@@ -110,24 +142,28 @@ EventId EventList::insertRaw(const EventFields &fields) {
     if (m_inBulk) {
         add(fields);
     } else {
-        tell(&EventListObserver::rowWillBeInsertedAtTop);
+        tell(&EventListObserver::rowsWillBeInsertedAtTop, std::size_t{1});
         add(fields);
-        tell(&EventListObserver::rowWasInserted);
+        tell(&EventListObserver::rowsWereInserted, std::size_t{1});
     }
     return m_nextId - 1;
 }
 
 EventId EventList::insertShown(const EventFields &fields, const AppState &state) {
     makeRoomForShowing();
-    tell(&EventListObserver::rowWillBeInsertedAtTop);
-    const Place place = add(fields);
-    EventRecord &record = place.record();
-    m_dates.showAtOnce(record, shownClass(record), state, fields.date.has_value());
-    if (record.hasExtras != 0) {
-        m_extras[m_nextId - 1].date.reset();
-    }
-    tell(&EventListObserver::rowWasInserted);
+    tell(&EventListObserver::rowsWillBeInsertedAtTop, std::size_t{1});
+    show(add(fields), m_dates.showingFor(state), fields.date.has_value());
+    tell(&EventListObserver::rowsWereInserted, std::size_t{1});
     return m_nextId - 1;
+}
+
+/// Shows a new event.
+void EventList::show(const Place &place, const EventDates::Showing &showing, bool hasDate) {
+    EventRecord &record = place.record();
+    m_dates.showAtOnce(record, shownClass(record), showing, hasDate);
+    if (record.hasExtras != 0) {
+        m_extras[place.id()].date.reset();
+    }
 }
 
 void EventList::show(const AppState &state) {

@@ -27,8 +27,8 @@ class LoadedEvents;
 class EventListObserver {
 public:
     virtual ~EventListObserver() = default;
-    virtual void rowWillBeInsertedAtTop() = 0;
-    virtual void rowWasInserted() = 0;
+    virtual void rowsWillBeInsertedAtTop(std::size_t count) = 0;
+    virtual void rowsWereInserted(std::size_t count) = 0;
     virtual void rowsWillBeRemoved(std::size_t first, std::size_t count) = 0;
     virtual void rowsWereRemoved() = 0;
     virtual void listWillChangeAtLarge() = 0;
@@ -74,9 +74,10 @@ public:
     EventId insertRaw(const EventFields &fields);
     /// Adds an event at row 0 with its date rendered in the format now in force and its image set.
     EventId insertShown(const EventFields &fields, const AppState &state);
-    /// Adds events, the first of them first, as insertRaw() would each. Precondition: between
-    /// beginBulkInsert() and endBulkInsert().
-    void append(LoadedEvents events);
+    /// Adds events, the first of them first, as insertRaw() would each, and tells observers once.
+    void insertAllRaw(LoadedEvents events);
+    /// The same, as insertShown() would each.
+    void insertAllShown(LoadedEvents events, const AppState &state);
     /// Converts the dates and sets the images of all rows, as each time before the list is shown.
     void show(const AppState &state);
 
@@ -103,6 +104,8 @@ public:
     [[nodiscard]] std::optional<std::int64_t> momentHeld(std::size_t row);
 
     [[nodiscard]] EventId idAt(std::size_t row);
+    /// The id of the event that comes next.
+    [[nodiscard]] EventId nextId() const { return m_nextId; }
     /// Nothing when the event has left the list.
     [[nodiscard]] std::optional<std::size_t> rowOf(EventId id);
     /// The row where an event of that id stands or, when it has left the list, would stand: that of
@@ -176,7 +179,10 @@ private:
     }
 
     Place add(const EventFields &fields);
+    void show(const Place &place, const EventDates::Showing &showing, bool hasDate);
     void startChunk(EventChunk chunk);
+    void insertAll(LoadedEvents events, const AppState *shownWith);
+    void takeOver(LoadedEvents events, const EventDates::Showing *showing);
     std::vector<StringTable::Id> acquirePriorities(const LoadedEvents &events);
     StringTable::Id acquirePriority(const std::optional<std::string_view> &text);
     [[nodiscard]] Place placeOfRow(std::size_t row);

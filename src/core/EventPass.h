@@ -41,8 +41,8 @@ private:
     /// Looks at the events at the positions from `first` up to `last` of a chunk.
     virtual void look(EventChunk &chunk, std::size_t first, std::size_t last) = 0;
 
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override {}
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t) override {}
     void rowsWillBeRemoved(std::size_t, std::size_t) override {}
     void rowsWereRemoved() override { m_isStale = true; }
     void listWillChangeAtLarge() override {}

@@ -115,9 +115,12 @@ bool EventTimes::countMatchingRun() {
     return end > 0;
 }
 
-void EventTimes::rowWasInserted() {
-    if (!m_isBehind) {
-        const EventId id = m_events.idAt(0);
+void EventTimes::rowsWereInserted(std::size_t count) {
+    if (m_isBehind) {
+        return;
+    }
+    for (std::size_t row = count; row > 0; --row) {
+        const EventId id = m_events.idAt(row - 1);
         add(recordOf(id));
         m_next = id + 1;
     }

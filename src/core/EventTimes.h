@@ -34,8 +34,8 @@ public:
     void recount();
 
 private:
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override;
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t count) override;
     void rowsWillBeRemoved(std::size_t first, std::size_t count) override;
     void rowsWereRemoved() override {}
     void listWillChangeAtLarge() override {}

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace quorbel {
@@ -105,6 +106,29 @@ GapReader::Start GapReader::beginAnew(const FilePlace &to, const std::string &ne
         m_parts.clear();
     }
     return start;
+}
+
+std::uint64_t GapReader::bytesLeft() const {
+    std::uint64_t bytes = 0;
+    for (const Part &part : m_parts) {
+        const std::uint64_t end = part.end ? *part.end : totalSize(std::vector{part.path});
+        bytes += end - std::min(end, part.begin);
+    }
+    return bytes;
+}
+
+std::vector<LogStretch> GapReader::takeRest() {
+    std::vector<LogStretch> rest;
+    for (Part &part : m_parts) {
+        LogStretch &stretch = rest.emplace_back(LogStretch{part.path});
+        stretch.span = {part.begin, part.end.value_or(LogSpan::kNoEnd)};
+        stretch.isOfWholeLines = true;
+        if (part.file.isOpen()) {
+            stretch.file = std::make_shared<const LogFile>(part.path, std::move(part.file));
+        }
+    }
+    m_parts.clear();
+    return rest;
 }
 
 void GapReader::run(const LogReader::LineHandler &onLine, const std::function<bool()> &isTimeUp) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/LogReader.h"
+#include "core/LogLoad.h"
 #include "platform/FilePlace.h"
 #include "platform/UniqueFd.h"
 
@@ -10,6 +11,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quorbel {
 
@@ -36,8 +38,12 @@ public:
     Start beginAnew(const FilePlace &to, const std::string &newest);
 
     [[nodiscard]] bool isDone() const { return m_parts.empty(); }
+    /// About how many bytes there are still to read.
+    [[nodiscard]] std::uint64_t bytesLeft() const;
     /// Reads on until all is read or `isTimeUp`, asked now and then.
     void run(const LogReader::LineHandler &onLine, const std::function<bool()> &isTimeUp);
+    /// Leaves the rest to somebody else, and is done.
+    std::vector<LogStretch> takeRest();
 
 private:
     struct Part {

@@ -1,5 +1,6 @@
 #include "core/HostWatch.h"
 
+#include "core/LoadedEvents.h"
 #include "core/TimeCounts.h"
 #include "platform/Number.h"
 
@@ -11,15 +12,6 @@ namespace {
 
 /// Nothing is unusual that takes less long, in seconds.
 constexpr std::int64_t kShortQuiet = 900;
-
-/// The moment of arrival as the service stamps it; nothing for any other text.
-std::optional<std::int64_t> momentOf(const EventFields &event) {
-    if (!event.date) {
-        return std::nullopt;
-    }
-    const auto moment = readNumber<std::int64_t>(*event.date);
-    return moment && TimeCounts::canCount(*moment) ? moment : std::nullopt;
-}
 
 }  // namespace
 
@@ -35,11 +27,22 @@ void HostWatch::logBeginsAnew() {
 }
 
 void HostWatch::eventArrived(const EventFields &event, std::uint8_t severityClass) {
-    const auto moment = momentOf(event);
-    if (!moment) {
+    arrived(event.host.value_or(std::string_view()),
+            readNumber<std::int64_t>(event.date.value_or("")), severityClass);
+}
+
+void HostWatch::eventsArrived(const LoadedEvents &events) {
+    events.visitArrivals(
+        [this](std::string_view host, std::optional<std::int64_t> moment,
+               const PriorityClasses &classes) { arrived(host, moment, classes.shown); });
+}
+
+/// The moment of arrival is as the service stamps it; nothing for any other text.
+void HostWatch::arrived(std::string_view host, std::optional<std::int64_t> moment,
+                        std::uint8_t severityClass) {
+    if (!moment || !TimeCounts::canCount(*moment)) {
         return;
     }
-    const std::string_view host = event.host.value_or(std::string_view());
     if (!isCounting()) {
         m_history.add(host, *moment, severityClass);
         return;

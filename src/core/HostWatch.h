@@ -32,6 +32,7 @@ public:
     explicit HostWatch(EventList &events) : m_reader(events) {}
 
     void eventArrived(const EventFields &event, std::uint8_t severityClass) override;
+    void eventsArrived(const LoadedEvents &events) override;
     void logWasLoaded() override;
     void logBeginsAnew() override;
 
@@ -73,6 +74,8 @@ private:
         std::uint8_t severityClass;
     };
 
+    void arrived(std::string_view host, std::optional<std::int64_t> moment,
+                 std::uint8_t severityClass);
     void countRun();
     void countWaiting();
 

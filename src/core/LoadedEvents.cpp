@@ -1,6 +1,7 @@
 #include "core/LoadedEvents.h"
 
 #include "core/EventDates.h"
+#include "platform/Number.h"
 
 #include <bit>
 
@@ -63,6 +64,21 @@ std::array<std::size_t, kSeverityClassCount> LoadedEvents::countByClass() const 
     }
     count(m_classes[StringTable::kAbsent], absent);
     return counts;
+}
+
+std::optional<std::int64_t> LoadedEvents::momentOf(const std::string &date) {
+    return readNumber<std::int64_t>(date);
+}
+
+void LoadedArrivals::add(const EventFields &fields, std::int64_t now) {
+    const auto [record, classes] = events.add(fields);
+    // The record says the moment where it is plain.
+    const bool isPlain = record.format == EventRecord::kRawDate && record.hasExtras == 0;
+    const auto moment = isPlain ? std::optional(record.seconds)
+                                : readNumber<std::int64_t>(fields.date.value_or(""));
+    if (moment) {
+        byHour.add(classes.counted, *moment, now);
+    }
 }
 
 std::size_t LoadedEvents::expectedBytes() const {

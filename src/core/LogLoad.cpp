@@ -1,7 +1,7 @@
 #include "core/LogLoad.h"
 
+#include "common/LogTail.h"
 #include "core/LogFields.h"
-#include "platform/Number.h"
 
 #include <sched.h>
 
@@ -18,22 +18,41 @@ constexpr std::chrono::milliseconds kTurn{10};
 /// How far the others may be ahead of the one whose batch is given away next.
 constexpr std::size_t kBatchesAThread = 4;
 
-/// The moment that a date's text is, for counting. The record says so where it is plain.
-std::optional<std::int64_t> momentOf(const EventRecord &record, const EventFields &fields) {
-    if (record.format == EventRecord::kRawDate && record.hasExtras == 0) {
-        return record.seconds;
+std::vector<LogStretch> allOf(const std::vector<std::filesystem::path> &files) {
+    std::vector<LogStretch> stretches;
+    stretches.reserve(files.size());
+    for (const std::filesystem::path &file : files) {
+        stretches.push_back({file});
     }
-    return readNumber<std::int64_t>(fields.date.value_or(""));
+    return stretches;
+}
+
+/// The bytes of all stretches; a file that is missing has none.
+std::uint64_t bytesOf(const std::vector<LogStretch> &stretches) {
+    std::uint64_t total = 0;
+    for (const LogStretch &stretch : stretches) {
+        const std::uint64_t size =
+            stretch.file ? stretch.file->size() : totalSize(std::vector{stretch.path});
+        const std::uint64_t end = std::min(size, stretch.span.end);
+        total += end - std::min(end, stretch.span.begin);
+    }
+    return total;
 }
 
 }  // namespace
 
 bool LogCutter::openNext() {
-    while (!m_file && m_nextFile < m_files.size()) {
-        auto file = std::make_shared<const LogFile>(m_files[m_nextFile++]);
-        if (file->isOpen()) {
-            m_file = std::move(file);
-            m_place = 0;
+    while (!m_file && m_nextStretch < m_stretches.size()) {
+        LogStretch &next = m_stretches[m_nextStretch++];
+        if (!next.file) {
+            next.file = std::make_shared<const LogFile>(next.path);
+        }
+        if (next.file->isOpen()) {
+            m_file = std::move(next.file);
+            m_place = next.span.begin;
+            m_end = next.isOfWholeLines
+                        ? std::min(next.span.end, wholeLinesEnd(m_file->fd(), m_file->size()))
+                        : next.span.end;
         }
     }
     return m_file != nullptr;
@@ -43,9 +62,10 @@ std::vector<LogCutter::Part> LogCutter::next() {
     std::vector<Part> parts;
     std::uint64_t room = m_bytes;
     while (room > 0 && parts.size() < kMostParts && openNext()) {
-        const std::uint64_t left = m_file->size() - m_place;
+        const std::uint64_t end = std::min(m_end, m_file->size());
+        const std::uint64_t left = end - std::min(end, m_place);
         if (left <= room) {
-            parts.push_back({std::exchange(m_file, nullptr), {m_place, LogSpan::kNoEnd}});
+            parts.push_back({std::exchange(m_file, nullptr), {m_place, m_end}});
             room -= left;
         } else {
             parts.push_back({m_file, {m_place, m_place + room}});
@@ -55,10 +75,14 @@ std::vector<LogCutter::Part> LogCutter::next() {
     return parts;
 }
 
-LogLoad::LogLoad(std::vector<std::filesystem::path> files, std::int64_t now, const Shares &shares)
+LogLoad::LogLoad(const std::vector<std::filesystem::path> &files, std::int64_t now,
+                 const Shares &shares)
+    : LogLoad(allOf(files), now, shares) {}
+
+LogLoad::LogLoad(std::vector<LogStretch> stretches, std::int64_t now, const Shares &shares)
     : m_now(now),
-      m_total(totalSize(files)),
-      m_cutter(std::move(files), batchBytes(shares, m_total)) {
+      m_total(bytesOf(stretches)),
+      m_cutter(std::move(stretches), batchBytes(shares, m_total)) {
     const std::uint64_t useful = m_total / batchBytes(shares, m_total);
     if (shares.threads > 1 && useful > 1) {
         const auto count =
@@ -107,22 +131,18 @@ void LogLoad::startThreads(std::size_t count) {
 
 LogLoad::Batch LogLoad::pack(const Parts &parts, std::size_t &expectedBytes,
                              const LogReader::ProgressHandler &onProgress) const {
-    Batch batch{LoadedEvents(expectedBytes), {}, {}};
+    Batch batch{{LoadedEvents(expectedBytes)}, {}};
     for (const LogCutter::Part &part : parts) {
         LogReader::readPart(
             *part.file, part.span,
             [this, &batch](const LogLine &line) {
-                const EventFields fields = fieldsOf(line);
-                const auto [record, classes] = batch.events.add(fields);
-                if (const auto moment = momentOf(record, fields)) {
-                    batch.arrivals.add(classes.counted, *moment, m_now);
-                }
+                batch.loaded.add(fieldsOf(line), m_now);
                 return true;
             },
             onProgress, batch.extents.emplace_back());
     }
-    batch.events.close();
-    expectedBytes = batch.events.expectedBytes();
+    batch.loaded.events.close();
+    expectedBytes = batch.loaded.events.expectedBytes();
     return batch;
 }
 
@@ -157,6 +177,7 @@ std::optional<LogLoad::Batch> LogLoad::packHere(const Progress &onProgress) {
     {
         const MutexLock lock(m_lock);
         parts = m_cutter.next();
+        m_isAllCut = parts.empty();
     }
     if (parts.empty()) {
         return std::nullopt;
@@ -185,12 +206,29 @@ std::optional<LogLoad::Batch> LogLoad::next(const Progress &onProgress) {
             lock.lock();
         }
     }
-    std::optional<Batch> batch = std::move(m_packed.begin()->second);
+    return giveAway();
+}
+
+/// Precondition: isNextPacked().
+LogLoad::Batch LogLoad::giveAway() {
+    Batch batch = std::move(m_packed.begin()->second);
     m_packed.erase(m_packed.begin());
     ++m_givenAway;
-    lock.unlock();
     m_hasRoom.notifyAll();
     return batch;
+}
+
+std::optional<LogLoad::Batch> LogLoad::poll() {
+    if (m_threads.empty()) {
+        return packHere([](std::uint64_t) {});
+    }
+    const MutexLock lock(m_lock);
+    return isNextPacked() ? std::optional(giveAway()) : std::nullopt;
+}
+
+bool LogLoad::isDone() {
+    const MutexLock lock(m_lock);
+    return isOver();
 }
 
 }  // namespace quorbel

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "common/LogReader.h"
-#include "core/HourlyArrivals.h"
 #include "core/LoadedEvents.h"
 #include "platform/Mutex.h"
 
@@ -18,13 +17,23 @@
 
 namespace quorbel {
 
+/// What is to be read of a log file: all of it, or the lines that begin in a part.
+struct LogStretch {
+    std::filesystem::path path;
+    LogSpan span{};
+    /// Whether what stands behind the last line end is left to somebody else.
+    bool isOfWholeLines = false;
+    /// Null for one that is opened when it is its turn.
+    std::shared_ptr<const LogFile> file{};
+};
+
 /// Cuts log files into what one thread takes at a time: some megabytes of one of them, or many
 /// small ones.
 class LogCutter {
 public:
     /// `bytes` is how much is taken at a time, one at least.
-    LogCutter(std::vector<std::filesystem::path> files, std::uint64_t bytes)
-        : m_files(std::move(files)), m_bytes(bytes) {}
+    LogCutter(std::vector<LogStretch> stretches, std::uint64_t bytes)
+        : m_stretches(std::move(stretches)), m_bytes(bytes) {}
 
     struct Part {
         std::shared_ptr<const LogFile> file;
@@ -40,21 +49,21 @@ private:
 
     bool openNext();
 
-    std::vector<std::filesystem::path> m_files;
+    std::vector<LogStretch> m_stretches;
     std::uint64_t m_bytes;
-    std::size_t m_nextFile = 0;
+    std::size_t m_nextStretch = 0;
     std::shared_ptr<const LogFile> m_file;  // the rest of it comes next; null behind its end
     std::uint64_t m_place = 0;
+    std::uint64_t m_end = LogSpan::kNoEnd;
 };
 
-/// The start-up load: reads and packs the events of log files on several threads, and gives them
-/// away in the files' order. Made, asked and destroyed on one thread.
+/// Reads and packs the events of log files on several threads, and gives them away in the files'
+/// order: at the start, and where much was missed. Made, asked and destroyed on one thread.
 class LogLoad {
 public:
     /// What a few megabytes of log files hold.
     struct Batch {
-        LoadedEvents events;
-        HourlyArrivals arrivals;
+        LoadedArrivals loaded;
         std::vector<LogExtent> extents;  ///< of each part of a file, in their order
     };
 
@@ -67,7 +76,9 @@ public:
 
     /// `now`, in seconds since 1970, is when the events count as arrived. Threads are started when
     /// two have something to do; else next() does it all.
-    LogLoad(std::vector<std::filesystem::path> files, std::int64_t now, const Shares &shares);
+    LogLoad(std::vector<LogStretch> stretches, std::int64_t now, const Shares &shares);
+    LogLoad(const std::vector<std::filesystem::path> &files, std::int64_t now,
+            const Shares &shares);
     ~LogLoad();
     LogLoad(const LogLoad &) = delete;
     LogLoad &operator=(const LogLoad &) = delete;
@@ -83,6 +94,10 @@ public:
     using Progress = std::function<void(std::uint64_t read)>;
     /// The next events; nothing when that was all.
     std::optional<Batch> next(const Progress &onProgress);
+    /// The next events if they are there already, or if there are no threads; else nothing, nor
+    /// when that was all, which isDone() says then.
+    std::optional<Batch> poll();
+    [[nodiscard]] bool isDone();
 
 private:
     static std::uint64_t batchBytes(const Shares &shares, std::uint64_t total);
@@ -94,6 +109,7 @@ private:
     void startThreads(std::size_t count);
     void work();
     std::optional<Batch> packHere(const Progress &onProgress);
+    Batch giveAway() REQUIRES(m_lock);
     [[nodiscard]] bool isNextPacked() const REQUIRES(m_lock) {
         return !m_packed.empty() && m_packed.begin()->first == m_givenAway;
     }

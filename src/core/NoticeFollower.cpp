@@ -3,6 +3,7 @@
 #include "core/LogFields.h"
 
 #include <array>
+#include <ctime>
 #include <utility>
 
 namespace quorbel {
@@ -39,8 +40,9 @@ std::string keyOf(const NotificationInfo &info) {
 }  // namespace
 
 NoticeFollower::NoticeFollower(NoticeSink &sink, const std::filesystem::path &folder,
-                               const std::vector<LogExtent> &read)
+                               const std::vector<LogExtent> &read, const Together &together)
     : m_sink(sink),
+      m_together(together),
       m_files([&] {
           LogIdentities files(folder);
           files.set(read);
@@ -157,6 +159,7 @@ void NoticeFollower::ask() {
 
 /// False when the service is asked again first.
 bool NoticeFollower::startGap(const Checkpoint &until, std::uint64_t waiting, bool isAnew) {
+    m_load.reset();
     const GapReader::Start start = isAnew ? m_reader.beginAnew(until.place, m_ledger.newest())
                                           : m_reader.begin(m_ledger.sure(), until.place);
     if (start == GapReader::Start::kReady) {
@@ -191,6 +194,7 @@ void NoticeFollower::caughtUp(const Gap &gap) {
 }
 
 void NoticeFollower::work(bus::Clock::time_point until) {
+    m_isWaiting = false;
     m_sink.manyBegin();
     if (m_gap) {
         readGap(until);
@@ -201,6 +205,37 @@ void NoticeFollower::work(bus::Clock::time_point until) {
 }
 
 void NoticeFollower::readGap(bus::Clock::time_point until) {
+    if (!m_load && canLoadGap()) {
+        m_load.emplace(m_reader.takeRest(), std::time(nullptr), m_together.shares);
+    }
+    if (m_load ? loadGap(until) : readLineByLine(until)) {
+        m_load.reset();
+        caughtUp(*std::exchange(m_gap, std::nullopt));
+    }
+}
+
+/// Not while lines may be among it that are listed already.
+bool NoticeFollower::canLoadGap() const {
+    return (m_gap->isAnew || !m_ledger.wasAnyReceived()) &&
+           m_reader.bytesLeft() >= m_together.least && m_sink.canTakeMany();
+}
+
+/// Whether that was all.
+bool NoticeFollower::loadGap(bus::Clock::time_point until) {
+    do {
+        std::optional<LogLoad::Batch> batch = m_load->poll();
+        if (!batch) {
+            m_isWaiting = !m_load->isDone();
+            return !m_isWaiting;
+        }
+        m_gap->isAnew ? m_sink.manyReadAnew(std::move(batch->loaded))
+                      : m_sink.manyMissed(std::move(batch->loaded));
+    } while (bus::Clock::now() < until);
+    return false;
+}
+
+/// Whether that was all.
+bool NoticeFollower::readLineByLine(bus::Clock::time_point until) {
     const auto onLine = [this](const LogLine &line) {
         if (m_gap->isAnew) {
             m_sink.readAnew(fieldsOf(line));
@@ -211,10 +246,7 @@ void NoticeFollower::readGap(bus::Clock::time_point until) {
         return true;
     };
     m_reader.run(onLine, [until] { return bus::Clock::now() >= until; });
-    if (!m_reader.isDone()) {
-        return;
-    }
-    caughtUp(*std::exchange(m_gap, std::nullopt));
+    return m_reader.isDone();
 }
 
 void NoticeFollower::takeBatch(bus::Clock::time_point until) {
@@ -227,14 +259,47 @@ void NoticeFollower::takeBatch(bus::Clock::time_point until) {
             m_batch->offset = 0;
             continue;
         }
-        if (++notices % kNoticesAtOnce == 0 && bus::Clock::now() >= until) {
+        const bool isLong = canTakeMany(run, rest);
+        if (isLong) {
+            m_batch->offset += takeMany(rest);
+        }
+        if ((isLong || ++notices % kNoticesAtOnce == 0) && bus::Clock::now() >= until) {
             return;
+        }
+        if (isLong) {
+            continue;
         }
         const std::string_view line = rest.substr(0, rest.find('\n') + 1);
         m_batch->offset += line.size();
         takeLine(run.type, line);
     }
     finishBatch();
+}
+
+bool NoticeFollower::canTakeMany(const NotificationRun &run, std::string_view rest) const {
+    return run.type == NotificationType::kSet && rest.size() >= m_together.least &&
+           m_ledger.areSetsNew() && m_sink.canTakeMany();
+}
+
+/// Takes in the first of these lines; how many bytes they were.
+std::size_t NoticeFollower::takeMany(std::string_view lines) {
+    LoadedArrivals arrivals{LoadedEvents(m_expectedBytes)};
+    const std::int64_t now = std::time(nullptr);
+    std::uint64_t count = 0;
+    std::size_t taken = 0;
+    while (taken < lines.size() && taken < m_together.shares.bytes) {
+        const std::string_view line = lines.substr(taken, lines.find('\n', taken) + 1 - taken);
+        taken += line.size();
+        ++count;
+        if (const auto split = splitLogLine(line)) {
+            arrivals.add(fieldsOf(*split), now);
+        }
+    }
+    arrivals.events.close();
+    m_expectedBytes = arrivals.events.expectedBytes();
+    m_ledger.tellSets(count);
+    m_sink.manyNotified(std::move(arrivals));
+    return taken;
 }
 
 void NoticeFollower::takeLine(NotificationType type, std::string_view line) {

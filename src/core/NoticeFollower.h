@@ -2,7 +2,9 @@
 
 #include "common/EventFields.h"
 #include "core/GapReader.h"
+#include "core/LoadedEvents.h"
 #include "core/LogIdentities.h"
+#include "core/LogLoad.h"
 #include "core/NoticeLedger.h"
 #include "platform/bus/NotificationFollower.h"
 
@@ -29,6 +31,13 @@ public:
     virtual void logBeginsAnew() = 0;
     virtual void readAnew(const EventFields &event) = 0;
     virtual void logWasReadAnew() = 0;
+    /// Whether many events that come at a time are sooner taken in together. They may be handed
+    /// over so some moments after this was asked.
+    [[nodiscard]] virtual bool canTakeMany() const = 0;
+    /// Many that were told, missed, or read anew, in their order: as if each came alone.
+    virtual void manyNotified(LoadedArrivals events) = 0;
+    virtual void manyMissed(LoadedArrivals events) = 0;
+    virtual void manyReadAnew(LoadedArrivals events) = 0;
     /// Around many of these that come at a time.
     virtual void manyBegin() = 0;
     virtual void manyEnd() = 0;
@@ -43,10 +52,20 @@ protected:
 /// once, whatever was dropped, restarted or replaced on the way. Main thread only.
 class NoticeFollower final : public NotificationFollower {
 public:
+    /// When events are taken in together, and how.
+    struct Together {
+        /// Fewer bytes of lines are not worth it: each begins a chunk of the list.
+        std::uint64_t least = std::uint64_t{128} << 10U;
+        /// So many at a time are handed over, for some milliseconds' work.
+        LogLoad::Shares shares{.bytes = std::uint64_t{1} << 20U};
+    };
     /// `read` is how far the log files of `folder` were read into the window. The sink outlives the
     /// follower.
     NoticeFollower(NoticeSink &sink, const std::filesystem::path &folder,
-                   const std::vector<LogExtent> &read);
+                   const std::vector<LogExtent> &read, const Together &together);
+    NoticeFollower(NoticeSink &sink, const std::filesystem::path &folder,
+                   const std::vector<LogExtent> &read)
+        : NoticeFollower(sink, folder, read, Together()) {}
 
     void askedToListen() override;
     void listens(const Checkpoint &now, std::uint64_t waiting) override;
@@ -57,6 +76,7 @@ public:
                    const Checkpoint &before, const Checkpoint &behind) override;
     void checkpointCame(std::uint64_t number, const Checkpoint &checkpoint) override;
     [[nodiscard]] bool isBusy() const override { return m_gap.has_value() || m_batch.has_value(); }
+    [[nodiscard]] bool isWaiting() const override { return m_isWaiting; }
     void work(bus::Clock::time_point until) override;
     Requests takeRequests() override;
 
@@ -93,11 +113,17 @@ private:
     void ask();
     void caughtUp(const Gap &gap);
     void readGap(bus::Clock::time_point until);
+    [[nodiscard]] bool readLineByLine(bus::Clock::time_point until);
+    [[nodiscard]] bool canLoadGap() const;
+    [[nodiscard]] bool loadGap(bus::Clock::time_point until);
     void takeBatch(bus::Clock::time_point until);
+    [[nodiscard]] bool canTakeMany(const NotificationRun &run, std::string_view rest) const;
+    [[nodiscard]] std::size_t takeMany(std::string_view lines);
     void takeLine(NotificationType type, std::string_view line);
     void finishBatch();
 
     NoticeSink &m_sink;
+    const Together m_together;
     LogIdentities m_files;
     NoticeLedger m_ledger;
     GapReader m_reader;
@@ -105,6 +131,9 @@ private:
     bool m_mustReadAnew = false;
     unsigned m_timesAsked = 0;  // in vain
     std::optional<Gap> m_gap;
+    std::optional<LogLoad> m_load;  // of the gap's rest
+    bool m_isWaiting = false;       // for it
+    std::size_t m_expectedBytes = 0;
     std::optional<Batch> m_batch;
     std::uint64_t m_number = 0;  // of what is being taken in
     std::vector<Held> m_held;

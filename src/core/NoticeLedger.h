@@ -38,10 +38,16 @@ public:
     bool tellSet(std::string line);
     /// The same in a batch, between two checkpoints.
     bool tellSet();
+    /// Whether it would say so of all that are told in this batch from now on; then many can be
+    /// told with one step.
+    [[nodiscard]] bool areSetsNew() const { return m_sets >= m_had; }
+    void tellSets(std::uint64_t count) { m_sets += count; }
     void tellRemove() { ++m_removes; }
 
     /// Whether a line of the log was received since sure(); each counts once.
     bool wasReceived(const std::string &line);
+    /// Whether there is a line that was.
+    [[nodiscard]] bool wasAnyReceived() const { return !m_received.empty(); }
 
     [[nodiscard]] const FilePlace &sure() const { return m_sure; }
     /// The newest file of the log that the window has anything of.

@@ -8,6 +8,8 @@
 
 namespace quorbel {
 
+class LoadedEvents;
+
 // What the shell and the pages see of one another. A page includes no other page's header.
 
 /// The tabs of the main window, in their fixed order.
@@ -66,6 +68,10 @@ public:
     [[nodiscard]] virtual bool isOnScreen() const = 0;
     /// Puts a new event at the top while the page is on screen, and returns its id.
     virtual EventId insertEvent(const EventFields &event) = 0;
+    /// Whether many events that come at a time are quickly put where the page has them.
+    [[nodiscard]] virtual bool canInsertMany() const = 0;
+    /// The same as insertEvent() for each, the first one first.
+    virtual void insertEvents(LoadedEvents events) = 0;
     /// Takes out an event that the service removed, as it was announced.
     virtual void removeEvent(const EventFields &announced) = 0;
     /// Asks for these events alone: the filter bar says so, in place of what it said.

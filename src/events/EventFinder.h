@@ -56,8 +56,8 @@ Q_SIGNALS:
     void countChanged();
 
 private:
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override { noteChange(); }
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t) override { noteChange(); }
     void rowsWillBeRemoved(std::size_t, std::size_t) override {}
     void rowsWereRemoved() override { noteChange(); }
     void listWillChangeAtLarge() override {}

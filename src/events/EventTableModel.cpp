@@ -114,10 +114,10 @@ void EventTableModel::refreshAll() {
     }
 }
 
-void EventTableModel::rowWillBeInsertedAtTop() {
-    beginInsertRows({}, 0, 0);
+void EventTableModel::rowsWillBeInsertedAtTop(std::size_t count) {
+    beginInsertRows({}, 0, static_cast<int>(count) - 1);
 }
-void EventTableModel::rowWasInserted() {
+void EventTableModel::rowsWereInserted(std::size_t /*count*/) {
     endInsertRows();
 }
 

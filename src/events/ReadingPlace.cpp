@@ -7,11 +7,11 @@
 
 namespace quorbel {
 
-void ReadingPlace::noteArrival() {
+void ReadingPlace::noteArrivals(int count) {
     if (m_arrived == 0 && m_table.verticalScrollBar()->value() == 0) {
         return;
     }
-    if (m_arrived++ == 0) {
+    if (std::exchange(m_arrived, m_arrived + count) == 0) {
         QMetaObject::invokeMethod(this, &ReadingPlace::keep, Qt::QueuedConnection);
     }
 }

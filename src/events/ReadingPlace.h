@@ -16,8 +16,8 @@ public:
     /// The table outlives this.
     explicit ReadingPlace(QTableView &table) : m_table(table) {}
 
-    /// One row came in at the top.
-    void noteArrival();
+    /// So many rows came in at the top.
+    void noteArrivals(int count);
 
 private:
     void keep();

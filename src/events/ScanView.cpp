@@ -1,6 +1,7 @@
 #include "events/ScanView.h"
 
 #include "core/AppDelegate.h"
+#include "core/LoadedEvents.h"
 #include "events/DeletedEvents.h"
 #include "events/EventCommands.h"
 #include "events/EventFinder.h"
@@ -112,12 +113,28 @@ void ScanView::viewDidAppear() {
 EventId ScanView::insertEvent(const EventFields &event) {
     const std::size_t rows = m_events.size();
     const EventId id = arrController.insertShown(event, m_delegate.state);
-    if (m_events.size() == rows) {
-        return id;
-    }
-    m_place->noteArrival();
-    m_selection->clearForArrival();
+    noteArrivals(rows);
     return id;
+}
+
+bool ScanView::canInsertMany() const {
+    // An expression may take as long for each as all others do for a thousand.
+    return std::ranges::none_of(m_events.filterInForce().texts, [](const TextCondition &text) {
+        return text.pattern.isExpression;
+    });
+}
+
+void ScanView::insertEvents(LoadedEvents events) {
+    const std::size_t rows = m_events.size();
+    arrController.insertAllShown(std::move(events), m_delegate.state);
+    noteArrivals(rows);
+}
+
+void ScanView::noteArrivals(std::size_t rowsBefore) {
+    if (m_events.size() > rowsBefore) {
+        m_place->noteArrivals(static_cast<int>(m_events.size() - rowsBefore));
+        m_selection->clearForArrival();
+    }
 }
 
 void ScanView::removeEvent(const EventFields &announced) {

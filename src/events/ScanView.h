@@ -40,6 +40,8 @@ public:
 
     [[nodiscard]] bool isOnScreen() const override { return isPageOnScreen(); }
     EventId insertEvent(const EventFields &event) override;
+    [[nodiscard]] bool canInsertMany() const override;
+    void insertEvents(LoadedEvents events) override;
     void removeEvent(const EventFields &announced) override;
     void setFilter(const EventQuery &query) override;
 
@@ -64,6 +66,7 @@ private:
 
     [[nodiscard]] Rows allRows() const;
     [[nodiscard]] Event eventAt(int row);
+    void noteArrivals(std::size_t rowsBefore);
     void removeAnnounced();
     /// Says that no events are selected; `onTicked` runs when the check box was ticked.
     void offerAll(const QString &checkBox, std::function<void()> onTicked);

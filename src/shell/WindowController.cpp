@@ -292,14 +292,25 @@ void WindowController::syslogNotify(const NotificationObserver::UserInfo &userIn
     const EventFields fields = eventFields(userInfo, others);
     const std::string_view type = typeOf(userInfo);
     if (type == "Set") {
-        const EventPlace place = setNotification(fields);
-        const AppState &state = m_delegate.state;
-        const bool alertsAreOn = state.iPopupEvents > 0 || !state.popupSound.empty();
-        if (alertsAreOn && m_alertQueue != nullptr) {
-            m_alertQueue->append(Event(place));
-        }
+        raiseAlerts(setNotification(fields), 1);
     } else if (type == "Remove") {
         removeNotification(fields);
+    }
+}
+
+void WindowController::manyNotified(LoadedArrivals events) {
+    const std::size_t count = events.events.size();
+    raiseAlerts(m_intake->takeMany(std::move(events)), count);
+}
+
+void WindowController::raiseAlerts(const EventPlace &first, std::size_t count) {
+    const AppState &state = m_delegate.state;
+    const bool alertsAreOn = state.iPopupEvents > 0 || !state.popupSound.empty();
+    if (!alertsAreOn || m_alertQueue == nullptr) {
+        return;
+    }
+    for (EventId id = first.id; id < first.id + count; ++id) {
+        m_alertQueue->append(Event(first.list, id));
     }
 }
 

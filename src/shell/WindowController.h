@@ -15,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QAction;
@@ -98,9 +99,16 @@ private:
     void logBeginsAnew() override { m_intake->beginAnew(); }
     void readAnew(const EventFields &event) override { m_intake->takeLogged(event); }
     void logWasReadAnew() override { m_intake->endAnew(); }
+    [[nodiscard]] bool canTakeMany() const override { return m_intake->canTakeMany(); }
+    void manyNotified(LoadedArrivals events) override;
+    void manyMissed(LoadedArrivals events) override { m_intake->takeMany(std::move(events)); }
+    void manyReadAnew(LoadedArrivals events) override { m_intake->takeLogged(std::move(events)); }
     void manyBegin() override { m_intake->beginMany(); }
     void manyEnd() override { m_intake->endMany(); }
 
+    /// Hands new events to the alert queue when alerts are on: the one at a place and those next
+    /// to it that are later.
+    void raiseAlerts(const EventPlace &first, std::size_t count);
     void connectCommands();
     /// Edit and View hold the commands of the page in sight, whatever it has.
     void fillPageMenus();

@@ -31,8 +31,16 @@ public:
     std::vector<EventId> rows;  // oldest first
 
 private:
-    void rowWillBeInsertedAtTop() override { EXPECT_EQ(m_events.size(), rows.size()); }
-    void rowWasInserted() override { rows.push_back(m_events.idAt(0)); }
+    void rowsWillBeInsertedAtTop(std::size_t count) override {
+        EXPECT_GT(count, 0U);
+        EXPECT_EQ(m_events.size(), rows.size());
+    }
+    void rowsWereInserted(std::size_t count) override {
+        for (std::size_t row = count; row > 0; --row) {
+            rows.push_back(m_events.idAt(row - 1));
+        }
+        EXPECT_EQ(m_events.size(), rows.size());
+    }
     void rowsWillBeRemoved(std::size_t first, std::size_t count) override {
         EXPECT_EQ(m_events.size(), rows.size());
         const auto end = rows.end() - static_cast<std::ptrdiff_t>(first);

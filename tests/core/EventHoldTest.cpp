@@ -25,6 +25,11 @@ public:
         calls.push_back("insert " + std::string(event.message.value_or("(absent)")));
         return m_list.insertShown(event, m_state);
     }
+    [[nodiscard]] bool canInsertMany() const override { return true; }
+    void insertEvents(LoadedEvents events) override {
+        calls.push_back("insert " + std::to_string(events.size()));
+        m_list.insertAllShown(std::move(events), m_state);
+    }
     void setFilter(const EventQuery & /*query*/) override {}
     void removeEvent(const EventFields &announced) override {
         calls.push_back("remove " + std::string(announced.message.value_or("(absent)")));

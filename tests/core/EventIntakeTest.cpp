@@ -2,6 +2,7 @@
 #include "core/EventHold.h"
 #include "core/EventIntake.h"
 #include "core/EventList.h"
+#include "core/LoadedEvents.h"
 #include "platform/Files.h"
 #include "platform/KeyedArchive.h"
 #include "support/TemporaryFolder.h"
@@ -26,6 +27,11 @@ public:
         ++inserted;
         return list.insertShown(event, m_state);
     }
+    [[nodiscard]] bool canInsertMany() const override { return isQuick; }
+    void insertEvents(LoadedEvents many) override {
+        inserted += static_cast<int>(many.size());
+        list.insertAllShown(std::move(many), m_state);
+    }
     void removeEvent(const EventFields &announced) override {
         removed.emplace_back(announced.message.value_or(""));
     }
@@ -33,6 +39,7 @@ public:
 
     EventList &list;
     bool onScreen = false;
+    bool isQuick = true;
     int inserted = 0;
     std::vector<std::string> removed;
 
@@ -145,6 +152,37 @@ TEST_F(EventIntakeTest, CountsWhatArrivedInItsHourWhateverLeavesTheList) {
     EXPECT_EQ(count(3, now), 0U);
     EXPECT_EQ(count(3, now - 7200), 1U);
     EXPECT_EQ(state.arrivals.latest(), now - 7200);
+}
+
+TEST_F(EventIntakeTest, TellsTheHomePageOnceForAllThatComeTogether) {
+    home.onScreen = true;
+    const EventFields event{"1", "Local7.Error", "h", "m", {}};
+    const auto two = [&event] {
+        LoadedArrivals arrivals;
+        arrivals.add(event, 1);
+        arrivals.add(event, 1);
+        return arrivals;
+    };
+    intake.setNotification(event);
+    EXPECT_EQ(home.errorsSeen, Counters{1});
+    intake.takeMany(two());
+    EXPECT_EQ(home.errorsSeen, (Counters{1, 3}));
+    intake.beginMany();
+    intake.setNotification(event);
+    intake.takeMany(two());
+    intake.setNotification(event);
+    EXPECT_EQ(home.errorsSeen.size(), 2U);
+    intake.endMany();
+    EXPECT_EQ(home.errorsSeen, (Counters{1, 3, 7}));
+    // Nothing came.
+    intake.beginMany();
+    intake.endMany();
+    EXPECT_EQ(home.errorsSeen.size(), 3U);
+    intake.setNotification(event);
+    EXPECT_EQ(home.errorsSeen.size(), 4U);
+    home.onScreen = false;
+    intake.takeMany(two());
+    EXPECT_EQ(home.errorsSeen.size(), 4U);
 }
 
 TEST_F(EventIntakeTest, ListsRawWhileThePageIsHidden) {

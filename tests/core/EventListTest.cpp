@@ -1,5 +1,6 @@
 #include "core/EventList.h"
 #include "core/EventListSamples.h"
+#include "core/LoadedEvents.h"
 
 #include <gtest/gtest.h>
 
@@ -204,8 +205,10 @@ TEST(EventListTest, KeepsMessagesOfAnyBytesAndLength) {
 class Recorder : public EventListObserver {
 public:
     explicit Recorder(EventList &list) : m_list(list) {}
-    void rowWillBeInsertedAtTop() override { note("i"); }
-    void rowWasInserted() override { note("I"); }
+    void rowsWillBeInsertedAtTop(std::size_t count) override {
+        note("i" + std::to_string(count) + " ");
+    }
+    void rowsWereInserted(std::size_t count) override { note("I" + std::to_string(count) + " "); }
     void rowsWillBeRemoved(std::size_t first, std::size_t count) override {
         note("r" + std::to_string(first) + "+" + std::to_string(count) + " ");
     }
@@ -226,7 +229,19 @@ TEST(EventListTest, TellsItsObserverBeforeAndAfter) {
     list.addObserver(recorder);
     list.insertRaw(fields("1"));
     list.insertShown(fields("2"), stateWith());
-    EXPECT_EQ(recorder.calls, "i0;I1;i1;I2;");
+    EXPECT_EQ(recorder.calls, "i1 0;I1 1;i1 1;I1 2;");
+    recorder.calls.clear();
+    const auto two = [] {
+        LoadedEvents events;
+        events.add(fields("3"));
+        events.add(fields("4"));
+        return events;
+    };
+    list.insertAllRaw(two());
+    list.insertAllShown(two(), stateWith());
+    list.insertAllRaw(LoadedEvents());
+    EXPECT_EQ(recorder.calls, "i2 2;I2 4;i2 4;I2 6;");
+    list.removeRows({{2, 4}});
     recorder.calls.clear();
     list.beginBulkInsert();
     for (int i = 0; i < 38; ++i) {

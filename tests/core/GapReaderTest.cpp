@@ -24,13 +24,23 @@ std::string line(const std::string &message) {
     return "1,Local7.Error,h," + message + "\r\n";
 }
 
-struct GapReaderTest : ::testing::Test {
+/// How many bytes are loaded at a time; 0 for line by line.
+struct GapReaderTest : ::testing::TestWithParam<std::uint64_t> {
     [[nodiscard]] FilePlace at(const std::string &name, std::uint64_t offset) const {
         return {name, markOf(folder.path() / name).value_or(FileMark{}), offset};
     }
-    /// The messages, read with so many looks at the clock in between.
+    /// The messages, read with so many looks at the clock in between, or on some threads.
     std::vector<std::string> read() {
         std::vector<std::string> messages;
+        if (GetParam() > 0) {
+            LogLoad load(reader.takeRest(), 0, {.threads = 2, .bytes = GetParam()});
+            EXPECT_TRUE(reader.isDone());
+            while (auto batch = load.next([](std::uint64_t) {})) {
+                batch->loaded.events.visitFields([&](const EventFields &read) {
+                    messages.emplace_back(read.message.value_or("(absent)"));
+                });
+            }
+        }
         while (!reader.isDone()) {
             reader.run(
                 [&](const LogLine &read) {
@@ -46,7 +56,7 @@ struct GapReaderTest : ::testing::Test {
     GapReader reader{folder.path()};
 };
 
-TEST_F(GapReaderTest, ReadsBetweenTwoPlacesOfAFile) {
+TEST_P(GapReaderTest, ReadsBetweenTwoPlacesOfAFile) {
     folder.write(kFirst, line("a") + line("b") + line("c") + line("d"));
     const std::uint64_t size = line("a").size();
     ASSERT_EQ(reader.begin(at(kFirst, size), at(kFirst, 3 * size)), Start::kReady);
@@ -55,7 +65,7 @@ TEST_F(GapReaderTest, ReadsBetweenTwoPlacesOfAFile) {
     EXPECT_THAT(read(), IsEmpty());
 }
 
-TEST_F(GapReaderTest, ReadsOverTheDaysInTheirOrder) {
+TEST_P(GapReaderTest, ReadsOverTheDaysInTheirOrder) {
     folder.write(kFirst, line("a") + line("b"));
     folder.write(kSecond, line("c"));
     folder.write(kThird, line("d") + line("e"));
@@ -69,7 +79,7 @@ TEST_F(GapReaderTest, ReadsOverTheDaysInTheirOrder) {
     EXPECT_THAT(read(), ElementsAre("earlier", "a"));
 }
 
-TEST_F(GapReaderTest, ReadsManyLinesPieceByPiece) {
+TEST_P(GapReaderTest, ReadsManyLinesPieceByPiece) {
     std::string bytes;
     for (int number = 0; number < 5000; ++number) {
         bytes += line(std::to_string(number) + std::string(300, 'x'));
@@ -83,7 +93,7 @@ TEST_F(GapReaderTest, ReadsManyLinesPieceByPiece) {
     }
 }
 
-TEST_F(GapReaderTest, WhatIsAppendedMeanwhileIsNotRead) {
+TEST_P(GapReaderTest, WhatIsAppendedMeanwhileIsNotRead) {
     folder.write(kFirst, line("a"));
     const FilePlace end = at(kFirst, line("a").size());
     ASSERT_EQ(reader.begin({}, end), Start::kReady);
@@ -91,7 +101,7 @@ TEST_F(GapReaderTest, WhatIsAppendedMeanwhileIsNotRead) {
     EXPECT_THAT(read(), ElementsAre("a"));
 }
 
-TEST_F(GapReaderTest, AFileThatWasReplacedIsNotReadOn) {
+TEST_P(GapReaderTest, AFileThatWasReplacedIsNotReadOn) {
     folder.write(kFirst, line("a") + line("b"));
     folder.write(kSecond, line("c"));
     const FilePlace from = at(kFirst, line("a").size());
@@ -116,7 +126,7 @@ TEST_F(GapReaderTest, AFileThatWasReplacedIsNotReadOn) {
     EXPECT_THAT(read(), ElementsAre("d"));
 }
 
-TEST_F(GapReaderTest, NeverReadsFromTheMiddleOfALine) {
+TEST_P(GapReaderTest, NeverReadsFromTheMiddleOfALine) {
     folder.write(kFirst, line("a") + line("b"));
     EXPECT_EQ(reader.begin(at(kFirst, 3), at(kFirst, 2 * line("a").size())), Start::kLost);
     EXPECT_EQ(reader.begin(at(kFirst, 2 * line("a").size()), at(kFirst, line("a").size())),
@@ -124,7 +134,7 @@ TEST_F(GapReaderTest, NeverReadsFromTheMiddleOfALine) {
     EXPECT_EQ(reader.begin(at(kSecond, 0), at(kFirst, line("a").size())), Start::kLost);
 }
 
-TEST_F(GapReaderTest, ReadsAnewWhatTheStartWouldRead) {
+TEST_P(GapReaderTest, ReadsAnewWhatTheStartWouldRead) {
     folder.write(kFirst, line("a"));
     folder.write(kSecond, line("b") + line("c"));
     folder.write(kThird, line("later"));
@@ -139,12 +149,14 @@ TEST_F(GapReaderTest, ReadsAnewWhatTheStartWouldRead) {
     EXPECT_THAT(read(), ElementsAre("foreign"));
 }
 
-TEST_F(GapReaderTest, ATornLineIsNoLine) {
+TEST_P(GapReaderTest, ATornLineIsNoLine) {
     folder.write(kFirst, line("a") + "1,Local7.Error,h,to");
     folder.write(kSecond, line("b"));
     ASSERT_EQ(reader.begin({}, at(kSecond, line("b").size())), Start::kReady);
     EXPECT_THAT(read(), ElementsAre("a", "b"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Ways, GapReaderTest, ::testing::Values(0U, 100U, 5000U, 100'000U));
 
 }  // namespace
 }  // namespace quorbel

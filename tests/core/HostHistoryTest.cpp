@@ -80,6 +80,8 @@ protected:
     public:
         [[nodiscard]] bool isOnScreen() const override { return false; }
         EventId insertEvent(const EventFields &) override { return 0; }
+        [[nodiscard]] bool canInsertMany() const override { return true; }
+        void insertEvents(LoadedEvents) override {}
         void removeEvent(const EventFields &) override {}
         void setFilter(const EventQuery &) override {}
     };

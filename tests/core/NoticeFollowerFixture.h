@@ -37,6 +37,9 @@ struct Window final : NoticeSink {
         const std::string event =
             joined({values["Date"], values["Priority"], values["Host"], values["Message"], {}});
         const bool isSet = values["Type"] == "Set";
+        if (isSet) {
+            inOrder.emplace_back(values["Message"]);
+        }
         if (isSet || listed.contains(event)) {
             add(listed, event, isSet ? 1 : -1);
         }
@@ -44,6 +47,7 @@ struct Window final : NoticeSink {
     }
     void missed(const EventFields &event) override {
         add(listed, joined(event), 1);
+        inOrder.emplace_back(*event.message);
         ++read;
     }
     void logBeginsAnew() override {
@@ -52,10 +56,36 @@ struct Window final : NoticeSink {
     }
     void readAnew(const EventFields &event) override { add(listed, joined(event), 1); }
     void logWasReadAnew() override { ++timesReadAnew; }
+    [[nodiscard]] bool canTakeMany() const override { return takesMany; }
+    void manyNotified(LoadedArrivals events) override {
+        takeEach(events, told);
+        ++timesTogether;
+    }
+    void manyMissed(LoadedArrivals events) override {
+        takeEach(events, read);
+        ++timesTogether;
+    }
+    void manyReadAnew(LoadedArrivals events) override {
+        int unused = 0;
+        takeEach(events, unused);
+        ++timesTogether;
+    }
+    void takeEach(const LoadedArrivals &events, int &count) {
+        EXPECT_TRUE(areMany);
+        EXPECT_TRUE(takesMany);
+        events.events.visitFields([&](const EventFields &event) {
+            add(listed, joined(event), 1);
+            inOrder.emplace_back(*event.message);
+            ++count;
+        });
+    }
     void manyBegin() override { EXPECT_FALSE(std::exchange(areMany, true)); }
     void manyEnd() override { EXPECT_TRUE(std::exchange(areMany, false)); }
 
     Events listed;
+    std::vector<std::string> inOrder;  // the messages, as they came
+    bool takesMany = true;
+    int timesTogether = 0;
     int told = 0;
     int read = 0;
     int timesAnew = 0;
@@ -150,7 +180,7 @@ protected:
                 folder.path() / name, [](const LogLine &) { return true; }, {},
                 &read.emplace_back());
         }
-        follower = std::make_unique<NoticeFollower>(window, folder.path(), read);
+        follower = std::make_unique<NoticeFollower>(window, folder.path(), read, together);
     }
     void connect() {
         follower->askedToListen();
@@ -227,6 +257,8 @@ protected:
     std::uint64_t untold = 0;
     std::int64_t seconds = 1'700'000'000;
     std::uint64_t number = 0;
+    /// Events come together only where a test says so.
+    NoticeFollower::Together together{.least = 1U << 20U};
     Window window;
     std::unique_ptr<NoticeFollower> follower;
 };

@@ -51,6 +51,7 @@ protected:
                 break;
             case 10:
                 seconds += chance(20) ? 86400 : upTo(1);
+                window.takesMany = chance(70);
                 break;
             case 11:
                 interrupt();
@@ -107,6 +108,9 @@ TEST_F(NoticeFollowerModelTest, TheWindowEndsUpWithWhatTheLogHolds) {
             std::filesystem::remove(folder.path() / name);
         }
         startService();
+        together.least = static_cast<std::uint64_t>(1 + upTo(100));
+        together.shares = {.threads = static_cast<std::size_t>(1 + upTo(2)),
+                           .bytes = static_cast<std::uint64_t>(1 + upTo(100))};
         arrive({"x", "y"});
         window.listed.clear();
         open();
@@ -125,6 +129,7 @@ TEST_F(NoticeFollowerModelTest, TheWindowEndsUpWithWhatTheLogHolds) {
     EXPECT_GT(window.told, 1000);
     EXPECT_GT(window.read, 1000);
     EXPECT_GT(window.timesAnew, 20);
+    EXPECT_GT(window.timesTogether, 500);
 }
 
 }  // namespace

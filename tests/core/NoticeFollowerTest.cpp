@@ -46,6 +46,103 @@ TEST_F(NoticeFollowerTest, ABatchIsTakenInSlices) {
     EXPECT_EQ(follower->takeRequests().taken, 1U);
 }
 
+TEST_F(NoticeFollowerTest, ManyAreTakenInTogetherAndInTheirOrder) {
+    struct {
+        std::size_t threads;
+        std::uint64_t bytes;
+    } const cases[] = {{1, 1}, {1, 10'000}, {2, 100}, {3, 40}};
+    for (const auto &[threads, bytes] : cases) {
+        SCOPED_TRACE(std::to_string(threads) + " threads, " + std::to_string(bytes) + " bytes");
+        together = {.least = 1, .shares = {.threads = threads, .bytes = bytes}};
+        window = {};
+        open();
+        connect();
+        std::vector<std::string> messages;
+        const auto numbered = [&](std::size_t count) {
+            std::vector<std::string> next;
+            for (; count > 0; --count) {
+                next.push_back(std::to_string(messages.size()));
+                messages.push_back(next.back());
+            }
+            return next;
+        };
+        arrive(numbered(100));
+        tellBatch(true, 1 << 20);
+        EXPECT_EQ(window.told, 100);
+        EXPECT_GT(window.timesTogether, 0);
+        arrive(numbered(300));
+        seconds += 86'400;
+        arrive(numbered(200));
+        while (!queue->empty()) {
+            queue->drop();
+        }
+        const int timesTold = std::exchange(window.timesTogether, 0);
+        EXPECT_GE(timesTold, bytes == 1 ? 100 : 1);
+        tellCheckpoint();
+        EXPECT_EQ(window.read, 500);
+        EXPECT_GT(window.timesTogether, bytes < 1000 ? 100 : 0);
+        EXPECT_EQ(window.inOrder, messages);
+        EXPECT_EQ(window.listed, logged());
+        EXPECT_EQ(window.timesAnew, 0);
+        window.inOrder.clear();
+        arrive(numbered(10));
+        while (!queue->empty()) {
+            queue->drop();
+        }
+        startService();
+        ++untold;
+        connect();
+        tellCheckpoint();
+        EXPECT_EQ(window.listed, logged());
+    }
+}
+
+TEST_F(NoticeFollowerTest, WhatIsAmongWhatWasMissedIsNotLoadedTwice) {
+    together = {.least = 1, .shares = {.threads = 2, .bytes = 40}};
+    open();
+    connect();
+    arrive({"a", "b", "c"});
+    tellSingle();
+    tellSingle(false);
+    tellSingle();
+    arrive({"d", "e"});
+    tellCheckpoint();
+    EXPECT_EQ(window.told, 2);
+    EXPECT_EQ(window.read, 1);
+    tellAll();
+    EXPECT_EQ(window.listed, logged());
+    EXPECT_EQ(window.read, 1);
+}
+
+TEST_F(NoticeFollowerTest, WaitsForItsThreadsWithoutBeingAskedAllTheTime) {
+    together = {.least = 1, .shares = {.threads = 2, .bytes = 100'000}};
+    open();
+    connect();
+    EXPECT_FALSE(follower->isWaiting());
+    int timesWaited = 0;
+    // Threads may be quicker than who asks for what they have, but hardly each time.
+    for (int round = 1; round <= 50 && timesWaited == 0; ++round) {
+        arrive(std::vector<std::string>(20'000, "a"));
+        while (!queue->empty()) {
+            queue->drop();
+        }
+        follower->checkpointCame(++number, told());
+        while (follower->isBusy()) {
+            const int before = window.read;
+            follower->work(bus::Clock::time_point::min());
+            if (follower->isWaiting()) {
+                EXPECT_EQ(window.read, before);
+                EXPECT_TRUE(follower->isBusy());
+                ++timesWaited;
+            }
+        }
+        EXPECT_FALSE(follower->isWaiting());
+        EXPECT_EQ(window.read, round * 20'000);
+        EXPECT_EQ(follower->takeRequests().taken, number);
+    }
+    EXPECT_GT(timesWaited, 0);
+}
+
 TEST_F(NoticeFollowerTest, WhatComesBetweenLoadAndAnswerIsThereOnce) {
     arrive({"loaded and told", "loaded"});
     open();

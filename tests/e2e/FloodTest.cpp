@@ -2,7 +2,9 @@
 // end is what the log files hold, event for event, whatever stopped on the way.
 
 #include "common/LogReader.h"
+#include "core/EventHold.h"
 #include "core/EventList.h"
+#include "events/ScanView.h"
 #include "load/LoadCheck.h"
 #include "load/LoadSender.h"
 #include "platform/KeyedArchive.h"
@@ -145,8 +147,9 @@ private:
     Events listed() {
         Events events;
         for (std::size_t row = 0; row < list().size(); ++row) {
-            ++events[joined(*list().date(row), *list().priority(row), *list().host(row),
-                            *list().message(row))];
+            // However its date is shown.
+            ++events[joined(std::to_string(list().momentHeld(row).value_or(0)),
+                            *list().priority(row), *list().host(row), *list().message(row))];
         }
         return events;
     }
@@ -170,18 +173,50 @@ private Q_SLOTS:
 
     void aFloodIsListedWhole_data() {
         QTest::addColumn<bool>("overTcp");
-        QTest::newRow("UDP") << false;
-        QTest::newRow("TCP") << true;
+        QTest::addColumn<Tab>("page");
+        QTest::newRow("UDP") << false << Tab::kHome;
+        QTest::newRow("TCP") << true << Tab::kHome;
+        QTest::newRow("UDP, events on screen") << false << Tab::kEvents;
+        QTest::newRow("TCP, events on screen") << true << Tab::kEvents;
     }
     void aFloodIsListedWhole() {
         QFETCH(const bool, overTcp);
+        QFETCH(const Tab, page);
         openWindow();
+        m_window->window->selectTab(page);
         const auto sending = flood(plan(overTcp ? Plan::Transport::kTcp : Plan::Transport::kUdp));
         compareInTheEnd(sending);
         QCOMPARE(m_service->terminate(), std::optional<int>(0));
         const std::string journal = m_service->journal();
         QCOMPARE(load::counter(journal, "stored"), kFlood);
         QCOMPARE(static_cast<std::uint64_t>(list().size()), kFlood);
+    }
+
+    void aListIsHeldAndFilteredInAFlood() {
+        openWindow();
+        m_window->window->selectTab(Tab::kEvents);
+        const auto sending = flood(plan(Plan::Transport::kTcp));
+        EventHold &hold = m_window->delegate.hold;
+        for (int part = 1; part < 6; ++part) {
+            const auto all = [&] { return list().size() + hold.arrivals(); };
+            QVERIFY(goOnUntil([&] { return all() > kFlood * static_cast<unsigned>(part) / 8; }));
+            EventQuery query;
+            query.texts.push_back({{"1|2", false, part % 2 == 0}, false});
+            m_window->window->showEvents(part < 4 ? query : EventQuery());
+            hold.setOn(part % 2 == 1);
+            while (!hold.isOn() && hold.arrivals() > 0) {
+                auto *page = m_window->window->findChild<ScanView *>();
+                hold.release(std::chrono::milliseconds(8), *page);
+                QApplication::processEvents();
+            }
+        }
+        hold.setOn(false);
+        QVERIFY(goOnUntil([&] {
+            hold.release(std::chrono::milliseconds(8), *m_window->window->findChild<ScanView *>());
+            return isOver(sending) && stored() >= m_sent && hold.arrivals() == 0 &&
+                   list().size() >= m_sent;
+        }));
+        compareInTheEnd(sending);
     }
 
     void aWindowThatOpensInAFloodHasAll() {

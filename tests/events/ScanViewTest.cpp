@@ -1,3 +1,4 @@
+#include "core/LoadedEvents.h"
 #include "events/ScanViewFixture.h"
 #include "platform/gui/QtText.h"
 #include "support/PrivateBus.h"
@@ -169,6 +170,50 @@ private Q_SLOTS:
         QTRY_COMPARE(bar->value(), 1050);
         QCOMPARE(moves.size(), 1);
         QCOMPARE(cell(table()->rowAt(1), 4), first);
+    }
+
+    void eventsThatComeTogetherStandAsIfEachCameAlone() {
+        for (int i = 0; i < 300; ++i) {
+            list().insertRaw(fields("1700000000", std::to_string(i)));
+        }
+        show();
+        const auto come = [this](int first, int count) {
+            LoadedEvents events;
+            for (int i = first; i < first + count; ++i) {
+                events.add(fields(std::to_string(1700000000 + i), "late " + std::to_string(i)));
+            }
+            m_page->insertEvents(std::move(events));
+        };
+        clickRow(0);
+        come(0, 2);
+        QCOMPARE(selected(), QList<int>());
+        QCOMPARE(cell(0, 4), name("late 1"));
+        QCOMPARE(cell(0, 1), name("2023-11-14 22:13:21"));
+        QCOMPARE(cell(0, 0), name("Moderate"));
+        QCOMPARE(cell(1, 4), name("late 0"));
+        QScrollBar *bar = table()->verticalScrollBar();
+        bar->setValue(50);
+        const QString first = cell(table()->rowAt(1), 4);
+        come(2, 5000);
+        QTRY_COMPARE(bar->value(), 5050);
+        QCOMPARE(cell(table()->rowAt(1), 4), first);
+        QCOMPARE(table()->model()->rowCount(), 5302);
+        // None that is seen comes: the selection stays.
+        EventQuery query;
+        query.texts.push_back({{"late 1", false, false}, false});
+        m_page->setFilter(query);
+        QTRY_COMPARE(table()->model()->rowCount(), 1111);
+        clickRow(3);
+        come(5002, 2);
+        QCOMPARE(selected(), QList<int>{3});
+        come(10'000, 3);
+        QCOMPARE(selected(), QList<int>());
+        QCOMPARE(table()->model()->rowCount(), 1114);
+        QCOMPARE(cell(0, 4), name("late 10002"));
+        QVERIFY(m_page->canInsertMany());
+        query.texts.front().pattern.isExpression = true;
+        m_page->setFilter(query);
+        QTRY_VERIFY(!m_page->canInsertMany());
     }
 
     void arrivalsAndScatteredRemovalsInOneTurnKeepThePlace() {

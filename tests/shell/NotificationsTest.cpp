@@ -1,4 +1,6 @@
 #include "core/AlertQueueLink.h"
+#include "core/EventHold.h"
+#include "core/LoadedEvents.h"
 #include "shell/NotificationPump.h"
 #include "shell/ShellFixture.h"
 #include "shell/WindowController.h"
@@ -98,6 +100,7 @@ private Q_SLOTS:
     void setReachesThePageOnScreen();
     void alertsTakeAnEventOnlyWhenTheyAreOn_data();
     void alertsTakeAnEventOnlyWhenTheyAreOn();
+    void alertsTakeAllThatComeTogether();
     void alertsAreOffWithoutAQueue();
     void removeGoesToTheListAndCountsNothing();
     void otherTypesAreIgnored_data();
@@ -182,6 +185,44 @@ void NotificationsTest::alertsTakeAnEventOnlyWhenTheyAreOn() {
         QCOMPARE(event.value("Date"), it.shell.list().date(0));
     }
     it.alerts.popupArray.clear();
+}
+
+void NotificationsTest::alertsTakeAllThatComeTogether() {
+    struct {
+        Tab page;
+        bool isHeld;
+        std::int64_t popups;
+    } const cases[] = {{Tab::kHome, false, 1},
+                       {Tab::kEvents, false, 1},
+                       {Tab::kEvents, true, 1},
+                       {Tab::kHome, false, 0}};
+    for (const auto &[page, isHeld, popups] : cases) {
+        Listening it;
+        it.shell.window.selectTab(page);
+        it.shell.delegate.hold.setOn(isHeld);
+        it.shell.delegate.state.iPopupEvents = popups;
+        it.shell.delegate.state.popupSound.clear();
+        NoticeSink &window = it.shell.window;
+        const auto come = [](std::initializer_list<std::string_view> messages) {
+            LoadedArrivals arrivals;
+            for (const std::string_view message : messages) {
+                arrivals.add({"1700000000", "Local7.Error", "h", message, {}}, 1'700'000'000);
+            }
+            return arrivals;
+        };
+        window.manyNotified(come({"a", "b", "c"}));
+        window.manyMissed(come({"missed"}));
+        window.manyReadAnew(come({"anew"}));
+        window.manyNotified(come({"d"}));
+        std::vector<std::string> raised;
+        for (const Event &event : it.alerts.popupArray) {
+            raised.push_back(event.value("Message").value_or(""));
+        }
+        const std::vector<std::string> all{"a", "b", "c", "d"};
+        QCOMPARE(raised, popups > 0 ? all : std::vector<std::string>());
+        QCOMPARE(it.listed(), std::size_t{isHeld ? 1U : 6U});
+        it.alerts.popupArray.clear();
+    }
 }
 
 void NotificationsTest::alertsAreOffWithoutAQueue() {

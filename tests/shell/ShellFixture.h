@@ -3,6 +3,7 @@
 #include "common/SettingsDocument.h"
 #include "core/AppDelegate.h"
 #include "core/EventList.h"
+#include "core/LoadedEvents.h"
 #include "platform/KeyedArchive.h"
 #include "platform/gui/Page.h"
 #include "platform/gui/Sheet.h"
@@ -39,6 +40,11 @@ public:
     EventId insertEvent(const EventFields &event) override {
         ++insertedOnScreen;
         return m_delegate.events.insertShown(event, m_delegate.state);
+    }
+    [[nodiscard]] bool canInsertMany() const override { return true; }
+    void insertEvents(LoadedEvents events) override {
+        insertedOnScreen += static_cast<int>(events.size());
+        m_delegate.events.insertAllShown(std::move(events), m_delegate.state);
     }
     void removeEvent(const EventFields &announced) override {
         removed.emplace_back(announced.message.value_or("(none)"));

@@ -53,8 +53,8 @@ private:
     static constexpr std::size_t kNoMark = SIZE_MAX;
     static constexpr std::size_t kMostKnown = 4096;
 
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override {}
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t) override {}
     void rowsWillBeRemoved(std::size_t, std::size_t) override {}
     void rowsWereRemoved() override { forget(); }
     void listWillChangeAtLarge() override {}

@@ -43,8 +43,8 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void rowWillBeInsertedAtTop() override {}
-    void rowWasInserted() override { lookIn(kPause); }
+    void rowsWillBeInsertedAtTop(std::size_t) override {}
+    void rowsWereInserted(std::size_t) override { lookIn(kPause); }
     void rowsWillBeRemoved(std::size_t first, std::size_t count) override;
     void rowsWereRemoved() override { lookIn(kPause); }
     void listWillChangeAtLarge() override {}

@@ -35,6 +35,9 @@ public:
 
     /// Whether there is something to do before anything else may come.
     [[nodiscard]] virtual bool isBusy() const = 0;
+    /// Whether that is just to wait for threads of its own: then work() is called again a
+    /// millisecond later.
+    [[nodiscard]] virtual bool isWaiting() const { return false; }
     /// Does it, until that time at most.
     virtual void work(bus::Clock::time_point until) = 0;
 

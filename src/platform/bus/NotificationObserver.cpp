@@ -18,6 +18,7 @@ using bus::Clock;
 namespace {
 
 constexpr std::chrono::seconds kRetryInterval{1};
+constexpr std::chrono::milliseconds kWaitInterval{1};
 constexpr std::chrono::seconds kConnectLimit{10};
 
 constexpr const char *kBusName = "org.freedesktop.DBus";
@@ -231,6 +232,8 @@ struct NotificationObserver::Impl {
         }
     }
 
+    [[nodiscard]] bool isWaiting() const { return follower != nullptr && follower->isWaiting(); }
+
     /// Whether there may be more to do at once; negative when the connection is lost.
     int step(Clock::time_point end) {
         if (follower == nullptr) {
@@ -243,6 +246,9 @@ struct NotificationObserver::Impl {
             result = sd_bus_process(connection.get(), nullptr);
         }
         carryOut(follower->takeRequests());
+        if (isWaiting()) {
+            return 0;
+        }
         return result < 0 ? result : static_cast<int>(result > 0 || follower->isBusy());
     }
 
@@ -312,14 +318,17 @@ int NotificationObserver::fd() const {
 }
 
 short NotificationObserver::events() const {
-    const int events =
-        m_impl->connection == nullptr ? 0 : sd_bus_get_events(m_impl->connection.get());
+    const bool isUseless = m_impl->connection == nullptr || m_impl->isWaiting();
+    const int events = isUseless ? 0 : sd_bus_get_events(m_impl->connection.get());
     return static_cast<short>(std::max(events, 0));
 }
 
 std::optional<std::chrono::milliseconds> NotificationObserver::timeout() const {
     if (m_impl->connection == nullptr) {
         return bus::remaining(m_impl->retry);
+    }
+    if (m_impl->isWaiting()) {
+        return kWaitInterval;
     }
     auto then = bus::processingTime(m_impl->connection.get());
     if (!m_impl->subscribed) {
