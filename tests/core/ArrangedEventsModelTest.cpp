@@ -5,6 +5,7 @@
 #include "EventListSamples.h"
 #include "core/ArrangedEvents.h"
 #include "core/EventTimes.h"
+#include "core/LoadedEvents.h"
 #include "platform/Text.h"
 
 #include <gtest/gtest.h>
@@ -91,7 +92,9 @@ protected:
         return values[pick(values.size())];
     }
 
-    void insert(std::size_t count) {
+    /// Calls `take(fields)` for so many new events.
+    template <typename Take>
+    void make(std::size_t count, Take take) {
         static const std::vector<std::string> priorities = {"Local7.Error", "Kern.Emergency",
                                                             "User.Informational", "odd", ""};
         static const std::vector<std::string> words = {"disk",      "Disk", "sdb1", "link",
@@ -107,11 +110,26 @@ protected:
             if (pick(20) == 0) {
                 event.message.reset();
             }
+            take(event);
+        }
+    }
+    void insert(std::size_t count) {
+        make(count, [this](const EventFields &event) {
             if (m_inBulk || pick(2) == 0) {
                 m_list.insertRaw(event);
             } else {
                 m_list.insertShown(event, m_state);
             }
+        });
+    }
+    void insertTogether(std::size_t count) {
+        LoadedEvents events;
+        make(count, [&events](const EventFields &event) { events.add(event); });
+        events.close();
+        if (pick(2) == 0) {
+            m_list.insertAllRaw(std::move(events));
+        } else {
+            m_list.insertAllShown(std::move(events), m_state);
         }
     }
 
@@ -294,6 +312,7 @@ TEST_P(ArrangedEventsModelTest, ArrangesWhatAPlainLookMeans) {
     };
     for (std::size_t step = 0; step < 120 && !HasFatalFailure(); ++step) {
         onceIn(1, [this] { insert(pick(60)); });
+        onceIn(10, [this] { insertTogether(pick(pick(4) == 0 ? 5000 : 200)); });
         if (step % 20 == 5) {
             insertMany();
         }

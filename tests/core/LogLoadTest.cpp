@@ -209,6 +209,24 @@ TEST_F(LogLoadTest, ProgressGrowsToTheBytesOfTheFiles) {
     }
 }
 
+TEST_F(LogLoadTest, WhoDoesNotWaitGetsAllInItsOrder) {
+    constexpr std::size_t kLines = 6000;
+    addLines(kLines);
+    for (int round = 0; round < 60; ++round) {
+        LogLoad load(logFiles(), 0, {.threads = below(4) + 1, .bytes = 20'000});
+        EventList list;
+        for (;;) {
+            if (auto batch = load.poll()) {
+                list.insertAllRaw(std::move(batch->loaded.events));
+            } else if (load.isDone()) {
+                break;
+            }
+        }
+        ASSERT_EQ(list.size(), kLines) << round;
+        expectNumbered(list, 0);
+    }
+}
+
 TEST_F(LogLoadTest, ALoadThatIsGivenUpEnds) {
     addLines(60'000);
     for (const std::size_t batches : {0U, 1U, 5U}) {
