@@ -197,7 +197,7 @@ TEST(ClusterClientTest, OnlyATrustedCertificateOfTheServerIsGood) {
         std::string problem;
     } const cases[] = {
         {authority.issue(), ""},
-        {authority.issue("DNS:localhost,IP:127.0.0.1", -3600), "expired"},
+        {authority.issueExpired(), "expired"},
         {authority.issue("DNS:elsewhere.example"), "127.0.0.1"},
         {other.issue(), "issuer"},
     };
