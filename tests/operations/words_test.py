@@ -29,6 +29,7 @@ ELSEWHERE = {
     "mail/MailMessage.cpp": "the mails themselves",
     "message/MessageParser.cpp": "what messages have in them",
     "export/Sqlite.cpp": "the database's language",
+    "output/FeedCursor.cpp": "the files of cursors",
 }
 ELSEWHERE_TEXTS = {
     "The settings could not be stored": "a reply to a command",

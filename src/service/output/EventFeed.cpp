@@ -110,8 +110,7 @@ bool EventFeed::load() {
         return fail("The cursor is broken, and could not be set aside");
     }
     warn("The cursor was broken and is " + aside.filename().string() +
-         " now; the output begins as " + "a new one, " +
-         (m_settings.history ? "with all that is stored" : "with what comes next"));
+         " now; the output begins as a new one");
     return beginAnew();
 }
 
@@ -119,7 +118,7 @@ bool EventFeed::resume(FeedCursor cursor) {
     if (cursor.move) {
         const auto mark = markOf(m_store.path(cursor.move->name));
         if (!mark && errno != ENOENT) {
-            return fail(cursor.move->name + " cannot be looked at");
+            return fail(cursor.move->name + " cannot be read");
         }
         cursor.finishMove(mark);
     }

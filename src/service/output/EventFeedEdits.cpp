@@ -72,8 +72,8 @@ void EventFeed::finishEdit(const LogEdit &edit, std::uint64_t unsent) {
     if (unsent > 0) {
         m_cursor.removed += unsent;
         m_removedUnsent += unsent;
-        warn(std::to_string(unsent) + (unsent == 1 ? " event was" : " events were") +
-             " removed from " + edit.name + " before the receiver had it");
+        warn("Events removed from " + edit.name +
+             " before the receiver had them: " + std::to_string(unsent));
     }
 }
 

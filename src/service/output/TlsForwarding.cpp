@@ -27,7 +27,7 @@ std::string lastReason() {
     const unsigned long code = ERR_peek_last_error();
     const char *reason = ERR_reason_error_string(code);
     ERR_clear_error();
-    return reason == nullptr ? "the connection was closed" : reason;
+    return reason == nullptr ? "unknown reason" : reason;
 }
 
 /// OpenSSL would ask the terminal.

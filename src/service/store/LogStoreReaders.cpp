@@ -14,7 +14,7 @@ namespace quorbel {
 AppendWaker::AppendWaker(LogStore &store)
     : m_store(store), m_signal(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!m_signal.isOpen()) {
-        throw std::system_error(errno, std::generic_category(), "no eventfd");
+        throw std::system_error(errno, std::generic_category());
     }
     const MutexLock lock(m_store.m_readersMutex);
     m_store.m_wakers.push_back(this);
