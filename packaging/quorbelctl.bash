@@ -29,7 +29,7 @@ _quorbelctl_values() { # _quorbelctl_values OPTION WORD: false when the option t
         --time) _quorbelctl_offer "$2" 'last hour' today yesterday 'last 24 hours' ;;
         --protocol | -P) _quorbelctl_offer "$2" udp tcp ;;
         --contains* | --lacks* | --matches* | --host | --from | --until | --lines | --port | \
-            -[cvenHp]) ;;
+            --cluster-name | -[cvenHp]) ;;
         --config) compopt -o default ;;
         *) return 1 ;;
     esac
@@ -57,7 +57,10 @@ _quorbelctl() {
     case ${COMP_WORDS[1]} in
         status) _quorbelctl_offer "$word" --json ;;
         tail) [[ $word != -* ]] || _quorbelctl_offer "$word" --follow --lines "${filter[@]}" ;;
-        find | stats) [[ $word != -* ]] || _quorbelctl_offer "$word" "${filter[@]}" ;;
+        find | stats)
+            [[ $word != -* ]] ||
+                _quorbelctl_offer "$word" --cluster --cluster-name --config "${filter[@]}"
+            ;;
         test-message) _quorbelctl_offer "$word" --host --port --protocol ;;
         check-settings)
             compopt -o default
