@@ -22,10 +22,19 @@ std::string unpacked(const std::string &name) {
     return std::string(QUORBEL_CLICKHOUSE) + name;
 }
 
+/// Where the package's libraries are, on whatever processor.
+std::string libraryPath() {
+    std::string path;
+    for (const char *folder : {"/usr/lib", "/lib"}) {
+        for (const auto &entry : std::filesystem::directory_iterator(unpacked(folder))) {
+            path += (path.empty() ? "" : ":") + entry.path().string();
+        }
+    }
+    return path;
+}
+
 std::vector<std::string> environment() {
-    return {"LD_LIBRARY_PATH=" + unpacked("/usr/lib/x86_64-linux-gnu") + ':' +
-                unpacked("/lib/x86_64-linux-gnu"),
-            "TZ=UTC", "HOME=/nonexistent"};
+    return {"LD_LIBRARY_PATH=" + libraryPath(), "TZ=UTC", "HOME=/nonexistent"};
 }
 
 /// Runs a program of the package with its input and output in files; dies with this thread.
