@@ -251,6 +251,11 @@ void EventChunk::dropUnusedBytes() {
     }
 }
 
+const TrigramFilter &EventChunk::filter() const {
+    static const TrigramFilter kAnything;
+    return m_packed ? m_packed->filter() : kAnything;
+}
+
 void EventChunk::pack(const std::shared_ptr<const MessageBytes> &from,
                       std::optional<PackedBytes> packed, UnpackedMessages &unpacked) {
     if (m_bytes != from) {

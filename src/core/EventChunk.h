@@ -109,6 +109,8 @@ public:
         }
     }
     [[nodiscard]] bool isPacked() const { return m_packed != nullptr; }
+    /// What cannot be in its messages, as far as that is known without unpacking them.
+    [[nodiscard]] const TrigramFilter &filter() const;
     /// Whether the messages' bytes will not change any more, are as they are, and may gain from
     /// packing.
     [[nodiscard]] bool isToBePacked() const {

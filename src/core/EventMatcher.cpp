@@ -117,6 +117,17 @@ bool EventMatcher::mayBeIn(const EventChunk &chunk) const {
             (!m_filter.until || chunk.earliest() < *m_filter.until));
 }
 
+/// Whether a text may be in some message of a chunk.
+bool EventMatcher::mayBeInMessages(const EventChunk &chunk, const Text &text) {
+    const auto &needed = text.pattern.needed();
+    return !needed || needed->mayBeIn(chunk.filter());
+}
+
+bool EventMatcher::readsMessages(const EventChunk &chunk) const {
+    return std::ranges::any_of(m_texts,
+                               [&chunk](const Text &text) { return mayBeInMessages(chunk, text); });
+}
+
 void EventMatcher::makeRoom() {
     const std::size_t priorities = m_events.priorityLimit();
     const std::size_t hosts = m_events.hostLimit();
@@ -221,9 +232,12 @@ void EventMatcher::applyText(EventChunk &chunk, Positions &positions, Text &text
 void EventMatcher::findInMessages(const EventChunk &chunk, const Positions &positions,
                                   const Text &text) {
     constexpr std::size_t kManyBytes = 1024;
+    m_answers.assign(positions.back() + 1, Answer::kNo);
+    if (!mayBeInMessages(chunk, text)) {
+        return;
+    }
     const auto bytes = chunk.messagesBetween(positions.front(), positions.back());
     const auto &needed = text.pattern.needed();
-    m_answers.assign(positions.back() + 1, Answer::kNo);
     if (needed && needed->shortest() > 1 && bytes.size() / positions.size() < kManyBytes &&
         markMessages(bytes, chunk, positions, text)) {
         return;

@@ -46,8 +46,8 @@ public:
     /// Positions in a chunk, ascending.
     using Positions = std::vector<std::uint32_t>;
 
-    /// Whether it looks at messages.
-    [[nodiscard]] bool readsMessages() const { return !m_texts.empty(); }
+    /// Whether it looks at messages of a chunk.
+    [[nodiscard]] bool readsMessages(const EventChunk &chunk) const;
     /// False when no event of the chunk is meant.
     [[nodiscard]] bool mayBeIn(const EventChunk &chunk) const;
     /// Appends those that match among the events at some positions of a chunk, and leaves the
@@ -101,6 +101,7 @@ private:
     };
 
     void makeRoom();
+    [[nodiscard]] static bool mayBeInMessages(const EventChunk &chunk, const Text &text);
     [[nodiscard]] bool isInTime(const EventRecord &record) const;
     [[nodiscard]] bool meetsPriority(const EventRecord &record);
     [[nodiscard]] bool meetsHost(const EventRecord &record);

@@ -22,6 +22,11 @@ void LiteralSearch::Deleter::operator()(hs_scratch *scratch) const {
     hs_free_scratch(scratch);
 }
 
+bool LiteralSearch::mayBeIn(const TrigramFilter &filter) const {
+    return std::ranges::any_of(
+        m_literals, [&](const Literal &literal) { return filter.mayHave(literal.text); });
+}
+
 bool LiteralSearch::canFind(std::string_view text, bool isCaseSensitive) {
     // The library takes a NUL at the beginning for the end.
     return !text.empty() && text.front() != '\0' && text.size() <= kMostBytes &&

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/TrigramFilter.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -38,6 +40,8 @@ public:
     [[nodiscard]] std::size_t textCount() const { return m_textCount; }
     /// The size of the shortest of the texts.
     [[nodiscard]] std::size_t shortest() const;
+    /// False when it is certain that a search of a filter's bytes finds nothing.
+    [[nodiscard]] bool mayBeIn(const TrigramFilter &filter) const;
     [[nodiscard]] Answer isAnyIn(std::string_view bytes) const;
     /// Calls `visit(answer, begin, end)` for each place where one of the texts (kYes) or such a
     /// letter (kUnsure) stands, by ascending ends, until it returns false. Returns whether all was

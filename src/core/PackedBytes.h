@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/PageAllocator.h"
+#include "core/TrigramFilter.h"
 
 #include <cstddef>
 #include <optional>
@@ -24,12 +25,15 @@ public:
 
     /// Of the bytes that were packed.
     [[nodiscard]] std::size_t unpackedSize() const { return m_unpackedSize; }
+    /// Of the bytes that were packed, of some thousandths of their size.
+    [[nodiscard]] const TrigramFilter &filter() const { return m_filter; }
 
 private:
-    PackedBytes(std::vector<char> bytes, std::size_t unpackedSize);
+    PackedBytes(std::vector<char> bytes, std::size_t unpackedSize, TrigramFilter filter);
 
     std::vector<char> m_bytes;
     std::size_t m_unpackedSize;
+    TrigramFilter m_filter;
 };
 
 }  // namespace quorbel

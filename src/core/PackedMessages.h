@@ -55,6 +55,7 @@ public:
     /// Says that they will be looked at soon.
     void foresee();
     [[nodiscard]] std::size_t size() const { return m_packed->unpackedSize(); }
+    [[nodiscard]] const TrigramFilter &filter() const { return m_packed->filter(); }
 
 private:
     friend class UnpackedMessages;

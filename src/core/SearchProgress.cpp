@@ -15,9 +15,9 @@ bool SearchProgress::matchRun(const EventReader &reader, EventMatcher &matcher,
     const std::size_t last = mayBeIn ? endOfRun(chunk, first) : chunk.size();
     goTo(chunk, last);
     if (first < last && mayBeIn) {
-        if (matcher.readsMessages()) {
-            reader.foresee(number + 1);
-        }
+        reader.foresee(number + 1, [&matcher](const EventChunk &next) {
+            return next.isPacked() && matcher.readsMessages(next);
+        });
         matcher.matchAll(chunk, first, last, positions, matches);
     }
     return true;

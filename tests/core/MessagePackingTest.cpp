@@ -159,6 +159,61 @@ TEST_F(MessagePackingTest, FindsTheSameWherePacked) {
     EXPECT_EQ(found(), before);
 }
 
+TEST_F(MessagePackingTest, FindsWhatOnlyAFewOfThemHave) {
+    // Each in a chunk of its own, with letters that are alike to others.
+    const std::vector<std::string> rare = {"a Moonlight sonata", "3 di\u017Fk", "5 \u212Aelvin",
+                                           "f\u00fcnf", "x"};
+    for (const std::string &message : rare) {
+        fill(1);
+        m_list.insertRaw(fields("1", "Auth.Notice", "10.0.0.1", message));
+    }
+    fill(MessagePacking::kHotChunks + 1);
+    struct Case {
+        TextPattern::Spec text;
+        bool isNegated = false;
+    };
+    const Case cases[] = {
+        {{"moonlight"}},
+        {{"MOONLIGHT", true}},
+        {{"Moonlight", true}},
+        {{"disk"}},
+        {{"KELVIN"}},
+        {{"f\u00fcnf"}},
+        {{"F\u00dcNF", true}},
+        {{"x"}},
+        {{"a m"}},
+        {{"xyzzy"}},
+        {{"xyzzy"}, true},
+        {{"moonlight"}, true},
+        {{"m.*light", false, true}},
+        {{"zzz.*light", false, true}},
+        {{"disk|kelvin", false, true}},
+        {{"10.0.0.1"}},
+        {{"auth.not"}},
+        {{"[4095]: acc"}},
+        {{"operator", true}},
+    };
+    std::vector<std::size_t> counts;
+    const auto countAll = [&] {
+        counts.clear();
+        for (const Case &c : cases) {
+            EventQuery query;
+            query.texts.push_back({c.text, c.isNegated});
+            ArrangedEvents arranged(m_list);
+            EXPECT_EQ(arranged.setFilter(query), "");
+            arranged.search([] { return false; });
+            counts.push_back(arranged.size());
+        }
+        return counts;
+    };
+    const auto before = countAll();
+    EXPECT_EQ((std::vector(before.begin(), before.begin() + 10)),
+              (std::vector<std::size_t>{1, 0, 1, 1, 1, 1, 0, 1, 1, 0}));
+    packAll();
+    ASSERT_GT(packed(), rare.size());
+    EXPECT_EQ(countAll(), before);
+}
+
 TEST_F(MessagePackingTest, RemovalNoticesFindTheirEventsWherePacked) {
     fill(12);
     packAll();
