@@ -75,7 +75,9 @@ private:
     [[nodiscard]] std::vector<NamedResult> exportResults() const override {
         return m_exporter.results();
     }
-    [[nodiscard]] std::vector<OutputState> outputStates() const override { return m_outputs.states(); }
+    [[nodiscard]] std::vector<OutputState> outputStates() const override {
+        return m_outputs.states();
+    }
     static int onStopSignal(sd_event_source *source, const struct signalfd_siginfo *info,
                             void *self);
     static int onReloadSignal(sd_event_source *source, const struct signalfd_siginfo *info,
