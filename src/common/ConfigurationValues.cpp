@@ -65,7 +65,7 @@ bool isWordOf(std::string_view text, std::string_view others, std::size_t most) 
 
 Complaint takeCollector(std::string &collector, std::string_view value) {
     if (!isWordOf(value, "-._", kLongestCollectorName)) {
-        return shownValue(value) + " is not 1 to 64 letters, digits, \"-\", \".\" or \"_\"";
+        return shownValue(value) + R"( is not 1 to 64 letters, digits, "-", "." or "_")";
     }
     collector = value;
     return std::nullopt;
