@@ -64,7 +64,7 @@ allowed=(
     "quorbel_service_bus $service_bus"
     "quorbel_service_collect $service_collect"
     "quorbel_service_input $service_input"
-    "quorbel_service service service/export cluster $service_input"
+    "quorbel_service service service/export service/output cluster $service_input"
 )
 
 # found LIBRARY HEADER: whether the compiler finds the header in the library's place.
