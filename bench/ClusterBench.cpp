@@ -48,7 +48,8 @@ public:
         writeSampleLog(m_folder / "library" / "2026-10-10.log", kRows, 0.003);
         require(m_server.start(), "ClickHouse does not start");
         std::ofstream(m_folder / "schema") << clusterSchema({}, {});
-        m_server.runClient(m_folder / "schema", {"--multiquery"});
+        const std::string said = m_server.runClient(m_folder / "schema", {"--multiquery"});
+        require(said.empty(), said);
     }
 
     bool run() {
@@ -126,7 +127,7 @@ private:
                     cost.sender / kRows * 1e6, cost.server / kRows * 1e6);
     }
     void askAll() const {
-        m_server.ask("OPTIMIZE TABLE quorbel.events FINAL");
+        ask("rows merged", "OPTIMIZE TABLE quorbel.events FINAL");
         ask("counted by host", "SELECT host, count() FROM quorbel.events_once GROUP BY host");
         ask("a text looked for",
             "SELECT count() FROM quorbel.events_once WHERE"
@@ -137,7 +138,8 @@ private:
     void ask(const std::string &what, const std::string &sql) const {
         const double server = m_server.processorSeconds();
         const Stopwatch wall;
-        m_server.ask(sql);
+        const std::string answer = m_server.ask(sql);
+        require(!answer.starts_with("! "), answer);
         const double seconds = wall.seconds();
         std::printf("%-60s %10.0f rows/s, %.3f µs of processor a row\n", what.c_str(),
                     kRows / seconds, (m_server.processorSeconds() - server) / kRows * 1e6);
