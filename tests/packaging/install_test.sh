@@ -117,7 +117,7 @@ for page in "$root$prefix"/share/man/man?/*; do
     check "${page##*/} is of this version" grep -q "^\.TH .* \"Quorbel $version\" " "$page"
 done
 # Every option that the service knows stands on its page, and no other.
-options=$("$root$prefix/sbin/QuorbelSrv" --help | grep -o -e '--[a-z-]*' | sort)
+options=$("$root$prefix/sbin/QuorbelSrv" --help | grep -o -e '--[a-z-]*' | sort -u)
 check "the page of QuorbelSrv tells of its options" test "$(
     sed -n '/^\.SH OPTIONS/,/^\.SH SIGNALS/s/^\.BI\? \(\\-\\-[a-z\\-]*\).*/\1/p' \
         "$root$prefix/share/man/man8/QuorbelSrv.8" | sed -e 's/\\//g' -e '/help\|version/d' |
