@@ -13,7 +13,7 @@ namespace {
 template <typename Number>
 void appendNumber(std::string &out, Number number) {
     for (std::size_t i = 0; i < sizeof number; ++i) {
-        out += static_cast<char>((number >> (8 * i)) & 0xFFU);
+        out += static_cast<char>((std::uint64_t{number} >> (8 * i)) & 0xFFU);
     }
 }
 
