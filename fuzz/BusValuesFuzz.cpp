@@ -67,7 +67,7 @@ public:
                 sd_bus_message_append(m_message, "(sd)", text().c_str(), 1.0);
                 break;
             case 4:
-                sd_bus_message_append_array(m_message, 'y', "abc", m_choices.byte() % 4);
+                sd_bus_message_append_array(m_message, 'y', "abc", m_choices.byte() % 4U);
                 break;
             case 5:
                 appendAll("a{sv}", depth);
@@ -81,7 +81,7 @@ public:
     }
     void appendDictionary(unsigned depth, const char *type) {
         sd_bus_message_open_container(m_message, 'a', type + 1);
-        for (unsigned left = m_choices.byte() % 5; left > 0; --left) {
+        for (unsigned left = m_choices.byte() % 5U; left > 0; --left) {
             appendElement(type + 1, depth + 1);
         }
         sd_bus_message_close_container(m_message);
@@ -89,7 +89,7 @@ public:
 
 private:
     std::string text() {
-        const std::string raw(m_choices.bytes(m_choices.byte() % 16));
+        const std::string raw(m_choices.bytes(m_choices.byte() % 16U));
         return raw.substr(0, raw.find('\0'));
     }
     /// Bodies of variants; what does not fit is left out by sd-bus, which is a message, too.
@@ -110,7 +110,7 @@ private:
                                                  "ay", "a{sv}", "av", "a{ss}"};
         const std::string_view front = m_choices.rest().substr(0, 1);
         const unsigned kind =
-            depth > 40 || front.empty() ? 0 : static_cast<unsigned char>(front[0]) % 8;
+            depth > 40 || front.empty() ? 0 : static_cast<unsigned char>(front[0]) % 8U;
         sd_bus_message_open_container(m_message, 'v', kTypes[kind]);
         append(depth);
         sd_bus_message_close_container(m_message);

@@ -1,7 +1,7 @@
 #include "Fuzz.h"
 #include "service/input/FrameSplitter.h"
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,14 +37,15 @@ public:
 
 private:
     void begin() {
-        m_splitter.emplace([this](std::string_view frame, FrameSplitter::Kind kind) {
-            m_frames.all.emplace_back(frame, kind);
-        });
+        m_splitter = std::make_unique<FrameSplitter>(
+            [this](std::string_view frame, FrameSplitter::Kind kind) {
+                m_frames.all.emplace_back(frame, kind);
+            });
     }
 
     Frames m_frames;
     std::uint64_t m_skipped = 0;
-    std::optional<FrameSplitter> m_splitter;
+    std::unique_ptr<FrameSplitter> m_splitter;
 };
 
 }  // namespace
