@@ -34,7 +34,7 @@ std::uint32_t timeOf(std::string_view date) {
 
 }  // namespace
 
-ClusterRows::ClusterRows(std::string collector) {
+ClusterRows::ClusterRows(std::string_view collector) {
     appendText(m_collector, collector);
 }
 

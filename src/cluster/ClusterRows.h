@@ -23,7 +23,7 @@ inline constexpr std::string_view kClusterColumns =
 class ClusterRows {
 public:
     /// `collector` says whose events they are.
-    explicit ClusterRows(std::string collector);
+    explicit ClusterRows(std::string_view collector);
 
     /// Adds an event; with the collector's name, its number is the name of the row. A date that is
     /// no number of seconds counts as 0, as whatever is before 1970, and one past 2106 as the last.

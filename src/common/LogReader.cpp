@@ -244,7 +244,7 @@ std::uint64_t totalSize(const std::vector<std::filesystem::path> &files) {
     return total;
 }
 
-LogFile::LogFile(std::filesystem::path file) : LogFile(file, openRegular(file, O_RDONLY)) {}
+LogFile::LogFile(const std::filesystem::path &file) : LogFile(file, openRegular(file, O_RDONLY)) {}
 
 LogFile::LogFile(std::filesystem::path file, UniqueFd source)
     : m_source(std::move(source)), m_unread{.file = std::move(file)} {

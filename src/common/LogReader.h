@@ -60,7 +60,7 @@ struct LogExtent {
 /// A log file that is open. Its parts can be read by several threads at once.
 class LogFile {
 public:
-    explicit LogFile(std::filesystem::path file);
+    explicit LogFile(const std::filesystem::path &file);
     /// One that was opened already.
     LogFile(std::filesystem::path file, UniqueFd source);
 
