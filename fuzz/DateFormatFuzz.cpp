@@ -14,7 +14,9 @@ namespace {
 
 std::int64_t momentFrom(std::string_view bytes) {
     std::int64_t moment = 0;
-    std::memcpy(&moment, bytes.data(), std::min(bytes.size(), sizeof moment));
+    if (!bytes.empty()) {
+        std::memcpy(&moment, bytes.data(), std::min(bytes.size(), sizeof moment));
+    }
     // Most within some thousand years, some anywhere.
     return moment % 4 == 0 ? moment : moment % 100'000'000'000;
 }
