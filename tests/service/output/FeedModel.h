@@ -152,7 +152,8 @@ private:
         }
     }
     void acknowledge() {
-        m_feed->acknowledge(m_taken - (m_chance() % 3 == 0 ? m_chance() % 50 : 0));
+        const std::uint64_t less = m_chance() % 3 == 0 ? m_chance() % 50 : 0;
+        m_feed->acknowledge(m_taken - std::min(m_taken, less));
     }
     /// A run of lines of a file, and now and then all of them.
     void remove() {
