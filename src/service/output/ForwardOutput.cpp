@@ -55,11 +55,13 @@ bool ForwardOutput::connect() {
 /// False when the connection is broken.
 bool ForwardOutput::turn() {
     const auto piece = next(kPiece, kLook, m_connection->fd());
+    // Whatever comes in between, the connection is known to live at this time only.
+    const Clock::time_point alive = Clock::now();
     if (!m_connection->listen() || (piece && !sendPiece(*piece))) {
         return false;
     }
-    noteConfirmed();
-    acknowledgeSome(false);
+    noteConfirmed(alive);
+    acknowledgeSome(alive, false);
     return true;
 }
 
@@ -111,31 +113,29 @@ bool ForwardOutput::sendBytes(std::string_view bytes) {
     return sent.has_value();
 }
 
-void ForwardOutput::noteConfirmed() {
+void ForwardOutput::noteConfirmed(Clock::time_point alive) {
     const std::uint64_t unconfirmed = isUdp() ? 0 : m_connection->unconfirmed();
     const std::uint64_t written = m_connection->written();
-    const Clock::time_point now = Clock::now();
     for (Mark &mark : m_marks) {
         if (mark.confirmed == Clock::time_point::max() && unconfirmed <= written - mark.written) {
-            mark.confirmed = isUdp() ? now - m_proof : now;
+            mark.confirmed = isUdp() ? alive - m_proof : Clock::now();
         }
     }
 }
 
-/// Up to the last mark that is proved; with `all`, all of them are.
-void ForwardOutput::acknowledgeSome(bool all) {
-    const Clock::time_point now = Clock::now();
-    if (m_marks.empty() || (!all && now - m_acknowledged < kAcknowledgeInterval)) {
+/// Up to the last mark that is proved by a connection that lived at `alive`; with `all`, all are.
+void ForwardOutput::acknowledgeSome(Clock::time_point alive, bool all) {
+    if (m_marks.empty() || (!all && alive - m_acknowledged < kAcknowledgeInterval)) {
         return;
     }
     const auto end =
-        all ? m_marks.end() : std::ranges::find_if(m_marks, [now, this](const Mark &mark) {
-            return mark.confirmed == Clock::time_point::max() || now - mark.confirmed < m_proof;
+        all ? m_marks.end() : std::ranges::find_if(m_marks, [alive, this](const Mark &mark) {
+            return mark.confirmed == Clock::time_point::max() || alive - mark.confirmed < m_proof;
         });
     if (end == m_marks.begin() || !acknowledge(std::prev(end)->number)) {
         return;
     }
-    m_acknowledged = now;
+    m_acknowledged = alive;
     for (auto mark = m_marks.begin(); mark != end; ++mark) {
         noteSent(mark->events);
     }
@@ -150,7 +150,7 @@ void ForwardOutput::finish() {
     while (!isUdp() && m_connection->listen() && Clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    acknowledgeSome(isUdp() || m_connection->isClosed());
+    acknowledgeSome(Clock::now(), isUdp() || m_connection->isClosed());
 }
 
 void ForwardOutput::breakOff() {

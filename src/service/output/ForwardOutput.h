@@ -42,8 +42,8 @@ private:
     bool sendDatagrams(const EventFeed::Piece &piece, std::uint64_t &events);
     bool sendStream(const EventFeed::Piece &piece, std::uint64_t &events);
     bool sendBytes(std::string_view bytes);
-    void noteConfirmed();
-    void acknowledgeSome(bool all);
+    void noteConfirmed(Clock::time_point alive);
+    void acknowledgeSome(Clock::time_point alive, bool all);
     void finish();
     void breakOff();
     [[nodiscard]] bool isUdp() const {

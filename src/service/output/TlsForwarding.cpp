@@ -9,6 +9,8 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace quorbel {
@@ -143,10 +145,12 @@ private:
     template <typename Call>
     int call(const Call &function) {
         ERR_clear_error();
+        errno = 0;
         return function();
     }
     /// What to wait for; 0 when the connection is at its end.
     short eventsAfter(int result) {
+        const int cause = errno;
         const int error = SSL_get_error(m_ssl.get(), result);
         if (error == SSL_ERROR_WANT_READ) {
             return POLLIN;
@@ -161,6 +165,8 @@ private:
         m_isClosed = error == SSL_ERROR_ZERO_RETURN || (m_isFinished && hasEnded);
         if (m_isClosed || hasEnded) {
             breaks("it closed the connection");
+        } else if (error == SSL_ERROR_SYSCALL && cause != 0) {
+            breaks(std::generic_category().message(cause));
         } else if (verified != X509_V_OK) {
             breaks(std::string("its certificate is refused: ") +
                    X509_verify_cert_error_string(verified));

@@ -210,6 +210,22 @@ TEST_F(ForwardOutputTest, isHeldUpByAServerThatTakesNothingButStoringIsNot) {
     EXPECT_FALSE(receiver.isBroken());
 }
 
+TEST_F(ForwardOutputTest, saysWhyAConnectionBroke) {
+    for (const Protocol protocol : {Protocol::kTcp, Protocol::kTls}) {
+        SyslogReceiver::Setup setup;
+        if (protocol == Protocol::kTls) {
+            setup.identity = authority.issue();
+        }
+        auto receiver = std::make_unique<SyslogReceiver>(setup);
+        start(settings(*receiver, protocol));
+        storeText("one");
+        EXPECT_TRUE(waitUntil([&] { return receiver->count() > 0; }));
+        receiver->resetAfter(0);
+        storeText("two");
+        EXPECT_TRUE(hasProblem("Connection reset by peer")) << output->state().problem;
+    }
+}
+
 TEST_F(ForwardOutputTest, saysWhyItCannotConnect) {
     auto receiver = std::make_unique<SyslogReceiver>();
     const ForwardSettings gone = settings(*receiver);
