@@ -22,7 +22,9 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorbel {
@@ -100,16 +102,20 @@ public:
         ::kill(m_pid, SIGKILL);
         ::waitpid(m_pid, nullptr, 0);
     }
-    /// How often each of its lines is there, without what it says of itself.
-    [[nodiscard]] std::map<std::string, int> received() const {
-        std::map<std::string, int> lines;
+    /// The ends of its lines, each once, without what it says of itself. What it was writing when
+    /// it was killed has no end: the next line follows at once.
+    [[nodiscard]] std::set<std::string> received() const {
+        constexpr std::string_view kBegin = "191 2023-11-14T22:13:20";
+        std::set<std::string> lines;
         const std::string text = readFile(m_folder + "/received").value_or("");
         for (std::size_t at = 0, end = 0; (end = text.find('\n', at)) != std::string::npos;
              at = end + 1) {
             const std::string line = text.substr(at, end - at);
-            lines[line] += line.find(" device ") != std::string::npos ? 1 : 0;
+            const std::size_t begin = line.rfind(kBegin);
+            if (begin != std::string::npos) {
+                lines.insert(line.substr(begin + kBegin.size()));
+            }
         }
-        std::erase_if(lines, [](const auto &line) { return line.second == 0; });
         return lines;
     }
 
@@ -127,6 +133,8 @@ struct ForwardReceiversTest : ::testing::TestWithParam<Protocol> {
     std::unique_ptr<ForwardOutput> output;
 
     ForwardReceiversTest() {
+        // As the service does: TLS writes into connections that are gone.
+        std::signal(SIGPIPE, SIG_IGN);
         store.prepare();
         const auto issued = authority.issue();
         other.write("authority.pem", authority.certificate());
@@ -195,10 +203,16 @@ TEST_P(ForwardReceiversTest, rsyslogHasAllInTheEnd) {
     }
     put(2 * kCount, 3 * kCount);
     EXPECT_TRUE(isAllSent(3 * kCount)) << output->state().problem;
-    const auto received = [&] { return rsyslog.received(); };
-    EXPECT_TRUE(waitUntil([&] { return received().size() == 3 * kCount; }, kLong));
-    EXPECT_TRUE(received().contains("191 2023-11-14T22:13:20+00:00 device test 7 number 14999") ||
-                received().contains("191 2023-11-14T22:13:20Z device test 7 number 14999"));
+    std::set<std::string> received;
+    const auto hasAll = [&] {
+        received = rsyslog.received();
+        return received.size() >= 3 * kCount;
+    };
+    EXPECT_TRUE(waitUntil(hasAll, kLong)) << received.size();
+    for (int i = 0; i < 3 * kCount; ++i) {
+        const std::string rest = " device test 7 number " + std::to_string(i);
+        EXPECT_TRUE(received.contains("Z" + rest) || received.contains("+00:00" + rest)) << rest;
+    }
 }
 
 TEST_P(ForwardReceiversTest, aServiceOfOursStoresTheSameTexts) {
