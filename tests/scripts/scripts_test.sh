@@ -24,7 +24,7 @@ check "packages refuses what it does not know" gives 2 "^Usage: tools/packages" 
     "$project/tools/packages" --nonsense
 check "packages wants a build to pack" gives 1 "no build in" "$project/tools/packages" --from /
 
-purposes="build run display test bench check package system tidy fuzz"
+purposes="build run display test bench check package system tidy fuzz coverage peers"
 duplicates() { grep -v '^#' "$project/packages.txt" | awk 'NF { print $1 }' | sort | uniq -d; }
 malformed() {
     awk -v known=" $purposes " '
