@@ -68,7 +68,10 @@ bool ClickHouse::isThere() {
 }
 
 ClickHouse::ClickHouse(std::filesystem::path folder)
-    : m_folder(std::move(folder)), m_httpPort(freePort()), m_tcpPort(freePort()) {}
+    : m_folder(std::move(folder)),
+      m_httpPort(freePort()),
+      m_httpsPort(freePort()),
+      m_tcpPort(freePort()) {}
 
 ClickHouse::~ClickHouse() {
     kill();
@@ -92,14 +95,15 @@ void ClickHouse::writeConfiguration() const {
                                                           element("port", std::to_string(port))));
     }
     std::ofstream(m_folder / "server.xml") << element(
-        "yandex",
-        element("logger", element("level", "warning") + element("console", "1")) +
-            element("listen_host", "127.0.0.1") + element("http_port", std::to_string(m_httpPort)) +
-            element("tcp_port", std::to_string(m_tcpPort)) + element("path", m_folder / "data/") +
-            element("tmp_path", m_folder / "tmp/") + element("mark_cache_size", "67108864") +
-            element("timezone", "UTC") + element("users_config", "users.xml") +
-            element("default_profile", "default") + element("default_database", "default") +
-            element("remote_servers", element("quorbel", shards)));
+        "yandex", element("logger", element("level", "warning") + element("console", "1")) +
+                      element("listen_host", "127.0.0.1") +
+                      element("http_port", std::to_string(m_httpPort)) +
+                      element("tcp_port", std::to_string(m_tcpPort)) + tlsConfiguration() +
+                      element("path", m_folder / "data/") + element("tmp_path", m_folder / "tmp/") +
+                      element("mark_cache_size", "67108864") + element("timezone", "UTC") +
+                      element("users_config", "users.xml") + element("default_profile", "default") +
+                      element("default_database", "default") +
+                      element("remote_servers", element("quorbel", shards)));
     const auto user = [](const std::string &name, const std::string &password) {
         return element(name, element("password", password) +
                                  element("networks", element("ip", "127.0.0.1")) +
@@ -110,6 +114,21 @@ void ClickHouse::writeConfiguration() const {
                                  element("quotas", element("default", "")) +
                                  element("users", user("default", "") + user("quorbel", "secret")));
     std::ofstream(m_folder / "password") << "secret\n";
+}
+
+std::string ClickHouse::tlsConfiguration() const {
+    if (!m_identity) {
+        return "";
+    }
+    const auto certificate = m_folder / "server.pem";
+    const auto key = m_folder / "key.pem";
+    std::ofstream(certificate) << m_identity->certificate;
+    std::ofstream(key) << m_identity->key;
+    return element("https_port", std::to_string(m_httpsPort)) +
+           element("openSSL", element("server", element("certificateFile", certificate) +
+                                                    element("privateKeyFile", key) +
+                                                    element("verificationMode", "none") +
+                                                    element("loadDefaultCAFile", "false")));
 }
 
 bool ClickHouse::start() {

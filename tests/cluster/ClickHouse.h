@@ -1,11 +1,13 @@
 #pragma once
 
 #include "cluster/ClusterClient.h"
+#include "support/TestAuthority.h"
 
 #include <sys/types.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,8 @@ public:
 
     /// To be called before start(): the servers of the sharded table, this one among them.
     void setShards(const std::vector<std::uint16_t> &ports) { m_shards = ports; }
+    /// The same: it also speaks HTTPS, on a port of its own, with that certificate.
+    void setIdentity(const TestAuthority::Issued &identity) { m_identity = identity; }
     /// Starts it and waits until it answers; once more after kill(). False when it does not.
     bool start();
     /// Ends it on the spot (SIGKILL), as a crash would.
@@ -39,6 +43,7 @@ public:
     [[nodiscard]] double processorSeconds() const;
 
     [[nodiscard]] std::uint16_t httpPort() const { return m_httpPort; }
+    [[nodiscard]] std::uint16_t httpsPort() const { return m_httpsPort; }
     [[nodiscard]] std::uint16_t shardPort() const { return m_tcpPort; }
     [[nodiscard]] std::string address() const;
     [[nodiscard]] ClusterConnection connection() const;
@@ -51,11 +56,14 @@ public:
 
 private:
     void writeConfiguration() const;
+    [[nodiscard]] std::string tlsConfiguration() const;
 
     const std::filesystem::path m_folder;
     const std::uint16_t m_httpPort;
+    const std::uint16_t m_httpsPort;
     const std::uint16_t m_tcpPort;
     std::vector<std::uint16_t> m_shards;
+    std::optional<TestAuthority::Issued> m_identity;
     pid_t m_pid = -1;
 };
 

@@ -12,6 +12,7 @@ namespace quorbel {
 namespace {
 
 using testing::applySchema;
+using testing::askCluster;
 using testing::ClickHouse;
 using testing::ClusterFixture;
 using testing::eventOf;
@@ -19,6 +20,7 @@ using ::testing::HasSubstr;
 using testing::insertRows;
 using ::testing::StartsWith;
 using testing::TemporaryFolder;
+using testing::TestAuthority;
 
 class ClusterServerTest : public ClusterFixture {
 protected:
@@ -176,6 +178,75 @@ TEST_F(ClusterServerTest, AnErrorAmongTheRowsIsAProblem) {
                 " LIMIT 4000000 FORMAT TabSeparated",
                 [&answer](std::string_view bytes) { return answer.add(bytes); }, goOn);
     EXPECT_THAT(problem + answer.problem(), HasSubstr("throwIf"));
+}
+
+/// The real server's own TLS, as a collector has it: by an authority's file, and the system's.
+struct ClusterHttpsTest : ::testing::Test {
+    void SetUp() override {
+        if (!ClickHouse::isThere()) {
+            GTEST_SKIP() << ClickHouse::kMissing;
+        }
+    }
+    [[nodiscard]] bool startAs(const TestAuthority::Issued &identity) {
+        server.kill();
+        server.setIdentity(identity);
+        return server.start();
+    }
+    [[nodiscard]] ClusterConnection connection(const TestAuthority &trusted) const {
+        ClusterConnection connection = server.connection();
+        connection.servers = {"https://127.0.0.1:" + std::to_string(server.httpsPort())};
+        connection.authorityFile = folder.write("authority.pem", trusted.certificate()).string();
+        return connection;
+    }
+
+    const TestAuthority authority;
+    const TestAuthority other{"Other"};
+    TemporaryFolder folder;
+    ClickHouse server{folder.path() / "server"};
+};
+
+TEST_F(ClusterHttpsTest, SchemaRowsAndQuestions) {
+    ASSERT_TRUE(startAs(authority.issue()));
+    // Statement after statement, as a tool for HTTP would.
+    std::string schema = clusterSchema({}, {});
+    for (std::size_t end = 0; (end = schema.find(";\n")) != std::string::npos;
+         schema.erase(0, end + 2)) {
+        const std::string statement = schema.substr(0, end);
+        if (statement.find("\nCREATE ") != std::string::npos) {
+            EXPECT_EQ(askCluster(connection(authority), statement), "");
+        }
+    }
+    // Longer than what TLS sends in a record, and more than one request a connection.
+    ClusterRows rows("here");
+    for (std::uint64_t i = 0; i < 20'000; ++i) {
+        rows.add(i, eventOf("1700000000", "User.Debug", "h", std::to_string(i)));
+    }
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(insertRows(connection(authority), rows), "");
+        EXPECT_EQ(askCluster(connection(authority), "SELECT count() FROM quorbel.events_once"),
+                  "20000");
+    }
+}
+
+TEST_F(ClusterHttpsTest, OnlyTheServerThatIsMeantGetsRows) {
+    struct {
+        TestAuthority::Issued identity;
+        const TestAuthority &trusted;
+        const char *problem;
+    } const cases[] = {
+        {authority.issue(), other, "unable to get local issuer certificate"},
+        {authority.issue("DNS:elsewhere.example"), authority, "127.0.0.1"},
+        {authority.issueExpired(), authority, "certificate has expired"},
+    };
+    for (const auto &[identity, trusted, problem] : cases) {
+        ASSERT_TRUE(startAs(identity));
+        ASSERT_EQ(applySchema(server, folder, clusterSchema({}, {})), "");
+        ClusterRows rows("here");
+        rows.add(1, eventOf("1700000000", "User.Debug", "h", "m"));
+        EXPECT_THAT(insertRows(connection(trusted), rows),
+                    AllOf(StartsWith("https://127.0.0.1:"), HasSubstr(problem)));
+        EXPECT_EQ(server.ask("SELECT count() FROM quorbel.events"), "0");
+    }
 }
 
 struct TwoShardsTest : ::testing::Test {
