@@ -84,6 +84,27 @@ struct CollectorTest : ::testing::Test {
     ConnectionShares shares;
 };
 
+// Whatever was found out of its sender with the message before.
+TEST_F(CollectorTest, WhoIsARelayIsAskedAnewWhenTheListIsAnother) {
+    const std::vector<AddressNetwork> all = {AddressNetwork::parse("10.0.0.0/8").value()};
+    std::string hosts;
+    collector.beginTurn();
+    for (const auto &relays : {std::vector<AddressNetwork>(), all, std::vector<AddressNetwork>()}) {
+        collector.trust(relays);
+        collector.receive("<13>1 - web1 - - - - text", kRouter);
+        collector.receive("<13>1 - web2 - - - - text", kRouter);
+    }
+    collector.endTurn();
+    for (const std::string &name : store.fileNames().value_or(std::vector<std::string>())) {
+        LogReader::readFile(store.path(name), [&hosts](const LogLine &line) {
+            hosts += std::string(line.host) + ' ';
+            return true;
+        });
+    }
+    EXPECT_EQ(hosts, "10.1.2.3 10.1.2.3 web1 web2 10.1.2.3 10.1.2.3 ");
+    EXPECT_EQ(counters.relayed, 2U);
+}
+
 TEST_F(CollectorTest, AMessageThatBecomesSeveralEventsSetsActionsOffOnce) {
     configure({{"actionsArray", Array{everyReaction(1)}}});
     collector.beginTurn();
