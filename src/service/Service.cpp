@@ -247,12 +247,9 @@ void Service::updateCounters() {
     m_counters.commandsNotRun = m_commandRunner.notStarted();
     m_counters.mailsSent = m_mail.sent();
     m_counters.mailsDropped = m_mail.dropped();
-    m_counters.sentOn = 0;
-    m_counters.removedUnsent = 0;
-    for (const OutputState &output : outputStates()) {
-        m_counters.sentOn += output.sent;
-        m_counters.removedUnsent += output.removedUnsent;
-    }
+    const OutputTotals outputs = m_outputs.totals();
+    m_counters.sentOn = outputs.sent;
+    m_counters.removedUnsent = outputs.removedUnsent;
     m_counters.journalDropped = journalLinesDropped();
     m_counters.unsynced = m_store.unsynced();
 }

@@ -134,9 +134,27 @@ TEST_F(ChainTest, TheCountersTellWhatWasSentOn) {
     send(7, "<11>two");
     ASSERT_TRUE(second.waitForStored(2));
     EXPECT_EQ(sender->terminate(), 0);
-    EXPECT_THAT(sender->journal(), HasSubstr(", events removed unsent 0, "));
+    EXPECT_THAT(sender->journal(), HasSubstr(", events sent on 2, events removed unsent 0, "));
     receiver->terminate();
     EXPECT_THAT(receiver->journal(), HasSubstr(", relayed 2, "));
+}
+
+TEST_F(ChainTest, TheCountersForgetNoOutputThatGoes) {
+    startSecond();
+    startFirst(forwardTo(receiver->port()));
+    send(7, "<11>one");
+    ASSERT_TRUE(second.waitForStored(1));
+    folder.write("quorbelsrv.conf", "");
+    kill(sender->pid(), SIGHUP);
+    ASSERT_TRUE(sender->waitForJournal("relay networks: 0, outputs: 0"));
+    // The same name with the same cursor, as another output.
+    folder.write("quorbelsrv.conf", forwardTo(receiver->port(), "Severity=Error\n"));
+    kill(sender->pid(), SIGHUP);
+    ASSERT_TRUE(sender->waitForJournal("relay networks: 0, outputs: 1"));
+    send(7, "<11>two");
+    ASSERT_TRUE(second.waitForStored(2));
+    EXPECT_EQ(sender->terminate(), 0);
+    EXPECT_THAT(sender->journal(), HasSubstr(", events sent on 2, "));
 }
 
 }  // namespace

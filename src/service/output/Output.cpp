@@ -170,6 +170,11 @@ void Output::measure() {
     m_state.lagSeconds = lag.seconds;
 }
 
+OutputTotals Output::totals() const {
+    const MutexLock lock(m_mutex);
+    return {m_state.sent, m_feed.removedUnsent() - m_removedBefore};
+}
+
 OutputState Output::state() const {
     const Clock::time_point now = Clock::now();
     const MutexLock lock(m_mutex);

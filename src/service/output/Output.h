@@ -42,6 +42,8 @@ public:
 
     /// Any thread, at once.
     [[nodiscard]] OutputState state() const;
+    /// Since the object was made. Any thread, at once.
+    [[nodiscard]] OutputTotals totals() const;
 
 protected:
     using Clock = std::chrono::steady_clock;
@@ -92,6 +94,7 @@ private:
     void sayOnce(const std::string &problem);
 
     EventFeed m_feed;
+    const std::uint64_t m_removedBefore = m_feed.removedUnsent();
     AppendWaker m_waker;
     const std::string m_name;
     const Clock::time_point m_begin = Clock::now();

@@ -100,10 +100,14 @@ void Outputs::reap() {
         m_wake.waitFor(lock, kInterval,
                        [this]() REQUIRES(m_mutex) { return m_stop || !m_ending.empty(); });
         while (!m_ending.empty()) {
-            // Gone before another one of its name is made.
+            Output &ending = *m_ending.front().output;
+            lock.unlock();
+            ending.stop();
+            lock.lock();
+            m_ended += ending.totals();
             std::unique_ptr<Output> output = std::move(m_ending.front().output);
             lock.unlock();
-            output->stop();
+            // Gone before another one of its name is made.
             output.reset();
             lock.lock();
             m_ending.erase(m_ending.begin());
@@ -121,6 +125,17 @@ void Outputs::stop() {
         retire(entry);
     }
     m_wake.wait(lock, [this]() REQUIRES(m_mutex) { return m_ending.empty(); });
+}
+
+OutputTotals Outputs::totals() const {
+    const MutexLock lock(m_mutex);
+    OutputTotals totals = m_ended;
+    for (const std::vector<Entry> *entries : {&m_entries, &m_ending}) {
+        for (const Entry &entry : *entries) {
+            totals += entry.output ? entry.output->totals() : OutputTotals();
+        }
+    }
+    return totals;
 }
 
 std::vector<OutputState> Outputs::states() const {

@@ -34,6 +34,8 @@ public:
 
     /// In the order of the configuration.
     [[nodiscard]] std::vector<OutputState> states() const;
+    /// Of all that there are and were; never less than before.
+    [[nodiscard]] OutputTotals totals() const;
 
 private:
     /// With what the service is called there.
@@ -66,6 +68,7 @@ private:
     bool m_stop GUARDED_BY(m_mutex) = false;
     std::vector<Entry> m_entries GUARDED_BY(m_mutex);
     std::vector<Entry> m_ending GUARDED_BY(m_mutex);  ///< not wanted any more
+    OutputTotals m_ended GUARDED_BY(m_mutex);
 
     std::thread m_reaper;  ///< waits for those that end
 };
