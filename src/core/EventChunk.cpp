@@ -1,5 +1,6 @@
 #include "core/EventChunk.h"
 
+#include "core/MessageRun.h"
 #include "platform/MemoryPages.h"
 
 #include <algorithm>
@@ -10,24 +11,9 @@ namespace quorbel {
 
 namespace {
 
+static_assert(MessageRun::kNowhere == EventRecord::kNoMessage);
+
 constexpr std::size_t kWordBits = 64;
-
-struct StoredMessage {
-    std::string_view text;
-    std::size_t storedSize;  // with its length
-};
-
-StoredMessage readMessage(const char *bytes) {
-    std::size_t length = 0;
-    std::size_t used = 0;
-    unsigned char byte = 0;
-    do {
-        byte = static_cast<unsigned char>(bytes[used]);
-        length |= static_cast<std::size_t>(byte & 0x7FU) << (7 * used);
-        ++used;
-    } while ((byte & 0x80U) != 0);
-    return {{bytes + used, length}, used + length};
-}
 
 void writeMessage(MessageBytes &bytes, std::string_view text) {
     std::size_t length = text.size();
@@ -92,7 +78,7 @@ std::optional<std::string_view> EventChunk::message(const EventRecord &record) c
     if (record.message == EventRecord::kNoMessage) {
         return std::nullopt;
     }
-    return readMessage(bytes() + record.message).text;
+    return StoredMessage::at(bytes() + record.message).text;
 }
 
 std::size_t EventChunk::placeFrom(std::size_t position) const {
@@ -100,11 +86,6 @@ std::size_t EventChunk::placeFrom(std::size_t position) const {
         ++position;
     }
     return position < size() ? m_records[position].message : messageBytes();
-}
-
-std::string_view EventChunk::messagesBetween(std::size_t first, std::size_t last) const {
-    const std::size_t begin = placeFrom(first);
-    return {bytes() + begin, placeFrom(last + 1) - begin};
 }
 
 EventRecord &EventChunk::append(const std::optional<std::string_view> &message) {
@@ -160,7 +141,7 @@ void EventChunk::remove(const std::vector<Positions> &ranges, EventChunk *taken)
                              message(record));
             }
             if (record.message != EventRecord::kNoMessage && !m_packed) {
-                m_deadBytes += readMessage(bytes() + record.message).storedSize;
+                m_deadBytes += StoredMessage::at(bytes() + record.message).storedSize;
             }
         }
         wordBegin += kWordBits;

@@ -78,10 +78,12 @@ public:
     /// Valid until the chunk changes, or until messages of UnpackedMessages::kMost other chunks
     /// were looked at.
     [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
-    /// The bytes of the messages of the records from one position to another, that one included, in
-    /// their order, with others between them. As long valid.
-    [[nodiscard]] std::string_view messagesBetween(std::size_t first, std::size_t last) const;
-    /// How many these are.
+    /// The bytes in which its messages stand where their records say. As long valid.
+    [[nodiscard]] const char *bytes() const {
+        return (m_packed ? m_packed->bytes() : *m_bytes).data();
+    }
+    /// How many bytes the messages take of the records from one position to another, that one
+    /// included, with others between them.
     [[nodiscard]] std::size_t bytesBetween(std::size_t first, std::size_t last) const {
         return placeFrom(last + 1) - placeFrom(first);
     }
@@ -102,13 +104,11 @@ public:
     /// Gives its events other ids. Precondition: none was removed, and it has no look-up table.
     void setFirst(EventId first) { m_first = first; }
 
-    /// Says that messages of it will be looked at soon.
-    void foresee() {
-        if (m_packed) {
-            m_packed->foresee();
-        }
-    }
     [[nodiscard]] bool isPacked() const { return m_packed != nullptr; }
+    /// Its messages, as any thread may unpack them; null when they are not packed.
+    [[nodiscard]] std::shared_ptr<const PackedBytes> packed() const {
+        return m_packed ? m_packed->packed() : nullptr;
+    }
     /// What cannot be in its messages, as far as that is known without unpacking them.
     [[nodiscard]] const TrigramFilter &filter() const;
     /// Whether the messages' bytes will not change any more, are as they are, and may gain from
@@ -179,9 +179,6 @@ private:
     static constexpr std::size_t kMaxBytesReserved = std::size_t{1} << 20U;
     static constexpr std::size_t kBytesLimit = std::size_t{256} << 20U;
 
-    [[nodiscard]] const char *bytes() const {
-        return (m_packed ? m_packed->bytes() : *m_bytes).data();
-    }
     void replaceBytes(MessageBytes bytes);
     void dropUnusedBytes();
     /// Where the message begins that a record or the next one after it has.

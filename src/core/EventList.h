@@ -5,6 +5,7 @@
 #include "core/Event.h"
 #include "core/EventChunk.h"
 #include "core/EventDates.h"
+#include "core/SearchAhead.h"
 #include "core/StringTable.h"
 
 #include <cstddef>
@@ -230,7 +231,8 @@ private:
     bool m_inBulk = false;
     std::size_t m_size = 0;
     EventId m_nextId = 1;
-    UnpackedMessages m_unpacked;           // outlives the chunks
+    UnpackedMessages m_unpacked;  // outlives the chunks
+    SearchAhead m_searchAhead;
     std::deque<EventChunk> m_chunks;       // oldest first
     std::vector<std::size_t> m_countUpTo;  // records up to and with each chunk
     bool m_countsCurrent = true;

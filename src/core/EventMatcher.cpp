@@ -32,48 +32,17 @@ void keep(EventMatcher::Positions &positions, IsMeant isMeant) {
     positions.resize(kept);
 }
 
+void placesOf(const EventChunk &chunk, const EventMatcher::Positions &positions,
+              MessageRun::Places &places) {
+    places.resize(positions.size());
+    std::ranges::transform(positions, places.begin(), [&chunk](std::uint32_t position) {
+        return chunk.record(position).message;
+    });
+}
+
 std::string_view messageAt(const EventChunk &chunk, std::uint32_t position) {
     return chunk.message(chunk.record(position)).value_or(std::string_view());
 }
-
-/// Goes from message to message of a run.
-class MessageCursor {
-public:
-    /// `bytes` are those of the messages at the positions.
-    MessageCursor(std::string_view bytes, const EventChunk &chunk,
-                  const EventMatcher::Positions &positions)
-        : m_bytes(bytes.data()),
-          m_chunk(chunk),
-          m_next(positions.begin()),
-          m_last(positions.end()) {}
-
-    /// Goes on to the first message that ends at `end` of the bytes, which is not 0, or later.
-    /// False when there is none.
-    bool moveTo(std::size_t end) {
-        while (m_end < end) {
-            if (m_next == m_last) {
-                return false;
-            }
-            m_position = *m_next++;
-            if (const auto message = m_chunk.message(m_chunk.record(m_position))) {
-                m_begin = static_cast<std::size_t>(message->data() - m_bytes);
-                m_end = m_begin + message->size();
-            }
-        }
-        return true;
-    }
-    [[nodiscard]] std::uint32_t position() const { return m_position; }
-    [[nodiscard]] std::size_t begin() const { return m_begin; }
-
-private:
-    const char *m_bytes;
-    const EventChunk &m_chunk;
-    EventMatcher::Positions::const_iterator m_next;
-    EventMatcher::Positions::const_iterator m_last;
-    std::uint32_t m_position = 0;
-    std::size_t m_begin = 0;
-    std::size_t m_end = 0;
-};
 
 }  // namespace
 
@@ -117,15 +86,43 @@ bool EventMatcher::mayBeIn(const EventChunk &chunk) const {
             (!m_filter.until || chunk.earliest() < *m_filter.until));
 }
 
-/// Whether a text may be in some message of a chunk.
-bool EventMatcher::mayBeInMessages(const EventChunk &chunk, const Text &text) {
-    const auto &needed = text.pattern.needed();
-    return !needed || needed->mayBeIn(chunk.filter());
+bool EventMatcher::readsMessages(const EventChunk &chunk) const {
+    return std::ranges::any_of(
+        m_texts, [&chunk](const Text &text) { return text.pattern.mayBeIn(chunk.filter()); });
 }
 
-bool EventMatcher::readsMessages(const EventChunk &chunk) const {
-    return std::ranges::any_of(m_texts,
-                               [&chunk](const Text &text) { return mayBeInMessages(chunk, text); });
+void EventMatcher::foresee(EventChunk &chunk) {
+    SearchAhead &ahead = m_events.searchAhead();
+    if (!ahead.isOfUse() || !chunk.isPacked() || !readsMessages(chunk) ||
+        (choosesFields() && !m_events.isSettled(chunk))) {
+        return;
+    }
+    TextSearch::Request request{chunk.packed(), placesMeant(chunk), {}};
+    if (request.places && request.places->empty()) {
+        return;
+    }
+    for (const Text &text : m_texts) {
+        request.isElsewhere.push_back(text.wasElsewhere);
+    }
+    if (!m_ahead) {
+        m_ahead = std::make_unique<TextsAhead>(ahead, m_filter.texts);
+    }
+    m_ahead->begin(std::move(request));
+}
+
+/// Where those messages begin whose events meet all conditions but those on texts; nothing for all.
+std::optional<MessageRun::Places> EventMatcher::placesMeant(const EventChunk &chunk) {
+    if (!choosesFields()) {
+        return std::nullopt;
+    }
+    makeRoom();
+    Positions positions(chunk.size());
+    std::iota(positions.begin(), positions.end(), 0U);
+    applyFields(chunk, positions);
+    MessageRun::Places places;
+    placesOf(chunk, positions, places);
+    std::erase(places, MessageRun::kNowhere);
+    return places;
 }
 
 void EventMatcher::makeRoom() {
@@ -217,52 +214,47 @@ void EventMatcher::applyText(EventChunk &chunk, Positions &positions, Text &text
         return;
     }
     findInMessages(chunk, positions, text);
-    keep(positions, [&](std::uint32_t position) {
-        const Answer answer = m_answers[position];
+    keep(positions, [&, next = m_answers.begin()](std::uint32_t position) mutable {
+        const Answer answer = *next++;
         const bool isFound =
             answer == Answer::kYes ||
             (answer == Answer::kUnsure && text.pattern.matches(messageAt(chunk, position))) ||
-            isInOthers(chunk, position, text);
+            isElsewhere(chunk, position, text);
         return isFound != text.isNegated;
     });
 }
 
-/// A single search through the bytes of all messages takes a fraction of one for each, unless there
-/// is much between them or much to be found in each, where one is enough.
 void EventMatcher::findInMessages(const EventChunk &chunk, const Positions &positions,
                                   const Text &text) {
-    constexpr std::size_t kManyBytes = 1024;
-    m_answers.assign(positions.back() + 1, Answer::kNo);
-    if (!mayBeInMessages(chunk, text)) {
+    m_answers.assign(positions.size(), Answer::kNo);
+    if (!text.pattern.mayBeIn(chunk.filter())) {
         return;
     }
-    const auto bytes = chunk.messagesBetween(positions.front(), positions.back());
-    const auto &needed = text.pattern.needed();
-    if (needed && needed->shortest() > 1 && bytes.size() / positions.size() < kManyBytes &&
-        markMessages(bytes, chunk, positions, text)) {
-        return;
-    }
-    for (const std::uint32_t position : positions) {
-        m_answers[position] = text.pattern.glanceAt(messageAt(chunk, position));
+    placesOf(chunk, positions, m_places);
+    if (const auto *found = m_ahead ? m_ahead->found(chunk.packed()) : nullptr) {
+        takeAnswers(*found, text);
+    } else {
+        MessageRun(chunk.bytes(), m_places).glance(text.pattern, m_answers);
     }
 }
 
-/// Searches the messages' bytes as one text. What is found there counts when it lies within one
-/// message; between them stands what is no part of any.
-bool EventMatcher::markMessages(std::string_view bytes, const EventChunk &chunk,
-                                const Positions &positions, const Text &text) {
-    MessageCursor message(bytes, chunk, positions);
-    return text.pattern.needed()->search(
-        bytes, [&](Answer answer, std::size_t begin, std::size_t end) {
-            if (!message.moveTo(end)) {
-                return false;
-            }
-            if (begin >= message.begin()) {
-                Answer &known = m_answers[message.position()];
-                known = std::max(known, text.pattern.answerFor(answer));
-            }
-            return true;
-        });
+/// Takes over what another thread found; what it did not look at remains to be looked at.
+void EventMatcher::takeAnswers(const TextSearch::Found &found, const Text &text) {
+    const auto &answers = found.answers[static_cast<std::size_t>(&text - m_texts.data())];
+    auto place = found.places.begin();
+    for (std::size_t i = 0; i < m_places.size(); ++i) {
+        place = std::find_if(place, found.places.end(),
+                             [wanted = m_places[i]](auto next) { return next >= wanted; });
+        const bool isKnown = place != found.places.end() && *place == m_places[i];
+        m_answers[i] = isKnown ? answers[static_cast<std::size_t>(place - found.places.begin())]
+                               : Answer::kUnsure;
+    }
+}
+
+bool EventMatcher::isElsewhere(EventChunk &chunk, std::uint32_t position, Text &text) {
+    const bool is = isInOthers(chunk, position, text);
+    text.wasElsewhere = text.wasElsewhere || is;
+    return is;
 }
 
 bool EventMatcher::isInOthers(EventChunk &chunk, std::uint32_t position, Text &text) {

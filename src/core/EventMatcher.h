@@ -46,8 +46,8 @@ public:
     /// Positions in a chunk, ascending.
     using Positions = std::vector<std::uint32_t>;
 
-    /// Whether it looks at messages of a chunk.
-    [[nodiscard]] bool readsMessages(const EventChunk &chunk) const;
+    /// Has other processors look at the messages of a chunk that will be matched soon.
+    void foresee(EventChunk &chunk);
     /// False when no event of the chunk is meant.
     [[nodiscard]] bool mayBeIn(const EventChunk &chunk) const;
     /// Appends those that match among the events at some positions of a chunk, and leaves the
@@ -98,10 +98,11 @@ private:
         Shared hosts{};
         std::array<Known, EventRecord::kTextDate + 1> mayBeInDates{};  // by format
         LastDate lastDate{};
+        bool wasElsewhere = false;  // in something else than a message
     };
 
     void makeRoom();
-    [[nodiscard]] static bool mayBeInMessages(const EventChunk &chunk, const Text &text);
+    [[nodiscard]] bool readsMessages(const EventChunk &chunk) const;
     [[nodiscard]] bool isInTime(const EventRecord &record) const;
     [[nodiscard]] bool meetsPriority(const EventRecord &record);
     [[nodiscard]] bool meetsHost(const EventRecord &record);
@@ -109,12 +110,16 @@ private:
     [[nodiscard]] bool choosesPriority() const {
         return m_filter.leastSeverity || m_filter.classes.any() || !m_filter.facility.empty();
     }
+    [[nodiscard]] bool choosesFields() const {
+        return choosesTime() || choosesPriority() || !m_filter.host.empty();
+    }
+    [[nodiscard]] std::optional<MessageRun::Places> placesMeant(const EventChunk &chunk);
     [[nodiscard]] bool isPriorityMeant(StringTable::Id id) const;
     void applyFields(const EventChunk &chunk, Positions &positions);
     void applyText(EventChunk &chunk, Positions &positions, Text &text);
     void findInMessages(const EventChunk &chunk, const Positions &positions, const Text &text);
-    [[nodiscard]] bool markMessages(std::string_view bytes, const EventChunk &chunk,
-                                    const Positions &positions, const Text &text);
+    void takeAnswers(const TextSearch::Found &found, const Text &text);
+    [[nodiscard]] bool isElsewhere(EventChunk &chunk, std::uint32_t position, Text &text);
     [[nodiscard]] bool isInOthers(EventChunk &chunk, std::uint32_t position, Text &text);
     [[nodiscard]] bool isInDate(EventChunk &chunk, std::uint32_t position, Text &text);
     [[nodiscard]] bool mayBeInDate(const EventRecord &record, Text &text) const;
@@ -126,7 +131,9 @@ private:
     std::vector<Text> m_texts;
     Shared m_priorities;
     Shared m_hosts;
-    std::vector<Answer> m_answers;  // of the messages by position; kept for its memory
+    std::unique_ptr<TextsAhead> m_ahead;  // from the first chunk on that is looked at ahead
+    MessageRun::Places m_places;          // of the messages looked at; kept for its memory
+    std::vector<Answer> m_answers;        // of these; kept for its memory
 };
 
 }  // namespace quorbel

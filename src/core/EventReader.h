@@ -29,17 +29,8 @@ public:
         return number > 0 && id < chunk(number - 1).endOfIds() ? number - 1 : number;
     }
 
-    /// Says that all messages of those chunks from this one on will be looked at, one after the
-    /// other, for which `areRead(chunk)`.
-    template <typename AreRead>
-    void foresee(std::size_t number, AreRead areRead) const {
-        const std::size_t end = std::min(chunkCount(), number + UnpackingAhead::kMost - 1);
-        for (; number < end; ++number) {
-            if (areRead(chunk(number))) {
-                chunk(number).foresee();
-            }
-        }
-    }
+    /// Searches messages of packed chunks on other processors.
+    [[nodiscard]] SearchAhead &searchAhead() const { return m_list.m_searchAhead; }
     /// One more than the largest id that an event has or had; 0 when there are none.
     [[nodiscard]] EventId endOfIds() const {
         return m_list.m_chunks.empty() ? 0 : m_list.m_chunks.back().endOfIds();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/PackedBytes.h"
-#include "core/UnpackingAhead.h"
 
 #include <cstddef>
 #include <memory>
@@ -27,13 +26,9 @@ private:
     /// Makes them one of the last; the one longest looked at makes room.
     void add(PackedMessages &messages);
     void forget(PackedMessages &messages);
-    /// Memory to unpack into: that of others, if there is any.
-    [[nodiscard]] MessageBytes takeRoom();
-    void giveRoom(MessageBytes room);
 
     std::vector<PackedMessages *> m_latest;  // the last one last
-    std::vector<MessageBytes> m_spare;
-    UnpackingAhead m_ahead;
+    MessageBytes m_spare;                    // of those that were forgotten last, for its memory
 };
 
 /// A chunk's packed messages, unpacked for a while whenever they are looked at. Main thread only.
@@ -52,8 +47,7 @@ public:
         }
         return m_unpacked;
     }
-    /// Says that they will be looked at soon.
-    void foresee();
+    [[nodiscard]] const std::shared_ptr<const PackedBytes> &packed() const { return m_packed; }
     [[nodiscard]] std::size_t size() const { return m_packed->unpackedSize(); }
     [[nodiscard]] const TrigramFilter &filter() const { return m_packed->filter(); }
 

@@ -18,7 +18,7 @@ public:
     /// All events before it are judged.
     [[nodiscard]] EventId next() const { return m_next; }
     /// Begins at the oldest event again, with what was learned of the time.
-    void restart() { m_next = 0; }
+    void restart() { m_next = m_foreseen = 0; }
     /// Goes on to a position of a chunk, or behind all of it.
     void goTo(const EventChunk &chunk, std::size_t position) { m_next = chunk.idFrom(position); }
 
@@ -49,7 +49,10 @@ private:
     static constexpr std::size_t kRecordCost = 32;
     static constexpr std::size_t kMostRunCost = std::size_t{1} << 19U;
 
+    void foresee(const EventReader &reader, EventMatcher &matcher, std::size_t number);
+
     EventId m_next = 0;
+    EventId m_foreseen = 0;  // other processors have been told of all chunks before it
     std::size_t m_runCost = std::size_t{1} << 14U;
 };
 

@@ -55,6 +55,10 @@ public:
     /// Looks for texts of which one at least is in whatever has a match; nothing when no such are
     /// known.
     [[nodiscard]] const std::optional<LiteralSearch> &needed() const { return m_needed; }
+    /// False when it is certain that no text among a filter's bytes has a match.
+    [[nodiscard]] bool mayBeIn(const TrigramFilter &filter) const {
+        return !m_needed || m_needed->mayBeIn(filter);
+    }
     /// What it means for a match that a search for the needed texts gave an answer.
     [[nodiscard]] LiteralSearch::Answer answerFor(LiteralSearch::Answer needed) const {
         return isPlain() ? needed : std::min(needed, LiteralSearch::Answer::kUnsure);
