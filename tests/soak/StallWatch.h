@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/UniqueFd.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <vector>
+
+namespace quorbel::soak {
+
+/// How long the event loop of the thread that made it takes for a turn, as its user notices it: the
+/// time between two beats of a timer. Time in which the thread could have run, but others had the
+/// processor, does not count.
+class StallWatch : public QObject {
+    Q_OBJECT
+
+public:
+    struct Stall {
+        double milliseconds = 0;  ///< that the thread ran or waited for something
+        double processor = 0;     ///< of these it ran so many
+        double crowded = 0;       ///< so many more it waited for a processor
+        QString doing;            ///< what had been begun last
+        double at = 0;            ///< seconds since the watch began
+    };
+
+    StallWatch();
+
+    /// It watches from when it was made on. What was found stays.
+    void start();
+    void stop() { m_timer.stop(); }
+    /// What the thread is about to do.
+    void setDoing(const QString &what) { m_doing = what; }
+    [[nodiscard]] const QString &doing() const { return m_doing; }
+    /// The longest ones, the longest first.
+    [[nodiscard]] const std::vector<Stall> &longest() const { return m_longest; }
+
+private:
+    struct Moment {
+        double wall = 0;
+        double processor = 0;
+        double crowded = 0;
+    };
+
+    [[nodiscard]] Moment now() const;
+    void beat();
+    void keep(const Stall &stall);
+
+    const UniqueFd m_schedule;
+    QElapsedTimer m_clock;
+    QTimer m_timer;
+    Moment m_last;
+    QString m_doing;
+    std::vector<Stall> m_longest;
+};
+
+/// One line for people.
+QString describe(const StallWatch::Stall &stall);
+
+}  // namespace quorbel::soak

@@ -1,0 +1,390 @@
+// Both real programs under load for a long time: the real service on a bus and a small disk of its
+// own, the real main window, senders, somebody who works with the window without a pause, and
+// faults around the service. In the end, the window lists what the log files hold, event for
+// event, all that was received is accounted for, and nothing has grown.
+//
+// QUORBEL_SOAK_MINUTES says how long, QUORBEL_SEED what happens; both have a short form.
+
+#include "load/LoadCheck.h"
+#include "load/SoakForm.h"
+#include "platform/KeyedArchive.h"
+#include "platform/gui/Appearance.h"
+#include "soak/Collector.h"
+#include "soak/EventComparison.h"
+#include "soak/MemoryCurve.h"
+#include "soak/ProcessFigures.h"
+#include "soak/Robot.h"
+#include "soak/StallWatch.h"
+#include "soak/Traffic.h"
+#include "support/FrontEnd.h"
+#include "support/PrivateBus.h"
+#include "support/Seed.h"
+#include "support/TemporaryFolder.h"
+
+#include <QApplication>
+#include <QTest>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace quorbel::soak {
+
+namespace {
+
+using namespace std::chrono_literals;
+using load::figure;
+using load::Plan;
+using std::chrono::seconds;
+
+const char *const kMinutes = std::getenv("QUORBEL_SOAK_MINUTES");  // NOLINT(concurrency-mt-unsafe)
+const bool kIsLong = kMinutes != nullptr;
+const seconds kTime = kIsLong ? seconds(60 * std::atol(kMinutes)) : 25s;
+const seconds kBetweenFaults = kIsLong ? 45s : 5s;
+const seconds kBetweenSamples = kIsLong ? 5s : 1s;
+const Traffic::Rates kRates = kIsLong ? Traffic::Rates{} : Traffic::Rates{.longest = 20'000};
+/// What stays of the load, in the long form, is about a million events.
+const int kKeptMinutes = kIsLong ? 3 : 9;
+const unsigned kDiskSize = kIsLong ? 1024 : 128;
+
+constexpr int kOld = 5'000;
+constexpr double kLongestStallMs = 100;
+constexpr double kMostGrowth = 0.02;
+
+/// Events of an hour ago, which the first retention time removes.
+void writeOldEvents(const testing::TemporaryFolder &disk) {
+    const std::time_t then = std::time(nullptr) - 3600;
+    std::array<char, 32> day{};
+    std::tm local{};
+    std::strftime(day.data(), day.size(), "%Y-%m-%d.log", localtime_r(&then, &local));
+    std::string lines;
+    for (int number = 0; number < kOld; ++number) {
+        lines += std::to_string(then) + ",Local0.Notice,h,old " + std::to_string(number) + "\r\n";
+    }
+    disk.write(std::filesystem::path("library") / day.data(), lines);
+}
+
+Dictionary startSettings() {
+    return {{"popupEvents", 2},
+            {"popupDisplayArray", Array{"Emergency"}},
+            {"excludeFiltersArray", Array{Dictionary{{"Name", "Some"}, {"Message", "*77 *"}}}}};
+}
+
+/// Gives this process and what it starts a file system of their own in a folder, in memory, which
+/// nobody else sees. Before there are threads. Says why it cannot be, or nothing.
+std::string makeSmallDisk(const std::filesystem::path &folder) {
+    const std::string size = "size=" + std::to_string(kDiskSize) + "m";
+    const bool isMade = ::unshare(CLONE_NEWNS) == 0 &&
+                        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                        ::mount("quorbel-soak", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
+    return isMade ? std::string() : std::strerror(errno);  // NOLINT(concurrency-mt-unsafe)
+}
+
+/// Looks at both processes now and then, on a thread of its own.
+class Sampling {
+public:
+    explicit Sampling(const Collector &collector)
+        : m_thread([this, &collector] {
+              while (!m_stop) {
+                  window.add(figuresOf(getpid()).memory);
+                  service.add(figuresOf(collector.pid()).memory);
+                  testing::waitUntil([this] { return m_stop.load(); }, kBetweenSamples);
+              }
+          }) {}
+    ~Sampling() { finish(); }
+    Sampling(const Sampling &) = delete;
+    Sampling &operator=(const Sampling &) = delete;
+
+    void finish() {
+        m_stop = true;
+        if (m_thread.joinable()) {
+            m_thread.join();
+        }
+    }
+
+    // After finish().
+    MemoryCurve window;
+    MemoryCurve service;
+
+private:
+    std::atomic<bool> m_stop = false;
+    std::thread m_thread;
+};
+
+std::string percent(double share) {
+    return QString::number(100 * share, 'f', 1).toStdString() + " %";
+}
+
+std::string described(const char *who, const MemoryCurve &memory) {
+    const auto rounded = [](double value) { return std::to_string(std::lround(value)); };
+    return std::string(who) + ": " + rounded(memory.median(2)) + " MiB in the third quarter, " +
+           rounded(memory.median(3)) + " MiB in the fourth, " + rounded(memory.most()) +
+           " MiB at most, growth " + percent(memory.growth());
+}
+
+}  // namespace
+
+class WindowSoakTest : public QObject {
+    Q_OBJECT
+
+public:
+    WindowSoakTest(const testing::TemporaryFolder &disk, const std::filesystem::path &own,
+                   std::string noDisk)
+        : m_disk(disk), m_own(own), m_noDisk(std::move(noDisk)) {}
+
+private:
+    /// Both programs at rest: what they have then.
+    struct Rest {
+        ProcessFigures window;
+        ProcessFigures service;
+    };
+
+    void fail(const std::string &what) {
+        figure("FAILED " + what);
+        m_failures.append(QString::fromStdString(what));
+    }
+    void expect(bool holds, const std::string &what) {
+        if (!holds) {
+            fail(what);
+        }
+    }
+    static bool goOnUntil(const std::function<bool()> &condition,
+                          std::chrono::milliseconds limit = 3 * testing::kPatience) {
+        return testing::waitUntil(
+            [&] {
+                QApplication::processEvents();
+                return condition();
+            },
+            limit);
+    }
+    void start() {
+        const std::filesystem::path library = m_disk.path() / "library";
+        writeOldEvents(m_disk);
+        m_disk.write("library/Quorbel.ini", writeKeyedArchive(startSettings()));
+        m_collector.emplace(m_bus,
+                            Collector::Place{library, m_noDisk.empty() ? m_disk.path() / "filler"
+                                                                       : std::filesystem::path()},
+                            m_seed, kBetweenFaults);
+        m_traffic.emplace(m_collector->port(), m_seed, kRates);
+    }
+    bool isWell() { return m_collector->isWell() && m_frontEnd->window->hearsService(); }
+    EventList &list() { return m_frontEnd->delegate.events; }
+
+    /// The robot and the faults for that long.
+    void work(Robot &robot, seconds time) {
+        m_traffic->setOn(true);
+        m_collector->setFaults(true);
+        const auto end = std::chrono::steady_clock::now() + time;
+        while (std::chrono::steady_clock::now() < end) {
+            robot.act();
+        }
+    }
+    void comeToRest(Robot &robot) {
+        m_traffic->setOn(false);
+        m_collector->setFaults(false);
+        robot.rest();
+        expect(goOnUntil([this] { return isWell() && !m_traffic->isBusy(); }),
+               "The window hears the service again");
+    }
+    /// A new life of the service, of which all is known.
+    void restart() {
+        m_collector->restart();
+        expect(goOnUntil([this] { return isWell(); }),
+               "The window hears the service after a restart");
+    }
+    void send(Plan::Transport transport) {
+        Plan plan{.port = m_collector->port(),
+                  .transport = transport,
+                  .run = 1'000'000 + ++m_runs,
+                  .count = kProbes / 2,
+                  .perSecond = 5'000};
+        std::thread sender([plan] { load::send(plan); });
+        sender.join();
+    }
+    /// As long as it takes, but for good: retention may be at work.
+    void compareEvents(const char *when) {
+        Comparison found;
+        const bool isEqual = goOnUntil([&] {
+            found = compare(list());
+            goOnUntil([] { return false; }, found.isEqual() ? 0s : 1s);
+            return found.isEqual();
+        });
+        figure(std::string("events ") + when + ": " + std::to_string(found.logged) +
+               " in the log files, missing in the window " + std::to_string(found.missing) +
+               ", too many " + std::to_string(found.tooMany));
+        expect(isEqual, "The window lists what the log files hold; differs: " + found.example);
+    }
+    /// What was sent to the service in its last life is what it counts.
+    void checkLastLife() {
+        const std::string journal = m_collector->lastJournal();
+        const std::uint64_t received = load::counter(journal, "Received");
+        const std::uint64_t stored = load::counter(journal, "stored");
+        const std::uint64_t filtered = load::counter(journal, "filtered");
+        figure("counters of the last life: " + std::to_string(kProbes) + " sent, " +
+               std::to_string(received) + " received, " + std::to_string(stored) + " stored, " +
+               std::to_string(filtered) + " filtered");
+        expect(received == kProbes && stored + filtered == kProbes,
+               "The service counts what was sent, stored and filtered");
+    }
+    /// Compares, too. To be called at rest.
+    Rest look(const char *when) {
+        restart();
+        send(Plan::Transport::kUdp);
+        send(Plan::Transport::kTcp);
+        compareEvents(when);
+        const Rest rest{figuresOf(getpid()), figuresOf(m_collector->pid())};
+        restart();
+        checkLastLife();
+        return rest;
+    }
+    /// What closes some time later has closed then.
+    void checkDescriptors(const Rest &before, const Rest &after) {
+        ProcessFigures now = after.window;
+        goOnUntil([&] {
+            now = figuresOf(getpid());
+            return now.descriptors <= before.window.descriptors &&
+                   now.threads <= before.window.threads;
+        });
+        const auto row = [this](const char *what, std::size_t was, std::size_t is) {
+            figure(std::string(what) + ": " + std::to_string(was) + " before, " +
+                   std::to_string(is) + " after");
+            expect(is <= was, std::string(what) + " do not grow");
+        };
+        row("descriptors of the window", before.window.descriptors, now.descriptors);
+        row("threads of the window", before.window.threads, now.threads);
+        row("descriptors of the service", before.service.descriptors, after.service.descriptors);
+        row("threads of the service", before.service.threads, after.service.threads);
+    }
+    /// These depend on the machine, too: in the short form they are only told, but for the absurd.
+    void checkTimes(const StallWatch &stalls) {
+        for (const StallWatch::Stall &stall : stalls.longest()) {
+            figure("stall of " + describe(stall).toStdString());
+        }
+        const double longest = stalls.longest().empty() ? 0 : stalls.longest().front().milliseconds;
+        expect(longest <= (kIsLong ? kLongestStallMs : 20'000), "The window does not stand still");
+    }
+    void checkMemory(const Sampling &samples) {
+        figure(described("memory of the window", samples.window));
+        figure(described("memory of the service", samples.service));
+        expect(!kIsLong || samples.window.growth() < kMostGrowth, "The window does not grow");
+        expect(!kIsLong || samples.service.growth() < kMostGrowth, "The service does not grow");
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        figure("seed " + std::to_string(m_seed) + ", " + std::to_string(kTime.count()) + " s");
+        figure(m_noDisk.empty()
+                   ? "disk of " + std::to_string(kDiskSize) + " MiB, to be filled"
+                   : "no mounts may be made here, the disk is not filled: " + m_noDisk);
+        applyAppearance(*qApp);
+        start();
+        m_frontEnd.emplace();
+        QVERIFY(m_frontEnd->waitUntilItHears());
+    }
+    void cleanupTestCase() {
+        m_traffic.reset();
+        m_frontEnd.reset();
+        m_collector.reset();
+    }
+
+    void theWindowOutlivesItAll() {
+        StallWatch stalls;
+        Robot robot(*m_frontEnd, *m_collector, stalls,
+                    QString::fromStdString((m_own / "files").string()), m_seed);
+        QCOMPARE(list().size(), std::size_t{kOld});
+        QVERIFY(robot.keepFor(kKeptMinutes));
+        expect(goOnUntil([this] { return list().size() == 0; }, testing::kPatience),
+               "What is too old leaves the list: " + std::to_string(list().size()) + " are left");
+        m_traffic->setOn(true);
+        robot.actAll();
+        comeToRest(robot);
+        stalls.stop();
+        const Rest before = look("at first");
+        stalls.start();
+        Sampling samples(*m_collector);
+        work(robot, kTime);
+        samples.finish();
+        comeToRest(robot);
+        stalls.stop();
+        const Rest after = look("in the end");
+        figure("messages sent: " + std::to_string(m_traffic->sent()));
+        figure("faults: " + m_collector->told());
+        figure("the robot " + robot.told());
+        checkDescriptors(before, after);
+        checkMemory(samples);
+        checkTimes(stalls);
+        for (const std::string &failure : robot.failures()) {
+            fail("The robot could not go on: " + failure);
+        }
+        for (const std::string &failure : m_collector->failures()) {
+            fail(failure);
+        }
+        QVERIFY2(m_failures.isEmpty(), qPrintable(m_failures.join(u'\n')));
+    }
+
+private:
+    static constexpr std::uint64_t kProbes = 2'000;
+
+    const testing::TemporaryFolder &m_disk;
+    const std::filesystem::path m_own;
+    const std::string m_noDisk;
+    const unsigned m_seed = testing::seed();
+    QStringList m_failures;
+    std::uint64_t m_runs = 0;
+    testing::PrivateBus m_bus{testing::PrivateBus::Serve::kSystemAndSession};
+    std::optional<Collector> m_collector;
+    std::optional<Traffic> m_traffic;
+    std::optional<testing::FrontEnd> m_frontEnd;
+};
+
+}  // namespace quorbel::soak
+
+namespace {
+
+/// Nothing of the user's is read or written.
+void makeHome(const std::filesystem::path &own) {
+    const auto folder = [&own](const char *name) {
+        std::filesystem::create_directories(own / name);
+        return QByteArray::fromStdString((own / name).string());
+    };
+    folder("files");
+    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
+                                 "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
+        qputenv(variable, folder("home"));
+    }
+    std::filesystem::permissions(own / "home", std::filesystem::perms::owner_all);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    using namespace quorbel;
+    const testing::TemporaryFolder disk;
+    const testing::TemporaryFolder own;
+    const std::string noDisk = soak::makeSmallDisk(disk.path());
+    makeHome(own.path());
+    qputenv("QUORBEL_LIBRARY", QByteArray::fromStdString((disk.path() / "library").string()));
+    const auto screens = own.write(
+        "screens.json", R"({"screens":[{"name":"large","x":0,"y":0,"width":1280,"height":900},)"
+                        R"({"name":"small","x":1280,"y":0,"width":900,"height":620}]})");
+    qputenv("QT_QPA_PLATFORM",
+            QByteArray::fromStdString("offscreen:configfile=" + screens.string()));
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    soak::WindowSoakTest test(disk, own.path(), noDisk);
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "WindowSoakTest.moc"
