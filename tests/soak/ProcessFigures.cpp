@@ -9,10 +9,27 @@ namespace quorbel::soak {
 
 namespace {
 
-std::size_t entriesIn(const std::string &folder) {
+/// What `describe` says of each entry of a folder.
+template <typename Describe>
+std::vector<std::string> entriesIn(const std::string &folder, Describe describe) {
+    std::vector<std::string> result;
     std::error_code error;
-    const std::filesystem::directory_iterator entries(folder, error);
-    return error ? 0 : static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    for (const auto &entry : std::filesystem::directory_iterator(folder, error)) {
+        result.push_back(describe(entry.path()));
+    }
+    std::ranges::sort(result);
+    return result;
+}
+
+std::string targetOf(const std::filesystem::path &link) {
+    std::error_code error;
+    return std::filesystem::read_symlink(link, error).string();
+}
+
+std::string nameOf(const std::filesystem::path &thread) {
+    std::string name;
+    std::getline(std::ifstream(thread / "comm"), name);
+    return name;
 }
 
 double memoryIn(const std::string &rollup) {
@@ -29,8 +46,8 @@ double memoryIn(const std::string &rollup) {
 
 ProcessFigures figuresOf(pid_t process) {
     const std::string folder = "/proc/" + std::to_string(process);
-    return {memoryIn(folder + "/smaps_rollup"), entriesIn(folder + "/fd"),
-            entriesIn(folder + "/task")};
+    return {memoryIn(folder + "/smaps_rollup"), entriesIn(folder + "/fd", targetOf),
+            entriesIn(folder + "/task", nameOf)};
 }
 
 }  // namespace quorbel::soak

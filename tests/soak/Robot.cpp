@@ -87,7 +87,6 @@ void Robot::rest() {
         click("findClear");
     }
     waitUntil([this] { return !m_frontEnd.delegate.hold.delays(); });
-    click("Home");
     waitUntil([this] { return (closePopups(), shownPopup() == nullptr); }, 5s);
     step(u"rests"_s);
 }
@@ -264,7 +263,8 @@ bool Robot::saveOptions() {
 
 bool Robot::keepFor(int minutes) {
     begin(u"sets how long events are kept"_s);
-    if (!click("Tools") || !click("toolsOptions")) {
+    // What was never shown does not hear of its removal.
+    if (!toEvents() || !click("Tools") || !click("toolsOptions")) {
         return false;
     }
     for (const SeverityClass &severity : kSeverityClasses) {

@@ -24,7 +24,8 @@ public:
     void act();
     /// Each of them once.
     void actAll();
-    /// Leaves the window as somebody does who goes home: nothing open or held, no filter.
+    /// Leaves the window as somebody does who goes home: at the events, nothing open or held, no
+    /// filter.
     void rest();
 
     /// How often each was done.

@@ -28,6 +28,7 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -35,10 +36,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace quorbel::soak {
 
@@ -254,18 +257,28 @@ private:
         ProcessFigures now = after.window;
         goOnUntil([&] {
             now = figuresOf(getpid());
-            return now.descriptors <= before.window.descriptors &&
-                   now.threads <= before.window.threads;
+            return now.descriptors.size() <= before.window.descriptors.size() &&
+                   now.threads.size() <= before.window.threads.size();
         });
-        const auto row = [this](const char *what, std::size_t was, std::size_t is) {
-            figure(std::string(what) + ": " + std::to_string(was) + " before, " +
-                   std::to_string(is) + " after");
-            expect(is <= was, std::string(what) + " do not grow");
-        };
-        row("descriptors of the window", before.window.descriptors, now.descriptors);
-        row("threads of the window", before.window.threads, now.threads);
-        row("descriptors of the service", before.service.descriptors, after.service.descriptors);
-        row("threads of the service", before.service.threads, after.service.threads);
+        checkSame("descriptors of the window", before.window.descriptors, now.descriptors);
+        checkSame("threads of the window", before.window.threads, now.threads);
+        checkSame("descriptors of the service", before.service.descriptors,
+                  after.service.descriptors);
+        checkSame("threads of the service", before.service.threads, after.service.threads);
+    }
+    void checkSame(const std::string &what, const std::vector<std::string> &were,
+                   const std::vector<std::string> &are) {
+        figure(what + ": " + std::to_string(were.size()) + " before, " +
+               std::to_string(are.size()) + " after");
+        if (are.size() > were.size()) {
+            std::string added;
+            std::vector<std::string> more;
+            std::ranges::set_difference(are, were, std::back_inserter(more));
+            for (const std::string &one : more) {
+                added += ' ' + one;
+            }
+            fail(what + " have become more:" + added);
+        }
     }
     /// These depend on the machine, too: in the short form they are only told, but for the absurd.
     void checkTimes(const StallWatch &stalls) {
