@@ -113,9 +113,11 @@ void Collector::work() {
     stop();
 }
 
+/// Each in turn, then any.
 Collector::Fault Collector::anyFault() {
     const int last = m_place.filler.empty() ? kBus : kDisk;
-    return static_cast<Fault>(std::uniform_int_distribution(0, last)(m_random));
+    return static_cast<Fault>(
+        m_faults++ <= last ? (m_faults - 1) : std::uniform_int_distribution(0, last)(m_random));
 }
 
 void Collector::take(Fault fault) {

@@ -75,6 +75,7 @@ private:
     testing::PrivateBus &m_bus;
     const Place m_place;
     const std::chrono::milliseconds m_between;
+    int m_faults = 0;                                    // of the thread, as are
     std::mt19937 m_random;                               // of the thread, as is
     std::unique_ptr<testing::ServiceProcess> m_service;  // this
     std::atomic<std::uint16_t> m_port = 0;

@@ -1,11 +1,18 @@
 #include "soak/StallWatch.h"
 
+#include <cxxabi.h>
+#include <execinfo.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 namespace quorbel::soak {
 
@@ -14,6 +21,46 @@ namespace {
 constexpr int kBeatMs = 5;
 constexpr double kNanosecondsOfOne = 1e6;
 constexpr std::size_t kKept = 10;
+constexpr std::chrono::milliseconds kWorthALook{40};
+constexpr double kWorthTheCallsMs = 100;
+constexpr int kMostCalls = 40;
+
+/// Of the watched thread, which the signal interrupts.
+std::array<void *, kMostCalls> calls;
+std::atomic<int> callCount = 0;
+
+void noteCalls(int /*signal*/) {
+    callCount = backtrace(calls.data(), kMostCalls);
+}
+
+/// Of "FILE(NAME+OFFSET) [ADDRESS]" the name as it stands in the sources; nothing where it has
+/// none.
+std::string readable(const std::string &call) {
+    const std::size_t begin = call.find('(') + 1;
+    const std::size_t end = call.find('+', begin);
+    if (begin == 0 || end == std::string::npos) {
+        return {};
+    }
+    const std::string name = call.substr(begin, end - begin);
+    const std::unique_ptr<char, decltype(&std::free)> plain(
+        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, nullptr), &std::free);
+    return plain ? std::string(plain.get()) : std::string();
+}
+
+/// Without the signal's own.
+std::vector<std::string> takeCalls() {
+    constexpr int kOwn = 2;
+    const int count = callCount.exchange(0);
+    const std::unique_ptr<char *, decltype(&std::free)> texts(
+        backtrace_symbols(calls.data(), count), &std::free);
+    std::vector<std::string> result;
+    for (int i = kOwn; i < count; ++i) {
+        if (const std::string call = readable(texts.get()[i]); !call.empty()) {
+            result.push_back(call);
+        }
+    }
+    return result;
+}
 
 }  // namespace
 
@@ -21,12 +68,40 @@ StallWatch::StallWatch() : m_schedule(::open("/proc/thread-self/schedstat", O_RD
     m_clock.start();
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &StallWatch::beat);
+    // The first call loads a library, which a signal must not.
+    noteCalls(0);
+    struct sigaction action {};
+    action.sa_handler = noteCalls;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGUSR2, &action, nullptr);
+    m_looking = std::thread([this, watched = pthread_self()] {
+        unsigned seen = 0;
+        while (!m_isDone) {
+            std::this_thread::sleep_for(kWorthALook);
+            const unsigned beats = m_beats;
+            if (m_isOn && beats == seen) {
+                pthread_kill(watched, SIGUSR2);
+            }
+            seen = beats;
+        }
+    });
     start();
+}
+
+StallWatch::~StallWatch() {
+    m_isDone = true;
+    m_looking.join();
 }
 
 void StallWatch::start() {
     m_last = now();
     m_timer.start(kBeatMs);
+    m_isOn = true;
+}
+
+void StallWatch::stop() {
+    m_isOn = false;
+    m_timer.stop();
 }
 
 StallWatch::Moment StallWatch::now() const {
@@ -42,14 +117,16 @@ StallWatch::Moment StallWatch::now() const {
 }
 
 void StallWatch::beat() {
+    ++m_beats;
     const Moment moment = now();
     const double crowded = moment.crowded - m_last.crowded;
     keep({.milliseconds = std::max(0.0, moment.wall - m_last.wall - crowded),
           .processor = moment.processor - m_last.processor,
           .crowded = crowded,
           .doing = m_doing,
-          .at = moment.wall / 1000});
-    m_last = moment;
+          .at = moment.wall / 1000,
+          .calls = takeCalls()});
+    m_last = now();
 }
 
 void StallWatch::keep(const Stall &stall) {
@@ -63,12 +140,18 @@ void StallWatch::keep(const Stall &stall) {
 }
 
 QString describe(const StallWatch::Stall &stall) {
-    return QStringLiteral("%1 ms (%2 ms of the processor, %3 ms more for want of one) at %4 s: %5")
-        .arg(stall.milliseconds, 0, 'f', 0)
-        .arg(stall.processor, 0, 'f', 0)
-        .arg(stall.crowded, 0, 'f', 0)
-        .arg(stall.at, 0, 'f', 0)
-        .arg(stall.doing);
+    QString text =
+        QStringLiteral("%1 ms (%2 ms of the processor, %3 ms more for want of one) at %4 s: %5")
+            .arg(stall.milliseconds, 0, 'f', 0)
+            .arg(stall.processor, 0, 'f', 0)
+            .arg(stall.crowded, 0, 'f', 0)
+            .arg(stall.at, 0, 'f', 0)
+            .arg(stall.doing);
+    for (const std::string &call :
+         stall.milliseconds < kWorthTheCallsMs ? std::vector<std::string>() : stall.calls) {
+        text += QStringLiteral("\n    ") + QString::fromStdString(call);
+    }
+    return text;
 }
 
 }  // namespace quorbel::soak
