@@ -43,6 +43,20 @@ private Q_SLOTS:
         close(ends[1]);
     }
 
+    void othersAreServedBeforeItAppears() {
+        ProgressWindow::setPatienceMs(3'600'000);
+        bool served = false;
+        QTimer::singleShot(0, this, [&served] { served = true; });
+        ProgressWindow progress(texts(), ProgressWindow::Unit::kRows);
+        QDeadlineTimer patience(testing::kPatience);
+        while (!served && !patience.hasExpired()) {
+            QVERIFY(progress.update(1, 2));
+        }
+        QVERIFY(served);
+        QVERIFY(QApplication::topLevelWidgets().isEmpty());
+        ProgressWindow::setPatienceMs(0);
+    }
+
     void workEndsWithTheProgram_data() {
         QTest::addColumn<bool>("isOffered");
         QTest::newRow("that may be cancelled") << true;

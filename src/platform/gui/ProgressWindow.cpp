@@ -19,7 +19,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr qint64 kPaintIntervalMs = 50;
+constexpr qint64 kTurnIntervalMs = 50;
 constexpr int kSteps = 1000;
 
 qint64 patienceMs = ProgressWindow::kPatienceMs;
@@ -52,6 +52,7 @@ private:
 ProgressWindow::ProgressWindow(Texts texts, Unit unit, QWidget *parent, Cancel cancel)
     : m_texts(std::move(texts)), m_unit(unit), m_parent(parent), m_cancel(cancel) {
     m_sinceStart.start();
+    m_sinceTurn.start();
 }
 
 void ProgressWindow::setPatienceMs(qint64 patience) {
@@ -61,23 +62,34 @@ void ProgressWindow::setPatienceMs(qint64 patience) {
 ProgressWindow::~ProgressWindow() = default;
 
 bool ProgressWindow::update(std::uint64_t done, std::uint64_t inAll) {
-    if (m_window ? m_sincePaint.elapsed() < kPaintIntervalMs
-                 : m_sinceStart.elapsed() < patienceMs) {
-        return !m_isCancelled && !isProgramEnding();
-    }
-    if (!m_window) {
+    const bool isDue = !m_window && m_sinceStart.elapsed() >= patienceMs;
+    if (isDue) {
         open();
+    }
+    if (isDue || m_sinceTurn.elapsed() >= kTurnIntervalMs) {
+        show(done, inAll);
+        turn();
+    }
+    return !m_isCancelled && !isProgramEnding();
+}
+
+void ProgressWindow::show(std::uint64_t done, std::uint64_t inAll) {
+    if (!m_window) {
+        return;
     }
     // A file can grow while it is read.
     const auto total = std::max<std::uint64_t>({done, inAll, 1});
     const double part = static_cast<double>(done) / static_cast<double>(total);
     m_bar->setValue(static_cast<int>(part * kSteps));
     m_amount->setText(tr("%1 of %2").arg(amount(done), amount(total)));
+}
+
+void ProgressWindow::turn() {
     QEventLoop::ProcessEventsFlags events = QEventLoop::AllEvents;
-    events.setFlag(QEventLoop::ExcludeUserInputEvents, m_cancel == Cancel::kNotOffered);
+    events.setFlag(QEventLoop::ExcludeUserInputEvents,
+                   !m_window || m_cancel == Cancel::kNotOffered);
     QCoreApplication::processEvents(events);
-    m_sincePaint.start();
-    return !m_isCancelled && !isProgramEnding();
+    m_sinceTurn.start();
 }
 
 QString ProgressWindow::amount(std::uint64_t number) const {

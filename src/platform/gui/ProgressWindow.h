@@ -15,10 +15,11 @@ namespace quorbel {
 /// Tells how far a piece of work on the main thread is, in a small window that appears when the
 /// work takes longer than a moment and goes with the object.
 ///
-/// update() runs the event loop for a moment now and then, so that the windows are painted. The
-/// user's input waits until the work is done, but timers, queued calls and sockets are served:
-/// events are listed and removed meanwhile, and row numbers change; the program may be told to end.
-/// Where cancelling is offered, the small window takes input, and it alone.
+/// update() runs the event loop for a moment now and then, so that the windows are painted, also
+/// before the small one appears. The user's input waits until the work is done, but timers, queued
+/// calls and sockets are served: events are listed and removed meanwhile, and row numbers change;
+/// the program may be told to end. Where cancelling is offered, the small window takes input, and
+/// it alone.
 class ProgressWindow {
     Q_DECLARE_TR_FUNCTIONS(quorbel::ProgressWindow)
 
@@ -51,6 +52,8 @@ public:
 
 private:
     void open();
+    void show(std::uint64_t done, std::uint64_t inAll);
+    void turn();
     void addCancel();
     [[nodiscard]] QString amount(std::uint64_t number) const;
 
@@ -60,7 +63,7 @@ private:
     Cancel m_cancel;
     bool m_isCancelled = false;
     QElapsedTimer m_sinceStart;
-    QElapsedTimer m_sincePaint;
+    QElapsedTimer m_sinceTurn;          // of the event loop
     std::unique_ptr<QWidget> m_window;  // owns the two below
     QProgressBar *m_bar = nullptr;
     QLabel *m_amount = nullptr;
