@@ -48,10 +48,11 @@ def make_logs():
     """Quorbel's, the usual one of syslog servers, and a journal."""
     os.makedirs(f"{SCRATCH}/library")
     names = {name: f"{SCRATCH}/{file}" for name, file in
-             (("quorbel", "library/sample.log"), ("syslog", "syslog"), ("journal", "sample.journal"))}
+             (("quorbel", "library/sample.log"), ("syslog", "syslog"), ("journal", "journal"))}
+    os.makedirs(names["journal"])
     remote = next(path for path in ("/usr/lib/systemd/systemd-journal-remote", "/lib/systemd/systemd-journal-remote")
                   if os.path.exists(path))
-    journal = subprocess.Popen([remote, "-o", names["journal"], "-"], stdin=subprocess.PIPE,
+    journal = subprocess.Popen([remote, "-o", f"{names['journal']}/remote.journal", "-"], stdin=subprocess.PIPE,
                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, text=True)
     with open(names["quorbel"], "w", newline="") as quorbel, open(names["syslog"], "w") as syslog:
         for at, priority, severity, host, message in events():
@@ -63,11 +64,13 @@ def make_logs():
     journal.stdin.close()
     if journal.wait() != 0:
         sys.exit("The journal could not be made.")
-    for name, file in names.items():
-        print(f"{name}: {os.path.getsize(file) / 2**20:.0f} MiB", flush=True)
-        with open(file, "rb") as source:  # all begin with a warm page cache
-            while source.read(1 << 24):
-                pass
+    for name, place in names.items():
+        files = [place] if os.path.isfile(place) else [f"{place}/{file}" for file in os.listdir(place)]
+        print(f"{name}: {sum(map(os.path.getsize, files)) / 2**20:.0f} MiB", flush=True)
+        for file in files:
+            with open(file, "rb") as source:  # all begin with a warm page cache
+                while source.read(1 << 24):
+                    pass
     return names
 
 
@@ -136,7 +139,7 @@ def less(names):
 def journalctl(names):
     def run(*arguments):
         begun = time.monotonic()
-        process = subprocess.Popen(["journalctl", "--no-pager", "-q", "--file", names["journal"], *arguments],
+        process = subprocess.Popen(["journalctl", "--no-pager", "-q", "--directory", names["journal"], *arguments],
                                    stdout=subprocess.PIPE, text=True)
         line = process.stdout.readline()
         shown = time.monotonic() - begun
