@@ -10,6 +10,14 @@
 
 namespace quorbel::bench {
 
+double crowdedSeconds() {
+    std::ifstream schedule("/proc/thread-self/schedstat");
+    double ran = 0;
+    double waited = 0;
+    schedule >> ran >> waited;
+    return waited * 1e-9;
+}
+
 std::size_t residentBytes() {
     std::size_t total = 0;
     std::size_t resident = 0;

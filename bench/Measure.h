@@ -28,6 +28,9 @@ private:
     double m_start = used();
 };
 
+/// For how long this thread could have run, but others had the processors.
+double crowdedSeconds();
+
 /// This process's resident memory in bytes.
 std::size_t residentBytes();
 
