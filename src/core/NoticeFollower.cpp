@@ -208,16 +208,22 @@ void NoticeFollower::readGap(bus::Clock::time_point until) {
     if (!m_load && canLoadGap()) {
         m_load.emplace(m_reader.takeRest(), std::time(nullptr), m_together.shares);
     }
-    if (m_load ? loadGap(until) : readLineByLine(until)) {
+    const bool isDone = m_load          ? loadGap(until)
+                        : areManyLeft() ? readTogether(until)
+                                        : readLineByLine(until);
+    if (isDone) {
         m_load.reset();
         caughtUp(*std::exchange(m_gap, std::nullopt));
     }
 }
 
+bool NoticeFollower::areManyLeft() const {
+    return m_reader.bytesLeft() >= m_together.least && m_sink.canTakeMany();
+}
+
 /// Not while lines may be among it that are listed already.
 bool NoticeFollower::canLoadGap() const {
-    return (m_gap->isAnew || !m_ledger.wasAnyReceived()) &&
-           m_reader.bytesLeft() >= m_together.least && m_sink.canTakeMany();
+    return (m_gap->isAnew || !m_ledger.wasAnyReceived()) && areManyLeft();
 }
 
 /// Whether that was all.
@@ -234,13 +240,33 @@ bool NoticeFollower::loadGap(bus::Clock::time_point until) {
     return false;
 }
 
+/// What of the next lines is not listed already. Whether that was all.
+bool NoticeFollower::readTogether(bus::Clock::time_point until) {
+    LoadedArrivals arrivals{LoadedEvents(m_expectedBytes)};
+    const std::int64_t now = std::time(nullptr);
+    const auto onLine = [&](const LogLine &line) {
+        if (!wasReceived(line)) {
+            arrivals.add(fieldsOf(line), now);
+        }
+        return true;
+    };
+    m_reader.run(onLine, [until] { return bus::Clock::now() >= until; });
+    arrivals.events.close();
+    m_expectedBytes = arrivals.events.expectedBytes();
+    m_sink.manyMissed(std::move(arrivals));
+    return m_reader.isDone();
+}
+
+bool NoticeFollower::wasReceived(const LogLine &line) {
+    return m_ledger.wasReceived(keyOf({line.date, line.priority, line.host, line.message}));
+}
+
 /// Whether that was all.
 bool NoticeFollower::readLineByLine(bus::Clock::time_point until) {
     const auto onLine = [this](const LogLine &line) {
         if (m_gap->isAnew) {
             m_sink.readAnew(fieldsOf(line));
-        } else if (!m_ledger.wasReceived(
-                       keyOf({line.date, line.priority, line.host, line.message}))) {
+        } else if (!wasReceived(line)) {
             m_sink.missed(fieldsOf(line));
         }
         return true;

@@ -113,7 +113,10 @@ private:
     void ask();
     void caughtUp(const Gap &gap);
     void readGap(bus::Clock::time_point until);
+    [[nodiscard]] bool readTogether(bus::Clock::time_point until);
+    [[nodiscard]] bool wasReceived(const LogLine &line);
     [[nodiscard]] bool readLineByLine(bus::Clock::time_point until);
+    [[nodiscard]] bool areManyLeft() const;
     [[nodiscard]] bool canLoadGap() const;
     [[nodiscard]] bool loadGap(bus::Clock::time_point until);
     void takeBatch(bus::Clock::time_point until);

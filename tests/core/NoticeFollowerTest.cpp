@@ -109,6 +109,7 @@ TEST_F(NoticeFollowerTest, WhatIsAmongWhatWasMissedIsNotLoadedTwice) {
     tellCheckpoint();
     EXPECT_EQ(window.told, 2);
     EXPECT_EQ(window.read, 1);
+    EXPECT_GT(window.timesTogether, 0);
     tellAll();
     EXPECT_EQ(window.listed, logged());
     EXPECT_EQ(window.read, 1);
