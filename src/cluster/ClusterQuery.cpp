@@ -16,24 +16,37 @@ namespace {
 constexpr std::size_t kMostRowBytes = std::size_t{1} << 20U;
 constexpr std::int64_t kPastAll = std::int64_t{std::numeric_limits<std::uint32_t>::max()} + 1;
 
-/// The text as an expression (RE2) that has a match where it is. Old servers look for what stands
-/// outside of groups to the letter, whatever flags are in force there.
-std::string expressionFor(const ClusterFilter::Text &text) {
-    std::string expression = text.isCaseSensitive ? "(?:" : "(?i:";
-    for (const char character : text.text) {
+std::string literally(std::string_view text) {
+    std::string expression;
+    for (const char character : text) {
         const auto code = static_cast<unsigned char>(character);
         if (code < 0x80U && std::isalnum(code) == 0) {
             expression += '\\';
         }
         expression += character;
     }
-    return expression + ')';
+    return expression;
+}
+
+/// The text as an expression (RE2) that has a match where it is. Old servers look for what stands
+/// outside of groups to the letter, whatever flags are in force there.
+std::string expressionFor(const ClusterFilter::Text &text) {
+    return (text.isCaseSensitive ? "(?:" : "(?i:") + literally(text.text) + ')';
+}
+
+/// What is no UTF-8 counts as a field that is not there, and so do those behind it: a server cannot
+/// tell, but what is of ASCII is not meant.
+std::string isAscii(std::string_view column) {
+    return "match(" + std::string(column) + R"(, '(?:\\A[\\x00-\\x7F]*\\z)'))";
 }
 
 std::string conditionFor(const ClusterFilter::Text &text) {
     const std::string expression = sqlText(expressionFor(text));
-    return std::string(text.isNegated ? "NOT " : "") + "(match(message, " + expression +
-           ") OR match(host, " + expression + ") OR match(priority, " + expression + "))";
+    const std::string isThere = "(match(message, " + expression + ") OR match(host, " + expression +
+                                ") OR match(priority, " + expression + "))";
+    return text.isNegated ? "NOT (" + isThere + " AND " + isAscii("message") + " AND " +
+                                isAscii("host") + " AND " + isAscii("priority") + ")"
+                          : isThere;
 }
 
 std::string conditionFor(const std::bitset<kSeverityClassCount> &classes) {
@@ -42,11 +55,64 @@ std::string conditionFor(const std::bitset<kSeverityClassCount> &classes) {
         if (classes[i]) {
             names += names.empty() ? "" : " OR ";
             names += i == kUnknownClass
-                         ? "severity = " + std::to_string(kUnknownClass)
+                         ? "severity = " + std::to_string(kUnknownClass) + " OR NOT " +
+                               isAscii("priority")
                          : "position(priority, " + sqlText(kSeverityClasses.at(i).name) + ") > 0";
         }
     }
     return '(' + names + ')';
+}
+
+/// An address of IPv4 is written in one way only; what is none is as good as 0.0.0.0.
+std::string isInNetwork(const ClusterFilter::Host &host) {
+    constexpr unsigned kBits = 32;
+    const std::uint64_t others = (std::uint64_t{1} << (kBits - host.bits)) - 1;
+    const std::uint64_t mask = std::numeric_limits<std::uint32_t>::max() - others;
+    return "bitAnd(IPv4StringToNum(host), " + std::to_string(mask) + ") = IPv4StringToNum(" +
+           sqlText(host.text) + ')';
+}
+
+/// Holds for each host that is meant, and for others perhaps.
+std::string mayBe(const ClusterFilter::Host &host) {
+    using Kind = ClusterFilter::Host::Kind;
+    const std::string isWithColon = "position(host, ':') > 0";
+    switch (host.kind) {
+        case Kind::kExact:
+            return "host = " + sqlText(host.text);
+        case Kind::kName:
+            return "match(host, " + sqlText("(?i:\\A" + literally(host.text) + "\\z)") + ')';
+        case Kind::kV4:
+            return isWithColon + " OR " + isInNetwork(host);
+        case Kind::kAddress:
+            return isWithColon;
+    }
+    return "1";
+}
+
+/// Holds for hosts that are meant only, and not for each of them.
+std::string isCertainly(const ClusterFilter::Host &host) {
+    using Kind = ClusterFilter::Host::Kind;
+    switch (host.kind) {
+        case Kind::kExact:
+            return "host = " + sqlText(host.text);
+        case Kind::kName:
+            return "lower(host) = lower(" + sqlText(host.text) + ')';
+        case Kind::kV4:
+            return isInNetwork(host) + " AND IPv4NumToString(IPv4StringToNum(host)) = host";
+        case Kind::kAddress:
+            break;
+    }
+    return "0";
+}
+
+std::string anyOf(const std::vector<ClusterFilter::Host> &hosts,
+                  std::string (*condition)(const ClusterFilter::Host &)) {
+    std::string any;
+    for (const ClusterFilter::Host &host : hosts) {
+        any += any.empty() ? "(" : " OR ";
+        any += '(' + condition(host) + ')';
+    }
+    return any + ')';
 }
 
 std::string moment(std::int64_t seconds) {
@@ -69,6 +135,13 @@ std::vector<std::string> conditionsOf(const ClusterFilter &filter) {
     }
     if (!filter.facility.empty()) {
         conditions.push_back("facility = " + sqlText(filter.facility));
+    }
+    if (!filter.hosts.empty()) {
+        conditions.push_back(anyOf(filter.hosts, mayBe));
+    }
+    if (!filter.otherHosts.empty()) {
+        conditions.push_back("NOT (" + anyOf(filter.otherHosts, isCertainly) + " AND " +
+                             isAscii("priority") + ")");
     }
     for (const ClusterFilter::Text &text : filter.texts) {
         conditions.push_back(conditionFor(text));

@@ -24,12 +24,29 @@ struct ClusterFilter {
         bool isNegated = false;
     };
 
+    /// Hosts that can be told from others here.
+    struct Host {
+        enum class Kind : std::uint8_t {
+            kExact,   ///< `text`, to the letter
+            kName,    ///< `text`, which is of ASCII, capital and small letters alike
+            kV4,      ///< with the first `bits` of the address `text`
+            kAddress  ///< perhaps one over IPv6: only that it is no name or IPv4 is certain
+        };
+        Kind kind = Kind::kExact;
+        std::string text{};
+        unsigned bits = 0;  ///< of 32
+    };
+
     std::optional<std::int64_t> from{};   ///< the first moment, in seconds since 1970
     std::optional<std::int64_t> until{};  ///< the moment that is past the last one
     std::optional<std::uint8_t> leastSeverity{};
     std::bitset<kSeverityClassCount> classes{};  ///< as they are counted (Severity.h)
     std::string facility{};
     std::vector<Text> texts{};
+    /// Those that may be one of them: how addresses can be written is not known to all servers.
+    std::vector<Host> hosts{};
+    /// Those that are certainly none of them.
+    std::vector<Host> otherHosts{};
 };
 
 /// A text as SQL has it, in quotation marks, whatever its bytes are.

@@ -3,10 +3,13 @@
 #include "cluster/ClusterClient.h"
 #include "control/Output.h"
 #include "core/EventMatcher.h"
+#include "core/HostPattern.h"
 #include "core/StartSettings.h"
 #include "platform/Number.h"
 
+#include <algorithm>
 #include <atomic>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -46,6 +49,52 @@ bool canBeAsked(const TextCondition &text, std::string_view dateFormat) {
     }
     const TextPattern pattern(text.pattern);
     return text.isNegated || (!isInRating(pattern) && !mayBeInDates(pattern, dateFormat));
+}
+
+using Host = ClusterFilter::Host;
+
+/// Nothing when it may hold addresses of IPv4 and others.
+std::optional<Host> networkAsked(const HostPattern::Network &network) {
+    const bool isV4 = network.address.isV4() && network.bits >= IpAddress::kV4Begin;
+    if (isV4) {
+        return Host{Host::Kind::kV4, network.address.network(network.bits).text(),
+                    network.bits - IpAddress::kV4Begin};
+    }
+    const IpAddress anyV4 = IpAddress::parse("0.0.0.0").value();
+    const bool mayHoldV4 =
+        anyV4.sharesPrefix(network.address, std::min(network.bits, IpAddress::kV4Begin));
+    return mayHoldV4 ? std::nullopt : std::optional(Host{Host::Kind::kAddress});
+}
+
+/// Nothing when a cluster's rows do not tell.
+std::optional<Host> hostAsked(const HostPattern::Meaning &meaning) {
+    if (meaning.host) {
+        // A name that is not UTF-8 is none for the matcher.
+        return meaning.host->empty() ? std::nullopt
+                                     : std::optional(Host{Host::Kind::kExact, *meaning.host});
+    }
+    if (meaning.network) {
+        return networkAsked(*meaning.network);
+    }
+    const bool isPlain = std::ranges::all_of(meaning.name, [](char character) {
+        return static_cast<unsigned char>(character) < 0x80U && character != '*' &&
+               character != '?';
+    });
+    return isPlain ? std::optional(Host{Host::Kind::kName, meaning.name}) : std::nullopt;
+}
+
+void addHosts(std::string_view pattern, ClusterFilter &filter) {
+    bool isAsked = true;
+    for (const HostPattern::Meaning &meaning : HostPattern::meaningsOf(pattern)) {
+        const auto host = hostAsked(meaning);
+        isAsked = isAsked && (host || meaning.isExcluded);
+        if (host) {
+            (meaning.isExcluded ? filter.otherHosts : filter.hosts).push_back(*host);
+        }
+    }
+    if (!isAsked) {
+        filter.hosts.clear();
+    }
 }
 
 /// Has all rows of a statement looked at. How to end; what is wrong was said.
@@ -92,6 +141,7 @@ ClusterFilter clusterFilterOf(const EventQuery &query, std::string_view dateForm
     filter.leastSeverity = query.leastSeverity;
     filter.classes = query.classes;
     filter.facility = query.facility;
+    addHosts(query.host, filter);
     for (const TextCondition &text : query.texts) {
         if (canBeAsked(text, dateFormat)) {
             filter.texts.push_back(

@@ -26,7 +26,7 @@ ExitCode countCluster(const ClusterSettings &cluster, const EventQuery &query,
 
 /// What a cluster can be asked of a filter: whatever the filter means meets that, too. It knows
 /// neither ratings nor how dates are shown (`dateFormat`, the setting), in which texts are looked
-/// for as well; hosts and expressions are left to the matcher.
+/// for as well; expressions, and hosts named with "*" and "?", are left to the matcher.
 ClusterFilter clusterFilterOf(const EventQuery &query, std::string_view dateFormat);
 
 }  // namespace quorbel

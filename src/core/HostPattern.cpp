@@ -106,7 +106,7 @@ HostPattern::Part::Part(std::string_view pattern)
       m_network(networkOf(pattern)),
       m_name({expressionFor(pattern), /*isCaseSensitive=*/false, /*isExpression=*/true}) {}
 
-std::optional<HostPattern::Part::Network> HostPattern::Part::networkOf(std::string_view pattern) {
+std::optional<HostPattern::Network> HostPattern::Part::networkOf(std::string_view pattern) {
     const std::size_t slash = pattern.find('/');
     if (slash == std::string_view::npos) {
         const auto address = IpAddress::parse(pattern);
@@ -140,6 +140,14 @@ HostPattern::HostPattern(std::string_view pattern) {
     visitParts(pattern, [this](std::string_view part, bool isExcluded) {
         (isExcluded ? m_excluded : m_meant).emplace_back(part);
     });
+}
+
+std::vector<HostPattern::Meaning> HostPattern::meaningsOf(std::string_view pattern) {
+    std::vector<Meaning> meanings;
+    visitParts(pattern, [&meanings](std::string_view part, bool isExcluded) {
+        meanings.push_back({isExcluded, unquoted(part), Part::networkOf(part), std::string(part)});
+    });
+    return meanings;
 }
 
 std::string HostPattern::quoted(std::string_view host) {

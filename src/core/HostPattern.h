@@ -31,6 +31,20 @@ public:
     /// The part of a pattern that was to be a network, but is none ("10.0.0.0/99", "10.0.0/8");
     /// nothing when there is no such part. It would mean no host.
     static std::optional<std::string> wrongNetworkIn(std::string_view pattern);
+
+    struct Network {
+        IpAddress address;
+        unsigned bits;  ///< of 128
+    };
+    /// What a part of a pattern stands for: the first of the three that there is.
+    struct Meaning {
+        bool isExcluded = false;
+        std::optional<std::string> host{};  ///< that one alone, to the letter
+        std::optional<Network> network{};
+        std::string name{};  ///< in which "*" and "?" stand for others
+    };
+    static std::vector<Meaning> meaningsOf(std::string_view pattern);
+
     /// Whether nothing is named in it, as in "!" or ",": then all hosts are meant.
     [[nodiscard]] bool isAny() const { return m_meant.empty() && m_excluded.empty(); }
     [[nodiscard]] bool matches(std::string_view host) const;
@@ -40,10 +54,6 @@ private:
     public:
         explicit Part(std::string_view pattern);
         [[nodiscard]] bool matches(std::string_view host) const;
-        struct Network {
-            IpAddress address;
-            unsigned bits;  ///< of 128
-        };
         static std::optional<Network> networkOf(std::string_view pattern);
 
     private:

@@ -2,11 +2,13 @@
 // the same events in log files.
 
 #include "cluster/ClusterFixture.h"
+#include "cluster/HttpStandIn.h"
 #include "control/ControlProcess.h"
 
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -52,9 +54,33 @@ struct ClusterCommandsTest : ClusterFixture {
 
 /// Times ascend, as they do where no clock is set back.
 std::string someLines() {
-    constexpr const char *kPriorities[] = {"Local7.Error", "Auth.Notice", "Kern.Critical",
-                                           "Cron.Debug",   "Odd",         "Daemon.Warning"};
-    constexpr const char *kHosts[] = {"10.0.0.5", "10.0.0.6", "gate", "GATE.example", "severe"};
+    constexpr const char *kPriorities[] = {"Local7.Error",    "Auth.Notice", "Kern.Critical",
+                                           "Cron.Debug",      "Odd",         "Daemon.Warning",
+                                           "Local7.Error\xff"};
+    constexpr const char *kHosts[] = {"10.0.0.5",
+                                      "10.0.0.6",
+                                      "gate",
+                                      "GATE.example",
+                                      "severe",
+                                      "::ffff:10.0.0.5",
+                                      "0:0:0:0:0:FFFF:0a00:0006",
+                                      "2001:db8::1",
+                                      "2001:0DB8:0::0001",
+                                      "010.0.0.5",
+                                      "10.0.0.5.6",
+                                      "10.0.0",
+                                      "0.0.0.0",
+                                      "255.255.255.255",
+                                      "10.0.0.0/8",
+                                      "gate \xe2\x84\xaa",
+                                      "\xe2\x84\xaa"
+                                      "elvin",
+                                      "kelvin",
+                                      "Gr\xc3\xb6\xc3\x9f"
+                                      "e",
+                                      "\xff",
+                                      "it's \\ \"odd\"",
+                                      ""};
     constexpr const char *kMessages[] = {"disk full, retrying",
                                          "Login by root",
                                          "it's 100% \\ done",
@@ -69,8 +95,9 @@ std::string someLines() {
     std::int64_t seconds = 1700000000;
     for (int i = 0; i < 5000; ++i) {
         seconds += static_cast<std::int64_t>(random() % 60);
-        lines += std::to_string(seconds) + ',' + kPriorities[random() % 6] + ',' +
-                 kHosts[random() % 5] + ',' + kMessages[random() % 8] + "\r\n";
+        lines += std::to_string(seconds) + ',' + kPriorities[random() % std::size(kPriorities)] +
+                 ',' + kHosts[random() % std::size(kHosts)] + ',' + kMessages[random() % 8] +
+                 "\r\n";
     }
     return lines;
 }
@@ -82,6 +109,9 @@ TEST_F(ClusterCommandsTest, TheySayWhatTheLogFilesSay) {
         {"disk"},
         {"--contains-case", "login"},
         {"--lacks", "disk"},
+        {"--lacks", "broken"},
+        {"--lacks", "gate"},
+        {"--lacks", "local7"},
         {"--lacks", "severe"},
         {"--lacks-case", "2023"},
         {"severe"},
@@ -100,7 +130,43 @@ TEST_F(ClusterCommandsTest, TheySayWhatTheLogFilesSay) {
         {"--rating", "severe"},
         {"--facility", "local7"},
         {"--host", "10.0.0.0/24, !10.0.0.6"},
+        {"--host", "10.0.0.5"},
+        {"--host", "!10.0.0.5"},
+        {"--host", "::ffff:10.0.0.6"},
+        {"--host", "10.0.0.4/255.255.255.254, severe"},
+        {"--host", "0.0.0.0/0"},
+        {"--host", "!0.0.0.0/0"},
+        {"--host", "0.0.0.0, 255.255.255.255"},
+        {"--host", "!0.0.0.0/1, !128.0.0.0/1"},
+        {"--host", "::/0"},
+        {"--host", "!::/0"},
+        {"--host", "::ffff:10.0.0.0/8"},
+        {"--host", "::/80"},
+        {"--host", "2001:db8::/32"},
+        {"--host", "!2001:db8::1"},
+        {"--host", "10.0.0.0/8, !10.0.0.0/8"},
+        {"--host", "\"10.0.0.0/8\""},
+        {"--host", "gate"},
+        {"--host", "GATE, gate.EXAMPLE"},
+        {"--host", "!GATE, !severe"},
+        {"--host", "\"gate\""},
+        {"--host", "\"Gate\""},
+        {"--host", "!\"gate\""},
+        {"--host", "\"\""},
+        {"--host", "!\"\""},
+        {"--host", "kelvin"},
+        {"--host", "!KELVIN"},
+        {"--host",
+         "gr\xc3\x96\xc3\x9f"
+         "e"},
+        {"--host",
+         "!gr\xc3\x96\xc3\x9f"
+         "e"},
+        {"--host", "\"it's \\ \"\"odd\"\"\""},
+        {"--host", "IT'S \\ \"ODD\""},
         {"--host", "gate*"},
+        {"--host", "!gate*, !10.0.0.5"},
+        {"--host", "gate*, 10.0.0.5"},
         {"--from", "1700050000"},
         {"--until", "1700000001"},
         {"--from", "1700010000", "--until", "1700020000", "--severity", "notice", "--lacks",
@@ -122,6 +188,37 @@ TEST_F(ClusterCommandsTest, TheySayWhatTheLogFilesSay) {
     }
     EXPECT_EQ(run({"find", "--cluster", "--json", "root"}, file).output,
               run({"find", "--json", "root"}, file).output);
+}
+
+/// What is sent to the cluster, so that it need not send all.
+TEST_F(ClusterCommandsTest, HostsThatAreCertainAreLeftToTheCluster) {
+    testing::HttpStandIn standIn(
+        [](const auto & /*request*/) { return testing::HttpStandIn::answer("200 OK", ""); });
+    const std::string file =
+        folder.write("file.conf", "[Cluster \"a\"]\nServers=" + standIn.address());
+    struct {
+        const char *hosts;
+        const char *condition;  ///< of the statement; none where nothing is certain
+    } const cases[] = {
+        {"\"gate\"", " WHERE ((host = 'gate')) "},
+        {"gate, \"b\"", R"( WHERE ((match(host, '(?i:\\Agate\\z)')) OR (host = 'b')) )"},
+        {"10.1.2.3/8",
+         " WHERE ((position(host, ':') > 0 OR bitAnd(IPv4StringToNum(host), 4278190080) ="
+         " IPv4StringToNum('10.0.0.0'))) "},
+        {"2001:db8::/32", " WHERE ((position(host, ':') > 0)) "},
+        {"!Gate", " WHERE NOT (((lower(host) = lower('Gate'))) AND match(priority, "},
+        {"gate, b*", ""},
+        {"::/0", ""},
+        {"\"\"", ""},
+    };
+    for (const auto &[hosts, condition] : cases) {
+        for (const char *command : {"find", "stats"}) {
+            EXPECT_EQ(run({command, "--cluster", "--host", hosts}, file).complaint, "");
+            const std::string statement = standIn.requests().back().body;
+            EXPECT_THAT(statement, HasSubstr(condition)) << hosts;
+            EXPECT_EQ(statement.find("WHERE") == std::string::npos, *condition == '\0') << hosts;
+        }
+    }
 }
 
 TEST_F(ClusterCommandsTest, OnlyTheClusterIsAsked) {
