@@ -63,13 +63,33 @@ std::string conditionFor(const std::bitset<kSeverityClassCount> &classes) {
     return '(' + names + ')';
 }
 
-/// An address of IPv4 is written in one way only; what is none is as good as 0.0.0.0.
-std::string isInNetwork(const ClusterFilter::Host &host) {
-    constexpr unsigned kBits = 32;
-    const std::uint64_t others = (std::uint64_t{1} << (kBits - host.bits)) - 1;
-    const std::uint64_t mask = std::numeric_limits<std::uint32_t>::max() - others;
-    return "bitAnd(IPv4StringToNum(host), " + std::to_string(mask) + ") = IPv4StringToNum(" +
-           sqlText(host.text) + ')';
+/// The numbers of 8 bits of which the first `bits` are those of `first`, which ends in zeros.
+std::string octetsFrom(unsigned first, unsigned bits) {
+    constexpr unsigned kBits = 8;
+    if (bits == 0) {
+        return "(?:25[0-5]|2[0-4][0-9]|1[0-9][0-9]|[1-9]?[0-9])";
+    }
+    std::string octets = "(?:" + std::to_string(first);
+    for (unsigned other = 1; other < 1U << (kBits - bits); ++other) {
+        octets += '|' + std::to_string(first + other);
+    }
+    return octets + ')';
+}
+
+/// An address of IPv4 is written in one way only. New servers have a function for its number that
+/// ends the question at a name.
+std::string isInNetwork(const ClusterFilter::Host &network) {
+    constexpr unsigned kOctetBits = 8;
+    std::string expression;
+    std::string_view rest = network.text;
+    for (unsigned bits = network.bits; !rest.empty(); bits -= std::min(bits, kOctetBits)) {
+        const std::string_view octet = rest.substr(0, rest.find('.'));
+        rest.remove_prefix(std::min(octet.size() + 1, rest.size()));
+        expression += expression.empty() ? "" : "\\.";
+        expression +=
+            octetsFrom(readNumber<unsigned>(octet).value_or(0), std::min(bits, kOctetBits));
+    }
+    return "match(host, " + sqlText("(?:\\A" + expression + "\\z)") + ')';
 }
 
 /// Holds for each host that is meant, and for others perhaps.
@@ -98,7 +118,7 @@ std::string isCertainly(const ClusterFilter::Host &host) {
         case Kind::kName:
             return "lower(host) = lower(" + sqlText(host.text) + ')';
         case Kind::kV4:
-            return isInNetwork(host) + " AND IPv4NumToString(IPv4StringToNum(host)) = host";
+            return isInNetwork(host);
         case Kind::kAddress:
             break;
     }

@@ -29,7 +29,7 @@ struct ClusterFilter {
         enum class Kind : std::uint8_t {
             kExact,   ///< `text`, to the letter
             kName,    ///< `text`, which is of ASCII, capital and small letters alike
-            kV4,      ///< with the first `bits` of the address `text`
+            kV4,      ///< with the first `bits` of the address `text`, which ends in zeros
             kAddress  ///< perhaps one over IPv6: only that it is no name or IPv4 is certain
         };
         Kind kind = Kind::kExact;

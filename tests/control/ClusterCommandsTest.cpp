@@ -134,6 +134,9 @@ TEST_F(ClusterCommandsTest, TheySayWhatTheLogFilesSay) {
         {"--host", "!10.0.0.5"},
         {"--host", "::ffff:10.0.0.6"},
         {"--host", "10.0.0.4/255.255.255.254, severe"},
+        {"--host", "10.0.0.6/31"},
+        {"--host", "8.0.0.0/5, !10.0.0.4/30"},
+        {"--host", "!10.0.0.0/23, !192.0.0.0/2"},
         {"--host", "0.0.0.0/0"},
         {"--host", "!0.0.0.0/0"},
         {"--host", "0.0.0.0, 255.255.255.255"},
@@ -202,9 +205,8 @@ TEST_F(ClusterCommandsTest, HostsThatAreCertainAreLeftToTheCluster) {
     } const cases[] = {
         {"\"gate\"", " WHERE ((host = 'gate')) "},
         {"gate, \"b\"", R"( WHERE ((match(host, '(?i:\\Agate\\z)')) OR (host = 'b')) )"},
-        {"10.1.2.3/8",
-         " WHERE ((position(host, ':') > 0 OR bitAnd(IPv4StringToNum(host), 4278190080) ="
-         " IPv4StringToNum('10.0.0.0'))) "},
+        {"10.1.2.3/31", R"( WHERE ((position(host, ':') > 0 OR)"
+                        R"( match(host, '(?:\\A(?:10)\\.(?:1)\\.(?:2)\\.(?:2|3)\\z)'))) )"},
         {"2001:db8::/32", " WHERE ((position(host, ':') > 0)) "},
         {"!Gate", " WHERE NOT (((lower(host) = lower('Gate'))) AND match(priority, "},
         {"gate, b*", ""},

@@ -112,9 +112,10 @@ void Life::remove() {
         appendRemovable();
         m_passes = 0;
         m_removal.emplace(m_store, m_passes);
+        m_talk.removalsBegun = m_talk.removalsWanted.load();
     } else if (m_removal && m_passes >= kWhole) {
         m_removal.reset();
-        m_talk.removalsDone = m_talk.removalsWanted.load();
+        m_talk.removalsDone = m_talk.removalsBegun.load();
     }
 }
 

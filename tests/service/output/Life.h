@@ -19,6 +19,7 @@ namespace quorbel::testing {
 struct CollectorTalk {
     std::atomic<std::int64_t> clockShift = 0;
     std::atomic<unsigned> removalsWanted = 0;  ///< how often retention is to remove something
+    std::atomic<unsigned> removalsBegun = 0;
     std::atomic<unsigned> removalsDone = 0;
     std::atomic<unsigned> diskProblems = 0;
     std::atomic<unsigned> certificateProblems = 0;
