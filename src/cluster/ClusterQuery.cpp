@@ -95,16 +95,16 @@ std::string isInNetwork(const ClusterFilter::Host &network) {
 /// Holds for each host that is meant, and for others perhaps.
 std::string mayBe(const ClusterFilter::Host &host) {
     using Kind = ClusterFilter::Host::Kind;
-    const std::string isWithColon = "position(host, ':') > 0";
+    constexpr const char *kIsWithColon = "position(host, ':') > 0";
     switch (host.kind) {
         case Kind::kExact:
             return "host = " + sqlText(host.text);
         case Kind::kName:
             return "match(host, " + sqlText("(?i:\\A" + literally(host.text) + "\\z)") + ')';
         case Kind::kV4:
-            return isWithColon + " OR " + isInNetwork(host);
+            return std::string(kIsWithColon) + " OR " + isInNetwork(host);
         case Kind::kAddress:
-            return isWithColon;
+            return kIsWithColon;
     }
     return "1";
 }
