@@ -1,19 +1,18 @@
 #pragma once
 
-#include "platform/BinaryPropertyListReader.h"
+#include "platform/ArchivedObjects.h"
 #include "platform/Text.h"
+#include "platform/Utf8.h"
 
 #include <cstddef>
-#include <deque>
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace quorbel {
 
 /// The lines that a command in a keyed archive holds with their counts (see LineCommand), read
-/// where they stand: no values are made of millions of them.
-class ArchivedCounts {
+/// where they stand.
+class ArchivedCounts : private ArchivedObjects {
 public:
     /// Of an archive whose root is a dictionary of two keys: "command", whose value is that text,
     /// and `key`, whose value is a dictionary. Nothing for any other archive, which
@@ -41,24 +40,9 @@ public:
     }
 
 private:
-    /// References to as many keys as values.
-    struct Entries {
-        PropertyListItem keys;
-        PropertyListItem values;
-    };
+    using ArchivedObjects::ArchivedObjects;
 
-    explicit ArchivedCounts(const BinaryPropertyListReader &list) : m_list(list) {}
-    [[nodiscard]] PropertyListItem object(const PropertyListItem &reference) const;
-    [[nodiscard]] PropertyListItem textAt(const PropertyListItem &references,
-                                          std::size_t index) const;
-    [[nodiscard]] bool isDictionary(const PropertyListItem &type) const;
-    [[nodiscard]] std::optional<Entries> dictionary(const PropertyListItem &object) const;
-    std::optional<std::string_view> lasting(const PropertyListItem &text);
-
-    BinaryPropertyListReader m_list;
-    PropertyListItem m_objects;
     Entries m_entries;
-    std::deque<std::string> m_decoded;  // lines that stand in the archive otherwise than in UTF-8
 };
 
 }  // namespace quorbel

@@ -32,6 +32,8 @@ public:
     FileMapping(const FileMapping &) = delete;
     FileMapping &operator=(const FileMapping &) = delete;
 
+    /// Gives up the memory that the bytes take here. What is looked at again is read again.
+    void giveBack() const { ::madvise(m_address, m_size, MADV_DONTNEED); }
     [[nodiscard]] bool isValid() const { return m_address != MAP_FAILED; }
     [[nodiscard]] std::string_view bytes() const {
         return {static_cast<const char *>(m_address), m_size};

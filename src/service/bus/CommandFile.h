@@ -18,6 +18,8 @@ public:
     static std::variant<CommandFile, ArchiveError> open(const UniqueFd &file);
 
     [[nodiscard]] std::string_view bytes() const { return m_mapping.bytes(); }
+    /// See FileMapping::giveBack().
+    void giveBack() const { m_mapping.giveBack(); }
 
 private:
     explicit CommandFile(FileMapping mapping) : m_mapping(std::move(mapping)) {}

@@ -2,10 +2,13 @@
 
 #include "common/SettingsDocument.h"
 #include "platform/ArchivedCounts.h"
+#include "platform/ArchivedLists.h"
 #include "service/bus/CommandFile.h"
 #include "service/message/FilterProblems.h"
 #include "service/store/EventRemoval.h"
 #include "service/store/EventRestoration.h"
+
+#include <malloc.h>
 
 #include <optional>
 #include <utility>
@@ -37,8 +40,12 @@ Commands::Outcome Commands::begin(const UniqueFd &commandFile) {
         }
         return readKeyedArchive(std::get<CommandFile>(file).bytes());
     };
-    if (auto reply = updateInPlace(commandFile)) {
-        return std::move(*reply);
+    for (const auto inPlace : {&Commands::updateInPlace, &Commands::restoreInPlace}) {
+        if (auto reply = (this->*inPlace)(commandFile)) {
+            // A million small blocks would stay with the heap until the next such command.
+            ::malloc_trim(0);
+            return std::move(*reply);
+        }
     }
     const auto command = asValue();
     if (const auto *error = std::get_if<ArchiveError>(&command)) {
@@ -60,6 +67,21 @@ std::optional<std::string> Commands::updateInPlace(const UniqueFd &commandFile) 
         return std::nullopt;
     }
     return removal.run(m_store, m_stop).value_or(kDone);
+}
+
+/// The same of a "restore".
+std::optional<std::string> Commands::restoreInPlace(const UniqueFd &commandFile) {
+    const auto file = CommandFile::open(commandFile);
+    const auto *bytes = std::get_if<CommandFile>(&file);
+    auto lists = bytes != nullptr
+                     ? ArchivedLists::open(bytes->bytes(), "restore", {"Events", "Listed"})
+                     : std::nullopt;
+    auto restoration =
+        lists ? EventRestoration::of(*lists, [bytes] { bytes->giveBack(); }) : std::nullopt;
+    if (!restoration) {
+        return std::nullopt;
+    }
+    return restoration->run(m_store, m_stop).value_or(kDone);
 }
 
 Commands::Outcome Commands::begin(const Dictionary &command) {

@@ -48,6 +48,7 @@ private:
     std::string save(const Dictionary &command);
     std::string update(const Dictionary &command);
     std::optional<std::string> updateInPlace(const UniqueFd &commandFile);
+    std::optional<std::string> restoreInPlace(const UniqueFd &commandFile);
     std::string restore(const Dictionary &command);
     Rest email(const Dictionary &command);
 

@@ -18,8 +18,6 @@ namespace quorbel {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::int64_t kMinute = 60;
-constexpr std::int64_t kLatestTime = 253'402'300'799;  // the end of the year 9999
 // Whoever may command may not fill the folder with files all the same.
 constexpr std::size_t kMostDays = 4096;
 
@@ -33,82 +31,87 @@ bool isPlain(std::string_view line, const LogLine &fields) {
 
 }  // namespace
 
-std::size_t EventRestoration::KeyHash::operator()(const Key &key) const {
-    constexpr std::size_t kSpread = 0x9E3779B97F4A7C15U;
-    return std::hash<std::string_view>()(key.fields) ^
-           (static_cast<std::size_t>(key.time) * kSpread);
+EventRestoration::EventRestoration(std::size_t named, std::function<void()> giveBack)
+    : m_giveBack(std::move(giveBack)), m_alike(named), m_named(named) {
+    m_events.reserve(named);
 }
 
-std::size_t EventRestoration::Alike::lacking() const {
-    return std::min(wanted, wanted + listed - std::min(inLog, wanted + listed));
-}
-
-EventRestoration::EventRestoration(const Array &events, const Array &listed) {
-    m_named = events.size();
-    m_events = take(events);
-    m_listed = take(listed);
-    m_invalid = m_named - m_events.size();
-    m_byMinute.reserve(m_events.size());
-    m_lacking.reserve(m_events.size());
-    for (const Event &event : m_events) {
-        ++alikeTo(event).wanted;
-        ++m_lacking[{event.seconds, event.fields}];
+EventRestoration::EventRestoration(const Array &events, const Array &listed)
+    : EventRestoration(events.size(), [] {}) {
+    const auto textOf = [](const Value &line) {
+        return line.string() == nullptr ? std::string_view() : *line.string();
+    };
+    for (const Value &line : events) {
+        want(textOf(line));
     }
-    std::erase_if(m_listed, [this](const Event &event) {
-        return !m_byMinute.contains({event.seconds / kMinute, event.fields});
-    });
-    for (const Event &event : m_listed) {
-        ++alikeTo(event).listed;
-        ++m_lacking[{event.seconds, event.fields}];
+    for (const Value &line : listed) {
+        list(textOf(line));
     }
 }
 
-EventRestoration::Events EventRestoration::take(const Array &lines) {
-    Events events;
-    events.reserve(lines.size());
-    for (const Value &line : lines) {
-        if (const auto event = eventOf(line)) {
-            events.push_back(*event);
-        }
+std::optional<EventRestoration> EventRestoration::of(ArchivedLists &lists,
+                                                     std::function<void()> giveBack) {
+    EventRestoration restoration(lists.count(0), std::move(giveBack));
+    const bool areTexts = lists.forEach(0, [&](std::string_view line) {
+        restoration.want(line);
+    }) && lists.forEach(1, [&](std::string_view line) { restoration.list(line); });
+    return areTexts ? std::optional(std::move(restoration)) : std::nullopt;
+}
+
+void EventRestoration::want(std::string_view text) {
+    if (const auto line = lineOf(text)) {
+        m_events.push_back(m_alike.want(line->seconds, line->fields));
     }
-    return events;
+    noteRead(text.size());
+}
+
+void EventRestoration::list(std::string_view text) {
+    const auto line = lineOf(text);
+    if (const auto event = line ? m_alike.list(line->seconds, line->fields) : std::nullopt) {
+        m_listed.push_back(*event);
+    }
+    noteRead(text.size());
+}
+
+void EventRestoration::noteRead(std::size_t bytes) {
+    constexpr std::size_t kMany = std::size_t{4} << 20U;
+    m_read += bytes;
+    if (m_read > kMany) {
+        m_read = 0;
+        m_giveBack();
+    }
 }
 
 /// Nothing when the service would not have written that line.
-std::optional<EventRestoration::Event> EventRestoration::eventOf(const Value &value) {
-    std::string_view line = value.string() == nullptr ? std::string_view() : *value.string();
-    if (line.ends_with('\n')) {
-        line.remove_suffix(1);
+std::optional<EventRestoration::Line> EventRestoration::lineOf(std::string_view text) {
+    if (text.ends_with('\n')) {
+        text.remove_suffix(1);
     }
-    const bool isOne = line.find_first_of(kLineEnd) == std::string_view::npos;
-    const auto fields = isOne ? splitLogLine(line) : std::nullopt;
+    const bool isOne = text.find_first_of(kLineEnd) == std::string_view::npos;
+    const auto fields = isOne ? splitLogLine(text) : std::nullopt;
     const auto seconds = fields ? readNumber<std::int64_t>(fields->date) : std::nullopt;
-    if (!seconds || *seconds < 0 || *seconds > kLatestTime ||
-        std::to_string(*seconds) != fields->date || !isPlain(line, *fields) || !canBeTold(line)) {
+    if (!seconds || *seconds < 0 || *seconds > AlikeEvents::kLatestTime ||
+        std::to_string(*seconds) != fields->date || !isPlain(text, *fields) || !canBeTold(text)) {
         return std::nullopt;
     }
-    return Event{*seconds, line.substr(fields->date.size())};
-}
-
-EventRestoration::Alike &EventRestoration::alikeTo(const Event &event) {
-    return m_byMinute[{event.seconds / kMinute, event.fields}];
+    return Line{*seconds, text.substr(fields->date.size())};
 }
 
 std::optional<std::string> EventRestoration::run(LogStore &store, const std::atomic<bool> &stop) {
-    if (m_invalid > 0) {
-        note(std::to_string(m_invalid) + " cannot stand in a log file");
+    const std::size_t invalid = m_named - m_events.size();
+    if (invalid > 0) {
+        note(std::to_string(invalid) + " cannot stand in a log file");
     }
     const MutexLock lock(store.editLock());
     countLog(store, stop);
     const Events chosen = choose();
     std::size_t days = 0;
-    for (auto first = chosen.begin(); first != chosen.end();) {
-        const std::string name = logFileName(first->seconds);
-        const auto last = std::find_if(first, chosen.end(), [&name](const Event &event) {
-            return logFileName(event.seconds) != name;
-        });
-        const Events ofDay(first, last);
-        first = last;
+    for (ManyEvents rest(chosen); !rest.empty();) {
+        const std::string name = logFileName(m_alike.seconds(rest.front()));
+        const auto end = std::ranges::find_if(
+            rest, [&](Event event) { return logFileName(m_alike.seconds(event)) != name; });
+        const ManyEvents ofDay = rest.first(static_cast<std::size_t>(end - rest.begin()));
+        rest = rest.subspan(ofDay.size());
         if (stop) {
             fail(ofDay.size(), "the service is stopping");
         } else if (++days > kMostDays) {
@@ -118,7 +121,7 @@ std::optional<std::string> EventRestoration::run(LogStore &store, const std::ato
                  name + " could not be rewritten: " + std::generic_category().message(errno));
         }
     }
-    const std::size_t missing = m_invalid + m_failed;
+    const std::size_t missing = invalid + m_failed;
     return missing == 0 ? std::nullopt
                         : std::optional(std::to_string(missing) + " of " + std::to_string(m_named) +
                                         " events could not be put back: " + m_problem);
@@ -149,37 +152,27 @@ void EventRestoration::countLine(std::string_view piece) {
         m_fields += ',';
         m_fields += field;
     }
-    const auto alike = m_byMinute.find({*seconds / kMinute, m_fields});
-    if (alike == m_byMinute.end()) {
-        return;
-    }
-    ++alike->second.inLog;
-    const auto same = m_lacking.find({*seconds, m_fields});
-    if (same != m_lacking.end() && same->second > 0) {
-        --same->second;
-    }
+    m_alike.countInLog(*seconds, m_fields);
 }
 
 /// In the order of their times and, of one second, in that in which they were named.
 EventRestoration::Events EventRestoration::choose() {
+    m_giveBack();
     Events chosen;
+    chosen.reserve(m_events.size());
     for (const Events *events : {&m_events, &m_listed}) {
-        for (const Event &event : *events) {
-            Alike &alike = alikeTo(event);
-            auto &lacking = m_lacking[{event.seconds, event.fields}];
-            if (lacking > 0 && alike.chosen < alike.lacking()) {
-                --lacking;
-                ++alike.chosen;
-                chosen.push_back(event);
-            }
-        }
+        std::ranges::copy_if(*events, std::back_inserter(chosen),
+                             [this](Event event) { return m_alike.choose(event); });
     }
-    std::ranges::stable_sort(chosen, {}, &Event::seconds);
+    m_alike.forgetCounts();
+    m_events = {};
+    m_listed = {};
+    std::ranges::stable_sort(chosen, {}, [this](Event event) { return m_alike.seconds(event); });
     return chosen;
 }
 
 /// False with errno.
-bool EventRestoration::putInto(LogStore &store, const std::string &name, const Events &events,
+bool EventRestoration::putInto(LogStore &store, const std::string &name, ManyEvents events,
                                const std::atomic<bool> &stop) {
     const UniqueFd file = openForAppending(store.path(name), O_CREAT);
     if (!file.isOpen()) {
@@ -190,44 +183,49 @@ bool EventRestoration::putInto(LogStore &store, const std::string &name, const E
 }
 
 /// Nothing, with errno, when the file cannot be read.
-std::optional<std::vector<Insertion>> EventRestoration::placesFor(const Events &events, int fd,
+std::optional<std::vector<Insertion>> EventRestoration::placesFor(ManyEvents events, int fd,
                                                                   std::uint64_t size,
                                                                   const std::atomic<bool> &stop) {
     std::vector<Insertion> places;
-    auto next = events.begin();
-    const auto placeAt = [&](std::uint64_t offset, const Event &event) {
-        if (places.empty() || places.back().offset != offset) {
-            places.push_back({offset, {}});
-        }
-        places.back().text += lineOf(event);
-    };
     bool atLineBegin = true;
     const auto look = [&](std::uint64_t offset, std::string_view piece) {
         const bool wasAtLineBegin = std::exchange(atLineBegin, piece.ends_with('\n'));
         const auto line = wasAtLineBegin ? splitLogLine(piece) : std::nullopt;
         const auto seconds = line ? readNumber<std::int64_t>(line->date) : std::nullopt;
-        for (; seconds && next != events.end() && next->seconds < *seconds; ++next) {
-            placeAt(offset, *next);
+        const auto later = std::ranges::find_if(
+            events, [&](Event event) { return !seconds || m_alike.seconds(event) >= *seconds; });
+        if (const auto here = static_cast<std::size_t>(later - events.begin()); here > 0) {
+            places.push_back({offset, textOf(events.first(here))});
+            events = events.subspan(here);
         }
-        return next != events.end() && !stop;
+        return !events.empty() && !stop;
     };
     if (!forEachPiece(fd, size, look)) {
         return std::nullopt;
     }
-    if (next != events.end() && !atLineBegin) {
-        places.push_back({size, std::string(kLineEnd)});
-    }
-    for (; next != events.end(); ++next) {
-        placeAt(size, *next);
+    if (!events.empty()) {
+        places.push_back({size, textOf(events, atLineBegin ? "" : kLineEnd)});
     }
     return places;
 }
 
-std::string EventRestoration::lineOf(const Event &event) {
-    std::string line = std::to_string(event.seconds);
-    line += event.fields;
-    line += kLineEnd;
-    return line;
+/// Their lines, one behind the other, in no more memory than they take.
+std::string EventRestoration::textOf(ManyEvents events, std::string_view front) {
+    std::size_t size = front.size();
+    for (const Event event : events) {
+        size += std::to_string(m_alike.seconds(event)).size() + m_alike.fields(event).size() +
+                kLineEnd.size();
+    }
+    std::string text;
+    text.reserve(size);
+    text += front;
+    for (const Event event : events) {
+        text += std::to_string(m_alike.seconds(event));
+        text += m_alike.fields(event);
+        text += kLineEnd;
+        noteRead(m_alike.fields(event).size());
+    }
+    return text;
 }
 
 /// Of several problems with files, the first is said.

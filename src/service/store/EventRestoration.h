@@ -1,15 +1,18 @@
 #pragma once
 
+#include "platform/ArchivedLists.h"
 #include "platform/Value.h"
+#include "service/store/AlikeEvents.h"
 #include "service/store/LogStore.h"
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace quorbel {
@@ -31,6 +34,10 @@ public:
     /// them and that differ in nothing but the second. Of both, views are kept. What is no such
     /// line is never put back.
     EventRestoration(const Array &events, const Array &listed);
+    /// The same of the first two arrays of a command, where they stand. Nothing when not all of
+    /// them are texts. `giveBack` is called now and then: the memory of what stands there may be
+    /// given up until it is looked at again. The arrays outlive the restoration.
+    static std::optional<EventRestoration> of(ArchivedLists &lists, std::function<void()> giveBack);
 
     /// Reads each log file once, and rewrites those that get some of the events. Returns what could
     /// not be put back and why, as one line; nothing when all is there. Gives up soon after `stop`
@@ -38,50 +45,41 @@ public:
     std::optional<std::string> run(LogStore &store, const std::atomic<bool> &stop);
 
 private:
-    struct Event {
+    using Event = AlikeEvents::Event;
+    using Events = std::vector<Event>;
+    using ManyEvents = std::span<const Event>;
+    /// A line taken apart.
+    struct Line {
         std::int64_t seconds;
         std::string_view fields;  ///< ",priority,host,message"
     };
-    /// Events of one moment or minute with the same fields.
-    struct Key {
-        std::int64_t time;
-        std::string_view fields;
-        bool operator==(const Key &) const = default;
-    };
-    struct KeyHash {
-        std::size_t operator()(const Key &key) const;
-    };
-    struct Alike {
-        std::size_t wanted = 0;
-        std::size_t listed = 0;  ///< beside those
-        std::size_t inLog = 0;
-        std::size_t chosen = 0;  ///< to be put back
-        [[nodiscard]] std::size_t lacking() const;
-    };
-    using Events = std::vector<Event>;
 
-    [[nodiscard]] static Events take(const Array &lines);
-    [[nodiscard]] static std::optional<Event> eventOf(const Value &value);
-    [[nodiscard]] static std::string lineOf(const Event &event);
-    [[nodiscard]] Alike &alikeTo(const Event &event);
+    EventRestoration(std::size_t named, std::function<void()> giveBack);
+
+    [[nodiscard]] static std::optional<Line> lineOf(std::string_view text);
+    void want(std::string_view text);
+    void list(std::string_view text);
+    void noteRead(std::size_t bytes);
     void countLog(LogStore &store, const std::atomic<bool> &stop);
     void countLine(std::string_view piece);
     [[nodiscard]] Events choose();
-    static bool putInto(LogStore &store, const std::string &name, const Events &events,
-                        const std::atomic<bool> &stop) REQUIRES(store.editLock());
-    [[nodiscard]] static std::optional<std::vector<Insertion>> placesFor(
-        const Events &events, int fd, std::uint64_t size, const std::atomic<bool> &stop);
+    bool putInto(LogStore &store, const std::string &name, ManyEvents events,
+                 const std::atomic<bool> &stop) REQUIRES(store.editLock());
+    [[nodiscard]] std::optional<std::vector<Insertion>> placesFor(ManyEvents events, int fd,
+                                                                  std::uint64_t size,
+                                                                  const std::atomic<bool> &stop);
+    [[nodiscard]] std::string textOf(ManyEvents events, std::string_view front = {});
     void fail(std::size_t count, const std::string &problem);
     void note(const std::string &problem);
 
+    std::function<void()> m_giveBack;
+    std::size_t m_read = 0;  ///< of the lines, since m_giveBack was called
+    AlikeEvents m_alike;
     Events m_events;
     Events m_listed;
     std::size_t m_named = 0;
-    std::size_t m_invalid = 0;
     std::size_t m_failed = 0;
     std::string m_problem;
-    std::unordered_map<Key, Alike, KeyHash> m_byMinute;
-    std::unordered_map<Key, std::size_t, KeyHash> m_lacking;  ///< by second, in the log
 
     std::string m_fields;  ///< of countLine(), kept so that a line costs no allocation
 };

@@ -1,5 +1,7 @@
 #include "common/LogReader.h"
+#include "platform/ArchivedLists.h"
 #include "platform/Files.h"
+#include "platform/KeyedArchive.h"
 #include "service/store/EventRemoval.h"
 #include "service/store/EventRestoration.h"
 #include "service/store/FileSizeLimit.h"
@@ -56,8 +58,23 @@ struct EventRestorationTest : ::testing::Test {
     [[nodiscard]] std::string content(const std::string &name) const {
         return readFile(folder.path() / name).value_or("(no file)");
     }
+    /// From values and, every second time, as the front-end sends them.
     std::string restore(const Array &events, const Array &listed = {}) {
-        return EventRestoration(events, listed).run(store, stop).value_or("OK");
+        const auto inPlace =
+            std::exchange(isInPlace, !isInPlace) ? restoreInPlace(events, listed) : std::nullopt;
+        return inPlace ? *inPlace
+                       : EventRestoration(events, listed).run(store, stop).value_or("OK");
+    }
+    std::optional<std::string> restoreInPlace(const Array &events, const Array &listed) {
+        Dictionary command{{"command", "restore"}};
+        command.append("Events", events);
+        command.append("Listed", listed);
+        const std::string archive = writeKeyedArchive(command);
+        auto lists = ArchivedLists::open(archive, "restore", {"Events", "Listed"});
+        auto restoration =
+            lists ? EventRestoration::of(*lists, [this] { ++givenBack; }) : std::nullopt;
+        return restoration ? std::optional(restoration->run(store, stop).value_or("OK"))
+                           : std::nullopt;
     }
     std::string remove(const std::vector<std::string> &events,
                        const std::string &format = "yyyy-MM-dd HH:mm:ss") {
@@ -77,6 +94,8 @@ struct EventRestorationTest : ::testing::Test {
     TemporaryFolder folder;
     LogStore store{folder.path()};
     std::atomic<bool> stop = false;
+    bool isInPlace = false;
+    std::size_t givenBack = 0;
 };
 
 TEST_F(EventRestorationTest, EventsGoToTheirPlacesBySeconds) {
@@ -407,6 +426,32 @@ TEST_F(EventRestorationTest, RandomDeletionsAreUndone) {
             }
         }
     }
+}
+
+TEST_F(EventRestorationTest, WhatStandsInACommandIsPutBackAsWellAndItsMemoryGivenUp) {
+    Array events;
+    std::string all;
+    for (int i = 0; i < 20'000; ++i) {
+        const std::string message = std::string(900, 'x') + std::to_string(i) + "\xC3\xA4";
+        events.emplace_back(event(i, message));
+        all += line(i, message);
+    }
+    EXPECT_EQ(restoreInPlace(events, {}), "OK");
+    EXPECT_EQ(content(kTuesday) +
+                  (std::filesystem::exists(folder.path() / kWednesday) ? content(kWednesday) : ""),
+              all);
+    EXPECT_GE(givenBack, 3U);
+    EXPECT_EQ(restoreInPlace(events, {}), "OK");
+    EXPECT_EQ(
+        content(kTuesday).size() +
+            (std::filesystem::exists(folder.path() / kWednesday) ? content(kWednesday).size() : 0),
+        all.size());
+}
+
+TEST_F(EventRestorationTest, WhatIsNoTextIsLeftToOthers) {
+    EXPECT_EQ(restoreInPlace({event(0, "a"), 1}, {}), std::nullopt);
+    EXPECT_EQ(restoreInPlace({event(0, "a")}, {1}), std::nullopt);
+    EXPECT_TRUE(listFolder(folder.path()).empty());
 }
 
 TEST_F(EventRestorationTest, ManyEventsTakeNoLongerThanTheyAreLong) {
