@@ -8,6 +8,7 @@
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -64,8 +65,11 @@ bool compare(const Form &form, const std::filesystem::path &packages) {
             theirs.microsecondsEach, theirs.senderEach);
     }
     const std::string name = std::string("datagrams, ") + form.name;
-    std::printf("  %s: rate %.2f, processor time %.2f of the yardstick's, medians of %zu pairs\n",
-                form.name, median(rates), median(times), kRounds);
+    std::printf(
+        "  %s: rate %.2f (%.2f to %.2f), processor time %.2f (%.2f to %.2f) of the yardstick's, "
+        "medians of %zu pairs\n",
+        form.name, median(rates), std::ranges::min(rates), std::ranges::max(rates), median(times),
+        std::ranges::min(times), std::ranges::max(times), kRounds);
     const bool isFast = form.leastRate == 0 || report(name + ", times rsyslog's rate",
                                                       median(rates), "", false, form.leastRate);
     const bool isFrugal = form.mostTime == 0 || report(name + ", times rsyslog's time",

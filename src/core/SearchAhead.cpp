@@ -10,7 +10,8 @@
 namespace quorbel {
 
 std::size_t SearchAhead::otherProcessors() {
-    return LogLoad::processors() - 1;
+    constexpr std::size_t kMostUseful = 7;  // the rest of the work is the main thread's
+    return std::min(LogLoad::processors() - 1, kMostUseful);
 }
 
 SearchAhead::~SearchAhead() {
