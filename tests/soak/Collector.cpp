@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <ctime>
 #include <optional>
 
 namespace quorbel::soak {
@@ -83,6 +84,16 @@ std::vector<std::string> Collector::failures() const {
     return m_failures;
 }
 
+std::vector<TimeSpan> Collector::fullTimes() const {
+    const std::lock_guard lock(m_mutex);
+    return m_fullTimes;
+}
+
+std::uint64_t Collector::notStored() const {
+    const std::lock_guard lock(m_mutex);
+    return m_notStored;
+}
+
 std::string Collector::lastJournal() const {
     const std::lock_guard lock(m_mutex);
     return m_journal;
@@ -123,7 +134,7 @@ Collector::Fault Collector::anyFault() {
 void Collector::take(Fault fault) {
     switch (fault) {
         case kKill:
-            m_service->kill();
+            m_hasLost ? stop() : m_service->kill();
             sleepUpTo(kLongestFault);
             start();
             break;
@@ -133,15 +144,23 @@ void Collector::take(Fault fault) {
             m_bus.start();
             break;
         case kDisk:
-            takeAllRoom(m_place.filler);
-            sleepUpTo(kLongestFault);
-            std::filesystem::remove(m_place.filler);
+            fillDisk();
             break;
         default:
             stop();
             sleepUpTo(kLongestFault);
             start();
     }
+}
+
+void Collector::fillDisk() {
+    m_hasLost = true;
+    const std::time_t from = std::time(nullptr);
+    takeAllRoom(m_place.filler);
+    sleepUpTo(kLongestFault);
+    std::filesystem::remove(m_place.filler);
+    const std::lock_guard lock(m_mutex);
+    m_fullTimes.push_back({from, std::time(nullptr)});
 }
 
 void Collector::start() {
@@ -164,8 +183,10 @@ void Collector::stop() {
         fail("The service does not end with 0: " + journal);
     }
     checkBalance(journal);
+    m_hasLost = false;
     const std::lock_guard lock(m_mutex);
     m_journal = journal;
+    m_notStored += load::counter(journal, "not stored");
 }
 
 /// Of what came in nothing goes missing without a number that says so.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "soak/EventComparison.h"
 #include "support/PrivateBus.h"
 #include "support/ServiceProcess.h"
 
@@ -55,6 +56,11 @@ public:
     /// What was wrong that should not have been: the service's own failures. Empty when all is
     /// well.
     [[nodiscard]] std::vector<std::string> failures() const;
+    /// When its disk was full. What arrived then may be listed without being in the log: the window
+    /// is told also of what could not be stored.
+    [[nodiscard]] std::vector<TimeSpan> fullTimes() const;
+    /// How much of that there was in all of its lives that are over.
+    [[nodiscard]] std::uint64_t notStored() const;
     /// What the service that was stopped last has written; empty when none was yet.
     [[nodiscard]] std::string lastJournal() const;
 
@@ -68,6 +74,7 @@ private:
     void stop();
     Fault anyFault();
     void take(Fault fault);
+    void fillDisk();
     void checkBalance(const std::string &journal);
     void fail(const std::string &what);
     void sleepUpTo(std::chrono::milliseconds longest);
@@ -75,9 +82,11 @@ private:
     testing::PrivateBus &m_bus;
     const Place m_place;
     const std::chrono::milliseconds m_between;
-    int m_faults = 0;                                    // of the thread, as are
-    std::mt19937 m_random;                               // of the thread, as is
-    std::unique_ptr<testing::ServiceProcess> m_service;  // this
+    // Of the thread.
+    int m_faults = 0;
+    bool m_hasLost = false;  ///< something that is known only when the service says so in the end
+    std::mt19937 m_random;
+    std::unique_ptr<testing::ServiceProcess> m_service;
     std::atomic<std::uint16_t> m_port = 0;
     std::atomic<pid_t> m_pid = -1;
 
@@ -89,6 +98,8 @@ private:
     bool m_isWell = false;
     bool m_isToRestart = false;
     std::string m_journal;
+    std::vector<TimeSpan> m_fullTimes;
+    std::uint64_t m_notStored = 0;
     std::vector<unsigned> m_taken = std::vector<unsigned>(kFaultCount);
     std::vector<std::string> m_failures;
 

@@ -4,6 +4,7 @@
 #include "core/EventList.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <iterator>
 #include <string_view>
@@ -54,9 +55,33 @@ Hashes onlyIn(const Hashes &these, const Hashes &those) {
     return result;
 }
 
+bool isIn(const std::vector<TimeSpan> &spans, const std::string &event) {
+    const std::int64_t moment = std::strtoll(event.c_str(), nullptr, 10);
+    return std::ranges::any_of(spans, [moment](const TimeSpan &span) {
+        return moment >= span.first && moment <= span.last;
+    });
+}
+
+/// Tells those that are not in the log apart, and finds one.
+void look(EventList &list, const Hashes &missing, const Hashes &tooMany,
+          const std::vector<TimeSpan> &unstored, Comparison &result) {
+    forEachListed(list, [&](const std::string &event) {
+        if (!std::ranges::binary_search(tooMany, hashOf(event))) {
+            return;
+        }
+        const bool wasFull = isIn(unstored, event);
+        ++(wasFull ? result.unstored : result.tooMany);
+        result.example = wasFull ? result.example : event;
+    });
+    forEachLogged([&](const std::string &event) {
+        result.example =
+            std::ranges::binary_search(missing, hashOf(event)) ? event : result.example;
+    });
+}
+
 }  // namespace
 
-Comparison compare(EventList &list) {
+Comparison compare(EventList &list, const std::vector<TimeSpan> &unstored) {
     Hashes logged;
     Hashes listed;
     forEachLogged([&](const std::string &event) { logged.push_back(hashOf(event)); });
@@ -65,17 +90,9 @@ Comparison compare(EventList &list) {
     std::ranges::sort(listed);
     const Hashes missing = onlyIn(logged, listed);
     const Hashes tooMany = onlyIn(listed, logged);
-    Comparison result{logged.size(), missing.size(), tooMany.size()};
-    const auto note = [&](const std::string &event) {
-        const std::size_t hash = hashOf(event);
-        if (std::ranges::binary_search(missing, hash) ||
-            std::ranges::binary_search(tooMany, hash)) {
-            result.example = event;
-        }
-    };
-    if (!result.isEqual()) {
-        forEachLogged(note);
-        forEachListed(list, note);
+    Comparison result{.logged = logged.size(), .missing = missing.size()};
+    if (!missing.empty() || !tooMany.empty()) {
+        look(list, missing, tooMany, unstored, result);
     }
     return result;
 }

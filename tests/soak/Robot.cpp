@@ -43,6 +43,10 @@ const std::vector<Robot::Activity> &Robot::activities() {
         {"prints a report", 1, &Robot::printReport},
         {"exports events", 1, &Robot::exportEvents},
         {"looks at the service", 2, &Robot::openService},
+        {"looks at the hosts", 2, &Robot::visitHosts},
+        {"asks a question", 3, &Robot::askQuestion},
+        {"reads the help book", 1, &Robot::readHelp},
+        {"sets the periodic export", 1, &Robot::setExport},
         {"closes popups", 5, &Robot::closePopups},
         {"changes the size", 3, &Robot::changeSize},
         {"changes the screen", 2, &Robot::changeScreen},
@@ -328,6 +332,67 @@ bool Robot::openService() {
     }
     goOnFor(std::chrono::milliseconds(any(0, 2000)));
     return click("serviceClose");
+}
+
+bool Robot::visitHosts() {
+    if (!click("Home") || !click("allHosts")) {
+        return false;
+    }
+    clickRow(find<QTableView>("hostTable"), 0);
+    goOnFor(std::chrono::milliseconds(any(0, 1000)));
+    return click("hostsDone");
+}
+
+bool Robot::askQuestion() {
+    if (!toEvents()) {
+        return false;
+    }
+    if (find<QAbstractButton>("findSaved") == nullptr) {
+        key(table(), Qt::Key_F, Qt::ControlModifier);
+    }
+    if (!click("findSaved")) {
+        return find<QAbstractButton>("findMore") != nullptr;  // it has no room
+    }
+    goOnFor(std::chrono::milliseconds(any(100, 2000)));
+    QWidget *panel = QApplication::activePopupWidget();
+    auto *list = panel != nullptr ? panel->findChild<QWidget *>(u"findSavedList"_s) : nullptr;
+    if (list == nullptr) {
+        return false;
+    }
+    for (int i = any(1, 12); i > 0; --i) {
+        key(list, Qt::Key_Down);
+    }
+    key(list, Qt::Key_Return);
+    goOnFor(std::chrono::milliseconds(any(100, 2000)));
+    if (QWidget *left = QApplication::activePopupWidget()) {
+        key(left, Qt::Key_Escape);
+    }
+    click("findClear");
+    return QApplication::activePopupWidget() == nullptr;
+}
+
+bool Robot::readHelp() {
+    step(u"opens the help book"_s);
+    m_frontEnd.window->findChild<QAction *>(u"applicationHelp"_s)->trigger();
+    goOnFor(std::chrono::milliseconds(any(100, 1000)));
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == "helpWindow"_L1 && window->isVisible()) {
+            return window->close();
+        }
+    }
+    return false;
+}
+
+/// On, or off again.
+bool Robot::setExport() {
+    if (!click("Tools") || !click("toolsExport") || !click("exportText")) {
+        return false;
+    }
+    if (find<QAbstractButton>("exportText")->isChecked() &&
+        (!type("textInterval", u"1"_s) || !type("textLocation", fileInFolder(u"service.csv"_s)))) {
+        return false;
+    }
+    return click("saveButton");
 }
 
 bool Robot::closePopups() {

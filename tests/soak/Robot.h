@@ -28,6 +28,7 @@ public:
     /// filter.
     void rest();
 
+    using RobotHands::alerts;
     /// How often each was done.
     [[nodiscard]] std::string told() const;
     /// What could not be done that must be possible: with what was done then.
@@ -60,6 +61,10 @@ private:
     bool printReport();
     bool exportEvents();
     bool openService();
+    bool visitHosts();
+    bool askQuestion();
+    bool readHelp();
+    bool setExport();
     bool closePopups();
     bool changeSize();
     bool changeScreen();

@@ -189,6 +189,9 @@ void RobotHands::closeDialogs() {
 
 void RobotHands::closeFront() {
     QDialog *front = dialog();
+    if (const auto *box = qobject_cast<QMessageBox *>(front)) {
+        ++m_alerts[(box->text() + u' ' + box->informativeText()).toStdString()];
+    }
     if (auto *buttons = front->findChild<QDialogButtonBox *>();
         buttons != nullptr && buttons->button(QDialogButtonBox::Cancel) != nullptr) {
         press(buttons->button(QDialogButtonBox::Cancel));

@@ -9,7 +9,9 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <random>
+#include <string>
 
 class QDialog;
 class QFileDialog;
@@ -25,6 +27,9 @@ namespace quorbel::soak {
 class RobotHands {
 public:
     RobotHands(testing::FrontEnd &frontEnd, StallWatch &watch, QString folder, unsigned seed);
+
+    /// What the window said in alerts that nobody had asked for, and how often.
+    [[nodiscard]] const std::map<std::string, int> &alerts() const { return m_alerts; }
 
 protected:
     using Condition = std::function<bool()>;
@@ -86,6 +91,7 @@ private:
     StallWatch &m_watch;
     const QString m_folder;
     QString m_activity;
+    std::map<std::string, int> m_alerts;
 };
 
 }  // namespace quorbel::soak

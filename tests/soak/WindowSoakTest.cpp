@@ -55,7 +55,7 @@ using std::chrono::seconds;
 const char *const kMinutes = std::getenv("QUORBEL_SOAK_MINUTES");  // NOLINT(concurrency-mt-unsafe)
 const bool kIsLong = kMinutes != nullptr;
 const seconds kTime = kIsLong ? seconds(60 * std::atol(kMinutes)) : 25s;
-const seconds kBetweenFaults = kIsLong ? 45s : 3s;
+const seconds kBetweenFaults = kIsLong ? 30s : 3s;
 const seconds kBetweenSamples = kIsLong ? 5s : 1s;
 const Traffic::Rates kRates = kIsLong ? Traffic::Rates{} : Traffic::Rates{.longest = 20'000};
 /// Before, the list has not come to its size at half the time.
@@ -222,14 +222,17 @@ private:
     void compareEvents(const char *when) {
         Comparison found;
         const bool isEqual = goOnUntil([&] {
-            found = compare(list());
+            found = compare(list(), m_collector->fullTimes());
             goOnUntil([] { return false; }, found.isEqual() ? 0s : 1s);
             return found.isEqual();
         });
         figure(std::string("events ") + when + ": " + std::to_string(found.logged) +
                " in the log files, missing in the window " + std::to_string(found.missing) +
-               ", too many " + std::to_string(found.tooMany));
+               ", too many " + std::to_string(found.tooMany) + ", of a full disk " +
+               std::to_string(found.unstored) + " of " + std::to_string(m_collector->notStored()) +
+               " not stored");
         expect(isEqual, "The window lists what the log files hold; differs: " + found.example);
+        expect(found.unstored <= m_collector->notStored(), "What is not stored is counted");
     }
     /// What was sent to the service in its last life is what it counts.
     void checkLastLife() {
@@ -338,6 +341,9 @@ private Q_SLOTS:
         figure("messages sent: " + std::to_string(m_traffic->sent()));
         figure("faults: " + m_collector->told());
         figure("the robot " + robot.told());
+        for (const auto &[text, count] : robot.alerts()) {
+            figure("alert, " + std::to_string(count) + " times: " + text);
+        }
         checkDescriptors(before, after);
         checkMemory(samples);
         checkTimes(stalls);
