@@ -23,6 +23,7 @@
 
 #include <QApplication>
 #include <QTest>
+#include <QThreadPool>
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -64,6 +65,8 @@ const bool kTellsGrowth = kTime >= 600s;
 const int kKeptMinutes = kIsLong ? 3 : 9;
 const unsigned kDiskSize = kIsLong ? 1024 : 128;
 
+/// Within it, what is no longer needed closes.
+constexpr seconds kSettling = 3s;
 constexpr int kOld = 5'000;
 constexpr double kLongestStallMs = 100;
 constexpr double kMostGrowth = 0.02;
@@ -170,6 +173,7 @@ private:
         return testing::waitUntil(
             [&] {
                 QApplication::processEvents();
+                QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
                 return condition();
             },
             limit);
@@ -187,11 +191,12 @@ private:
     bool isWell() { return m_collector->isWell() && m_frontEnd->window->hearsService(); }
     EventList &list() { return m_frontEnd->delegate.events; }
 
-    /// The robot and the faults for that long.
+    /// The robot and the faults for that long, or until everything was done once.
     void work(Robot &robot, seconds time) {
         m_traffic->setOn(true);
         m_collector->setFaults(true);
         const auto end = std::chrono::steady_clock::now() + time;
+        robot.actAll();
         while (std::chrono::steady_clock::now() < end) {
             robot.act();
         }
@@ -252,6 +257,7 @@ private:
         send(Plan::Transport::kUdp);
         send(Plan::Transport::kTcp);
         compareEvents(when);
+        goOnUntil([] { return false; }, kSettling);
         const Rest rest{figuresOf(getpid()), figuresOf(m_collector->pid())};
         restart();
         checkLastLife();
@@ -403,8 +409,12 @@ int main(int argc, char **argv) {
                         R"({"name":"small","x":1280,"y":0,"width":900,"height":620}]})");
     qputenv("QT_QPA_PLATFORM",
             QByteArray::fromStdString("offscreen:configfile=" + screens.string()));
+    // Of one test function, in milliseconds; five minutes otherwise.
+    qputenv("QTEST_FUNCTION_TIMEOUT", QByteArray::number(2'000 * (soak::kTime.count() + 600)));
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    // Threads of this pool are no longer needed soon, not half a minute later.
+    QThreadPool::globalInstance()->setExpiryTimeout(1000);
     soak::WindowSoakTest test(disk, own.path(), noDisk);
     return QTest::qExec(&test, argc, argv);
 }
