@@ -55,7 +55,7 @@ using std::chrono::seconds;
 
 const char *const kMinutes = std::getenv("QUORBEL_SOAK_MINUTES");  // NOLINT(concurrency-mt-unsafe)
 const bool kIsLong = kMinutes != nullptr;
-const seconds kTime = kIsLong ? seconds(60 * std::atol(kMinutes)) : 25s;
+const seconds kTime = kIsLong ? seconds(60 * std::atol(kMinutes)) : 10s;
 const seconds kBetweenFaults = kIsLong ? 30s : 3s;
 const seconds kBetweenSamples = kIsLong ? 5s : 1s;
 const Traffic::Rates kRates = kIsLong ? Traffic::Rates{} : Traffic::Rates{.longest = 20'000};
@@ -70,6 +70,8 @@ constexpr seconds kSettling = 3s;
 constexpr int kOld = 5'000;
 constexpr double kLongestStallMs = 100;
 constexpr double kMostGrowth = 0.02;
+/// MiB more than that: the service begins anew each time, and takes so little that 2 % are a page.
+constexpr double kSlack = 2;
 
 /// Events of an hour ago, which the first retention time removes.
 void writeOldEvents(const testing::TemporaryFolder &disk) {
@@ -133,6 +135,10 @@ private:
 
 std::string percent(double share) {
     return QString::number(100 * share, 'f', 1).toStdString() + " %";
+}
+
+bool stays(const MemoryCurve &memory) {
+    return memory.median(3) <= memory.median(2) * (1 + kMostGrowth) + kSlack;
 }
 
 std::string described(const char *who, const MemoryCurve &memory) {
@@ -223,6 +229,13 @@ private:
         std::thread sender([plan] { load::send(plan); });
         sender.join();
     }
+    std::uint64_t countedEvents() {
+        std::int64_t sum = 0;
+        for (const auto counter : kSeverityCounters) {
+            sum += m_frontEnd->delegate.state.*counter;
+        }
+        return static_cast<std::uint64_t>(sum);
+    }
     /// As long as it takes, but for good: retention may be at work.
     void compareEvents(const char *when) {
         Comparison found;
@@ -237,6 +250,10 @@ private:
                std::to_string(found.unstored) + " of " + std::to_string(m_collector->notStored()) +
                " not stored");
         expect(isEqual, "The window lists what the log files hold; differs: " + found.example);
+        const auto counted = countedEvents();
+        figure("counters of the window " + std::string(when) + ": " + std::to_string(counted) +
+               " taken in and not deleted, " + std::to_string(list().size()) + " listed");
+        expect(counted >= list().size(), "The window counts what it lists");
         expect(found.unstored <= m_collector->notStored(), "What is not stored is counted");
     }
     /// What was sent to the service in its last life is what it counts.
@@ -302,9 +319,8 @@ private:
     void checkMemory(const Sampling &samples) {
         figure(described("memory of the window", samples.window));
         figure(described("memory of the service", samples.service));
-        expect(!kTellsGrowth || samples.window.growth() < kMostGrowth, "The window does not grow");
-        expect(!kTellsGrowth || samples.service.growth() < kMostGrowth,
-               "The service does not grow");
+        expect(!kTellsGrowth || stays(samples.window), "The window does not grow");
+        expect(!kTellsGrowth || stays(samples.service), "The service does not grow");
     }
 
 private Q_SLOTS:
