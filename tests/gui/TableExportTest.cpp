@@ -1,15 +1,36 @@
 #include "platform/gui/TableExport.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
 
 #include <QFile>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QTimer>
 
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <memory>
+
+namespace {
+
+/// The disk takes its time until this is true.
+std::atomic<bool> isDiskReady = true;
+std::atomic<bool> wasDiskTooSlow = false;
+
+}  // namespace
+
+/// In place of the C library's.
+extern "C" int fdatasync(int descriptor) {
+    if (!quorbel::testing::waitUntil([] { return isDiskReady.load(); }, std::chrono::seconds(5))) {
+        wasDiskTooSlow = true;
+    }
+    return static_cast<int>(syscall(SYS_fdatasync, descriptor));
+}
 
 namespace quorbel {
 
@@ -63,6 +84,16 @@ private Q_SLOTS:
         rows.areStillThere = [] { return true; };
         QVERIFY(exportTable(path(QStringLiteral("a.txt")), *m_model, rows, nullptr));
         QCOMPARE(bytesOf(path(QStringLiteral("a.txt"))), QByteArray("A\tB\n1\t2\n3\t4\n"));
+    }
+
+    void othersGoOnWhileTheDiskIsSlow() {
+        addRow("1", "2");
+        isDiskReady = false;
+        QTimer::singleShot(0, this, [] { isDiskReady = true; });
+        QVERIFY(exportTable(path(QStringLiteral("a.txt")), *m_model, allRows(), nullptr));
+        QVERIFY(isDiskReady);
+        QVERIFY(!wasDiskTooSlow);
+        QCOMPARE(bytesOf(path(QStringLiteral("a.txt"))), QByteArray("A\tB\n1\t2\n"));
     }
 
     void replacesAnOlderFile() {

@@ -8,7 +8,11 @@
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QSaveFile>
+#include <QSemaphore>
+#include <QThreadPool>
 #include <QWidget>
+
+#include <unistd.h>
 
 #include <utility>
 
@@ -36,6 +40,22 @@ QByteArray line(int columns, char separator, const std::function<QVariant(int co
 QVariant titleInFile(const QAbstractItemModel &model, int column) {
     const QVariant title = model.headerData(column, Qt::Horizontal, Qt::EditRole);
     return title.isValid() ? title : model.headerData(column, Qt::Horizontal, Qt::DisplayRole);
+}
+
+/// Brings what was written to disk, which may take seconds, while others go on. Where no thread is
+/// free for it, whoever commits the file waits for that.
+void syncMeanwhile(QSaveFile &file, ProgressWindow &progress, std::size_t rows) {
+    constexpr int kLookMs = 10;
+    QSemaphore done;
+    const bool isFlushed = file.flush();
+    if (isFlushed && QThreadPool::globalInstance()->tryStart([&done, descriptor = file.handle()] {
+            ::fdatasync(descriptor);
+            done.release();
+        })) {
+        while (!done.tryAcquire(1, kLookMs)) {
+            progress.update(rows, rows);
+        }
+    }
 }
 
 }  // namespace
@@ -86,6 +106,7 @@ bool exportTable(const QString &path, const QAbstractItemModel &model, const Exp
             return false;
         }
     }
+    syncMeanwhile(file, progress, rows.count);
     return file.commit();
 }
 
