@@ -8,6 +8,7 @@
 #include <array>
 #include <ctime>
 #include <optional>
+#include <string_view>
 
 namespace quorbel::soak {
 
@@ -70,7 +71,7 @@ void Collector::restart() {
 }
 
 std::string Collector::told() const {
-    static constexpr std::array kNames{"killed", "stopped", "bus gone", "disk full"};
+    static constexpr std::array kNames{"killed", "stopped", "bus gone", "disk full", "restarted"};
     const std::lock_guard lock(m_mutex);
     std::string text;
     for (std::size_t i = 0; i < kFaultCount; ++i) {
@@ -111,7 +112,7 @@ void Collector::work() {
         m_changed.wait(lock, [&] { return isTold() || mayFail(); });
         if (!m_isStopping) {
             m_isWell = false;
-            const Fault fault = m_isToRestart ? kStop : anyFault();
+            const Fault fault = m_isToRestart ? kRestart : anyFault();
             ++m_taken[fault];
             lock.unlock();
             take(fault);
@@ -139,18 +140,39 @@ void Collector::take(Fault fault) {
             start();
             break;
         case kBus:
-            m_bus.stop();
-            sleepUpTo(kLongestFault);
-            m_bus.start();
+            stopBus();
             break;
         case kDisk:
             fillDisk();
             break;
-        default:
+        case kStop:
             stop();
             sleepUpTo(kLongestFault);
             start();
+            break;
+        default:
+            stop();
+            start();
     }
+}
+
+void Collector::stopBus() {
+    const std::size_t before = timesOnBus();
+    m_bus.stop();
+    sleepUpTo(kLongestFault);
+    m_bus.start();
+    testing::waitUntil([&] { return timesOnBus() > before; });
+}
+
+/// Only then is a command sure to reach the service.
+std::size_t Collector::timesOnBus() const {
+    static constexpr std::string_view kLine = "Connected to the system bus";
+    const std::string journal = m_service->journal();
+    std::size_t times = 0;
+    for (std::size_t at = 0; (at = journal.find(kLine, at)) != std::string::npos; ++at) {
+        ++times;
+    }
+    return times;
 }
 
 void Collector::fillDisk() {
@@ -172,6 +194,7 @@ void Collector::start() {
     if (!m_service->isListening()) {
         fail("The service does not start: " + m_service->journal());
     }
+    testing::waitUntil([this] { return timesOnBus() > 0; });
     m_port = m_service->port();
     m_pid = m_service->pid();
 }

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -65,7 +66,7 @@ public:
     [[nodiscard]] std::string lastJournal() const;
 
 private:
-    enum Fault { kKill, kStop, kBus, kDisk, kFaultCount };
+    enum Fault { kKill, kStop, kBus, kDisk, kRestart, kFaultCount };
 
     /// Under m_mutex.
     [[nodiscard]] bool mayFail() const { return m_hasFaults && !m_isHeld; }
@@ -74,6 +75,8 @@ private:
     void stop();
     Fault anyFault();
     void take(Fault fault);
+    void stopBus();
+    [[nodiscard]] std::size_t timesOnBus() const;
     void fillDisk();
     void checkBalance(const std::string &journal);
     void fail(const std::string &what);

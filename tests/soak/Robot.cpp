@@ -1,19 +1,12 @@
 #include "soak/Robot.h"
 
-#include "alerts/PopupView.h"
-#include "common/Severity.h"
-
 #include <QAction>
 #include <QApplication>
 #include <QFile>
-#include <QLineEdit>
-#include <QScreen>
 #include <QTableView>
-#include <QTest>
-#include <QWindow>
 
 #include <algorithm>
-#include <iterator>
+#include <atomic>
 #include <memory>
 #include <numeric>
 #include <optional>
@@ -111,96 +104,6 @@ QTableView *Robot::table() {
     return find<QTableView>("tableView");
 }
 
-bool Robot::visitPages() {
-    static constexpr const char *kPages[] = {"Home", "Scan", "Reports", "Tools"};
-    for (int i = any(2, 6); i > 0; --i) {
-        if (!click(kPages[any(0, 3)])) {
-            return false;
-        }
-    }
-    static constexpr const char *kSettings[] = {"toolsOptions", "toolsActions", "toolsExport"};
-    return click("Tools") && click(kSettings[any(0, 2)]) && click("onCancel");
-}
-
-bool Robot::search() {
-    static const QStringList kTexts{u"interface"_s, u"00042"_s, u"no such text"_s,  u"cost 10"_s,
-                                    u"e"_s,         u"[17]"_s,  u"0 interface ge"_s};
-    if (!toEvents()) {
-        return false;
-    }
-    if (find<QLineEdit>("findText") == nullptr) {
-        key(table(), Qt::Key_F, Qt::ControlModifier);
-    }
-    if (!type("findText", kTexts.at(any(0, static_cast<int>(kTexts.size()) - 1)))) {
-        return false;
-    }
-    goOnFor(std::chrono::milliseconds(any(0, 1500)));
-    if (sometimes(2)) {
-        key(find<QLineEdit>("findText"), Qt::Key_Return);
-        goOnFor(std::chrono::milliseconds(any(0, 1000)));
-    }
-    // Most people clear a search, some leave it.
-    return sometimes(5) || click("findClear");
-}
-
-bool Robot::chooseRatings() {
-    static constexpr const char *kRatings[] = {"findRatingNormal", "findRatingModerate",
-                                               "findRatingSevere"};
-    if (!toEvents()) {
-        return false;
-    }
-    for (int i = any(1, 4); i > 0; --i) {
-        click(kRatings[any(0, 2)]);
-        goOnFor(std::chrono::milliseconds(any(0, 800)));
-    }
-    click("findClear");
-    return true;
-}
-
-bool Robot::scroll() {
-    static constexpr Qt::Key kKeys[] = {Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_End,
-                                        Qt::Key_Home,     Qt::Key_Down,   Qt::Key_Up};
-    if (!toEvents()) {
-        return false;
-    }
-    for (int i = any(5, 40); i > 0; --i) {
-        key(table(), kKeys[any(0, 5)]);
-        goOnFor(std::chrono::milliseconds(any(0, 60)));
-    }
-    return true;
-}
-
-bool Robot::openDetails() {
-    if (!toEvents() || !clickRow(table(), any(0, 10))) {
-        return table() != nullptr && table()->model()->rowCount() == 0;
-    }
-    key(table(), Qt::Key_Return);
-    if (!waitUntil([this] { return find<QAbstractButton>("onOK") != nullptr; }, 5s)) {
-        return table()->model()->rowCount() == 0;
-    }
-    for (int i = any(0, 10); i > 0; --i) {
-        click(sometimes(2) ? "eventUp" : "eventDown");
-    }
-    return click("onOK");
-}
-
-bool Robot::holdList() {
-    if (!toEvents() || !click("holdEvents")) {
-        return false;
-    }
-    goOnFor(std::chrono::milliseconds(any(200, 3000)));
-    scroll();
-    return click("holdEvents");
-}
-
-bool Robot::foldTimeline() {
-    if (!toEvents() || !click("timelineToggle")) {
-        return false;
-    }
-    goOnFor(std::chrono::milliseconds(any(200, 2000)));
-    return click("timelineToggle");
-}
-
 bool Robot::holdFaults() {
     m_collector.holdFaults(true);
     step(u"waits until all is well"_s);
@@ -218,104 +121,6 @@ bool Robot::waitForService() {
     return waitUntil([answer] { return answer->load(); }, 3 * testing::kPatience);
 }
 
-/// Chooses some rows and deletes them.
-bool Robot::deleteSome() {
-    if (!toEvents()) {
-        return false;
-    }
-    const int rows = table()->model()->rowCount();
-    if (rows < 100) {
-        return true;
-    }
-    if (!clickRow(table(), any(0, 50)) ||
-        !clickRow(table(), any(51, std::min(rows - 1, sometimes(4) ? 20'000 : 200)),
-                  Qt::ShiftModifier)) {
-        return false;
-    }
-    return click("deleteEvents") && answer(u"Yes"_s);
-}
-
-bool Robot::deleteAndUndo() {
-    if (!holdFaults() || !deleteSome()) {
-        return false;
-    }
-    auto *undo = m_frontEnd.window->findChild<QAction *>(u"undoDelete"_s);
-    step(u"undoes"_s);
-    undo->trigger();
-    const bool isDone = waitUntil([undo] { return !undo->isEnabled(); }, 10s);
-    goOnFor(std::chrono::milliseconds(500));
-    return waitForService() && isDone;
-}
-
-bool Robot::deleteRows() {
-    return holdFaults() && deleteSome() && waitForService();
-}
-
-bool Robot::saveOptions() {
-    if (!click("Tools") || !click("toolsOptions")) {
-        return false;
-    }
-    choose("severityError", any(0, 2));
-    choose("severityNotice", any(0, 2));
-    choose("userTimeFormat", sometimes(2) ? 0 : 2);
-    click("definedDateFormat");
-    if (!type("popupEventsTime", QString::number(any(1, 5)))) {
-        return false;
-    }
-    return click("saveButton");
-}
-
-bool Robot::keepFor(int minutes) {
-    begin(u"sets how long events are kept"_s);
-    // What was never shown does not hear of its removal.
-    if (!toEvents() || !click("Tools") || !click("toolsOptions")) {
-        return false;
-    }
-    for (const SeverityClass &severity : kSeverityClasses) {
-        const std::string name = "removal" + std::string(severity.keyPart);
-        if (!click(name.c_str()) || !type((name + "Time").c_str(), QString::number(minutes)) ||
-            !choose((name + "Units").c_str(), 0)) {
-            return false;
-        }
-    }
-    return click("saveButton");
-}
-
-bool Robot::showReport(int kind) {
-    if (!click("Reports") || !choose("reportName", kind)) {
-        return false;
-    }
-    return click("reportDisplay");
-}
-
-bool Robot::makeReport() {
-    if (!showReport(any(0, 3))) {
-        return false;
-    }
-    click("largestFirst");
-    click("expandAll");
-    click("collapseAll");
-    return sometimes(2) || exportTo("exportResults", u"report%1.csv"_s.arg(++m_files));
-}
-
-/// Of a million messages each on a line nobody prints all.
-bool Robot::printReport() {
-    if (!showReport(sometimes(2) ? 0 : 2)) {
-        return false;
-    }
-    const QString name = u"report%1.pdf"_s.arg(++m_files);
-    return click("printResults") && printInDialog(name) && isWritten(name);
-}
-
-bool Robot::exportEvents() {
-    if (!toEvents() || table()->model()->rowCount() < 2) {
-        return table() != nullptr;
-    }
-    clickRow(table(), 0);
-    clickRow(table(), any(1, std::min(table()->model()->rowCount() - 1, 2'000)), Qt::ShiftModifier);
-    return exportTo("exportEvents", u"events%1.txt"_s.arg(++m_files));
-}
-
 bool Robot::exportTo(const char *button, const QString &name) {
     return click(button) && saveInPanel(name) && isWritten(name);
 }
@@ -326,91 +131,6 @@ bool Robot::isWritten(const QString &name) const {
     return waitUntil([&] { return QFile::exists(path); }) && QFile::remove(path);
 }
 
-bool Robot::openService() {
-    if (!click("serviceButton") && !click("serviceDetails")) {
-        return false;
-    }
-    goOnFor(std::chrono::milliseconds(any(0, 2000)));
-    return click("serviceClose");
-}
-
-bool Robot::visitHosts() {
-    if (!click("Home")) {
-        return false;
-    }
-    if (!click("allHosts")) {
-        return true;  // the window is too low for it
-    }
-    clickRow(find<QTableView>("hostTable"), 0);
-    goOnFor(std::chrono::milliseconds(any(0, 1000)));
-    return click("hostsDone");
-}
-
-bool Robot::askQuestion() {
-    if (!toEvents()) {
-        return false;
-    }
-    if (find<QAbstractButton>("findSaved") == nullptr) {
-        key(table(), Qt::Key_F, Qt::ControlModifier);
-    }
-    if (!click("findSaved")) {
-        return find<QAbstractButton>("findMore") != nullptr;  // it has no room
-    }
-    goOnFor(std::chrono::milliseconds(any(100, 2000)));
-    QWidget *panel = QApplication::activePopupWidget();
-    auto *list = panel != nullptr ? panel->findChild<QWidget *>(u"findSavedList"_s) : nullptr;
-    if (list == nullptr) {
-        return false;
-    }
-    for (int i = any(1, 12); i > 0; --i) {
-        key(list, Qt::Key_Down);
-    }
-    key(list, Qt::Key_Return);
-    goOnFor(std::chrono::milliseconds(any(100, 2000)));
-    if (QWidget *left = QApplication::activePopupWidget()) {
-        key(left, Qt::Key_Escape);
-    }
-    click("findClear");
-    return QApplication::activePopupWidget() == nullptr;
-}
-
-bool Robot::readHelp() {
-    step(u"opens the help book"_s);
-    m_frontEnd.window->findChild<QAction *>(u"applicationHelp"_s)->trigger();
-    goOnFor(std::chrono::milliseconds(any(100, 1000)));
-    for (QWidget *window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == "helpWindow"_L1 && window->isVisible()) {
-            return window->close();
-        }
-    }
-    return false;
-}
-
-/// On, or off again.
-bool Robot::setExport() {
-    if (!click("Tools") || !click("toolsExport") || !click("exportText")) {
-        return false;
-    }
-    if (find<QAbstractButton>("exportText")->isChecked() &&
-        (!type("textInterval", u"1"_s) || !type("textLocation", fileInFolder(u"service.csv"_s)))) {
-        return false;
-    }
-    return click("saveButton");
-}
-
-bool Robot::closePopups() {
-    goOnFor(std::chrono::milliseconds(any(0, 500)));
-    if (QWidget *popup = shownPopup()) {
-        step(u"closes a popup"_s);
-        auto *skip = popup->findChild<QAbstractButton *>(u"popupSkip"_s);
-        const bool skips = skip != nullptr && skip->isVisible() && sometimes(2);
-        QTest::mouseClick(skips ? static_cast<QWidget *>(skip) : popup->findChild<PopupView *>(),
-                          Qt::LeftButton, {}, skips ? QPoint() : QPoint(3, 3));
-        think();
-    }
-    return true;
-}
-
 QWidget *Robot::shownPopup() {
     for (QWidget *window : QApplication::topLevelWidgets()) {
         if (window->objectName() == "popupWindow"_L1 && window->isVisible()) {
@@ -418,26 +138,6 @@ QWidget *Robot::shownPopup() {
         }
     }
     return nullptr;
-}
-
-bool Robot::changeSize() {
-    auto &window = *m_frontEnd.window;
-    for (int i = any(1, 8); i > 0; --i) {
-        const QSize room = window.screen()->availableSize();
-        step(u"resizes"_s);
-        window.resize(any(room.width() / 2, room.width()), any(room.height() / 2, room.height()));
-        think();
-    }
-    return true;
-}
-
-bool Robot::changeScreen() {
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    QWindow *handle = m_frontEnd.window->windowHandle();
-    QScreen *other = handle->screen() == screens.first() ? screens.last() : screens.first();
-    step(u"moves to another screen"_s);
-    handle->setScreen(other);
-    return waitUntil([&] { return m_frontEnd.window->screen() == other; }, 5s);
 }
 
 }  // namespace quorbel::soak

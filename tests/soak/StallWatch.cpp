@@ -21,6 +21,7 @@ namespace {
 constexpr int kBeatMs = 5;
 constexpr double kNanosecondsOfOne = 1e6;
 constexpr std::size_t kKept = 10;
+constexpr std::chrono::milliseconds kNap{5};
 constexpr std::chrono::milliseconds kWorthALook{40};
 constexpr double kWorthTheCallsMs = 100;
 constexpr int kMostCalls = 40;
@@ -51,6 +52,9 @@ std::string readable(const std::string &call) {
 std::vector<std::string> takeCalls() {
     constexpr int kOwn = 2;
     const int count = callCount.exchange(0);
+    if (count == 0) {
+        return {};
+    }
     const std::unique_ptr<char *, decltype(&std::free)> texts(
         backtrace_symbols(calls.data(), count), &std::free);
     std::vector<std::string> result;
@@ -74,23 +78,30 @@ StallWatch::StallWatch() : m_schedule(::open("/proc/thread-self/schedstat", O_RD
     action.sa_handler = noteCalls;
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGUSR2, &action, nullptr);
-    m_looking = std::thread([this, watched = pthread_self()] {
-        unsigned seen = 0;
-        while (!m_isDone) {
-            std::this_thread::sleep_for(kWorthALook);
-            const unsigned beats = m_beats;
-            if (m_isOn && beats == seen) {
-                pthread_kill(watched, SIGUSR2);
-            }
-            seen = beats;
-        }
-    });
+    m_looking = std::thread([this, watched = pthread_self()] { watch(watched); });
     start();
 }
 
 StallWatch::~StallWatch() {
     m_isDone = true;
     m_looking.join();
+}
+
+/// Sleeps, mostly. Looks at the thread once it has not beaten for a while.
+void StallWatch::watch(pthread_t watched) {
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    unsigned seen = 0;
+    int quiet = 0;
+    while (!m_isDone) {
+        const auto before = std::chrono::steady_clock::now();
+        std::this_thread::sleep_for(kNap);
+        m_late = m_late + (Milliseconds(std::chrono::steady_clock::now() - before) - kNap).count();
+        quiet = seen == m_beats ? quiet + 1 : 0;
+        seen = m_beats;
+        if (m_isOn && quiet == kWorthALook / kNap) {
+            pthread_kill(watched, SIGUSR2);
+        }
+    }
 }
 
 void StallWatch::start() {
@@ -113,15 +124,21 @@ StallWatch::Moment StallWatch::now() const {
     }
     return {static_cast<double>(m_clock.nsecsElapsed()) / kNanosecondsOfOne,
             static_cast<double>(ran) / kNanosecondsOfOne,
-            static_cast<double>(crowded) / kNanosecondsOfOne};
+            static_cast<double>(crowded) / kNanosecondsOfOne, m_late};
 }
 
 void StallWatch::beat() {
     ++m_beats;
     const Moment moment = now();
-    const double crowded = moment.crowded - m_last.crowded;
-    keep({.milliseconds = std::max(0.0, moment.wall - m_last.wall - crowded),
-          .processor = moment.processor - m_last.processor,
+    const double gap = moment.wall - m_last.wall;
+    if (gap > static_cast<double>(kWorthALook.count())) {
+        // If the machine stood still, the other thread is about to say so.
+        std::this_thread::sleep_for(2 * kNap);
+    }
+    const double crowded = std::max(moment.crowded - m_last.crowded, m_late - m_last.late);
+    const double processor = moment.processor - m_last.processor;
+    keep({.milliseconds = std::max(processor, gap - crowded),
+          .processor = processor,
           .crowded = crowded,
           .doing = m_doing,
           .at = moment.wall / 1000,

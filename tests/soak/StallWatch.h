@@ -7,6 +7,8 @@
 #include <QString>
 #include <QTimer>
 
+#include <pthread.h>
+
 #include <atomic>
 #include <string>
 #include <thread>
@@ -49,10 +51,12 @@ private:
         double wall = 0;
         double processor = 0;
         double crowded = 0;
+        double late = 0;
     };
 
     [[nodiscard]] Moment now() const;
     void beat();
+    void watch(pthread_t watched);
     void keep(const Stall &stall);
 
     const UniqueFd m_schedule;
@@ -64,7 +68,8 @@ private:
     std::atomic<bool> m_isOn = false;
     std::atomic<bool> m_isDone = false;
     std::atomic<unsigned> m_beats = 0;
-    std::thread m_looking;  // at the thread while it does not beat
+    std::atomic<double> m_late = 0;  ///< milliseconds that the other thread woke up too late in all
+    std::thread m_looking;           // at the thread while it does not beat
 };
 
 /// One line for people, and one for each call.

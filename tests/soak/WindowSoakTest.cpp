@@ -11,7 +11,8 @@
 #include "platform/gui/Appearance.h"
 #include "soak/Collector.h"
 #include "soak/EventComparison.h"
-#include "soak/MemoryCurve.h"
+#include "soak/MemorySamples.h"
+#include "soak/OwnPlace.h"
 #include "soak/ProcessFigures.h"
 #include "soak/Robot.h"
 #include "soak/StallWatch.h"
@@ -25,17 +26,12 @@
 #include <QTest>
 #include <QThreadPool>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <iterator>
 #include <memory>
@@ -91,47 +87,6 @@ Dictionary startSettings() {
             {"popupDisplayArray", Array{"Emergency"}},
             {"excludeFiltersArray", Array{Dictionary{{"Name", "Some"}, {"Message", "*77 *"}}}}};
 }
-
-/// Gives this process and what it starts a file system of their own in a folder, in memory, which
-/// nobody else sees. Before there are threads. Says why it cannot be, or nothing.
-std::string makeSmallDisk(const std::filesystem::path &folder) {
-    const std::string size = "size=" + std::to_string(kDiskSize) + "m";
-    const bool isMade = ::unshare(CLONE_NEWNS) == 0 &&
-                        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                        ::mount("quorbel-soak", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
-    return isMade ? std::string() : std::strerror(errno);  // NOLINT(concurrency-mt-unsafe)
-}
-
-/// Looks at both processes now and then, on a thread of its own.
-class Sampling {
-public:
-    explicit Sampling(const Collector &collector)
-        : m_thread([this, &collector] {
-              while (!m_stop) {
-                  window.add(figuresOf(getpid()).memory);
-                  service.add(figuresOf(collector.pid()).memory);
-                  testing::waitUntil([this] { return m_stop.load(); }, kBetweenSamples);
-              }
-          }) {}
-    ~Sampling() { finish(); }
-    Sampling(const Sampling &) = delete;
-    Sampling &operator=(const Sampling &) = delete;
-
-    void finish() {
-        m_stop = true;
-        if (m_thread.joinable()) {
-            m_thread.join();
-        }
-    }
-
-    // After finish().
-    MemoryCurve window;
-    MemoryCurve service;
-
-private:
-    std::atomic<bool> m_stop = false;
-    std::thread m_thread;
-};
 
 std::string percent(double share) {
     return QString::number(100 * share, 'f', 1).toStdString() + " %";
@@ -316,7 +271,7 @@ private:
         const double longest = stalls.longest().empty() ? 0 : stalls.longest().front().milliseconds;
         expect(longest <= (kIsLong ? kLongestStallMs : 20'000), "The window does not stand still");
     }
-    void checkMemory(const Sampling &samples) {
+    void checkMemory(const MemorySamples &samples) {
         figure(described("memory of the window", samples.window));
         figure(described("memory of the service", samples.service));
         expect(!kTellsGrowth || stays(samples.window), "The window does not grow");
@@ -354,7 +309,7 @@ private Q_SLOTS:
         stalls.stop();
         const Rest before = look("at first");
         stalls.start();
-        Sampling samples(*m_collector);
+        MemorySamples samples(*m_collector, kBetweenSamples);
         work(robot, kTime);
         samples.finish();
         comeToRest(robot);
@@ -395,36 +350,14 @@ private:
 
 }  // namespace quorbel::soak
 
-namespace {
-
-/// Nothing of the user's is read or written.
-void makeHome(const std::filesystem::path &own) {
-    const auto folder = [&own](const char *name) {
-        std::filesystem::create_directories(own / name);
-        return QByteArray::fromStdString((own / name).string());
-    };
-    folder("files");
-    for (const char *variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
-                                 "XDG_STATE_HOME", "XDG_RUNTIME_DIR"}) {
-        qputenv(variable, folder("home"));
-    }
-    std::filesystem::permissions(own / "home", std::filesystem::perms::owner_all);
-}
-
-}  // namespace
-
 int main(int argc, char **argv) {
     using namespace quorbel;
     const testing::TemporaryFolder disk;
     const testing::TemporaryFolder own;
-    const std::string noDisk = soak::makeSmallDisk(disk.path());
-    makeHome(own.path());
+    const std::string noDisk = soak::makeSmallDisk(disk.path(), soak::kDiskSize);
+    soak::makeHome(own);
     qputenv("QUORBEL_LIBRARY", QByteArray::fromStdString((disk.path() / "library").string()));
-    const auto screens = own.write(
-        "screens.json", R"({"screens":[{"name":"large","x":0,"y":0,"width":1280,"height":900},)"
-                        R"({"name":"small","x":1280,"y":0,"width":900,"height":620}]})");
-    qputenv("QT_QPA_PLATFORM",
-            QByteArray::fromStdString("offscreen:configfile=" + screens.string()));
+    qputenv("QT_QPA_PLATFORM", soak::twoScreens(own));
     // Of one test function, in milliseconds; five minutes otherwise.
     qputenv("QTEST_FUNCTION_TIMEOUT", QByteArray::number(2'000 * (soak::kTime.count() + 600)));
     QApplication application(argc, argv);
