@@ -19,7 +19,8 @@ bool EventFeed::onEdit(const LogEdit &edit, const std::function<bool()> &commit)
     const std::uint64_t unsent = unsentOf(edit);
     FeedCursor next = m_cursor;
     next.move = moveFor(edit);
-    const bool isIn = next.move->place || next.move->behind;
+    next.move->unsent = unsent;
+    const bool isIn = next.move->place || next.move->behind || unsent > 0;
     const bool isKnown = !isIn || write(next);
     // On a full disk, a file can still be removed.
     if ((!isKnown && !isRemoved) || !commit()) {
@@ -33,7 +34,7 @@ bool EventFeed::onEdit(const LogEdit &edit, const std::function<bool()> &commit)
 }
 
 FeedCursor::Move EventFeed::moveFor(const LogEdit &edit) const {
-    FeedCursor::Move move{edit.name, markOf(edit.file.get()).value_or(FileMark{}), {}, {}, {}};
+    FeedCursor::Move move{edit.name, markOf(edit.file.get()).value_or(FileMark{}), {}, {}, {}, 0};
     if (edit.replacement != nullptr) {
         move.to = markOf(edit.replacement->get()).value_or(FileMark{});
     }

@@ -128,11 +128,13 @@ bool takeLine(FeedCursor &cursor, const Words &words) {
     } else if (words.is("behind", Words::kMost, true) && cursor.batch) {
         cursor.batch->behind = words.place();
     } else if (words.is("move", 4, true)) {
-        cursor.move = {words.name, {numbers[0], numbers[1]}, {numbers[2], numbers[3]}, {}, {}};
+        cursor.move = {words.name, {numbers[0], numbers[1]}, {numbers[2], numbers[3]}, {}, {}, 0};
     } else if (words.is("moved-file", Words::kMost, true) && cursor.move) {
         cursor.move->place = words.place();
     } else if (words.is("moved-behind", Words::kMost, true) && cursor.move) {
         cursor.move->behind = words.place();
+    } else if (words.is("moved-unsent", 1, false) && cursor.move) {
+        cursor.move->unsent = numbers[0];
     } else {
         return false;
     }
@@ -147,6 +149,9 @@ void writeMove(std::string &text, const FeedCursor::Move &move) {
     }
     if (move.behind) {
         writePlace(text, "moved-behind", move.name, *move.behind);
+    }
+    if (move.unsent > 0) {
+        writeNumbers(text, "moved-unsent", {move.unsent});
     }
 }
 
@@ -199,6 +204,7 @@ void FeedCursor::finishMove(const std::optional<FileMark> &mark) {
     if (!done || (done->to == FileMark{} ? there == done->from : there != done->to)) {
         return;
     }
+    removed += done->unsent;
     if (done->place) {
         places[done->name] = *done->place;
     }

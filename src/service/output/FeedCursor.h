@@ -32,6 +32,7 @@ struct FeedCursor {
         FileMark to;  ///< all 0: the file is removed
         std::optional<FeedPlace> place;
         std::optional<FeedPlace> behind;  ///< in the batch
+        std::uint64_t unsent = 0;         ///< lines that are removed then before they were sent
 
         bool operator==(const Move &) const = default;
     };

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <random>
 
@@ -90,6 +91,42 @@ TEST_P(EventFeedModelTest, losesNothingWhereverTheProcessEnds) {
 
 TEST_P(EventFeedModelTest, losesNothingWhateverFails) {
     run(settings, true);
+}
+
+/// What goes before it was sent is counted, wherever the process ends meanwhile.
+TEST_P(EventFeedModelTest, countsWhatIsRemovedWhereverTheProcessEnds) {
+    constexpr int kLines = 10;
+    constexpr long kMostSteps = 60;
+    bool cameToItsEnd = false;
+    for (long end = 0; end < kMostSteps && !cameToItsEnd; ++end) {
+        const TemporaryFolder folder;
+        const std::filesystem::path reached = folder.path() / "reached";
+        ASSERT_TRUE(inProcess([&] {
+            LogStore store(folder.path() / "library");
+            store.prepare();
+            const EventFeed feed(store, folder.path() / "outputs", settings);
+            std::string lines;
+            for (int i = 0; i < kLines; ++i) {
+                lines += "1700000000,User.Debug,h,line " + std::to_string(i) + "\r\n";
+            }
+            store.append(lines, 1700000000, false);
+            const std::string name = logFileName(1700000000);
+            const UniqueFd file = openLogFile(store.path(name));
+            systemSteps() = {true, end, -1, 0, 0};
+            const MutexLock lock(store.editLock());
+            const bool isCut = store.cutOut(name, file, {{0, lines.size() / 2}});
+            systemSteps() = {};
+            folder.write("reached", isCut ? "yes" : "no");
+        }));
+        cameToItsEnd = readFile(reached).has_value();
+        LogStore store(folder.path() / "library");
+        store.prepare();
+        EventFeed feed(store, folder.path() / "outputs", settings);
+        const auto piece = feed.take(1U << 20U);
+        EXPECT_EQ((piece ? piece->count : 0) + feed.removedUnsent(), kLines) << end;
+        EXPECT_EQ(readFile(reached).value_or("yes"), "yes");
+    }
+    EXPECT_TRUE(cameToItsEnd);
 }
 
 INSTANTIATE_TEST_SUITE_P(AsEach, EventFeedModelTest, ::testing::Bool());
