@@ -1,8 +1,8 @@
 #include "cluster/ClickHouse.h"
 
-#include "cluster/LoopbackPorts.h"
 #include "platform/Files.h"
 #include "support/ExecArguments.h"
+#include "support/LoopbackPorts.h"
 #include "support/WaitUntil.h"
 
 #include <fcntl.h>

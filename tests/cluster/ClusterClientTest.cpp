@@ -1,7 +1,7 @@
 #include "cluster/ClusterClient.h"
 #include "cluster/CuttingRelay.h"
 #include "cluster/HttpStandIn.h"
-#include "cluster/LoopbackPorts.h"
+#include "support/LoopbackPorts.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 

@@ -1,6 +1,6 @@
 #include "cluster/CuttingRelay.h"
 
-#include "cluster/LoopbackPorts.h"
+#include "support/LoopbackPorts.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

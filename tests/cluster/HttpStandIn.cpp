@@ -1,6 +1,6 @@
 #include "cluster/HttpStandIn.h"
 
-#include "cluster/LoopbackPorts.h"
+#include "support/LoopbackPorts.h"
 #include "support/OpenSslFree.h"
 
 #include <openssl/pem.h>

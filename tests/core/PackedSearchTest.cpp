@@ -35,9 +35,10 @@ protected:
     void add(std::size_t count) {
         static const std::vector<std::string> severities = {"Error", "Notice", "Debug"};
         for (std::size_t i = 0; i < count; ++i) {
-            EventFields event = testing::fields(std::to_string(1'700'000'000 + 7 * m_added++),
-                                                "Auth." + severities[pick(severities.size())],
-                                                "10.0.0." + std::to_string(pick(30)), message());
+            const std::string date = std::to_string(1'700'000'000 + 7 * m_added++);
+            const std::string priority = "Auth." + severities[pick(severities.size())];
+            const std::string host = "10.0.0." + std::to_string(pick(30));
+            EventFields event = testing::fields(date, priority, host, message());
             if (happens(200)) {
                 event.message.reset();
             }

@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "service/output/ForwardOutput.h"
 #include "support/ExecArguments.h"
+#include "support/LoopbackPorts.h"
 #include "support/ServiceProcess.h"
 #include "support/TemporaryFolder.h"
 #include "support/TestAuthority.h"
@@ -11,9 +12,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -38,17 +37,13 @@ using Protocol = ForwardSettings::Protocol;
 
 constexpr std::chrono::seconds kLong{90};
 
-/// A port that nobody listens on.
-std::uint16_t freePort() {
-    const UniqueFd socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto *generic = reinterpret_cast<sockaddr *>(&address);
-    EXPECT_EQ(::bind(socket.get(), generic, size), 0);
-    EXPECT_EQ(::getsockname(socket.get(), generic, &size), 0);
-    return ntohs(address.sin_port);
+/// Where it listens for TLS.
+std::uint16_t tlsPort(const ServiceProcess &service) {
+    constexpr std::string_view kLine = "Listening for TLS on port ";
+    EXPECT_TRUE(service.waitForJournal(kLine)) << service.journal();
+    const std::string journal = service.journal();
+    const std::size_t at = journal.find(kLine) + kLine.size();
+    return static_cast<std::uint16_t>(std::atoi(journal.c_str() + at));
 }
 
 /// rsyslog, unpacked in a folder, writing what it receives to a file.
@@ -191,7 +186,7 @@ TEST_P(ForwardReceiversTest, rsyslogHasAllInTheEnd) {
         GTEST_SKIP() << "no rsyslog";
     }
     constexpr int kCount = 5000;
-    const std::uint16_t port = freePort();
+    const std::uint16_t port = testing::freePort();
     Rsyslog rsyslog(tools, other, port, GetParam() == Protocol::kTls);
     forwardTo(port);
     for (int part = 0; part < 2; ++part) {
@@ -220,14 +215,9 @@ TEST_P(ForwardReceiversTest, aServiceOfOursStoresTheSameTexts) {
     ServiceProcess::Setup setup;
     setup.library = other.path();
     setup.arguments = {"--port", "0", "--tls-port", "0"};
-    std::uint16_t port = 0;
-    if (GetParam() == Protocol::kTls) {
-        port = freePort();
-        setup.arguments.back() = std::to_string(port);
-    }
     const ServiceProcess service(setup);
     ASSERT_TRUE(service.isListening());
-    forwardTo(port == 0 ? service.port() : port);
+    forwardTo(GetParam() == Protocol::kTls ? tlsPort(service) : service.port());
     put(0, kCount);
     EXPECT_TRUE(isAllSent(kCount)) << output->state().problem;
     std::map<std::string, int> stored;

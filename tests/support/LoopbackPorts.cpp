@@ -1,4 +1,4 @@
-#include "cluster/LoopbackPorts.h"
+#include "support/LoopbackPorts.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
