@@ -6,6 +6,8 @@
 #include "platform/bus/NotificationObserver.h"
 #include "service/bus/BusServer.h"
 #include "service/bus/Commands.h"
+#include "service/bus/Listeners.h"
+#include "service/bus/NotificationQueue.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -27,12 +29,12 @@ using testing::PrivateBus;
 using testing::TemporaryFolder;
 using testing::waitUntil;
 
-std::string message(std::size_t number) {
-    return "number " + std::to_string(number);
+std::string message(std::size_t number, std::size_t padding = 0) {
+    return "number " + std::to_string(number) + std::string(padding, ' ') + "end";
 }
 
-std::string line(std::size_t number) {
-    return "1700000000,User.Notice,h," + message(number) + "\r\n";
+std::string line(std::size_t number, std::size_t padding = 0) {
+    return "1700000000,User.Notice,h," + message(number, padding) + "\r\n";
 }
 
 /// Notes all that it is told, and takes it as long as it is willing to.
@@ -57,6 +59,7 @@ struct Recorder final : NotificationFollower {
                    const Checkpoint &before, const Checkpoint &behind) override {
         ++batches;
         EXPECT_TRUE(batch);
+        noteGap(before);
         // What comes singly between two checkpoints is counted by the next one.
         EXPECT_EQ(before.sets, messages.size() + missing);
         for (const NotificationRun &run : batch->runs()) {
@@ -71,6 +74,7 @@ struct Recorder final : NotificationFollower {
     }
     void checkpointCame(std::uint64_t number, const Checkpoint &now) override {
         ++checkpoints;
+        noteGap(now);
         checkpoint = now;
         take(number);
     }
@@ -78,6 +82,12 @@ struct Recorder final : NotificationFollower {
     void work(bus::Clock::time_point /*until*/) override {}
     Requests takeRequests() override { return std::exchange(requests, {}); }
 
+    /// As whoever was not waited for learns it.
+    void noteGap(const Checkpoint &now) {
+        if (mayLag && now.sets > messages.size() + missing) {
+            missing = now.sets - messages.size();
+        }
+    }
     void take(std::uint64_t number) {
         last = number;
         if (takes) {
@@ -86,6 +96,7 @@ struct Recorder final : NotificationFollower {
     }
 
     bool takes = true;
+    bool mayLag = false;
     int asked = 0;
     int answered = 0;
     int singlesOnly = 0;
@@ -134,7 +145,7 @@ struct ListeningTest : ::testing::Test {
     void arrive(std::size_t count) {
         std::string lines;
         for (std::size_t i = 0; i < count; ++i) {
-            lines += line(arrived++);
+            lines += line(arrived++, padding);
         }
         const auto result = store.append(lines, 1'700'000'000, false);
         EXPECT_EQ(result.stored, count);
@@ -143,7 +154,7 @@ struct ListeningTest : ::testing::Test {
     void expectAll(const Recorder &recorder) const {
         ASSERT_EQ(recorder.messages.size(), arrived);
         for (std::size_t i = 0; i < arrived; ++i) {
-            ASSERT_EQ(recorder.messages[i], message(i));
+            ASSERT_EQ(recorder.messages[i], message(i, padding));
         }
     }
 
@@ -161,6 +172,7 @@ struct ListeningTest : ::testing::Test {
     std::deque<Recorder> recorders;
     std::vector<std::unique_ptr<NotificationObserver>> observers;
     std::size_t arrived = 0;
+    std::size_t padding = 0;  ///< makes every message longer
 };
 
 TEST_F(ListeningTest, ManyTravelTogetherAndFewAlone) {
@@ -259,23 +271,28 @@ TEST_F(ListeningTest, EditsAreToldOnceTheirRemovalsAre) {
 TEST_F(ListeningTest, WhoTakesNothingIsWaitedForAndThenLags) {
     Recorder &window = listen();
     window.takes = false;
+    // On a slow machine, one of two is the checkpoint of a second without a batch.
+    const auto sent = [&] { return window.batches + window.checkpoints; };
+    const auto begin = std::chrono::steady_clock::now();
     arrive(200'000);
-    ASSERT_TRUE(runUntil([&] { return window.batches == 2; }));
+    ASSERT_TRUE(runUntil([&] { return sent() == 2; }));
     // The third waits, until it is given up.
-    EXPECT_FALSE(server->canNotify());
-    EXPECT_FALSE(queue.empty());
+    const bool waits = !server->canNotify() && !queue.empty();
+    EXPECT_TRUE(waits || std::chrono::steady_clock::now() - begin >= Listeners::kPatience);
     ASSERT_TRUE(runUntil([&] { return queue.empty(); }));
-    EXPECT_EQ(window.batches, 2);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, Listeners::kPatience);
+    EXPECT_EQ(sent(), 2);
     EXPECT_GT(queue.dropped(), 0U);
     // Once it has taken them, it hears what it has missed.
     window.takes = true;
     window.requests.taken = window.last;
-    ASSERT_TRUE(runUntil([&] { return window.checkpoints == 1; }));
+    ASSERT_TRUE(runUntil([&] { return sent() == 3; }));
     EXPECT_EQ(window.checkpoint.sets, arrived);
     EXPECT_EQ(window.messages.size() + queue.dropped(), arrived);
     window.missing = queue.dropped();
+    const int batches = window.batches;
     arrive(1000);
-    ASSERT_TRUE(runUntil([&] { return window.batches >= 3; }));
+    ASSERT_TRUE(runUntil([&] { return window.batches > batches; }));
 }
 
 TEST_F(ListeningTest, OneWhoTakesNothingDoesNotKeepTheOthersWaiting) {
@@ -284,14 +301,28 @@ TEST_F(ListeningTest, OneWhoTakesNothingDoesNotKeepTheOthersWaiting) {
     stopped.takes = false;
     arrive(30'000);
     ASSERT_TRUE(runUntil([&] { return window.messages.size() == arrived; }));
-    // More than half of what the queue holds does not wait for the other one.
-    arrive(NotificationQueue::kMostNotifications * 3 / 4);
-    const auto begin = std::chrono::steady_clock::now();
-    ASSERT_TRUE(runUntil([&] { return window.messages.size() == arrived; }));
-    EXPECT_LT(stopped.messages.size(), arrived);
-    EXPECT_EQ(queue.dropped(), 0U);
-    expectAll(window);
-    RecordProperty("seconds", std::to_string((std::chrono::steady_clock::now() - begin).count()));
+    // More than half of what the queue holds does not wait for the other one. Nor for this one
+    // where the machine is too busy for it to keep up: then once more. Long messages take it less.
+    padding = 900;
+    window.mayLag = true;
+    std::size_t before = 0;
+    std::size_t missing = 0;
+    std::uint64_t dropped = 0;
+    int tries = 0;
+    do {
+        before = window.messages.size();
+        missing = window.missing;
+        dropped = queue.dropped();
+        arrive(NotificationQueue::kMostBytes * 3 / 4 / line(0, padding).size());
+        ASSERT_TRUE(queue.isHalfFull());
+        ASSERT_TRUE(runUntil([&] { return window.messages.size() + window.missing == arrived; }));
+    } while (window.missing != missing && ++tries < 20);
+    EXPECT_EQ(window.missing, missing);
+    EXPECT_LT(stopped.messages.size(), window.messages.size());
+    EXPECT_EQ(queue.dropped(), dropped);
+    for (std::size_t i = before; i < window.messages.size(); ++i) {
+        ASSERT_EQ(window.messages[i], message(i + missing, padding));
+    }
 }
 
 TEST_F(ListeningTest, ListensAgainAfterTheBusAndTheService) {
