@@ -60,12 +60,12 @@ function(quorbel_headers name)
     set_property(GLOBAL APPEND PROPERTY QUORBEL_LIBRARIES ${name})
 endfunction()
 
-# quorbel_precompiled(NAME SHARED [OPTIONS ...])
+# quorbel_precompiled(NAME SHARED HEADER FLAGS [OPTIONS ...])
 #
-# With QUORBEL_PRECOMPILE, lets NAME take Qt's headers as they were read once for all that give the
-# same SHARED; these are compiled with the same options. It spares no include: without it, which is how
-# users and most of CI build, a source that lacks one does not compile.
-function(quorbel_precompiled name shared)
+# With QUORBEL_PRECOMPILE, lets NAME take HEADER as it was read once for all that give the same SHARED;
+# these are compiled with the same options, and link FLAGS. It spares no include: without it, which is
+# how users and most of CI build, a source that lacks one does not compile.
+function(quorbel_precompiled name shared header flags)
     cmake_parse_arguments(arg "" "" "OPTIONS" ${ARGN})
     if(NOT QUORBEL_PRECOMPILE)
         return()
@@ -74,9 +74,9 @@ function(quorbel_precompiled name shared)
         set(source "${PROJECT_BINARY_DIR}/${shared}.cpp")
         file(CONFIGURE OUTPUT "${source}" CONTENT "")
         add_library(${shared} STATIC "${source}")
-        target_link_libraries(${shared} PRIVATE quorbel_qt_flags)
+        target_link_libraries(${shared} PRIVATE ${flags})
         target_compile_options(${shared} PRIVATE ${arg_OPTIONS})
-        target_precompile_headers(${shared} PRIVATE <QtWidgets>)
+        target_precompile_headers(${shared} PRIVATE ${header})
         set_target_properties(${shared} PROPERTIES AUTOMOC OFF)
     endif()
     target_precompile_headers(${name} REUSE_FROM ${shared})
@@ -92,7 +92,7 @@ function(quorbel_library name)
     if(arg_QT)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
         target_link_libraries(${name} PUBLIC quorbel_qt_flags)
-        quorbel_precompiled(${name} library_headers)
+        quorbel_precompiled(${name} library_headers <QtWidgets> quorbel_qt_flags)
     else()
         set_target_properties(${name} PROPERTIES AUTOMOC OFF)
         target_link_libraries(${name} PUBLIC quorbel_flags)
