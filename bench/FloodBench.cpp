@@ -1,7 +1,7 @@
-// The window under a flood, from the network to its list: bench_flood RSYSLOG SECONDS, the folder
-// that the packages of a widely used syslog server were unpacked into, and how long to send. Its
-// rate, which tells nobody, is what storing is measured against; sender, messages and machine are
-// the same.
+// The window under a flood, from the network to its list: bench_flood RSYSLOG SECONDS [PER-SECOND],
+// the folder that the packages of a widely used syslog server were unpacked into, how long to send,
+// and how fast: flat out, unless it is said. Its rate, which tells nobody, is what storing is
+// measured against; sender, messages and machine are the same.
 
 #include "Measure.h"
 #include "Yardstick.h"
@@ -37,18 +37,23 @@ using Transport = Plan::Transport;
 /// More than any flood has.
 constexpr std::uint64_t kEndless = std::uint64_t{1} << 40U;
 
+struct Pace {
+    std::chrono::seconds span;
+    std::uint64_t perSecond = 0;  ///< 0: as fast as possible
+};
+
 /// Sends for that long, on a thread of its own; how many were sent.
-std::future<std::uint64_t> flood(std::uint16_t port, Transport transport,
-                                 std::chrono::seconds span) {
+std::future<std::uint64_t> flood(std::uint16_t port, Transport transport, const Pace &pace) {
     return std::async(std::launch::async, [=] {
         Plan plan;
         plan.port = port;
         plan.transport = transport;
         plan.count = kEndless;
+        plan.perSecond = pace.perSecond;
         plan.mostQueued = std::uint64_t{16} << 20U;
         std::atomic<bool> stop = false;
         std::thread clock([&] {
-            std::this_thread::sleep_for(span);
+            std::this_thread::sleep_for(pace.span);
             stop = true;
         });
         const std::uint64_t sent = load::send(plan, &stop).count;
@@ -63,19 +68,19 @@ bool isOver(const std::future<std::uint64_t> &sending) {
 
 /// Messages a second from the first that was sent to the last that is stored. Exits when not all
 /// are. `meanwhile` is called all the time.
-double storedPerSecond(std::uint16_t port, Transport transport, std::chrono::seconds span,
+double storedPerSecond(std::uint16_t port, Transport transport, const Pace &pace,
                        const std::filesystem::path &output,
                        const std::function<void()> &meanwhile) {
     load::LineCounter lines(output);
     const Stopwatch watch;
-    std::future<std::uint64_t> sending = flood(port, transport, span);
+    std::future<std::uint64_t> sending = flood(port, transport, pace);
     while (!isOver(sending)) {
         meanwhile();
     }
     const std::uint64_t sent = sending.get();
     // Looking costs both as much.
     while (lines.count() < sent) {
-        if (watch.seconds() > 10.0 * static_cast<double>(span.count())) {
+        if (watch.seconds() > 10.0 * static_cast<double>(pace.span.count())) {
             std::fprintf(stderr, "Only %lu of %lu messages were stored\n", lines.count(), sent);
             std::exit(2);
         }
@@ -84,10 +89,9 @@ double storedPerSecond(std::uint16_t port, Transport transport, std::chrono::sec
     return static_cast<double>(sent) / watch.seconds();
 }
 
-double yardstickRate(Transport transport, std::chrono::seconds span,
-                     const std::filesystem::path &packages) {
+double yardstickRate(Transport transport, const Pace &pace, const std::filesystem::path &packages) {
     const Yardstick yardstick(packages);
-    return storedPerSecond(yardstick.port(), transport, span, yardstick.output(),
+    return storedPerSecond(yardstick.port(), transport, pace, yardstick.output(),
                            [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); });
 }
 
@@ -107,7 +111,7 @@ struct Outcome {
     bool isExact = false;
 };
 
-Outcome floodWindow(Transport transport, std::chrono::seconds span, Tab page) {
+Outcome floodWindow(Transport transport, const Pace &pace, Tab page) {
     const testing::PrivateBus bus;
     const testing::TemporaryFolder library;
     setenv("QUORBEL_LIBRARY", library.path().c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
@@ -131,7 +135,7 @@ Outcome floodWindow(Transport transport, std::chrono::seconds span, Tab page) {
     tick.start(1);
     const Stopwatch watch;
     const ProcessorWatch used;
-    outcome.stored = storedPerSecond(service.port(), transport, span, library.path(), turn);
+    outcome.stored = storedPerSecond(service.port(), transport, pace, library.path(), turn);
     outcome.taken = static_cast<double>(frontEnd.delegate.events.size()) / watch.seconds();
     load::LineCounter lines(library.path());
     const std::uint64_t stored = lines.count();
@@ -148,10 +152,10 @@ Outcome floodWindow(Transport transport, std::chrono::seconds span, Tab page) {
     return outcome;
 }
 
-bool bench(const char *name, Transport transport, std::chrono::seconds span,
+bool bench(const char *name, Transport transport, const Pace &pace,
            const std::filesystem::path &packages, Tab page) {
-    const double theirs = yardstickRate(transport, span, packages);
-    const Outcome ours = floodWindow(transport, span, page);
+    const double theirs = yardstickRate(transport, pace, packages);
+    const Outcome ours = floodWindow(transport, pace, page);
     const std::string what = std::string(" over ") + name +
                              (page == Tab::kEvents ? ", events on screen" : ", home on screen");
     std::printf(
@@ -174,15 +178,16 @@ bool bench(const char *name, Transport transport, std::chrono::seconds span,
 int main(int argc, char **argv) {
     using namespace quorbel;
     const QApplication application(argc, argv);
-    if (argc != 3) {
-        std::fputs("Usage: bench_flood RSYSLOG-FOLDER SECONDS\n", stderr);
+    if (argc != 3 && argc != 4) {
+        std::fputs("Usage: bench_flood RSYSLOG-FOLDER SECONDS [PER-SECOND]\n", stderr);
         return 2;
     }
-    const std::chrono::seconds span(std::atoi(argv[2]));
+    const bench::Pace pace{std::chrono::seconds(std::atoi(argv[2])),
+                           argc == 4 ? std::strtoull(argv[3], nullptr, 10) : 0};
     bool reached = true;
     for (const Tab page : {Tab::kHome, Tab::kEvents}) {
-        reached &= bench::bench("UDP", load::Plan::Transport::kUdp, span, argv[1], page);
-        reached &= bench::bench("TCP", load::Plan::Transport::kTcp, span, argv[1], page);
+        reached &= bench::bench("UDP", load::Plan::Transport::kUdp, pace, argv[1], page);
+        reached &= bench::bench("TCP", load::Plan::Transport::kTcp, pace, argv[1], page);
     }
     return reached ? EXIT_SUCCESS : EXIT_FAILURE;
 }
