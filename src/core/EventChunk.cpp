@@ -29,7 +29,7 @@ void writeMessage(MessageBytes &bytes, std::string_view text) {
 
 EventChunk::EventChunk(EventId first, std::size_t expectedBytes) : m_first(first) {
     m_records.reserve(kSlots);
-    m_bytes->reserve(expectedBytes);
+    m_messages->plain->reserve(expectedBytes);
 }
 
 EventId EventChunk::idAt(std::size_t position) const {
@@ -74,11 +74,15 @@ std::size_t EventChunk::countBefore(EventId id) const {
     return count;
 }
 
-std::optional<std::string_view> EventChunk::message(const EventRecord &record) const {
+std::optional<std::string_view> ChunkMessages::at(const EventRecord &record) const {
     if (record.message == EventRecord::kNoMessage) {
         return std::nullopt;
     }
     return StoredMessage::at(bytes() + record.message).text;
+}
+
+std::optional<std::string_view> EventChunk::message(const EventRecord &record) const {
+    return m_messages->at(record);
 }
 
 std::size_t EventChunk::placeFrom(std::size_t position) const {
@@ -92,8 +96,8 @@ EventRecord &EventChunk::append(const std::optional<std::string_view> &message) 
     m_isClosed = false;
     EventRecord &record = m_records.emplace_back();
     if (message) {
-        record.message = static_cast<std::uint32_t>(m_bytes->size());
-        writeMessage(*m_bytes, *message);
+        record.message = static_cast<std::uint32_t>(m_messages->plain->size());
+        writeMessage(*m_messages->plain, *message);
     }
     m_present[m_used / kWordBits] |= std::uint64_t{1} << (m_used % kWordBits);
     ++m_used;
@@ -105,14 +109,15 @@ void EventChunk::close() {
         return;
     }
     // A little room that was never written to takes no memory; moving everything would.
-    if (m_bytes->capacity() - m_bytes->size() > m_bytes->size() / 8) {
-        m_bytes->shrink_to_fit();
+    if (m_messages->plain->capacity() - m_messages->plain->size() > m_messages->plain->size() / 8) {
+        m_messages->plain->shrink_to_fit();
     }
     m_records.shrink_to_fit();
 }
 
 void EventChunk::takeMemory() {
-    makePages(m_bytes->data(), m_bytes->capacity() - m_bytes->capacity() / 16);
+    makePages(m_messages->plain->data(),
+              m_messages->plain->capacity() - m_messages->plain->capacity() / 16);
 }
 
 EventChunk EventChunk::closeAndFollow(EventId first) {
@@ -140,14 +145,14 @@ void EventChunk::remove(const std::vector<Positions> &ranges, EventChunk *taken)
                 taken->adopt(wordBegin + static_cast<std::size_t>(std::countr_zero(rest)), record,
                              message(record));
             }
-            if (record.message != EventRecord::kNoMessage && !m_packed) {
+            if (record.message != EventRecord::kNoMessage && !isPacked()) {
                 m_deadBytes += StoredMessage::at(bytes() + record.message).storedSize;
             }
         }
         wordBegin += kWordBits;
     }
     m_records.resize(kept);
-    if (m_packed) {
+    if (isPacked()) {
         // About so many: to know is not worth unpacking them.
         m_deadBytes = messageBytes() * (m_used - kept) / m_used;
     }
@@ -169,8 +174,8 @@ void EventChunk::adopt(std::size_t slot, const EventRecord &record,
                        const std::optional<std::string_view> &text) {
     EventRecord &own = m_records.emplace_back(record);
     if (text) {
-        own.message = static_cast<std::uint32_t>(m_bytes->size());
-        writeMessage(*m_bytes, *text);
+        own.message = static_cast<std::uint32_t>(m_messages->plain->size());
+        writeMessage(*m_messages->plain, *text);
     }
     m_present[slot / kWordBits] |= std::uint64_t{1} << (slot % kWordBits);
 }
@@ -234,25 +239,25 @@ void EventChunk::dropUnusedBytes() {
 
 const TrigramFilter &EventChunk::filter() const {
     static const TrigramFilter kAnything;
-    return m_packed ? m_packed->filter() : kAnything;
+    return isPacked() ? m_messages->packed->filter() : kAnything;
 }
 
 void EventChunk::pack(const std::shared_ptr<const MessageBytes> &from,
                       std::optional<PackedBytes> packed, UnpackedMessages &unpacked) {
-    if (m_bytes != from) {
+    if (m_messages->plain != from) {
         return;
     }
     if (!packed) {
         m_isIncompressible = true;
         return;
     }
-    m_packed = std::make_unique<PackedMessages>(std::move(*packed), unpacked);
-    m_bytes.reset();
+    m_messages->packed = std::make_unique<PackedMessages>(std::move(*packed), unpacked);
+    m_messages->plain.reset();
 }
 
 void EventChunk::replaceBytes(MessageBytes bytes) {
-    m_bytes = std::make_shared<MessageBytes>(std::move(bytes));
-    m_packed.reset();
+    m_messages = std::make_shared<ChunkMessages>();
+    *m_messages->plain = std::move(bytes);
     m_isIncompressible = false;
     m_deadBytes = 0;
 }

@@ -37,6 +37,17 @@ struct EventRecord {
 };
 static_assert(sizeof(EventRecord) == 24);
 
+/// A chunk's messages, each after its length, seven bits a byte: as they are, or packed.
+struct ChunkMessages {
+    std::shared_ptr<MessageBytes> plain = std::make_shared<MessageBytes>();  ///< null once packed
+    std::unique_ptr<PackedMessages> packed;
+
+    [[nodiscard]] std::size_t size() const { return packed ? packed->size() : plain->size(); }
+    // Valid as EventChunk::bytes() is.
+    [[nodiscard]] const char *bytes() const { return (packed ? packed->bytes() : *plain).data(); }
+    [[nodiscard]] std::optional<std::string_view> at(const EventRecord &record) const;
+};
+
 /// A run of consecutive events, packed: one allocation for the records and one for the messages.
 /// Records are reached by slot (what their id fixes) or by position (among those still present).
 class EventChunk {
@@ -65,9 +76,7 @@ public:
     [[nodiscard]] std::size_t countBefore(EventId id) const;
     [[nodiscard]] std::optional<std::size_t> positionOf(EventId id) const;
     [[nodiscard]] std::size_t size() const { return m_records.size(); }
-    [[nodiscard]] std::size_t messageBytes() const {
-        return m_packed ? m_packed->size() : m_bytes->size();
-    }
+    [[nodiscard]] std::size_t messageBytes() const { return m_messages->size(); }
     /// Whether no further event can be added.
     [[nodiscard]] bool isFull() const { return m_used == kSlots || messageBytes() >= kBytesLimit; }
 
@@ -79,9 +88,10 @@ public:
     /// were looked at.
     [[nodiscard]] std::optional<std::string_view> message(const EventRecord &record) const;
     /// The bytes in which its messages stand where their records say. As long valid.
-    [[nodiscard]] const char *bytes() const {
-        return (m_packed ? m_packed->bytes() : *m_bytes).data();
-    }
+    [[nodiscard]] const char *bytes() const { return m_messages->bytes(); }
+    /// The messages themselves: who shares them has them for good, where the records say now, also
+    /// when they are packed later or the chunk gets others.
+    [[nodiscard]] const std::shared_ptr<ChunkMessages> &messages() const { return m_messages; }
     /// How many bytes the messages take of the records from one position to another, that one
     /// included, with others between them.
     [[nodiscard]] std::size_t bytesBetween(std::size_t first, std::size_t last) const {
@@ -104,21 +114,23 @@ public:
     /// Gives its events other ids. Precondition: none was removed, and it has no look-up table.
     void setFirst(EventId first) { m_first = first; }
 
-    [[nodiscard]] bool isPacked() const { return m_packed != nullptr; }
+    [[nodiscard]] bool isPacked() const { return m_messages->packed != nullptr; }
     /// Its messages, as any thread may unpack them; null when they are not packed.
     [[nodiscard]] std::shared_ptr<const PackedBytes> packed() const {
-        return m_packed ? m_packed->packed() : nullptr;
+        return isPacked() ? m_messages->packed->packed() : nullptr;
     }
     /// What cannot be in its messages, as far as that is known without unpacking them.
     [[nodiscard]] const TrigramFilter &filter() const;
     /// Whether the messages' bytes will not change any more, are as they are, and may gain from
     /// packing.
     [[nodiscard]] bool isToBePacked() const {
-        return m_isClosed && !m_packed && !m_isIncompressible;
+        return m_isClosed && !isPacked() && !m_isIncompressible;
     }
     /// They are replaced, never changed, once the list has a later chunk. Precondition:
     /// isToBePacked().
-    [[nodiscard]] std::shared_ptr<const MessageBytes> bytesToPack() const { return m_bytes; }
+    [[nodiscard]] std::shared_ptr<const MessageBytes> bytesToPack() const {
+        return m_messages->plain;
+    }
     /// Puts packed messages in the place of the bytes that they were made of, unless these have
     /// been replaced since; nothing where packing them gained nothing. `unpacked` outlives the
     /// chunk.
@@ -199,9 +211,7 @@ private:
     std::size_t m_used = 0;  // slots handed out
     std::array<std::uint64_t, kSlots / 64> m_present{};
     std::vector<EventRecord> m_records;
-    // Each message after its length, seven bits a byte: as they are, or packed.
-    std::shared_ptr<MessageBytes> m_bytes = std::make_shared<MessageBytes>();
-    std::unique_ptr<PackedMessages> m_packed;
+    std::shared_ptr<ChunkMessages> m_messages = std::make_shared<ChunkMessages>();
     bool m_isClosed = false;
     bool m_isIncompressible = false;
     std::size_t m_deadBytes = 0;

@@ -35,14 +35,14 @@ std::size_t EventDates::showings() const {
     return m_runs.empty() ? 0 : m_runs.back().end;
 }
 
-void EventDates::settle(EventRecord &record, std::uint8_t severityClass,
-                        std::optional<std::string> &text) {
+void EventDates::settleUpTo(std::size_t showings, EventRecord &record, std::uint8_t severityClass,
+                            std::optional<std::string> &text) const {
     auto run = std::ranges::upper_bound(m_runs, std::size_t{record.showings}, {}, &Run::end);
-    for (; run != m_runs.end(); ++run) {
+    for (; run != m_runs.end() && record.showings < showings; ++run) {
         // Equal showings one after the other do no more than the first of them.
         apply(run->showing, record, text);
         pickImage(run->showing, record, severityClass);
-        record.showings = static_cast<std::uint16_t>(run->end);
+        record.showings = static_cast<std::uint16_t>(std::min(run->end, showings));
     }
 }
 

@@ -37,7 +37,13 @@ public:
 
     /// Applies the showings that the record has not seen. `text` is the date's text where it is
     /// kept as one; it is taken away when the date becomes a rendered one.
-    void settle(EventRecord &record, std::uint8_t severityClass, std::optional<std::string> &text);
+    void settle(EventRecord &record, std::uint8_t severityClass,
+                std::optional<std::string> &text) const {
+        settleUpTo(showings(), record, severityClass, text);
+    }
+    /// The same without the showings after the first `showings`.
+    void settleUpTo(std::size_t showings, EventRecord &record, std::uint8_t severityClass,
+                    std::optional<std::string> &text) const;
 
     /// What a showing does.
     struct Showing {

@@ -10,7 +10,7 @@
 namespace quorbel {
 
 EventList::~EventList() {
-    assert(m_held.empty());
+    assert(m_handles.isEmpty());
 }
 
 std::uint8_t EventList::shownClass(const EventRecord &record) const {
@@ -231,18 +231,21 @@ std::optional<EventList::Place> EventList::placeOf(EventId id) {
 std::optional<std::string> EventList::dateText(const Place &place) {
     settle(place);
     const EventRecord &record = place.record();
-    if (record.hasExtras != 0) {
-        if (const auto &kept = m_extras[place.id()].date) {
-            return kept;
-        }
+    return dateText(record, record.hasExtras != 0 ? &m_extras[place.id()] : nullptr);
+}
+
+std::optional<std::string> EventList::dateText(const EventRecord &settled,
+                                               const Extras *extras) const {
+    if (extras != nullptr && extras->date) {
+        return extras->date;
     }
-    switch (record.format) {
+    switch (settled.format) {
         case EventRecord::kRawDate:
-            return std::to_string(record.seconds);
+            return std::to_string(settled.seconds);
         case EventRecord::kTextDate:
             return std::nullopt;
         default:
-            return m_dates.format(record.format).render(static_cast<double>(record.seconds));
+            return m_dates.format(settled.format).render(static_cast<double>(settled.seconds));
     }
 }
 
@@ -361,6 +364,7 @@ void EventList::makeRoomForShowing() {
         place.record().showings = 0;
         inUse.set(place.record().format);
     });
+    startDepartedOver(inUse);
     for (auto *chunks : {&m_chunks, &m_aside}) {
         for (EventChunk &chunk : *chunks) {
             chunk.noteShowings(std::nullopt);
@@ -370,6 +374,7 @@ void EventList::makeRoomForShowing() {
     if (m_dates.isFull()) {
         // Hundreds of formats that cannot read their own texts.
         forEachPlace([this](const Place &place) { turnDateToText(place); });
+        turnDepartedDatesToText();
         m_dates.startOver({});
     }
 }

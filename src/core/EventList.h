@@ -2,9 +2,11 @@
 
 #include "common/Severity.h"
 #include "core/AppState.h"
+#include "core/DepartedEvents.h"
 #include "core/Event.h"
 #include "core/EventChunk.h"
 #include "core/EventDates.h"
+#include "core/HandleCounts.h"
 #include "core/SearchAhead.h"
 #include "core/StringTable.h"
 
@@ -16,7 +18,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -160,16 +161,8 @@ private:
         [[nodiscard]] EventRecord &record() const { return chunk->record(position); }
         [[nodiscard]] EventId id() const { return chunk->idAt(position); }
     };
-    struct Extras {
-        std::optional<std::string> date;
-        std::vector<std::pair<std::string, std::string>> others;
-    };
+    using Extras = EventExtras;
     using Fields = std::map<std::string, std::string, std::less<>>;
-    struct Held {
-        std::uint32_t handles = 0;
-        std::unique_ptr<Fields> fieldsAtLeaving;  // null while the list holds the event
-        std::unique_ptr<Event> successor;         // null but for one that went to another list
-    };
 
     /// Tells each observer.
     template <typename... Parameters, typename... Arguments>
@@ -207,10 +200,19 @@ private:
     /// Starts the date bookkeeping over when it is about to run out of numbers.
     void makeRoomForShowing();
     void turnDateToText(const Place &place);
+    void startDepartedOver(EventDates::FormatsInUse &inUse);
+    void turnDepartedDatesToText();
     template <typename Visit>
     void forEachPlace(Visit visit);
 
+    [[nodiscard]] std::optional<std::string> dateText(const EventRecord &settled,
+                                                      const Extras *extras) const;
+
     [[nodiscard]] Fields fieldsOf(const Place &place);
+    [[nodiscard]] Fields fieldsOf(const DepartedEvents::Found &event);
+    [[nodiscard]] Fields fieldsOf(const EventRecord &settled, const Extras *extras,
+                                  std::optional<std::string_view> message) const;
+    void settle(const DepartedEvents::Found &event) const;
     /// What becomes of records that leave.
     enum class Leaving { kGone, kAside };
     void removeRows(const std::vector<RowRange> &ranges, Leaving leaving);
@@ -218,7 +220,9 @@ private:
     void removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges,
                     Leaving leaving);
     void moveAside(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges);
-    void keepForHandles(const Place &place);
+    void keepForHandles(const EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges);
+    [[nodiscard]] std::vector<std::uint32_t> heldOnes(
+        const EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges) const;
     void letGo(const Place &place);
     void dropAside();
     void mergeAside();
@@ -247,8 +251,10 @@ private:
     // Set aside: with the ids, uses of texts and entries in m_extras that they had.
     std::deque<EventChunk> m_aside;
     std::size_t m_asideCount = 0;
-    std::unordered_map<EventId, Extras> m_extras;
-    std::unordered_map<EventId, Held> m_held;
+    EventExtrasById m_extras;
+    HandleCounts m_handles;
+    std::map<EventId, Event> m_successors;  // of held ones that went to another list
+    DepartedEvents m_departed{m_priorities, m_hosts};
 };
 
 }  // namespace quorbel

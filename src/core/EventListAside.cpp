@@ -48,6 +48,7 @@ std::vector<EventId> EventList::putBack() {
         chunk.listIds(ids);
     }
     tell(&EventListObserver::listWillChangeAtLarge);
+    m_departed.letGo(ids);
     mergeAside();
     m_size += std::exchange(m_asideCount, 0);
     m_countsCurrent = false;

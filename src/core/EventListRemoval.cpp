@@ -1,4 +1,4 @@
-// Removing the list's rows, and what stays of an event that left it.
+// Removing the list's rows.
 
 #include "core/EventList.h"
 
@@ -89,9 +89,9 @@ void EventList::removeTogether(const std::vector<RowRange> &ranges, Leaving leav
 
 void EventList::removeFrom(EventChunk &chunk, const std::vector<EventChunk::Positions> &ranges,
                            Leaving leaving) {
+    keepForHandles(chunk, ranges);
     for (const EventChunk::Positions &range : ranges) {
         for (std::size_t position = range.first; position < range.last; ++position) {
-            keepForHandles({&chunk, position});
             if (leaving == Leaving::kGone) {
                 letGo({&chunk, position});
             }
@@ -105,16 +105,6 @@ void EventList::removeFrom(EventChunk &chunk, const std::vector<EventChunk::Posi
     }
 }
 
-void EventList::keepForHandles(const Place &place) {
-    if (m_held.empty()) {
-        return;
-    }
-    if (const auto held = m_held.find(place.id());
-        held != m_held.end() && !held->second.successor) {
-        held->second.fieldsAtLeaving = std::make_unique<Fields>(fieldsOf(place));
-    }
-}
-
 void EventList::letGo(const Place &place) {
     const EventRecord &record = place.record();
     m_priorities.release(record.priority);
@@ -122,32 +112,6 @@ void EventList::letGo(const Place &place) {
     if (record.hasExtras != 0) {
         m_extras.erase(place.id());
     }
-}
-
-EventList::Fields EventList::fieldsOf(const Place &place) {
-    Fields fields;
-    const auto date = dateText(place);
-    const EventRecord &record = place.record();
-    if (record.hasExtras != 0) {
-        const auto &others = m_extras[place.id()].others;
-        fields.insert(others.begin(), others.end());
-    }
-    if (date) {
-        fields["Date"] = *date;
-    }
-    if (record.priority != StringTable::kAbsent) {
-        fields["Priority"] = m_priorities.text(record.priority);
-    }
-    if (record.host != StringTable::kAbsent) {
-        fields["Host"] = m_hosts.text(record.host);
-    }
-    if (const auto message = place.chunk->message(record)) {
-        fields["Message"] = *message;
-    }
-    if (record.image > 0) {
-        fields["Image"] = severityLevelName(std::int64_t{record.image} - 1);
-    }
-    return fields;
 }
 
 void EventList::beginBulkInsert() {
@@ -158,46 +122,6 @@ void EventList::beginBulkInsert() {
 void EventList::endBulkInsert() {
     m_inBulk = false;
     tell(&EventListObserver::listChangedAtLarge);
-}
-
-void EventList::hold(EventId id) {
-    ++m_held[id].handles;
-}
-
-void EventList::release(EventId id) {
-    const auto held = m_held.find(id);
-    if (--held->second.handles == 0) {
-        m_held.erase(held);
-    }
-}
-
-void EventList::leadOn(EventId id, EventList &other, EventId newId) {
-    if (m_held.empty()) {
-        return;
-    }
-    if (const auto held = m_held.find(id); held != m_held.end()) {
-        held->second.successor = std::make_unique<Event>(other, newId);
-    }
-}
-
-std::optional<std::string> EventList::value(EventId id, std::string_view key) {
-    Fields inList;
-    const Fields *fields = nullptr;
-    const auto held = m_held.find(id);
-    if (held != m_held.end() && held->second.successor) {
-        return held->second.successor->value(key);
-    }
-    if (const auto place = placeOf(id)) {
-        inList = fieldsOf(*place);
-        fields = &inList;
-    } else if (held != m_held.end() && held->second.fieldsAtLeaving) {
-        fields = held->second.fieldsAtLeaving.get();
-    }
-    if (fields == nullptr) {
-        return std::nullopt;
-    }
-    const auto found = fields->find(key);
-    return found == fields->end() ? std::nullopt : std::optional(found->second);
 }
 
 }  // namespace quorbel

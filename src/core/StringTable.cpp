@@ -50,7 +50,7 @@ StringTable::Id StringTable::acquire(std::size_t hash, std::string_view text, st
         id = m_free.back();
         m_free.pop_back();
     }
-    m_entries[id] = {std::string(text), uses};
+    m_entries[id] = {std::string(text), uses, 0};
     m_ids.insert(hash, id);
     return id;
 }
@@ -71,7 +71,21 @@ std::vector<StringTable::Id> StringTable::acquireAll(const StringTable &others) 
 }
 
 void StringTable::release(Id id) {
-    if (id == kAbsent || --m_entries[id].uses > 0) {
+    if (id != kAbsent) {
+        --m_entries[id].uses;
+        freeUnlessNeeded(id);
+    }
+}
+
+void StringTable::stopKeeping(Id id) {
+    if (id != kAbsent) {
+        --m_entries[id].kept;
+        freeUnlessNeeded(id);
+    }
+}
+
+void StringTable::freeUnlessNeeded(Id id) {
+    if (m_entries[id].uses + m_entries[id].kept > 0) {
         return;
     }
     m_ids.erase(hashBytes(m_entries[id].text), id);

@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// Texts that many records share, each held once and for as long as a record uses it.
+/// Texts that many records share, each held once and for as long as a record uses or keeps it.
 class StringTable {
 public:
     using Id = std::uint32_t;
@@ -19,7 +19,7 @@ public:
 
     StringTable();
 
-    /// Nothing when no record uses that text.
+    /// Nothing when no record uses or keeps that text.
     [[nodiscard]] std::optional<Id> find(std::string_view text) const;
     /// Adds uses of a text, one or more.
     Id acquire(std::string_view text, std::uint64_t uses = 1) {
@@ -34,8 +34,17 @@ public:
     /// Adds all uses of the texts of another table of which none was released, in the order of
     /// their ids. Returns the ids here by those there.
     std::vector<Id> acquireAll(const StringTable &others);
-    /// Takes one use away; the last one frees the text, and its id may come back for another.
+    /// Takes one use away; the last one frees the text, unless it is kept, and its id may come back
+    /// for another.
     void release(Id id);
+    /// Keeps a text for one more record that does not count as using it.
+    void keep(Id id) {
+        if (id != kAbsent) {
+            ++m_entries[id].kept;
+        }
+    }
+    /// One record less keeps it.
+    void stopKeeping(Id id);
 
     /// Valid until the table changes; empty for kAbsent.
     [[nodiscard]] std::string_view text(Id id) const { return m_entries[id].text; }
@@ -49,7 +58,9 @@ private:
     struct Entry {
         std::string text;
         std::uint64_t uses = 0;
+        std::uint64_t kept = 0;
     };
+    void freeUnlessNeeded(Id id);
 
     std::vector<Entry> m_entries;
     HashIndex m_ids;

@@ -189,9 +189,46 @@ protected:
             const auto first = m_plain.rows.begin() + static_cast<std::ptrdiff_t>(range->first);
             const auto last = first + static_cast<std::ptrdiff_t>(range->count);
             taken.insert(taken.end(), first, last);
+            std::for_each(first, last, [this](const PlainEvent &event) { noteLeaving(event); });
             m_plain.rows.erase(first, last);
         }
         return taken;
+    }
+
+    /// Each as it is now, if somebody holds it.
+    void noteLeaving(const PlainEvent &event) {
+        if (const auto held = m_held.find(event.at("Number")); held != m_held.end()) {
+            held->second.atLeaving = event;
+            ++m_left;
+        }
+    }
+
+    void holdNewest() {
+        m_held.try_emplace(m_plain.rows.front()["Number"], Event(m_list, m_list.idAt(0)));
+    }
+
+    void letSomeGo() {
+        for (std::size_t i = pick(20); i > 0 && !m_held.empty(); --i) {
+            const auto from = m_held.lower_bound(std::to_string(pick(20'000)));
+            m_held.erase(from == m_held.end() ? m_held.begin() : from);
+        }
+    }
+
+    void compareHeld() {
+        std::map<std::string, const PlainEvent *> listed;
+        for (const PlainEvent &event : m_plain.rows) {
+            listed[event.at("Number")] = &event;
+        }
+        for (const auto &[number, held] : m_held) {
+            const auto row = listed.find(number);
+            const PlainEvent &expected = row == listed.end() ? held.atLeaving : *row->second;
+            for (const char *key : {"Date", "Priority", "Host", "Message", "Image"}) {
+                const auto text = expected.find(key);
+                ASSERT_EQ(held.event.value(key).value_or(""),
+                          text == expected.end() ? "" : text->second)
+                    << number << ' ' << key << (row == listed.end() ? " left" : " listed");
+            }
+        }
     }
 
     void removeRandomRows() {
@@ -236,6 +273,7 @@ protected:
         ASSERT_EQ(m_list.find(fieldsOf(announced), m_state.newDateFormat), expected)
             << announced["Date"];
         if (expected) {
+            noteLeaving(m_plain.rows[*expected]);
             m_list.removeRows({{*expected, 1}});
             m_plain.rows.erase(m_plain.rows.begin() + static_cast<std::ptrdiff_t>(*expected));
             ++m_found;
@@ -266,13 +304,21 @@ protected:
                          : std::nullopt);
     }
 
+    struct Held {
+        explicit Held(Event held) : event(std::move(held)) {}
+        Event event;
+        PlainEvent atLeaving{};
+    };
+
     std::mt19937 m_random{7};
     EventList m_list;
+    std::map<std::string, Held> m_held;  // by number
     MessagePacking m_packing{m_list};
     PlainList m_plain;
     AppState m_state;
     int m_found = 0;
     std::size_t m_putBack = 0;
+    std::size_t m_left = 0;  // while held
     std::size_t m_mostPacked = 0;
     std::size_t m_step = 0;
 };
@@ -288,7 +334,11 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
                 m_list.insertShown(fieldsOf(event), m_state);
                 m_plain.insertShown(event, m_state);
             }
+            if (pick(3) == 0) {
+                holdNewest();
+            }
         }
+        letSomeGo();
         if (pick(8) == 0) {
             changeState();
         }
@@ -309,6 +359,9 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
             m_mostPacked = std::max(m_mostPacked, packedChunks());
         }
         removeAnnounced();
+        if (pick(20) == 0) {
+            compareHeld();
+        }
         if (HasFatalFailure()) {
             return;
         }
@@ -317,13 +370,16 @@ TEST_P(EventListModelTest, ReadsTheSameAsAPlainList) {
             compareRow(pick(m_list.size()));
         }
     }
+    compareHeld();
     putBack();
+    compareHeld();
     for (std::size_t row = 0; row < m_list.size(); ++row) {
         compareRow(row);
     }
     EXPECT_GT(m_list.size(), 4096U);
     EXPECT_GT(m_found, 20);
     EXPECT_GT(m_putBack, 4096U);
+    EXPECT_GT(m_left, 1000U);
     EXPECT_EQ(m_mostPacked > 1, GetParam().packs);
 }
 
