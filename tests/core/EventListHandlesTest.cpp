@@ -131,6 +131,39 @@ TEST_F(EventListHandlesTest, TextsThatOnlyTheyHaveAreNotOfTheList) {
     EXPECT_THAT(hosts(), IsEmpty());
 }
 
+TEST_F(EventListHandlesTest, TextsOfNobodyMakeRoomForOthers) {
+    for (int i = 0; i < 100; ++i) {
+        list.insertRaw(fields("1700000000", "priority " + std::to_string(i), std::to_string(i)));
+        hold(1);
+        removeAll();
+        held.clear();
+    }
+    EXPECT_EQ(EventReader(list).hostLimit(), 2U);
+    EXPECT_EQ(EventReader(list).priorityLimit(), 2U);
+}
+
+TEST_F(EventListHandlesTest, OneThatAnswersARemovalNoticeStaysReadable) {
+    add(2);
+    hold(2);
+    list.markForRemoval(1);
+    list.removeMarked();
+    EXPECT_EQ(held.front().value("Message"), "disk full");
+    list.markForRemoval(0);
+    list.setAside({{0, 1}});
+    EXPECT_EQ(held.back().value("Message"), "disk full");
+}
+
+TEST_F(EventListHandlesTest, OneKeepsWhatCameWithIt) {
+    const std::vector<std::pair<std::string_view, std::string_view>> others{{"Odd", "one"}};
+    list.insertRaw({"soon", {}, {}, {}, others});
+    hold(1);
+    removeAll();
+    EXPECT_EQ(held.front().value("Odd"), "one");
+    EXPECT_EQ(held.front().value("Date"), "soon");
+    EXPECT_EQ(held.front().value("Host"), std::nullopt);
+    EXPECT_EQ(held.front().value("Message"), std::nullopt);
+}
+
 // One that was set aside has left; when it is put back, it has never.
 TEST_F(EventListHandlesTest, ItIsAsItWasWhenItLeftLast) {
     add(2);
