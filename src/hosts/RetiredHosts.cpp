@@ -15,8 +15,8 @@ const QString kKey = QStringLiteral("hosts/retired");
 
 HostWatch::Names rememberedRetiredHosts() {
     HostWatch::Names names;
-    const QStringList remembered = windowMemory().value(kKey).toStringList();
-    for (const QString &name : remembered) {
+    const QStringList retired = remembered(kKey).toStringList();
+    for (const QString &name : retired) {
         if (!name.isEmpty()) {
             names.insert(name.toStdString());
         }
@@ -25,15 +25,14 @@ HostWatch::Names rememberedRetiredHosts() {
 }
 
 void rememberRetiredHosts(const HostWatch::Names &names) {
-    QStringList remembered;
+    QStringList retired;
     for (const std::string &name : names) {
-        remembered.append(toQString(name));
+        retired.append(toQString(name));
     }
-    QSettings memory = windowMemory();
-    if (remembered.isEmpty()) {
-        memory.remove(kKey);
+    if (retired.isEmpty()) {
+        forget(kKey);
     } else {
-        memory.setValue(kKey, remembered);
+        remember(kKey, retired);
     }
 }
 

@@ -5,7 +5,7 @@
 namespace quorbel {
 
 /// The hosts that the user does not expect any more, as the window remembers them across starts
-/// (see windowMemory()).
+/// (see remember()).
 HostWatch::Names rememberedRetiredHosts();
 void rememberRetiredHosts(const HostWatch::Names &names);
 

@@ -6,6 +6,7 @@
 #include "events/ScanView.h"
 #include "events/ScanViewEvent.h"
 #include "platform/gui/Storyboard.h"
+#include "platform/gui/WindowMemory.h"
 #include "support/ConfigurationFolder.h"
 #include "support/ScopedVariable.h"
 #include "support/TemporaryFolder.h"
@@ -41,8 +42,11 @@ protected:
         m_storyboard.add(name("eventView"), [] { return std::make_unique<ScanViewEvent>(); });
     }
 
+    ~ScanViewFixture() { finishRemembering(); }
+
     // A page that was never shown, with the default levels and a fixed date format.
     void makePage() {
+        finishRemembering();
         m_configuration.reset();
         m_configuration = std::make_unique<ConfigurationFolder>();
         makeNextPage();

@@ -3,6 +3,7 @@
 #include "events/FindBar.h"
 #include "events/ScanViewFixture.h"
 #include "events/timeline/Timeline.h"
+#include "platform/gui/WindowMemory.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -92,6 +93,7 @@ protected:
     QString spanChosen() { return m_page->findChild<QAbstractButton *>(name("findSpan"))->text(); }
     QString readOut() { return timeline().readOut(); }
     QString remembered(const char *key = "Timeline/shown") {
+        finishRemembering();
         return QSettings(name((m_configuration->path() / "QuorbelWindow.ini").c_str()),
                          QSettings::IniFormat)
             .value(name(key))

@@ -27,7 +27,7 @@ private:
         return QTest::qWaitForWindowExposed(window.get()) ? std::move(window) : nullptr;
     }
     static void remember(const QByteArray &place) {
-        windowMemory().setValue(QStringLiteral("places/one"), place);
+        quorbel::remember(QStringLiteral("places/one"), place);
     }
 
     std::optional<TemporaryFolder> m_configuration;
@@ -37,7 +37,10 @@ private Q_SLOTS:
         m_configuration.emplace();
         qputenv("XDG_CONFIG_HOME", m_configuration->path().c_str());
     }
-    void cleanup() { m_configuration.reset(); }
+    void cleanup() {
+        finishRemembering();
+        m_configuration.reset();
+    }
 
     void nothingIsRememberedAtFirst() {
         const auto window = open("one");

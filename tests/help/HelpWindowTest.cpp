@@ -1,5 +1,6 @@
 #include "help/HelpWindow.h"
 #include "platform/gui/Appearance.h"
+#include "platform/gui/WindowMemory.h"
 #include "support/TemporaryFolder.h"
 
 #include <QApplication>
@@ -91,6 +92,7 @@ private Q_SLOTS:
     }
     void cleanup() {
         m_window.reset();
+        finishRemembering();
         m_configuration.reset();
     }
 

@@ -3,6 +3,7 @@
 #include "hosts/HostPulse.h"
 #include "hosts/LoudestHosts.h"
 #include "hosts/SilentHosts.h"
+#include "platform/gui/WindowMemory.h"
 #include "support/ConfigurationFolder.h"
 #include "support/InkSpans.h"
 #include "support/WindowStandIn.h"
@@ -73,6 +74,7 @@ private:
 
 private Q_SLOTS:
     void init() {
+        finishRemembering();
         m_configuration = std::make_unique<testing::ConfigurationFolder>();
         m_delegate = std::make_unique<AppDelegate>();
         m_main.asked.clear();

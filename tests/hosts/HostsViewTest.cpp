@@ -5,6 +5,7 @@
 #include "hosts/HostsView.h"
 #include "hosts/RetiredHosts.h"
 #include "platform/gui/RowTableView.h"
+#include "platform/gui/WindowMemory.h"
 #include "support/ConfigurationFolder.h"
 #include "support/Seed.h"
 #include "support/WindowStandIn.h"
@@ -112,6 +113,7 @@ private:
 
 private Q_SLOTS:
     void init() {
+        finishRemembering();
         m_configuration = std::make_unique<testing::ConfigurationFolder>();
         m_delegate = std::make_unique<AppDelegate>();
         for (std::size_t i = 0; i < kSeverityClassCount; ++i) {

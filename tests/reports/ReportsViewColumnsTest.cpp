@@ -51,6 +51,7 @@ private Q_SLOTS:
         QCOMPARE(hands().order(), kModelOrder);
         hands().moveTo(2, 0);
         QCOMPARE(hands().order().front(), 0);
+        finishRemembering();
         m_configuration->write("QuorbelWindow.ini",
                                "[Columns]\nReportByHost=1:99, 0:99, 2:99, 3:99\n");
         makeNextPage();

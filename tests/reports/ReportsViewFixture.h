@@ -4,6 +4,7 @@
 #include "platform/gui/ProgramEnd.h"
 #include "platform/gui/ProgressWindow.h"
 #include "platform/gui/Storyboard.h"
+#include "platform/gui/WindowMemory.h"
 #include "reports/ReportsView.h"
 #include "support/ConfigurationFolder.h"
 #include "support/ScopedVariable.h"
@@ -52,6 +53,7 @@ protected:
         m_page.reset();
         m_delegate.reset();
         m_library.reset();
+        finishRemembering();
         m_configuration.reset();
         m_folder.reset();
     }

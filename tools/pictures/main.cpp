@@ -15,7 +15,9 @@
 #include "support/StatusStandIn.h"
 #include "support/TemporaryFolder.h"
 
+#include <QFile>
 #include <QScreen>
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <cstdio>
@@ -35,8 +37,14 @@ std::vector<Picture> allPictures() {
     return all;
 }
 
+void beginAsNewUser() {
+    finishRemembering();
+    QFile::remove(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                  QStringLiteral("/QuorbelWindow.ini"));
+}
+
 bool save(const Picture &picture, testing::ServiceStandIn &service, const QString &file) {
-    windowMemory().clear();  // each begins as the window does for a new user
+    beginAsNewUser();
     const testing::TemporaryFolder library;
     writeSample(picture.sample, library);
     qputenv("QUORBEL_LIBRARY", library.path().c_str());

@@ -20,9 +20,7 @@ const QString kKey = QStringLiteral("Timeline/shown");
 
 TimelineFold::TimelineFold(Timeline &timeline, QAbstractButton &button, ArrangedEvents &events,
                            EventHold &hold)
-    : m_timeline(timeline),
-      m_button(button),
-      m_isWanted(windowMemory().value(kKey, false).toBool()) {
+    : m_timeline(timeline), m_button(button), m_isWanted(remembered(kKey, false).toBool()) {
     m_timeline.attach(events, hold);
     new TimelineMenu(m_timeline);
     m_button.setCheckable(true);
@@ -46,7 +44,7 @@ bool TimelineFold::isWindowLow() const {
 void TimelineFold::take(bool isOpen) {
     m_isWanted = isOpen;
     m_isOpenedInLowWindow = isOpen && isWindowLow();
-    windowMemory().setValue(kKey, isOpen);
+    remember(kKey, isOpen);
     look();
 }
 

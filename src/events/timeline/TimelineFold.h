@@ -11,7 +11,7 @@ class EventHold;
 class Timeline;
 
 /// Shows and hides the timeline with a button, and remembers that across starts (see
-/// windowMemory()). At first it is hidden. In a low window it stays so, unless it is opened there.
+/// remember()). At first it is hidden. In a low window it stays so, unless it is opened there.
 class TimelineFold : public QObject {
     Q_OBJECT
 

@@ -24,10 +24,10 @@ TimelineMenu::TimelineMenu(Timeline &timeline)
     add("stackByRating", tr("Stack by &Rating"), EventGrouping::kRating);
     add("stackByHost", tr("Stack by &Host"), EventGrouping::kHost);
     add("stackByFacility", tr("Stack by &Facility"), EventGrouping::kFacility);
-    const QString remembered = windowMemory().value(kKey).toString();
+    const QString chosen = remembered(kKey).toString();
     for (QAction *action : m_menu->actions()) {
         group->addAction(action);
-        if (action->objectName() == remembered) {
+        if (action->objectName() == chosen) {
             action->trigger();
         }
     }
@@ -35,7 +35,7 @@ TimelineMenu::TimelineMenu(Timeline &timeline)
         m_menu->actions().first()->setChecked(true);
     }
     connect(group, &QActionGroup::triggered, this,
-            [](const QAction *action) { windowMemory().setValue(kKey, action->objectName()); });
+            [](const QAction *action) { remember(kKey, action->objectName()); });
     m_timeline.installEventFilter(this);
 }
 

@@ -11,7 +11,7 @@ namespace quorbel {
 class Timeline;
 
 /// The timeline's menu: what its columns are stacked by. That is remembered across starts (see
-/// windowMemory()); at first it is the rating.
+/// remember()); at first it is the rating.
 class TimelineMenu : public QObject {
     Q_OBJECT
 

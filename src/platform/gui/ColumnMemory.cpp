@@ -70,7 +70,7 @@ ColumnMemory::Columns ColumnMemory::columns() const {
 std::optional<ColumnMemory::Columns> ColumnMemory::remembered() const {
     const QHeaderView &header = *m_table.horizontalHeader();
     Columns result;
-    for (const QString &text : windowMemory().value(key(m_name)).toStringList()) {
+    for (const QString &text : quorbel::remembered(key(m_name)).toStringList()) {
         const auto column = readColumn(text);
         if (!column) {
             return std::nullopt;
@@ -99,7 +99,7 @@ void ColumnMemory::remember() {
     for (const auto &[index, width] : columns()) {
         texts.append(QStringLiteral("%1:%2").arg(index).arg(std::min(width, kWidest)));
     }
-    windowMemory().setValue(key(m_name), texts);
+    quorbel::remember(key(m_name), texts);
 }
 
 bool ColumnMemory::eventFilter(QObject *watched, QEvent *event) {

@@ -11,7 +11,7 @@ class QTableView;
 namespace quorbel {
 
 /// Lets the user move a table's columns with the mouse, and remembers their widths and order across
-/// starts (see windowMemory()), below the name that was given last. Nothing is written before the
+/// starts (see remember()), below the name that was given last. Nothing is written before the
 /// user has changed something, and what is remembered is taken whole or, when it does not fit the
 /// table, not at all.
 class ColumnMemory : public QObject {

@@ -9,7 +9,7 @@ namespace quorbel {
 
 PlaceMemory::PlaceMemory(QWidget &window, const QString &name)
     : QObject(&window), m_window(window), m_key(QStringLiteral("places/") + name) {
-    const QByteArray place = windowMemory().value(m_key).toByteArray();
+    const QByteArray place = remembered(m_key).toByteArray();
     // Qt takes a cut one for a place without a size.
     if (place.size() == m_window.saveGeometry().size()) {
         m_window.restoreGeometry(place);
@@ -19,7 +19,7 @@ PlaceMemory::PlaceMemory(QWidget &window, const QString &name)
 
 bool PlaceMemory::eventFilter(QObject *watched, QEvent *event) {
     if (event->type() == QEvent::Hide && !event->spontaneous()) {
-        windowMemory().setValue(m_key, m_window.saveGeometry());
+        remember(m_key, m_window.saveGeometry());
     }
     return QObject::eventFilter(watched, event);
 }

@@ -8,7 +8,7 @@ class QWidget;
 namespace quorbel {
 
 /// Remembers across starts where a window was, and how large, when it was seen last (see
-/// windowMemory()). What is on no screen any more is moved onto one, and what is no place is passed
+/// remember()). What is on no screen any more is moved onto one, and what is no place is passed
 /// over; where the desktop alone decides on places, as under Wayland, only the size is taken up.
 class PlaceMemory : public QObject {
     Q_OBJECT
