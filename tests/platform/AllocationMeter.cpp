@@ -33,6 +33,11 @@ void release(void *block) noexcept {
 void *operator new(std::size_t size) {
     return counted(std::malloc(std::max<std::size_t>(size, 1)));
 }
+/// What asks this way is content with none.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    void *block = std::malloc(std::max<std::size_t>(size, 1));
+    return block == nullptr ? nullptr : counted(block);
+}
 void operator delete(void *block) noexcept {
     release(block);
 }
