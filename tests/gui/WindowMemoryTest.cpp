@@ -28,7 +28,7 @@ std::atomic<bool> isDiskAsked = false;
 /// In place of the C library's.
 extern "C" int fdatasync(int descriptor) {
     isDiskAsked = true;
-    if (!waitUntil([] { return isDiskReady.load(); }, std::chrono::seconds(5))) {
+    if (!waitUntil([] { return isDiskReady.load(); }, std::chrono::seconds(30))) {
         wasDiskTooSlow = true;
     }
     return static_cast<int>(syscall(SYS_fdatasync, descriptor));
