@@ -68,6 +68,7 @@ int run(const std::filesystem::path &folder) {
     const std::size_t empty = memoryNow();
     EventList list;
     addSamples(list, log);
+    std::filesystem::remove(log);
     list.show(stateWithFormat(kFormat));
     packAll(list);
     const std::size_t listed = memoryNow() - empty;

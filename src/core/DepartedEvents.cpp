@@ -42,10 +42,11 @@ DepartedEvents::Chunks::iterator DepartedEvents::chunkOf(EventId id) {
 }
 
 DepartedEvents::Departed *DepartedEvents::find(Group &group, std::size_t slot) {
-    const auto all = std::ranges::equal_range(group.events, slot, {}, &Departed::slot);
-    const auto found = std::ranges::find(
-        all, 0, [](const Departed &departed) { return departed.record.isLeaving; });
-    return found == all.end() ? nullptr : &*found;
+    auto event = std::ranges::lower_bound(group.events, slot, {}, &Departed::slot);
+    while (event != group.events.end() && event->slot == slot && event->record.isLeaving != 0) {
+        ++event;
+    }
+    return event != group.events.end() && event->slot == slot ? &*event : nullptr;
 }
 
 std::optional<DepartedEvents::Found> DepartedEvents::find(EventId id) {

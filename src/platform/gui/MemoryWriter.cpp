@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 namespace quorbel {
@@ -23,10 +22,11 @@ void MemoryWriter::write(MemoryChange change) {
 std::optional<QVariant> MemoryWriter::find(const QString &file, const QString &key) {
     const MutexLock lock(m_mutex);
     for (const auto *changes : {&m_waiting, &m_underWay}) {
-        for (const MemoryChange &change : *changes | std::views::reverse) {
-            if (change.file == file && change.key == key) {
-                return change.value;
-            }
+        const auto last = std::find_if(
+            changes->rbegin(), changes->rend(),
+            [&](const MemoryChange &change) { return change.file == file && change.key == key; });
+        if (last != changes->rend()) {
+            return last->value;
         }
     }
     return m_before && m_before->file == file ? std::optional(m_before->byKey.value(key))
