@@ -22,6 +22,8 @@ unpack_rsyslog() { unpack_packages "$1" rsyslog rsyslog-openssl libestr0 libfast
 
 unpack_loggen() { unpack_packages "$1" syslog-ng-core libivykis0; }
 
+unpack_syslog_ng() { unpack_packages "$1" syslog-ng-core libivykis0 libnet1; }
+
 # The column store that events can be sent to, with the libraries that nothing else here needs.
 unpack_clickhouse() {
     unpack_packages "$1" clickhouse-server clickhouse-client clickhouse-common \

@@ -23,6 +23,8 @@ check "packages explains itself" gives 0 "^Usage: tools/packages" "$project/tool
 check "packages refuses what it does not know" gives 2 "^Usage: tools/packages" \
     "$project/tools/packages" --nonsense
 check "packages wants a build to pack" gives 1 "no build in" "$project/tools/packages" --from /
+check "peers of the service are known by name" gives 2 "^Usage: bench/peers_service" \
+    "$project/bench/peers_service" --quick nonsense
 
 purposes="build run display test bench check package system tidy fuzz coverage peers"
 duplicates() { grep -v '^#' "$project/packages.txt" | awk 'NF { print $1 }' | sort | uniq -d; }
