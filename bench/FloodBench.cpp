@@ -164,8 +164,9 @@ bool bench(const char *name, Transport transport, const Pace &pace,
         what.c_str(), ours.stored, theirs, ours.taken, ours.perSecond, ours.dropped, ours.wait);
     bool reached = report("stored with a window" + what + ", times rsyslog's rate",
                           ours.stored / theirs, "", false, 0.9);
+    // What came last is taken in a moment later than it is stored.
     reached &= report("taken in by it, a second, by 500,000 or what came" + what,
-                      ours.taken / std::min(500'000.0, ours.stored), "", false, 1.0);
+                      ours.taken / std::min(500'000.0, ours.stored), "", false, 0.99);
     reached &= report("longest stall" + what, ours.stall, "s", true, 0.1);
     reached &= report("until everything is there" + what, ours.after, "s", true, 1.0);
     reached &= report("counters are the service's" + what, ours.isExact ? 1 : 0, "", false, 1.0);
