@@ -4,16 +4,14 @@
 #include "cluster/ClusterFixture.h"
 #include "cluster/CuttingRelay.h"
 #include "platform/Files.h"
+#include "service/output/Collectors.h"
 #include "service/output/Life.h"
-#include "service/output/ShiftedClock.h"
 #include "service/output/SmallDisk.h"
 #include "service/output/SyslogReceiver.h"
 #include "support/PrivateNetwork.h"
 #include "support/Seed.h"
 #include "support/WaitUntil.h"
 
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -31,6 +29,7 @@ namespace quorbel {
 namespace {
 
 using testing::ClickHouse;
+using testing::Collectors;
 using testing::CollectorTalk;
 using testing::CuttingRelay;
 using testing::Life;
@@ -56,34 +55,15 @@ struct ClusterFaultsTest : ::testing::Test {
         ASSERT_TRUE(server.start());
         ASSERT_EQ(applySchema(server, folder, clusterSchema({}, {})), "");
         relay.emplace(server.httpsPort());
-        setup.cluster.servers = {"https://127.0.0.1:" + std::to_string(relay->port())};
-        setup.cluster.user = "quorbel";
-        setup.cluster.passwordFile = server.connection().passwordFile;
-        setup.cluster.authorityFile = folder.write("authority", authority.certificate());
-        setup.forward.name = "siem";
-        setup.forward.server = "127.0.0.1";
-        setup.forward.port = receiver.port();
-        setup.forward.history = true;
+        places.clusterServer = "https://127.0.0.1:" + std::to_string(relay->port());
+        places.passwordFile = server.connection().passwordFile;
+        places.authorityFile = folder.write("authority", authority.certificate());
+        places.forwardPort = receiver.port();
     }
-    void TearDown() override { killCollector(); }
+    void TearDown() override { collectors.kill(); }
 
     unsigned below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
-    void startCollector() {
-        const unsigned seed = below(UINT32_MAX);
-        collector = fork();
-        if (collector == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            testing::clockShift = &talk.clockShift;
-            Life(setup, seed, talk).run();
-        }
-    }
-    void killCollector() {
-        if (collector > 0) {
-            ::kill(collector, SIGKILL);
-            waitpid(collector, nullptr, 0);
-            collector = -1;
-        }
-    }
+    void startCollector() { collectors.start(places, below(UINT32_MAX)); }
     /// How many rows there are, repeats included; nothing while the server does not answer.
     [[nodiscard]] std::uint64_t rows() const {
         return std::strtoull(server.ask("SELECT count() FROM quorbel.events").c_str(), nullptr, 10);
@@ -100,7 +80,7 @@ struct ClusterFaultsTest : ::testing::Test {
     // The faults, each with its end.
 
     void killedCollector() {
-        killCollector();
+        collectors.kill();
         startCollector();
     }
     void killedServer() {
@@ -163,9 +143,9 @@ struct ClusterFaultsTest : ::testing::Test {
     /// In the log files.
     [[nodiscard]] Counts stored() const {
         Counts events;
-        for (const std::string &name : listFolder(setup.library)) {
+        for (const std::string &name : listFolder(places.library)) {
             if (hasExtension(name, "log")) {
-                LogReader::readBytes(readFile(setup.library / name).value_or(""),
+                LogReader::readBytes(readFile(places.library / name).value_or(""),
                                      [&events](const LogLine &line) {
                                          ++events[std::string(line.message)];
                                          return true;
@@ -176,7 +156,7 @@ struct ClusterFaultsTest : ::testing::Test {
     }
     /// What retention may have removed.
     [[nodiscard]] std::set<std::string> removable() const {
-        std::istringstream text(readFile(setup.ledger).value_or(""));
+        std::istringstream text(readFile(places.ledger).value_or(""));
         std::set<std::string> messages;
         for (std::string message; std::getline(text, message);) {
             messages.insert(message);
@@ -221,15 +201,16 @@ struct ClusterFaultsTest : ::testing::Test {
 
     static inline bool s_hasMounts = false;
 
+    CollectorTalk &talk = CollectorTalk::make();
+    Collectors collectors{talk};  // before anything that has a thread
     TemporaryFolder folder;
     const SmallDisk disk{folder.path() / "disk"};
     const TestAuthority authority;
     ClickHouse server{folder.path() / "server"};
     std::optional<CuttingRelay> relay;
     SyslogReceiver receiver;
-    Life::Setup setup{folder.path() / "disk" / "library", folder.path() / "ledger", {}, {}};
-    CollectorTalk &talk = CollectorTalk::make();
-    pid_t collector = -1;
+    Collectors::Places places{
+        folder.path() / "disk" / "library", folder.path() / "ledger", "", "", "", 0};
     std::mt19937 random{testing::seed()};
 };
 
@@ -243,11 +224,11 @@ void ClusterFaultsTest::suffer(std::span<const Kind> kinds, int rounds) {
             ASSERT_TRUE(waitForMore()) << "round " << round << ", " << kind.name;
         }
     }
-    killCollector();
+    collectors.kill();
 }
 
 ClusterFaultsTest::Uncounted ClusterFaultsTest::checkArrival() {
-    Life last(setup, 0, talk);
+    Life last(Collectors::setupOf(places), 0, talk);
     EXPECT_TRUE(last.finish());
     const Counts staying = stored();
     EXPECT_TRUE(waitUntil([&] { return hasReceived(staying); }));
