@@ -118,12 +118,11 @@ TEST_F(HandOverTest, KeepsThePortForTls) {
     service = start(setup);
     const std::string line = "Listening for TLS on port ";
     ASSERT_TRUE(service->waitForJournal(line));
-    const std::string said = service->journal();
-    const int tlsPort = std::stoi(said.substr(said.find(line) + line.size()));
+    const std::uint16_t tlsPort = service->tlsPort();
     ASSERT_EQ(service->terminate(), 0);
     EXPECT_THAT(manager.kept(), UnorderedElementsAre("tls", "states"));
     // Nobody runs, but whoever comes is not sent away.
-    const UniqueFd early = connectTo(static_cast<std::uint16_t>(tlsPort), SOCK_STREAM);
+    const UniqueFd early = connectTo(tlsPort, SOCK_STREAM);
     setup = manager.setup();
     setup.arguments = {"--tls-port", std::to_string(tlsPort)};
     service = start(setup);

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -30,7 +29,7 @@ struct RelayTlsTest : testing::ServiceFixture {
         ServiceProcess::Setup setup;
         setup.arguments = {"--port", "0", "--tls-port", "0"};
         service = start(setup);
-        ASSERT_TRUE(service->waitForJournal(kListening));
+        ASSERT_TRUE(testing::waitUntil([this] { return service->tlsPort() != 0; }));
     }
     /// Gives it another configuration, and waits until that is in force.
     void reload(const std::string &configuration, const std::string &journal) {
@@ -42,13 +41,10 @@ struct RelayTlsTest : testing::ServiceFixture {
     }
     [[nodiscard]] std::unique_ptr<Client> connectAs(unsigned host,
                                                     const Client::Setup &setup = {}) const {
-        const std::string journal = service->journal();
-        const std::size_t at = journal.rfind(kListening) + kListening.size();
-        const auto port = static_cast<std::uint16_t>(std::atoi(journal.c_str() + at));
-        return std::make_unique<Client>(testing::connectFrom(host, port), authority, setup);
+        return std::make_unique<Client>(testing::connectFrom(host, service->tlsPort()), authority,
+                                        setup);
     }
 
-    inline static const std::string kListening = "Listening for TLS on port ";
     inline static const std::string kRelay = "[Relays]\nNetworks=127.0.0.2/31\n";
 
     const TestAuthority authority;

@@ -21,7 +21,6 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <future>
 #include <memory>
 #include <string>
@@ -57,15 +56,6 @@ struct TlsTest : ::testing::Test {
                                   .arguments = {"--port", "0", "--tls-port", port},
                                   .descriptors = descriptors});
         ASSERT_TRUE(service->isListening()) << service->journal();
-    }
-    /// The port that it listened on last; 0 when there was none.
-    [[nodiscard]] std::uint16_t tlsPort() const {
-        constexpr std::string_view kLine = "Listening for TLS on port ";
-        const std::string journal = service->journal();
-        const std::size_t at = journal.rfind(kLine);
-        return at == std::string::npos
-                   ? std::uint16_t{0}
-                   : static_cast<std::uint16_t>(std::atoi(journal.c_str() + at + kLine.size()));
     }
     [[nodiscard]] std::vector<std::string> messages() const {
         std::vector<std::string> result;
@@ -106,7 +96,7 @@ TEST_F(TlsTest, TakesBothFramingsAndVersions) {
     start();
     std::size_t count = 0;
     for (const int version : {TLS1_2_VERSION, TLS1_3_VERSION}) {
-        Client client(tlsPort(), authority, {{}, version});
+        Client client(service->tlsPort(), authority, {{}, version});
         ASSERT_TRUE(client.isConnected());
         ASSERT_TRUE(client.send("9 <13>count"));
         ASSERT_TRUE(client.send("ed"));
@@ -127,7 +117,7 @@ TEST_F(TlsTest, OffersNoOldVersions) {
     install(authority.issue());
     start();
     for (const int version : {TLS1_VERSION, TLS1_1_VERSION}) {
-        EXPECT_FALSE(Client(tlsPort(), authority, {{}, version}).isConnected());
+        EXPECT_FALSE(Client(service->tlsPort(), authority, {{}, version}).isConnected());
     }
     EXPECT_TRUE(service->waitForJournal("A TLS connection from 127.0.0.1 failed: "));
 }
@@ -135,7 +125,7 @@ TEST_F(TlsTest, OffersNoOldVersions) {
 TEST_F(TlsTest, TakesMuchAtOnceAndLosesNothingAtTheEnd) {
     install(authority.issue());
     start();
-    Client client(tlsPort(), authority);
+    Client client(service->tlsPort(), authority);
     std::string frames;
     for (int i = 0; i < 20'000; ++i) {
         frames += "<13>message number " + std::to_string(i) + '\n';
@@ -193,13 +183,13 @@ TEST_F(TlsTest, ClientsShowACertificateWhereOneIsAskedFor) {
     folder.write("tls/ca.pem", clients.certificate());
     start();
     for (const int version : {TLS1_2_VERSION, TLS1_3_VERSION}) {
-        Client nobody(tlsPort(), authority, {{}, version});
+        Client nobody(service->tlsPort(), authority, {{}, version});
         nobody.send("<13>forged\n");
         EXPECT_TRUE(nobody.isRefused());
-        Client stranger(tlsPort(), authority, {authority.issue(), version});
+        Client stranger(service->tlsPort(), authority, {authority.issue(), version});
         stranger.send("<13>forged\n");
         EXPECT_TRUE(stranger.isRefused());
-        Client known(tlsPort(), authority, {clients.issue("DNS:device.example"), version});
+        Client known(service->tlsPort(), authority, {clients.issue("DNS:device.example"), version});
         ASSERT_TRUE(known.isConnected());
         EXPECT_TRUE(known.send("<13>genuine\n"));
         ASSERT_TRUE(waitForMessages(version == TLS1_2_VERSION ? 1 : 2));
@@ -212,7 +202,7 @@ TEST_F(TlsTest, ClientsShowACertificateWhereOneIsAskedFor) {
 TEST_F(TlsTest, NobodyKeepsOthersWaiting) {
     install(authority.issue());
     start();
-    const std::uint16_t port = tlsPort();
+    const std::uint16_t port = service->tlsPort();
     std::vector<UniqueFd> silent;
     for (int i = 0; i < 100; ++i) {
         silent.push_back(connectTo(port));
@@ -243,12 +233,12 @@ TEST_F(TlsTest, NobodyKeepsOthersWaiting) {
 TEST_F(TlsTest, ANewConnectionTakesTheIdlestOnesPlace) {
     install(authority.issue());
     start("0", kFewDescriptors);
-    Client first(tlsPort(), authority);
+    Client first(service->tlsPort(), authority);
     ASSERT_TRUE(first.send("<13>first\n"));
     ASSERT_TRUE(waitForMessages(1));
     std::vector<std::unique_ptr<Client>> others;
     for (std::uint64_t i = 0; i < kFewDescriptors; ++i) {
-        others.push_back(std::make_unique<Client>(tlsPort(), authority));
+        others.push_back(std::make_unique<Client>(service->tlsPort(), authority));
     }
     EXPECT_TRUE(first.isRefused());
     EXPECT_TRUE(others.back()->send("<13>last\n"));
@@ -262,16 +252,16 @@ TEST_F(TlsTest, ANewConnectionTakesTheIdlestOnesPlace) {
 TEST_F(TlsTest, SlowHandshakesTakeNobodyElsesPlace) {
     install(authority.issue());
     start("0", kFewDescriptors);
-    Client quiet(testing::connectFrom(2, tlsPort()), authority);
+    Client quiet(testing::connectFrom(2, service->tlsPort()), authority);
     ASSERT_TRUE(quiet.isConnected());
     const UniqueFd plain = testing::connectFrom(3, service->port());
     std::vector<UniqueFd> slow;
     for (std::uint64_t i = 0; i < 3 * kFewDescriptors; ++i) {
-        slow.push_back(connectTo(tlsPort()));
+        slow.push_back(connectTo(service->tlsPort()));
         EXPECT_EQ(send(slow.back().get(), "\x16\x03\x01\x02\x00\x01", 6, MSG_NOSIGNAL), 6);
     }
     // Room was made for each of them before this one is taken on.
-    Client late(testing::connectFrom(4, tlsPort()), authority);
+    Client late(testing::connectFrom(4, service->tlsPort()), authority);
     ASSERT_TRUE(late.send("<13>late\n"));
     ASSERT_TRUE(waitForMessages(1));
     ASSERT_TRUE(quiet.send("<13>quiet\n"));
@@ -295,7 +285,7 @@ TEST_F(TlsTest, LosesNoMessageBehindAnOddFrame) {
             const std::string message = "<13>number " + std::to_string(i);
             bytes += std::to_string(message.size()) + ' ' + message;
         }
-        Client client(tlsPort(), authority);
+        Client client(service->tlsPort(), authority);
         for (std::size_t at = 0; at < bytes.size(); at += 777) {
             ASSERT_TRUE(client.send(std::string_view(bytes).substr(at, 777)));
         }
@@ -315,12 +305,12 @@ TEST_F(TlsTest, LosesNoMessageBehindAnOddFrame) {
 
 TEST_F(TlsTest, ListensOnlyWithACertificate) {
     start();
-    EXPECT_EQ(tlsPort(), 0);
+    EXPECT_EQ(service->tlsPort(), 0);
     EXPECT_THAT(service->journal(), Not(HasSubstr("TLS")));
     install(authority.issue());
     reload();
     ASSERT_TRUE(service->waitForJournal("Listening for TLS on port "));
-    const std::uint16_t port = tlsPort();
+    const std::uint16_t port = service->tlsPort();
     Client client(port, authority);
     EXPECT_TRUE(client.isConnected());
     EXPECT_TRUE(client.send("<13>whole\n<13>unfinished"));
@@ -339,7 +329,7 @@ TEST_F(TlsTest, ListensOnlyWithACertificate) {
 TEST_F(TlsTest, StoresWhatHasArrivedWhenTheCertificateGoes) {
     install(authority.issue());
     start();
-    Client client(tlsPort(), authority);
+    Client client(service->tlsPort(), authority);
     ASSERT_TRUE(client.send("<13>first\n"));
     ASSERT_TRUE(waitForMessages(1));
     // The signal is looked at before the connection.
@@ -359,12 +349,12 @@ TEST_F(TlsTest, StoresWhatHasArrivedWhenTheCertificateGoes) {
 TEST_F(TlsTest, TakesANewCertificateIntoUse) {
     install(authority.issue());
     start();
-    Client early(tlsPort(), authority);
+    Client early(service->tlsPort(), authority);
     const TestAuthority renewed("Renewed");
     install(renewed.issue());
     reload();
-    EXPECT_TRUE(Client(tlsPort(), renewed).isConnected());
-    EXPECT_FALSE(Client(tlsPort(), authority).isConnected());
+    EXPECT_TRUE(Client(service->tlsPort(), renewed).isConnected());
+    EXPECT_FALSE(Client(service->tlsPort(), authority).isConnected());
     ASSERT_TRUE(early.send("<13>early\n"));
     EXPECT_TRUE(waitForMessages(2));
     struct Case {
@@ -387,7 +377,7 @@ TEST_F(TlsTest, TakesANewCertificateIntoUse) {
             return service->journal().find(file.string() + " cannot be used: ", begin) !=
                    std::string::npos;
         })) << c.name;
-        EXPECT_TRUE(Client(tlsPort(), renewed).isConnected()) << c.name;
+        EXPECT_TRUE(Client(service->tlsPort(), renewed).isConnected()) << c.name;
     }
 }
 

@@ -21,6 +21,7 @@ namespace quorbel::testing {
 namespace {
 
 constexpr std::string_view kPortLine = "Listening on port ";
+constexpr std::string_view kTlsPortLine = "Listening for TLS on port ";
 
 std::vector<std::string> environmentFor(const ServiceProcess::Setup &setup) {
     std::vector<std::string> variables{
@@ -61,11 +62,7 @@ void passAsListeners(const std::vector<int> &descriptors) {
 ServiceProcess::ServiceProcess(const Setup &setup) {
     start(setup);
     waitUntil([this] {
-        const std::string text = journal();
-        const std::size_t at = text.find(kPortLine);
-        if (at != std::string::npos && text.find('\n', at) != std::string::npos) {
-            m_port = static_cast<std::uint16_t>(std::atoi(text.c_str() + at + kPortLine.size()));
-        }
+        m_port = portBehind(kPortLine);
         const std::lock_guard lock(m_mutex);
         return m_port != 0 || m_journalEnded;
     });
@@ -148,6 +145,19 @@ void ServiceProcess::holdJournal(bool hold) {
     m_journalHeld = hold;
     fcntl(m_journalPipe, F_SETPIPE_SZ, hold ? 4096 : 65536);
     m_journalChanged.notify_all();
+}
+
+std::uint16_t ServiceProcess::tlsPort() const {
+    return portBehind(kTlsPortLine);
+}
+
+/// The number behind those words where it has said them last, in a whole line; 0 when it has not.
+std::uint16_t ServiceProcess::portBehind(std::string_view words) const {
+    const std::string text = journal();
+    const std::size_t at = text.rfind(words);
+    return at == std::string::npos || text.find('\n', at) == std::string::npos
+               ? std::uint16_t{0}
+               : static_cast<std::uint16_t>(std::atoi(text.c_str() + at + words.size()));
 }
 
 bool ServiceProcess::waitForJournal(std::string_view text, std::chrono::milliseconds limit) const {

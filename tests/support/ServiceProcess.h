@@ -42,6 +42,8 @@ public:
     [[nodiscard]] bool isListening() const { return m_port != 0; }
     /// The UDP and TCP port that it listens on; 0 when it does not.
     [[nodiscard]] std::uint16_t port() const { return m_port; }
+    /// The port that it listened on for TLS last; 0 when there was none. That may take a moment.
+    [[nodiscard]] std::uint16_t tlsPort() const;
     [[nodiscard]] pid_t pid() const { return m_pid; }
 
     /// What it has written to its standard error so far.
@@ -62,6 +64,7 @@ public:
 private:
     void start(const Setup &setup);
     void readJournal(int fd);
+    [[nodiscard]] std::uint16_t portBehind(std::string_view words) const;
     bool reap(int options);
 
     pid_t m_pid = -1;

@@ -37,15 +37,6 @@ using Protocol = ForwardSettings::Protocol;
 
 constexpr std::chrono::seconds kLong{90};
 
-/// Where it listens for TLS.
-std::uint16_t tlsPort(const ServiceProcess &service) {
-    constexpr std::string_view kLine = "Listening for TLS on port ";
-    EXPECT_TRUE(service.waitForJournal(kLine)) << service.journal();
-    const std::string journal = service.journal();
-    const std::size_t at = journal.find(kLine) + kLine.size();
-    return static_cast<std::uint16_t>(std::atoi(journal.c_str() + at));
-}
-
 /// rsyslog, unpacked in a folder, writing what it receives to a file.
 class Rsyslog {
 public:
@@ -217,7 +208,8 @@ TEST_P(ForwardReceiversTest, aServiceOfOursStoresTheSameTexts) {
     setup.arguments = {"--port", "0", "--tls-port", "0"};
     const ServiceProcess service(setup);
     ASSERT_TRUE(service.isListening());
-    forwardTo(GetParam() == Protocol::kTls ? tlsPort(service) : service.port());
+    ASSERT_TRUE(waitUntil([&] { return service.tlsPort() != 0; })) << service.journal();
+    forwardTo(GetParam() == Protocol::kTls ? service.tlsPort() : service.port());
     put(0, kCount);
     EXPECT_TRUE(isAllSent(kCount)) << output->state().problem;
     std::map<std::string, int> stored;
