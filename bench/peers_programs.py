@@ -4,6 +4,7 @@ import contextlib
 import ctypes
 import glob
 import os
+import random
 import shutil
 import signal
 import socket
@@ -61,13 +62,14 @@ def wait_until(condition, what):
 
 
 def free_port():
-    """A port that neither a stream nor a datagram socket has."""
+    """A port that neither a stream nor a datagram socket has, and that the system gives to nobody who asks for any."""
     for _ in range(100):
+        address = ("127.0.0.1", random.randrange(10_000, 32_000))
         with socket.socket() as stream, socket.socket(type=socket.SOCK_DGRAM) as datagrams:
-            stream.bind(("127.0.0.1", 0))
             with contextlib.suppress(OSError):
-                datagrams.bind(stream.getsockname())
-                return stream.getsockname()[1]
+                stream.bind(address)
+                datagrams.bind(address)
+                return address[1]
     return sys.exit("No port is free.")
 
 
@@ -113,7 +115,7 @@ class Server:
 
     def quorbel(self, _):
         return ([f"{self.build}/release/src/service/QuorbelSrv", "--port", str(self.port), "--tls-port",
-                 str(self.tls_port)],
+                 str(self.tls_port), "--config", f"{self.folder}/quorbelsrv.conf"],
                 {"QUORBEL_LIBRARY": self.output, "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent"})
 
     def rsyslog(self, tuned):
